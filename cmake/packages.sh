@@ -1,0 +1,56 @@
+# Sourced by ./demo and ./check, which set root (the tree). What they share: the packages, and how to build.
+# shellcheck shell=bash
+
+packages=(build-essential cmake ninja-build pkg-config
+    qt6-base-dev qt6-base-dev-tools qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools
+    libgl1-mesa-dev libhidapi-dev libudev-dev
+    # The panel's texts have fixed places: these fonts fit them.
+    fonts-noto-cjk fonts-open-sans
+    # Tests run on a faster clock, and draw the pictures again from their sources.
+    faketime librsvg2-bin imagemagick gifsicle python3)
+
+is_installed() {
+    [ "$(dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
+}
+
+as_root() {
+    if [ "$(id -u)" -eq 0 ]; then
+        "$@"
+    elif command -v sudo >/dev/null; then
+        sudo "$@"
+    else
+        echo "Installing packages needs root: run this as root, or install sudo." >&2
+        return 1
+    fi
+}
+
+# Says which packages are missing and installs them.
+install_missing() {
+    local missing=() package
+    for package in "${packages[@]}"; do
+        is_installed "$package" || missing+=("$package")
+    done
+    [ "${#missing[@]}" -gt 0 ] || return 0
+    if ! command -v apt-get >/dev/null; then
+        echo "This is no Debian: please install what corresponds to ${missing[*]}." >&2
+        return 1
+    fi
+    echo "About to install with apt-get: ${missing[*]}"
+    # A fresh machine has no package lists, an old one has lists that the mirrors have left behind.
+    as_root apt-get update --quiet
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get install --quiet --yes --no-install-recommends "${missing[@]}"
+}
+
+# build_preset PRESET [TARGET...]: configures and builds with all cores.
+build_preset() {
+    local preset=$1
+    shift
+    cmake --preset "$preset" -S "$root" -B "$root/build/$preset" --log-level=WARNING
+    cmake --build "$root/build/$preset" --parallel "$(nproc)" ${1+--target "$@"}
+}
+
+# Qt wants a UTF-8 locale, and a bare system has none set.
+case "${LC_ALL:-${LC_CTYPE:-${LANG:-}}}" in
+*UTF-8 | *utf8 | *UTF8 | *utf-8) ;;
+*) export LC_ALL=C.UTF-8 ;;
+esac
