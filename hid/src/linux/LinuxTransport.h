@@ -1,0 +1,21 @@
+#pragma once
+
+#include "BusMonitor.h"
+
+#include <HIDCommunicator/HidTransport.h>
+
+namespace HIDCommunicator {
+
+/// The bus of a Linux system: devices and events from udev, reports through hidraw.
+class LinuxTransport : public HidTransport {
+public:
+    QList<HidDeviceInfo> enumerate(int vendorId) override;
+    std::unique_ptr<HidConnection> open(const QString &path) override;
+    bool waitForHotplug(std::chrono::milliseconds timeout) override { return m_monitor.wait(timeout); }
+    void interruptHotplugWait() override { m_monitor.interrupt(); }
+
+private:
+    BusMonitor m_monitor;
+};
+
+} // namespace HIDCommunicator
