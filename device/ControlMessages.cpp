@@ -1,0 +1,99 @@
+#include "device/ControlMessages.h"
+
+#include <QDebug>
+#include <QMutexLocker>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int kReportSize = 65;
+constexpr char kReportId = 0x51;
+constexpr char kStartMark = char(0xC4);
+constexpr int kLengthOffset = 2;
+constexpr int kHeaderSize = 6; // report ID, start mark, length, two zeros, operation
+constexpr int kChecksumSize = 2;
+
+void appendWord(QByteArray &bytes, quint16 word)
+{
+    bytes.append(char(word & 0xFF)).append(char(word >> 8));
+}
+
+/// The two's complement of the sum of everything behind the report ID.
+quint16 checksumOf(const QByteArray &report)
+{
+    quint32 sum = 0;
+    for (auto byte = report.cbegin() + 1; byte != report.cend(); ++byte)
+        sum += quint8(*byte);
+    return quint16(0x10000 - (sum & 0xFFFF));
+}
+
+QByteArray buildReport(ControlOperation operation, const QList<quint16> &words)
+{
+    const qsizetype used = kHeaderSize + 2 * words.size() + kChecksumSize;
+    if (used > kReportSize) {
+        qWarning("ControlMessages: %d words do not fit into one report", int(words.size()));
+        return {};
+    }
+    QByteArray report;
+    report.reserve(kReportSize);
+    report.append(kReportId).append(kStartMark).append(char(used - 1)).append('\0').append('\0').append(char(operation));
+    for (const quint16 word : words)
+        appendWord(report, word);
+    appendWord(report, checksumOf(report));
+    report.append(kReportSize - report.size(), '\0');
+    return report;
+}
+
+} // namespace
+
+ControlMessages *ControlMessages::getInstance()
+{
+    static auto *instance = new ControlMessages;
+    return instance;
+}
+
+QByteArray ControlMessages::randomRead(quint16 address) const
+{
+    return randomRead(QList<quint16>{address});
+}
+
+QByteArray ControlMessages::randomRead(const QList<quint16> &addresses) const
+{
+    return buildReport(ControlOperation::RandomRead, addresses);
+}
+
+QByteArray ControlMessages::randomWrite(quint16 address, quint16 value) const
+{
+    return randomWrite(QList<quint16>{address}, QList<quint16>{value});
+}
+
+QByteArray ControlMessages::randomWrite(const QList<quint16> &addresses, const QList<quint16> &values) const
+{
+    QList<quint16> words;
+    for (qsizetype i = 0; i < std::min(addresses.size(), values.size()); ++i)
+        words << addresses[i] << values[i];
+    return buildReport(ControlOperation::RandomWrite, words);
+}
+
+QByteArray ControlMessages::continuousRead(quint16 start, quint16 count) const
+{
+    return buildReport(ControlOperation::ContinuousRead, {start, count});
+}
+
+QByteArray ControlMessages::continuousWrite(quint16 start, quint16 count, const QList<quint16> &values) const
+{
+    return buildReport(ControlOperation::ContinuousWrite, QList<quint16>{start, count} + values);
+}
+
+QVariant ControlMessages::registerValue(quint16 address) const
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_registerValues.value(address);
+}
+
+void ControlMessages::setRegisterValue(quint16 address, const QVariant &value)
+{
+    const QMutexLocker lock(&m_mutex);
+    m_registerValues.insert(address, value);
+}

@@ -1,0 +1,73 @@
+// What depends on the model that the panel serves: product IDs, server addresses, the prefix of image files. The rest
+// of the panel asks these functions and holds no such number of its own. Reads m_deviceModel and, for the product ID
+// that the flashing tool is to find, what discovery last saw.
+
+#include "device/ModelTable.h"
+#include "net/UpdateServer.h"
+#include "panel/FirmwareUpgradeWidget.h"
+
+namespace QuillonFirmwareUpgrade {
+
+int FirmwareUpgradeWidget::pcNormalPid() const
+{
+    return identifiersOf(m_deviceModel).pcNormalPid;
+}
+
+int FirmwareUpgradeWidget::pcDfuPid() const
+{
+    return identifiersOf(m_deviceModel).pcDfuPid;
+}
+
+int FirmwareUpgradeWidget::otgNormalPid() const
+{
+    return identifiersOf(m_deviceModel).otgNormalPid;
+}
+
+int FirmwareUpgradeWidget::otgDfuPid() const
+{
+    return identifiersOf(m_deviceModel).otgDfuPid;
+}
+
+bool FirmwareUpgradeWidget::isDfuPid(int pid) const
+{
+    return pid == pcDfuPid() || pid == otgDfuPid();
+}
+
+int FirmwareUpgradeWidget::resolvePcTargetPid() const
+{
+    if (lastDetectedPcPid != 0)
+        return lastDetectedPcPid;
+    return m_autoRecoverRunning ? pcDfuPid() : pcNormalPid();
+}
+
+int FirmwareUpgradeWidget::resolveOtgTargetPid() const
+{
+    return lastDetectedOtgPid != 0 ? lastDetectedOtgPid : otgNormalPid();
+}
+
+QString FirmwareUpgradeWidget::pcVersionUrl() const
+{
+    return updateServerAddress() + identifiersOf(m_deviceModel).pcVersionPath;
+}
+
+QString FirmwareUpgradeWidget::otgVersionUrl() const
+{
+    return updateServerAddress() + identifiersOf(m_deviceModel).otgVersionPath;
+}
+
+QString FirmwareUpgradeWidget::pcFirmwareDownloadUrl() const
+{
+    return updateServerAddress() + identifiersOf(m_deviceModel).pcImagePath;
+}
+
+QString FirmwareUpgradeWidget::otgFirmwareDownloadUrl() const
+{
+    return updateServerAddress() + identifiersOf(m_deviceModel).otgImagePath;
+}
+
+QString FirmwareUpgradeWidget::firmwareFilePrefix() const
+{
+    return identifiersOf(m_deviceModel).code;
+}
+
+} // namespace QuillonFirmwareUpgrade
