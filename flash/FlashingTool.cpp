@@ -1,0 +1,114 @@
+// Starts the external flashing tool for one image and one chip, and ends it when it takes too long. What the run comes
+// to is judged from the tool's progress file alone, never from its exit code. Called by the sequence.
+
+#include "flash/ProgressFile.h"
+#include "panel/Colours.h"
+#include "panel/FirmwareUpgradeWidget.h"
+#include "panel/Log.h"
+#include "panel/ProgressScale.h"
+#include "panel/Visibility.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QLabel>
+#include <QTimer>
+
+#include <chrono>
+
+using namespace std::chrono_literals;
+
+namespace QuillonFirmwareUpgrade {
+
+namespace {
+constexpr auto kToolStartLimit = 3000ms;
+constexpr auto kToolTimeLimit = 60000ms;
+constexpr auto kKillLimit = 1500ms;
+
+QString toolPath()
+{
+    return QCoreApplication::applicationDirPath() + QStringLiteral("/OrvikFirmwareUpdata.exe");
+}
+} // namespace
+
+void FirmwareUpgradeWidget::startUpgradeWithExternalTool(const QString &binPath, int pid)
+{
+    logLine() << "startUpgradeWithExternalTool pid=" << QString::number(pid, 16)
+              << " lastDetectedPcPid=" << QString::number(lastDetectedPcPid, 16)
+              << " lastDetectedOtgPid=" << QString::number(lastDetectedOtgPid, 16)
+              << " autoRecover=" << m_autoRecoverRunning;
+    resetStallDetector();
+    // The result of an earlier run would be read as this run's.
+    QFile::remove(firmwareTxtPath());
+    if (!startTool(binPath, pid))
+        return;
+    if (m_progressBar)
+        showFlashingStarted();
+    m_dfuTimeoutTimer->start(kToolTimeLimit);
+    m_progressTimer->start();
+}
+
+bool FirmwareUpgradeWidget::startTool(const QString &binPath, int pid)
+{
+    const QString tool = toolPath();
+    logLine() << "##222 exePath is: " << tool;
+    if (!QFile::exists(tool)) {
+        logLine() << "OrvikFirmwareUpdata.exe isn't exit.";
+        return false;
+    }
+    if (binPath.isEmpty() || !QFile::exists(binPath)) {
+        logLine() << "Firmware upgrade bin file isn't exit.";
+        return false;
+    }
+    m_dfuProcess->start(tool, buildDfuArgs(binPath, pid), QIODevice::ReadWrite);
+    if (!m_dfuProcess->waitForStarted(int(kToolStartLimit.count()))) {
+        logLine() << "Start OrvikFirmwareUpdata.exe failed.";
+        return false;
+    }
+    return true;
+}
+
+QStringList FirmwareUpgradeWidget::buildDfuArgs(const QString &binPath, int pid) const
+{
+    QStringList arguments{binPath, QStringLiteral("--pid"), QStringLiteral("%1").arg(pid, 4, 16, QLatin1Char('0'))};
+    if (isDfuPid(pid))
+        arguments.append(QStringLiteral("--already-in-dfu"));
+    return arguments;
+}
+
+void FirmwareUpgradeWidget::showFlashingStarted()
+{
+    m_progressBar->setBackgroundColor(Colours::kBarIdle);
+    const bool isOtgHalf = m_upgradePlan == UpgradePlan::Both && pcUpgradeCompleted;
+    showProgress(isOtgHalf ? ProgressScale::kPcHalfDone : 0);
+    const bool keepWaitingUI = isOtgHalf && isWaitingForOtg();
+    logLine() << "[startUpgrade] keepWaitingUI=" << keepWaitingUI << " progressColor=red?" << isWaitingForOtg()
+              << " pcUpgradeCompleted=" << pcUpgradeCompleted;
+    if (keepWaitingUI)
+        return;
+    hideAll({m_rocketLb, m_upgradeTextLb});
+    m_isWaitingForUSB = false;
+    updateWaitingLabelLayout();
+    showAll({m_waitingIconLb, m_upgradingLb, upgradeProgDisPlay});
+}
+
+void FirmwareUpgradeWidget::onDfuProcessFinished(int exitCode, QProcess::ExitStatus)
+{
+    logLine() << "OrvikFirmwareUpdata.exe process exit, exitCode=" << exitCode;
+    if (m_dfuTimeoutTimer->isActive())
+        m_dfuTimeoutTimer->stop();
+}
+
+void FirmwareUpgradeWidget::onDfuTimeout()
+{
+    killTool();
+}
+
+void FirmwareUpgradeWidget::killTool()
+{
+    if (!isToolRunning())
+        return;
+    m_dfuProcess->kill();
+    m_dfuProcess->waitForFinished(int(kKillLimit.count()));
+}
+
+} // namespace QuillonFirmwareUpgrade

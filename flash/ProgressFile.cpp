@@ -1,0 +1,59 @@
+#include "flash/ProgressFile.h"
+
+#include <QDir>
+#include <QIODevice>
+#include <QStringList>
+
+namespace ProgressFile {
+
+namespace {
+/// A report takes a few bytes; what lies further back than this is not read, however large the file is.
+constexpr qint64 kTail = 64 * 1024;
+
+QString folder()
+{
+    return QDir::homePath() + QStringLiteral("/AppData/Roaming/OrvikQuillon2x2");
+}
+} // namespace
+
+QString path()
+{
+    return folder() + QStringLiteral("/Firmware_bin.txt");
+}
+
+QString pathWithFolder()
+{
+    QDir().mkpath(folder());
+    return path();
+}
+
+std::optional<QString> lastLine(QIODevice &file)
+{
+    const bool isWhole = file.size() <= kTail;
+    if (!isWhole)
+        file.seek(file.size() - kTail);
+    QByteArray tail = file.read(kTail);
+    if (tail.isEmpty())
+        return std::nullopt;
+    if (tail.endsWith('\n'))
+        tail.chop(1);
+    const qsizetype lineEnd = tail.lastIndexOf('\n');
+    if (lineEnd < 0 && !isWhole)
+        return QString();
+    return QString::fromUtf8(tail.mid(lineEnd + 1)).trimmed();
+}
+
+Report judge(const QString &line)
+{
+    if (line.startsWith(QStringLiteral("success"))) {
+        const QStringList fields = line.split(u' ', Qt::SkipEmptyParts);
+        return {Report::Kind::Result, fields.value(1).toInt()};
+    }
+    if (!line.endsWith(u'%'))
+        return {};
+    bool isNumber = false;
+    const int percentage = line.chopped(1).toInt(&isNumber);
+    return isNumber ? Report{Report::Kind::Percentage, percentage} : Report{};
+}
+
+} // namespace ProgressFile

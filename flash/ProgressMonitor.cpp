@@ -1,0 +1,157 @@
+// Follows the flashing tool through its progress file, ten times a second, to the verdict of the run. Sets
+// m_lastProgressPercent and m_lastProgressTime, the memory of the stall detector, and clears m_isWaitingForUSB when the
+// OTG chip is being written. Called by m_progressTimer, which runs from the start of the tool to the verdict.
+
+#include "flash/ProgressFile.h"
+#include "panel/Colours.h"
+#include "panel/FirmwareUpgradeWidget.h"
+#include "panel/Log.h"
+#include "panel/ProgressScale.h"
+
+#include <QFile>
+#include <QLabel>
+#include <QTimer>
+
+#include <chrono>
+
+using namespace std::chrono_literals;
+
+namespace QuillonFirmwareUpgrade {
+
+namespace {
+/// A percentage that stands for this long means that the tool hangs.
+constexpr auto kStallLimit = 3s;
+/// The waiting screen stays up until the OTG chip demonstrably takes its image.
+constexpr int kOtgProgressShownFrom = 3;
+const QString kAllWrittenLine = QStringLiteral("100%");
+} // namespace
+
+QString FirmwareUpgradeWidget::firmwareTxtPath() const
+{
+    return ProgressFile::pathWithFolder();
+}
+
+bool FirmwareUpgradeWidget::isToolRunning() const
+{
+    return m_dfuProcess && m_dfuProcess->state() != QProcess::NotRunning;
+}
+
+/// The colour of the bar says so from the hand-over until the OTG chip is being written.
+bool FirmwareUpgradeWidget::isWaitingForOtg() const
+{
+    return m_progressBar && m_progressBar->progressColor() == Colours::kProgressWaitingForOtg;
+}
+
+void FirmwareUpgradeWidget::onReadFirmwareTxt()
+{
+    using ProgressFile::Report;
+    QFile file(firmwareTxtPath());
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        return failWhenToolEnded(QStringLiteral("[状态] 进程已退出但无进度文件，判定为失败"));
+    const auto line = ProgressFile::lastLine(file);
+    if (!line)
+        return failWhenToolEnded(QStringLiteral("[状态] 进程已退出但进度文件为空，判定为失败"));
+
+    if (*line == kAllWrittenLine && !isToolRunning()) {
+        logLine() << "[状态] 进度100%且进程已退出，视为升级成功";
+        return takeResult(ProgressFile::kSuccess);
+    }
+    const Report report = ProgressFile::judge(*line);
+    if (report.kind == Report::Kind::Percentage && m_progressBar)
+        takePercentage(report.value);
+    else if (report.kind == Report::Kind::Result)
+        takeResult(report.value);
+}
+
+/// Without a report from a tool that still runs there is nothing to do: it is starting.
+void FirmwareUpgradeWidget::failWhenToolEnded(const QString &reason)
+{
+    if (!m_isUpgrading || isToolRunning())
+        return;
+    logLine() << reason;
+    m_progressTimer->stop();
+    showUpgradeFailureUI();
+}
+
+void FirmwareUpgradeWidget::takeResult(int status)
+{
+    m_progressTimer->stop();
+    m_dfuTimeoutTimer->stop();
+    if (status != ProgressFile::kSuccess) {
+        logLine() << "[状态] 升级失败(status=" << status << ")，显示失败重试 UI";
+        showUpgradeFailureUI();
+    } else {
+        logLine() << "Successfully upgrade !!!";
+        logLine() << "[onReadFirmwareTxt] success! verCompLb visible=" << verCompLb->isVisible()
+                  << " tipMoiveLb visible=" << tipMoiveLb->isVisible() << " progressColor=red?" << isWaitingForOtg()
+                  << " upgradeProgDisPlay visible=" << upgradeProgDisPlay->isVisible()
+                  << " m_isWaitingForUSB=" << m_isWaitingForUSB;
+        const bool pcHalfDone = m_upgradePlan == UpgradePlan::Both && !pcUpgradeCompleted;
+        if (!pcHalfDone)
+            completeUpgrade();
+        else if (!handOverToOtg())
+            return;
+    }
+    killTool();
+}
+
+void FirmwareUpgradeWidget::takePercentage(int percent)
+{
+    if (isStalled(percent))
+        return endStalledRun(percent);
+
+    int displayed = percent;
+    if (m_upgradePlan == UpgradePlan::Both)
+        displayed = percent / 2 + (pcUpgradeCompleted ? ProgressScale::kPcHalfDone : 0);
+    logLine() << "[onReadFirmwareTxt] percent=" << percent << " displayPercent=" << displayed
+              << " progressColor=red?" << isWaitingForOtg() << " pcUpgradeCompleted=" << pcUpgradeCompleted;
+    switchToOtgProgress(percent);
+    showProgress(displayed);
+}
+
+/// Records \a percent when it is news. A 0 % never arms the detector: a tool may take long to begin.
+bool FirmwareUpgradeWidget::isStalled(int percent)
+{
+    const QDateTime now = QDateTime::currentDateTime();
+    const bool isFirst = m_lastProgressPercent == -1;
+    if (isFirst ? percent >= 1 : percent != m_lastProgressPercent) {
+        m_lastProgressPercent = percent;
+        m_lastProgressTime = now;
+        return false;
+    }
+    return !isFirst && m_lastProgressTime.isValid() && m_lastProgressTime.secsTo(now) >= kStallLimit.count();
+}
+
+void FirmwareUpgradeWidget::endStalledRun(int percent)
+{
+    if (percent >= ProgressScale::kAllDone) {
+        // Everything is written and the tool merely does not quit: the next poll finds it ended and counts a success.
+        logLine() << "[状态] 进度100%停滞3秒，主动终止外部工具";
+        killTool();
+        return;
+    }
+    logLine() << "[状态] 升级进度停滞3秒，判定为失败";
+    m_progressTimer->stop();
+    killTool();
+    showUpgradeFailureUI();
+}
+
+void FirmwareUpgradeWidget::switchToOtgProgress(int percent)
+{
+    const bool switches = m_upgradePlan == UpgradePlan::Both && pcUpgradeCompleted && isWaitingForOtg()
+        && percent >= kOtgProgressShownFrom;
+    logLine() << "[onReadFirmwareTxt] 界面切换条件=" << switches;
+    if (!switches)
+        return;
+    logLine() << "[onReadFirmwareTxt] 执行界面切换：隐藏动图，恢复版本号";
+    hideConnectionHint();
+    showCardAndNotes(true);
+    upgradeProgDisPlay->show();
+    if (m_upgradingLb) {
+        m_isWaitingForUSB = false;
+        updateWaitingLabelLayout();
+    }
+    m_progressBar->setProgressColor(Colours::kProgress);
+}
+
+} // namespace QuillonFirmwareUpgrade
