@@ -1,0 +1,250 @@
+// Carries a run from the click to the start of the flashing tool, and from one chip to the next.
+// Sets m_isUpgrading and the download flags, clears pcUpgradeCompleted when a run starts and sets it when its PC half is
+// done; completing a run clears m_isUpgrading and m_autoRecoverRunning and sets m_postUpgradeWaiting.
+// Called by the bar's click, by the recovery, by the end of each download and by the progress monitor.
+
+#include "net/networking_class.h"
+#include "panel/Colours.h"
+#include "panel/Delays.h"
+#include "panel/FirmwareUpgradeWidget.h"
+#include "panel/Log.h"
+#include "panel/ProgressScale.h"
+#include "panel/Visibility.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMovie>
+#include <QPointer>
+
+using namespace std::chrono_literals;
+
+namespace QuillonFirmwareUpgrade {
+
+namespace {
+/// Time for the user to see which cable goes where, and for the device to settle, before the PC chip is flashed.
+constexpr auto kPcFlashDelay = 6000ms;
+/// The OTG chip of an R1 needs longer after it has appeared on the bus.
+constexpr auto kOtgFlashDelayR1 = 8000ms;
+constexpr auto kOtgFlashDelayR2 = 6000ms;
+/// A device that was just flashed restarts before it can tell its new versions.
+constexpr auto kReadBackDelay = 2400ms;
+
+/// A connection that is over as soon as the signal is emitted: a second emission that comes before the event loop has
+/// turned must not start the flashing tool twice.
+const auto kOnceQueued = Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection);
+
+QString downloadFolder()
+{
+    return qEnvironmentVariable("ALLUSERSPROFILE") + QStringLiteral("/Orvik/Orvik Link") + QStringLiteral("/orvikExe");
+}
+
+bool holdsData(const QString &path)
+{
+    return !path.isEmpty() && QFileInfo(path).size() > 0;
+}
+} // namespace
+
+void FirmwareUpgradeWidget::onUpgradeClicked()
+{
+    logLine() << "clicked upgrade process, start upgrade...";
+    if (m_progressBar) {
+        m_progressBar->setClickable(false);
+        hideAll({m_failIconLb, m_failTextLb});
+        m_progressBar->clearBorder();
+    }
+    const bool otgHalfFailed = isOtgPhase();
+    m_autoRecoverRunning = m_inFailureRetry = false;
+    lastDetectedOtgPid = 0;
+    resetStallDetector();
+    if (otgHalfFailed)
+        m_upgradePlan = UpgradePlan::OtgOnly;
+    startDownloadAndUpgrade();
+}
+
+void FirmwareUpgradeWidget::startDownloadAndUpgrade()
+{
+    if (m_progressBar)
+        m_progressBar->setProgressColor(Colours::kProgress);
+    m_isUpgrading = true;
+    m_pcFirmwareDownloaded = m_otgFirmwareDownloaded = pcUpgradeCompleted = false;
+    m_downloadRetryCount = 0;
+    if (!fetchRemoteVersions())
+        return;
+    prepareDownloads();
+    connect(networking_class::getInstance(), &networking_class::network_finish_download, this,
+            &FirmwareUpgradeWidget::onFirmwareDownloaded, Qt::UniqueConnection);
+    networking_class::getInstance()->downloadFile(QUrl(m_pcDownloadUrl), m_pcFirmwarePath);
+}
+
+/// False: the panel was deleted while it waited for the server.
+bool FirmwareUpgradeWidget::fetchRemoteVersions()
+{
+    if (!m_remotePcVersion.isEmpty() && !m_remoteOtgVersion.isEmpty())
+        return true;
+    if (!queryServer(pcVersionUrl(), &FirmwareUpgradeWidget::m_remotePcVersion))
+        return false;
+    logLine() << "[Upgrade] fetch remote PC firmware version:" << m_remotePcVersion;
+    if (!queryServer(otgVersionUrl(), &FirmwareUpgradeWidget::m_remoteOtgVersion))
+        return false;
+    logLine() << "[Upgrade] fetch remote OTG firmware version:" << m_remoteOtgVersion;
+    return true;
+}
+
+void FirmwareUpgradeWidget::prepareDownloads()
+{
+    const QString folder = downloadFolder();
+    QDir().mkpath(folder);
+    const auto imagePath = [&](QLatin1String chip, const QString &version) -> QString {
+        return folder + u'/' + firmwareFilePrefix() + chip + version + QStringLiteral(".bin");
+    };
+    m_pcDownloadUrl = pcFirmwareDownloadUrl();
+    m_pcFirmwarePath = imagePath(QLatin1String("_PC"), m_remotePcVersion);
+    m_otgDownloadUrl = otgFirmwareDownloadUrl();
+    m_otgFirmwarePath = imagePath(QLatin1String("_OTG"), m_remoteOtgVersion);
+    // A stale image must never be flashed.
+    for (const QString &path : {m_pcFirmwarePath, m_otgFirmwarePath})
+        QFile::remove(path);
+}
+
+void FirmwareUpgradeWidget::onFirmwareDownloaded()
+{
+    logLine() << "========####enter onFirmwareDownloaded";
+    if (!m_pcFirmwareDownloaded && holdsData(m_pcFirmwarePath)) {
+        m_pcFirmwareDownloaded = true;
+        logLine() << "PC firmware download well, this path is: " << m_pcFirmwarePath;
+        logLine() << "Starting OTG firmware download...";
+        networking_class::getInstance()->downloadFile(QUrl(m_otgDownloadUrl), m_otgFirmwarePath);
+        return;
+    }
+    if (!m_otgFirmwareDownloaded && holdsData(m_otgFirmwarePath)) {
+        m_otgFirmwareDownloaded = true;
+        logLine() << "OTG firmware download well, this path is: " << m_otgFirmwarePath;
+    }
+    if (!m_pcFirmwareDownloaded || !m_otgFirmwareDownloaded) {
+        logLine() << "waitting for all firmware download well.";
+        return;
+    }
+    disconnect(networking_class::getInstance(), &networking_class::network_finish_download, this,
+               &FirmwareUpgradeWidget::onFirmwareDownloaded);
+    logLine() << "all firmware has downlaod well, start upgrade...";
+    startPhaseOfPlan();
+}
+
+void FirmwareUpgradeWidget::startPhaseOfPlan()
+{
+    switch (m_upgradePlan) {
+    case UpgradePlan::None:
+        logLine() << "[Upgrade] 当前无需升级";
+        break;
+    case UpgradePlan::PcOnly:
+        startPcPhase();
+        break;
+    case UpgradePlan::OtgOnly:
+        startOtgPhase();
+        break;
+    case UpgradePlan::Both:
+        startBothPhases();
+        break;
+    }
+}
+
+void FirmwareUpgradeWidget::startPcPhase()
+{
+    logLine() << "[Upgrade] 开始执行 PC 固件升级流程";
+    showWaitingScreen(Port::Pc);
+    if (m_progressBar)
+        m_progressBar->setValue(0);
+    runAfter(kPcFlashDelay, this, [this] { startPcFlashing(); });
+}
+
+void FirmwareUpgradeWidget::startOtgPhase()
+{
+    logLine() << "[Upgrade] 开始执行 OTG 固件升级流程";
+    showWaitingScreen(Port::Otg);
+    connect(this, &FirmwareUpgradeWidget::r2otgConnected, this, [this] { startOtgFlashingAtOnce(); }, kOnceQueued);
+    rescan();
+}
+
+void FirmwareUpgradeWidget::startBothPhases()
+{
+    logLine() << "[Upgrade] 先升 PC 再升 OTG";
+    disconnect(this, &FirmwareUpgradeWidget::r2otgConnected, nullptr, nullptr);
+    connect(this, &FirmwareUpgradeWidget::r2otgConnected, this, [this] { scheduleOtgFlashing(); }, kOnceQueued);
+    showWaitingScreen(Port::Pc);
+    runAfter(kPcFlashDelay, this, [this] { startPcFlashing(); });
+    rescan();
+}
+
+void FirmwareUpgradeWidget::startPcFlashing()
+{
+    hideConnectionHint();
+    showCardAndNotes(true);
+    if (rescan())
+        startUpgradeWithExternalTool(m_pcFirmwarePath, resolvePcTargetPid());
+}
+
+void FirmwareUpgradeWidget::scheduleOtgFlashing()
+{
+    disconnect(this, &FirmwareUpgradeWidget::r2otgConnected, nullptr, nullptr);
+    logLine() << "[OTG] OTG设备已就绪，延迟后启动OTG升级";
+    runAfter(m_deviceModel == DeviceModel::R1 ? kOtgFlashDelayR1 : kOtgFlashDelayR2, this,
+             [this] { startOtgFlashingIfStillWanted(); });
+}
+
+void FirmwareUpgradeWidget::startOtgFlashingIfStillWanted()
+{
+    if (!m_isUpgrading || !pcUpgradeCompleted)
+        return;
+    logLine() << "Detect the OTG connected to R2, start upgrade OTG firmware...";
+    startUpgradeWithExternalTool(m_otgFirmwarePath, resolveOtgTargetPid());
+}
+
+void FirmwareUpgradeWidget::startOtgFlashingAtOnce()
+{
+    disconnect(this, &FirmwareUpgradeWidget::r2otgConnected, nullptr, nullptr);
+    logLine() << "Detect the OTG connected to R2, start upgrade otg firmware...";
+    hideConnectionHint();
+    showCardAndNotes(true);
+    startUpgradeWithExternalTool(m_otgFirmwarePath, resolveOtgTargetPid());
+}
+
+/// The PC half of a run over both chips is flashed; discovery takes over until the OTG interface is there. False: a
+/// receiver of the announcement that it is there already has deleted the panel.
+bool FirmwareUpgradeWidget::handOverToOtg()
+{
+    pcUpgradeCompleted = true;
+    logLine() << "PC upgrade completed, waiting for OTG device...";
+    showProgress(ProgressScale::kPcHalfDone);
+    if (m_progressBar)
+        m_progressBar->setProgressColor(Colours::kProgressWaitingForOtg);
+    showWaitingScreen(Port::Otg);
+    return rescan();
+}
+
+void FirmwareUpgradeWidget::completeUpgrade()
+{
+    m_autoRecoverRunning = false;
+    lastDetectedOtgPid = 0;
+    m_isUpgrading = false;
+    logLine() << "[VersionRead] 清空版本号，准备重新读取";
+    m_devicePcVersion.clear();
+    m_deviceOtgVersion.clear();
+    m_postUpgradeWaiting = true;
+    m_zeroVersionCount = 0;
+    if (!m_progressBar)
+        return;
+    showProgress(ProgressScale::kAllDone);
+    hideConnectionHint();
+    m_progressBar->setProgressColor(Colours::kProgress);
+    hideAll({m_waitingIconLb, m_upgradingLb});
+    showAll({m_doneIconLb, m_doneLb});
+    upgradeProgDisPlay->hide();
+    runAfter(kReadBackDelay, this, [this] {
+        if (m_hidManager && rescan())
+            queryDeviceMode();
+    });
+}
+
+} // namespace QuillonFirmwareUpgrade

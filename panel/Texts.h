@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QtGlobal>
+
+/// Every text that the panel shows, in the source language. The English ones are in the translation catalogue, whose
+/// keys these texts are, byte for byte. FirmwareUpgradeWidget::tr() translates them.
+#define QUILLON_TEXT(text) QT_TRANSLATE_NOOP("QuillonFirmwareUpgrade::FirmwareUpgradeWidget", text)
+
+namespace QuillonFirmwareUpgrade::Texts {
+
+constexpr const char *kTitle = QUILLON_TEXT("固件升级");
+constexpr const char *kUnknown = QUILLON_TEXT("--");
+constexpr const char *kUpToDate = QUILLON_TEXT("无新版固件");
+constexpr const char *kNewVersion = QUILLON_TEXT("新版本");
+constexpr const char *kCurrentVersion = QUILLON_TEXT("当前版本");
+constexpr const char *kNotesTitle = QUILLON_TEXT("新版概述");
+
+constexpr const char *kUpgradeNow = QUILLON_TEXT("立即升级");
+constexpr const char *kRetry = QUILLON_TEXT("我已拔插设备，重新升级");
+constexpr const char *kWaitingForCable = QUILLON_TEXT("待USB线接入图示口...");
+constexpr const char *kUpgrading = QUILLON_TEXT("升级中，请勿关闭设备...");
+constexpr const char *kDone = QUILLON_TEXT("升级完成");
+constexpr const char *kFailed = QUILLON_TEXT("升级失败！请拔插设备后重新开始升级");
+
+constexpr const char *kDetectingUsb = QUILLON_TEXT("正在检测USB接入...");
+constexpr const char *kDetectingOtg = QUILLON_TEXT("正在检测OTG接入...");
+constexpr const char *kConnectPcR1 = QUILLON_TEXT("请使用USB线连接图示USB口和电脑，\n接入后自动完成升级。");
+constexpr const char *kConnectPcR2 = QUILLON_TEXT("请使用配件附带USB线接入图示DC-5V和USB-C口，\n开始固件升级。");
+constexpr const char *kConnectOtgR1 = QUILLON_TEXT("请使用配件附带的USB线，接入并保持USB-C和OTG口\n与电脑的连接。");
+constexpr const char *kConnectOtgR2 = QUILLON_TEXT("请使用配件附带USB线接入图示DC-5V和OTG口,\n继续完成升级。");
+
+constexpr const char *kTooOld = QUILLON_TEXT("固件版本过低，无法升级");
+constexpr const char *kUseOfflineTool = QUILLON_TEXT("需使用离线升级工具进行更新，");
+constexpr const char *kDownloadOfflineTool = QUILLON_TEXT("前往官网下载>>");
+
+} // namespace QuillonFirmwareUpgrade::Texts
