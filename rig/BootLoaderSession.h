@@ -1,0 +1,57 @@
+#pragma once
+
+#include "rig/BootLoaderPort.h"
+
+#include <QLocalSocket>
+#include <QObject>
+
+namespace rig {
+
+/// One connection of a flashing tool, from its greeting to its end. Lives on the rig's thread.
+class BootLoaderSession : public QObject {
+    Q_OBJECT
+
+public:
+    /// Takes \a socket over.
+    BootLoaderSession(QLocalSocket *socket, SimulatedDevice &device, FaultBoard &faults,
+                      const Journal &journal);
+
+    const ToolRun &run() const { return m_run; }
+
+Q_SIGNALS:
+    void greeted(); ///< the tool has said who it is
+    void ended(); ///< the connection is gone; nothing follows
+
+private:
+    struct Message;
+    static const QList<Message> &messages();
+
+    void receive();
+    bool handleLine(const QByteArray &line);
+    void close();
+
+    void hello(const QStringList &words);
+    void find(const QStringList &words);
+    void attach(const QStringList &words);
+    void ready(const QStringList &words);
+    void erase(const QStringList &words);
+    void beginBlock(const QStringList &words);
+    void endBlock(const QByteArray &block);
+    void digest(const QStringList &words);
+    void restart(const QStringList &words);
+
+    void reply(bool yes);
+    void reply(const QStringList &words);
+    bool isOnBus(int productId) const;
+
+    QLocalSocket *m_socket;
+    SimulatedDevice &m_device;
+    FaultBoard &m_faults;
+    const Journal &m_journal;
+    ToolRun m_run;
+    int m_imageSize = 0;
+    int m_blockOffset = 0;
+    int m_blockSize = 0; // above 0: bytes of a block are awaited in place of a line
+};
+
+} // namespace rig

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "rig/Identity.h"
+
+#include <functional>
+
+class QWidget;
+
+namespace rig {
+
+/// What a scenario can ask of the application that holds the panel. A function that is not set makes the
+/// statement that needs it fail.
+struct PanelControls {
+    std::function<QWidget *()> createPanel; ///< makes and shows a panel in place of a destroyed one
+    std::function<void()> destroyPanel;
+    std::function<void(Model)> setModel;
+    std::function<void(bool english)> setLanguage;
+    std::function<void()> recover; ///< the panel's public recovery entry
+    std::function<void(const QString &name)> takePicture;
+};
+
+} // namespace rig

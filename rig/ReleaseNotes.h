@@ -1,0 +1,18 @@
+#pragma once
+
+#include "rig/Identity.h"
+
+#include <QString>
+#include <QVersionNumber>
+
+namespace rig {
+
+/// What the server says about a firmware, in both languages, several lines each.
+struct ReleaseNotes {
+    QString chinese;
+    QString english;
+};
+
+ReleaseNotes releaseNotes(Chip chip, const QVersionNumber &version);
+
+} // namespace rig

@@ -1,0 +1,33 @@
+#include "rig/Rig.h"
+
+#include "rig/SimulatedBus.h"
+
+namespace rig {
+
+Rig::Rig()
+    : m_device(m_thread, m_faults, m_journal)
+    , m_server(m_thread, m_faults, m_journal)
+    , m_bootLoader(m_thread, m_device, m_faults, m_journal)
+    , m_toolFile(m_faults, m_journal)
+{
+}
+
+Rig::~Rig() = default;
+
+bool Rig::start(QString *error)
+{
+    QString trouble;
+    if (!HIDCommunicator::installTransport(makeSimulatedBus(m_device)))
+        trouble = QStringLiteral("the HID library is already in use with another bus");
+    else if (!m_server.start())
+        trouble = QStringLiteral("no free port for the update server");
+    else if (!m_bootLoader.start())
+        trouble = QStringLiteral("no local socket for the flashing tool");
+    else
+        m_server.becomeApplicationProxy();
+    if (error)
+        *error = trouble;
+    return trouble.isEmpty();
+}
+
+} // namespace rig

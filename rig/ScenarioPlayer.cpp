@@ -1,0 +1,81 @@
+#include "rig/ScenarioPlayer.h"
+
+#include "rig/ScenarioGrammar.h"
+#include "rig/ScenarioStage.h"
+
+#include <QFileInfo>
+
+namespace rig {
+
+namespace {
+constexpr std::chrono::milliseconds kStepInterval{20};
+} // namespace
+
+ScenarioPlayer::ScenarioPlayer(Rig &rig, const PanelControls &controls, QObject *parent)
+    : QObject(parent)
+    , m_stage(std::make_unique<ScenarioStage>(rig, controls))
+{
+    m_timer.setInterval(kStepInterval);
+    connect(&m_timer, &QTimer::timeout, this, &ScenarioPlayer::step);
+}
+
+ScenarioPlayer::~ScenarioPlayer() = default;
+
+void ScenarioPlayer::setPanel(QWidget *panel)
+{
+    m_stage->setPanel(panel);
+}
+
+void ScenarioPlayer::play(const Scenario &scenario)
+{
+    m_scenario = scenario;
+    m_index = -1;
+    m_sinceStart.start();
+    m_timer.start();
+}
+
+QString ScenarioPlayer::placeOf(const Statement &statement) const
+{
+    return QStringLiteral("%1:%2: %3")
+        .arg(QFileInfo(m_scenario.file).fileName())
+        .arg(statement.line)
+        .arg(statement.text);
+}
+
+void ScenarioPlayer::begin(int index)
+{
+    m_index = index;
+    m_stage->beginStatement();
+    Q_EMIT progressed(placeOf(m_scenario.statements.at(index)));
+}
+
+// One statement a step. A statement may call into the application, which may run an event loop; a timer whose
+// slot is still running does not fire in there.
+void ScenarioPlayer::step()
+{
+    if (m_index < 0)
+        begin(0);
+    const Statement &statement = m_scenario.statements.at(m_index);
+    const Outcome outcome = (m_stage.get()->*grammar().at(statement.form).act)(statement.words);
+    if (const QString remark = m_stage->takeRemark(); !remark.isEmpty())
+        Q_EMIT progressed(remark);
+
+    const bool late = outcome.kind == Outcome::NotYet && m_stage->sinceStatement() >= outcome.limit;
+    const bool overtime = std::chrono::milliseconds(m_sinceStart.elapsed()) >= m_stage->scenarioLimit();
+    if (outcome.kind == Outcome::Failed || late)
+        end(false, placeOf(statement) + QStringLiteral(": ") + outcome.seen);
+    else if (overtime)
+        end(false, placeOf(statement) + QStringLiteral(": the scenario takes too long"));
+    else if (outcome.kind == Outcome::Done && m_index + 1 < m_scenario.statements.size())
+        begin(m_index + 1);
+    else if (outcome.kind == Outcome::Done)
+        end(true, QString());
+}
+
+void ScenarioPlayer::end(bool passed, const QString &verdict)
+{
+    m_timer.stop();
+    Q_EMIT finished(passed, verdict);
+}
+
+} // namespace rig

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+
+#include <chrono>
+#include <optional>
+
+namespace rig {
+
+/// A kind of word that fills a gap in a statement's form.
+struct WordKind {
+    const char *name; ///< as the form writes it, between "<" and ">"
+    bool (*accepts)(const QString &word);
+    QString (*expectation)(); ///< "a duration such as 10s or 500ms", for messages
+};
+
+/// Nothing when no kind has that name: a mistake in the grammar.
+const WordKind *wordKind(const QString &name);
+
+std::optional<std::chrono::milliseconds> durationFrom(const QString &word); ///< "500ms", "10s", "2m"
+std::optional<int> timesFrom(const QString &word); ///< "once", "3x"
+
+/// The words of a line: parts between blanks, or in double quotes, where a backslash stands before a quote, a
+/// backslash or an "n" for a line feed. Everything from a "#" that begins a word is a comment. \a error says
+/// what is wrong with the quotes; it is empty when the line is sound.
+struct LineWords {
+    QStringList words;
+    QString error;
+};
+LineWords splitLine(const QString &line);
+
+} // namespace rig
