@@ -1,0 +1,41 @@
+#pragma once
+
+#include "rig/Fault.h"
+#include "rig/Identity.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+namespace host {
+
+/// What quillon-host was asked to do.
+struct Options {
+    rig::Model model = rig::Model::R2;
+    bool english = false;
+    bool simulate = false;
+    bool headless = false;
+    QString scenario; ///< a file; empty: none
+    QString recordFolder; ///< empty: nothing is recorded
+    QList<rig::Fault> faults; ///< armed from the start
+};
+
+/// A command line that was read: something to run, or a text to print and a status to end with.
+struct CommandLine {
+    enum class Verdict { Run, Help, Wrong };
+
+    Verdict verdict = Verdict::Run;
+    Options options; ///< only for Run
+    QString message; ///< what is wrong, in one line, or the help text
+};
+
+/// The exit statuses of quillon-host.
+constexpr int kStatusDone = 0; ///< the scenario reached its end, or the window was closed
+constexpr int kStatusFailed = 1; ///< the scenario failed or was cut off
+constexpr int kStatusWrong = 2; ///< a bad option, a missing or malformed scenario, no display
+
+/// Reads \a arguments, the program's name first. Needs no application object: the platform is chosen by what
+/// is found here.
+CommandLine readCommandLine(const QStringList &arguments);
+
+} // namespace host

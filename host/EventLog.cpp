@@ -1,0 +1,78 @@
+#include "host/EventLog.h"
+
+#include <QDateTime>
+
+#include <atomic>
+
+namespace host {
+
+namespace {
+std::atomic<EventLog *> current{nullptr};
+std::atomic<QtMessageHandler> terminal{nullptr};
+constexpr int kTimeWidth = 9;
+constexpr int kSourceWidth = 12;
+} // namespace
+
+EventLog::EventLog()
+{
+    m_clock.start();
+    current = this;
+    m_formerHandler = qInstallMessageHandler(&EventLog::takeMessage);
+    terminal = m_formerHandler;
+}
+
+EventLog::~EventLog()
+{
+    qInstallMessageHandler(m_formerHandler);
+    current = nullptr;
+}
+
+bool EventLog::writeTo(const QString &file)
+{
+    {
+        const QMutexLocker lock(&m_mutex);
+        m_file.setFileName(file);
+        if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+            return false;
+    }
+    record(QStringLiteral("host"), QDateTime::currentDateTime().toString(Qt::ISODate));
+    return true;
+}
+
+QString EventLog::now() const
+{
+    return QString::number(double(m_clock.elapsed()) / 1000, 'f', 3).rightJustified(kTimeWidth);
+}
+
+void EventLog::record(const QString &source, const QString &text)
+{
+    QString oneLine = text;
+    oneLine.replace(QLatin1Char('\n'), QLatin1Char(' '));
+    const QString line
+        = now() + QStringLiteral("  ") + source.leftJustified(kSourceWidth) + QLatin1Char(' ') + oneLine;
+    {
+        const QMutexLocker lock(&m_mutex);
+        if (m_file.isOpen()) {
+            m_file.write(line.toUtf8() + '\n');
+            // A log is read most eagerly after a crash.
+            m_file.flush();
+        }
+    }
+    Q_EMIT recorded(line);
+}
+
+void EventLog::takeMessage(QtMsgType type, const QMessageLogContext &context, const QString &text)
+{
+    if (EventLog *log = current)
+        log->record(type == QtDebugMsg || type == QtInfoMsg ? QStringLiteral("panel")
+                                                            : QStringLiteral("warning"),
+                    text);
+    // The platform without a display says at every turn what it cannot do.
+    const bool isForPeople = type != QtDebugMsg && type != QtInfoMsg
+        && !text.startsWith(QLatin1StringView("This plugin does not support"));
+    const QtMessageHandler former = terminal;
+    if (former && isForPeople)
+        former(type, context, text);
+}
+
+} // namespace host

@@ -1,0 +1,39 @@
+#include "host/Folders.h"
+
+#include <QDir>
+#include <QFile>
+#include <QStandardPaths>
+
+namespace host {
+
+namespace {
+constexpr char kAllUsers[] = "ALLUSERSPROFILE";
+
+void pointTo(const char *variable, const QString &folder)
+{
+    QDir().mkpath(folder);
+    qputenv(variable, QFile::encodeName(folder));
+}
+} // namespace
+
+Folders::Folders(Kind kind)
+{
+    if (kind == Kind::ForSimulation) {
+        m_temporary = std::make_unique<QTemporaryDir>();
+        if (!m_temporary->isValid())
+            return;
+        pointTo("HOME", m_temporary->filePath(QStringLiteral("home")));
+        pointTo("USERPROFILE", m_temporary->filePath(QStringLiteral("home")));
+        pointTo(kAllUsers, m_temporary->filePath(QStringLiteral("all-users")));
+    } else if (qEnvironmentVariableIsEmpty(kAllUsers)) {
+        // Windows always has it; elsewhere the panel would download into the root folder.
+        pointTo(kAllUsers, QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation));
+    }
+}
+
+bool Folders::isValid() const
+{
+    return !m_temporary || m_temporary->isValid();
+}
+
+} // namespace host

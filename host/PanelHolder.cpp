@@ -1,0 +1,74 @@
+#include "host/PanelHolder.h"
+
+#include <QuillonFirmwareUpgrade/FirmwareUpgradeWidget.h>
+
+using QuillonFirmwareUpgrade::DeviceModel;
+using QuillonFirmwareUpgrade::FirmwareUpgradeWidget;
+using QuillonFirmwareUpgrade::Language;
+
+namespace host {
+
+namespace {
+DeviceModel panelModel(rig::Model model)
+{
+    return model == rig::Model::R1 ? DeviceModel::R1 : DeviceModel::R2;
+}
+} // namespace
+
+PanelHolder::PanelHolder(rig::Model model)
+    : m_model(model)
+{
+}
+
+PanelHolder::~PanelHolder()
+{
+    delete m_panel;
+}
+
+QWidget *PanelHolder::panel() const
+{
+    return m_panel;
+}
+
+QWidget *PanelHolder::create()
+{
+    destroy();
+    m_panel = new FirmwareUpgradeWidget(m_frame);
+    if (m_frame) {
+        // The panel makes itself a frameless window; inside another window it is an ordinary part of it.
+        m_panel->move(0, 0);
+    }
+    connect(m_panel, &FirmwareUpgradeWidget::upgradeDisplayMsg, this, &PanelHolder::versionsCompared);
+    m_panel->setDeviceModel(panelModel(m_model));
+    m_panel->show();
+    Q_EMIT panelChanged(m_panel);
+    return m_panel;
+}
+
+void PanelHolder::destroy()
+{
+    if (!m_panel)
+        return;
+    Q_EMIT panelChanged(nullptr);
+    delete m_panel;
+}
+
+void PanelHolder::setModel(rig::Model model)
+{
+    m_model = model;
+    if (m_panel)
+        m_panel->setDeviceModel(panelModel(model));
+}
+
+void PanelHolder::startRecovery()
+{
+    if (m_panel)
+        m_panel->startAutoRecoverUpgrade();
+}
+
+void PanelHolder::setEnglish(bool english)
+{
+    QuillonFirmwareUpgrade::setLanguage(english ? Language::English : Language::Chinese);
+}
+
+} // namespace host

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QColor>
+#include <QString>
+
+namespace host {
+
+/// The panel's colours, so that the window around it looks like one piece with it.
+namespace Colours {
+constexpr QColor kBackground{31, 32, 40};
+constexpr QColor kCard{48, 49, 60};
+constexpr QColor kLine{69, 70, 83};
+constexpr QColor kText{255, 255, 255};
+constexpr QColor kFaintText{150, 152, 166};
+constexpr QColor kBlue{87, 110, 246};
+constexpr QColor kTeal{47, 212, 179};
+} // namespace Colours
+
+QString windowStyleSheet();
+
+} // namespace host
