@@ -1,0 +1,254 @@
+// Opening the device, losing it, finding it again.
+#include "tests/device/Scans.h"
+#include "tests/panel/PanelStage.h"
+#include "tests/support/DeviceReplies.h"
+#include "tests/support/PanelState.h"
+
+#include <HIDCommunicator/OrvikHIDManager.h>
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Scans;
+using HIDCommunicator::OrvikHIDManager;
+
+class ConnectionTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void deviceIsOpenedWithBothThreads();
+    void lastOfSeveralIsOpened();
+    void refusedOpenIsTriedAgainByTheNextScan();
+    void secondScanOpensNothing();
+    void normalDeviceWinsOverBootLoader();
+    void switchedModelNamesTheProductIdOfTheOpen();
+
+    void connectionStatus_data();
+    void connectionStatus();
+    void connectionStatusChangesNoMember();
+
+    void signalsOfTheLibraryWaitForTheEventLoop_data();
+    void signalsOfTheLibraryWaitForTheEventLoop();
+    void pluggedDeviceIsOpenedByItself();
+    void deviceOfTheOtherModelIsLeftAlone();
+    void removedDeviceIsFoundAgain();
+    void refusedDeviceIsOpenedWithoutBeingPluggedAgain();
+    void questionAskedBeforeThePlugIsAnsweredAfterIt();
+
+private:
+    FirmwareUpgradeWidget &panel() { return *m_stage->panel; }
+    QStringList lines() const { return m_stage->log.lines(); }
+    QStringList commands() const { return m_stage->log.startingWith(u"hid: "_qs); }
+
+    std::unique_ptr<PanelStage> m_stage;
+};
+
+void ConnectionTest::init()
+{
+    m_stage = std::make_unique<PanelStage>();
+    m_stage->log.clear();
+}
+
+void ConnectionTest::cleanup()
+{
+    panel().m_isUpgrading = false;
+    m_stage.reset();
+}
+
+void ConnectionTest::deviceIsOpenedWithBothThreads()
+{
+    // The spelling is the bus's own and has to come back as it was.
+    const QString own = u"\\\\?\\HID#VID_352F&PID_000E#7&2"_qs;
+    PanelStage::bus().plugPath(own, 0x000E);
+
+    panel().ConnectingR2({own}, {});
+    QCOMPARE(lines(),
+             QStringList({
+                 u"[ConnectingR2] START - m_isUpgrading=false m_autoRecoverRunning=false"_qs,
+                 u"[FirmwareUpgradeWidget定时器扫描] 发现 1 个设备"_qs,
+                 u"2pid is: 000e"_qs,
+                 u"find R2 device"_qs,
+                 foundLine(u"P"_qs),
+                 u"hid? getConnected() = false"_qs,
+                 u"hid: openHIDHandle(%1, 0x352f, 0x000e, 0)"_qs.arg(own),
+                 u"hid: createOrvikSendDataThread()"_qs,
+                 u"hid: createOrvikReceiveDataThread()"_qs,
+                 u"connected R2 successfully!!!"_qs,
+             }));
+    QCOMPARE(PanelStage::bus().openConnections(), 1);
+}
+
+void ConnectionTest::lastOfSeveralIsOpened()
+{
+    const QString first = PanelStage::bus().plug(0x000E, 1);
+    const QString second = PanelStage::bus().plug(0x000E, 2);
+
+    panel().ConnectingR2({first, second}, {});
+    QCOMPARE(PanelStage::bus().opened(), QStringList(second));
+}
+
+void ConnectionTest::refusedOpenIsTriedAgainByTheNextScan()
+{
+    const QString device = PanelStage::bus().plug(0x000E);
+    PanelStage::bus().refuseOpen(true);
+    panel().ConnectingR2({device}, {});
+    QCOMPARE(commands(), QStringList(u"hid: openHIDHandle(%1, 0x352f, 0x000e, 0)"_qs.arg(device)));
+    QVERIFY(!m_stage->log.contains(u"connected R2 successfully!!!"_qs));
+    QCOMPARE(lines().constLast(), commands().constLast()); // silently
+
+    PanelStage::bus().refuseOpen(false);
+    panel().ConnectingR2({device}, {});
+    QVERIFY(m_stage->log.contains(u"connected R2 successfully!!!"_qs));
+}
+
+void ConnectionTest::secondScanOpensNothing()
+{
+    const QString device = PanelStage::bus().plug(0x000E);
+    panel().ConnectingR2({device}, {});
+    m_stage->log.clear();
+
+    panel().ConnectingR2({device}, {});
+    QCOMPARE(commands(), QStringList());
+    QCOMPARE(lines().constLast(), u"hid? getConnected() = true"_qs);
+    QCOMPARE(PanelStage::bus().opened().size(), 1);
+}
+
+void ConnectionTest::normalDeviceWinsOverBootLoader()
+{
+    const QString device = PanelStage::bus().plug(0x000E);
+    QSignalSpy bricked(&panel(), &FirmwareUpgradeWidget::onDeviceBrickedDetected);
+
+    panel().ConnectingR2({path(u"00ff"_qs), device, path(u"00ff"_qs)}, {});
+    QCOMPARE(PanelStage::bus().opened(), QStringList(device));
+    QCOMPARE(bricked.count(), 0);
+    QVERIFY(!panel().m_isUpgrading);
+    QVERIFY(!panel().m_autoRecoverRunning);
+    QCOMPARE(panel().lastDetectedPcPid, 255); // the last PC match of the list
+}
+
+void ConnectionTest::switchedModelNamesTheProductIdOfTheOpen()
+{
+    const QString device = PanelStage::bus().plug(0x000E);
+
+    panel().ConnectingR2({device, path(u"0010"_qs)}, {});
+    QCOMPARE(commands(), QStringList(u"hid: openHIDHandle(%1, 0x352f, 0x0001, 0)"_qs.arg(device)));
+}
+
+void ConnectionTest::connectionStatus_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QStringList>("expected");
+    QTest::newRow("the device went away: both threads are stopped")
+        << 1
+        << QStringList{u"\n[状态] 设备已断开！定时器应该切换到1秒快速扫描"_qs,
+                       u"hid: closeOrvikSendDataThread()"_qs, u"hid: closeOrvikReceiveDataThread()"_qs};
+    QTest::newRow("the device is connected") << 0 << QStringList(u"[状态] 设备连接信号"_qs);
+    QTest::newRow("2 means nothing") << 2 << QStringList();
+    QTest::newRow("-1 means nothing") << -1 << QStringList();
+}
+
+void ConnectionTest::connectionStatus()
+{
+    QFETCH(int, status);
+
+    panel().onHidConnetChanged(status);
+    QTEST(lines(), "expected");
+}
+
+void ConnectionTest::connectionStatusChangesNoMember()
+{
+    panel().lastDetectedPcPid = 14;
+    panel().m_devicePcVersion = u"1.2.3"_qs;
+    panel().m_isUpgrading = true;
+    const QStringList before = panelState(panel());
+
+    panel().onHidConnetChanged(1);
+    panel().onHidConnetChanged(0);
+    QCOMPARE(panelState(panel()), before);
+}
+
+void ConnectionTest::signalsOfTheLibraryWaitForTheEventLoop_data()
+{
+    using Action = std::function<void()>;
+    QTest::addColumn<Action>("emitSignal");
+    QTest::addColumn<QString>("reaction");
+    OrvikHIDManager *library = OrvikHIDManager::instance();
+    QTest::newRow("devices on the bus")
+        << Action([library] { Q_EMIT library->deviceListChanged({path(u"4321"_qs)}, {}); })
+        << u"2pid is: 4321"_qs;
+    QTest::newRow("a report") << Action([library] {
+        Q_EMIT library->blockReceiveData(DeviceReplies::mode(0));
+    }) << u" receive dfu mode is: off"_qs;
+    QTest::newRow("a connection") << Action([library] { Q_EMIT library->blockHidConnetStatus(0); })
+                                  << u"[状态] 设备连接信号"_qs;
+}
+
+void ConnectionTest::signalsOfTheLibraryWaitForTheEventLoop()
+{
+    QFETCH(std::function<void()>, emitSignal);
+    QFETCH(QString, reaction);
+
+    emitSignal();
+    QVERIFY(!m_stage->log.contains(reaction));
+    QTRY_COMPARE(m_stage->log.count(reaction), 1);
+}
+
+void ConnectionTest::pluggedDeviceIsOpenedByItself()
+{
+    const QString device = PanelStage::bus().plug(0x000E);
+
+    QTRY_COMPARE(PanelStage::bus().opened(), QStringList(device));
+    QTRY_VERIFY(m_stage->log.contains(u"[状态] 设备连接信号"_qs));
+    QCOMPARE(panel().lastDetectedPcPid, 14);
+}
+
+void ConnectionTest::deviceOfTheOtherModelIsLeftAlone()
+{
+    PanelStage::bus().plug(0x0001);
+
+    QTRY_VERIFY(m_stage->log.contains(u"2pid is: 0001"_qs));
+    QCOMPARE(commands(), QStringList());
+    QCOMPARE(panel().m_deviceModel, DeviceModel::R2);
+}
+
+void ConnectionTest::removedDeviceIsFoundAgain()
+{
+    const QString device = PanelStage::bus().plug(0x000E);
+    QTRY_COMPARE(PanelStage::bus().openConnections(), 1);
+    m_stage->log.clear();
+
+    PanelStage::bus().unplug(0x000E);
+    QTRY_VERIFY(m_stage->log.contains(u"\n[状态] 设备已断开！定时器应该切换到1秒快速扫描"_qs));
+    QTRY_COMPARE(PanelStage::bus().openConnections(), 0);
+    QVERIFY(!panel().m_hidManager->getConnected());
+    QCOMPARE(panel().lastDetectedPcPid, 14); // remembered
+
+    PanelStage::bus().plug(0x000E);
+    QTRY_COMPARE(PanelStage::bus().opened(), QStringList({device, device}));
+}
+
+void ConnectionTest::refusedDeviceIsOpenedWithoutBeingPluggedAgain()
+{
+    PanelStage::bus().refuseOpen(true);
+    const QString device = PanelStage::bus().plug(0x000E);
+    QTRY_VERIFY(!commands().isEmpty());
+
+    PanelStage::bus().refuseOpen(false);
+    QTRY_COMPARE(PanelStage::bus().opened(), QStringList(device));
+}
+
+void ConnectionTest::questionAskedBeforeThePlugIsAnsweredAfterIt()
+{
+    QTRY_VERIFY(!m_stage->log.startingWith(u"hid: DC_AddSendData"_qs).isEmpty());
+    PanelStage::bus().setResponder(DeviceReplies::device({1, 2, 3}, {1, 2, 4}));
+
+    PanelStage::bus().plug(0x000E);
+    QTRY_COMPARE(panel().m_deviceOtgVersion, u"1.2.4"_qs);
+    QCOMPARE(panel().m_devicePcVersion, u"1.2.3"_qs);
+}
+
+QTEST_MAIN(ConnectionTest)
+#include "tst_connection.moc"

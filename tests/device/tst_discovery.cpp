@@ -1,0 +1,267 @@
+// One list of device paths judged: what is recognised and remembered, and which model the panel then serves.
+#include "tests/device/Scans.h"
+#include "tests/panel/PanelStage.h"
+#include "tests/support/PanelState.h"
+
+#include <QTest>
+
+using namespace Scans;
+
+namespace {
+DeviceModel model(int value)
+{
+    return static_cast<DeviceModel>(value);
+}
+
+const QString kR1Switch = u"[ConnectingR2] 检测到R1 DFU PID，自动切换 model 为 R1"_qs;
+const QString kR2Switch = u"[ConnectingR2] 检测到R2 DFU PID，自动切换 model 为 R2"_qs;
+} // namespace
+
+class DiscoveryTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void logBegins_data();
+    void logBegins();
+    void pathsAreClassified_data();
+    void pathsAreClassified();
+    void oddPaths_data();
+    void oddPaths();
+    void modelFollowsABootLoader_data();
+    void modelFollowsABootLoader();
+    void modelSwitchResetsNothing();
+
+private:
+    FirmwareUpgradeWidget &panel() { return *m_stage->panel; }
+    QStringList lines() const { return m_stage->log.lines(); }
+    /// Discovery raises the signal all the same; the panel does not act on it.
+    void dropRecovery()
+    {
+        disconnect(&panel(), &FirmwareUpgradeWidget::onDeviceBrickedDetected, &panel(), nullptr);
+    }
+
+    std::unique_ptr<PanelStage> m_stage;
+};
+
+void DiscoveryTest::init()
+{
+    m_stage = std::make_unique<PanelStage>();
+    m_stage->log.clear();
+}
+
+void DiscoveryTest::cleanup()
+{
+    panel().m_isUpgrading = false;
+    m_stage.reset();
+}
+
+void DiscoveryTest::logBegins_data()
+{
+    QTest::addColumn<QStringList>("devices");
+    QTest::addColumn<bool>("isUpgrading");
+    QTest::addColumn<bool>("isRecovering");
+    QTest::newRow("no device") << QStringList() << false << false;
+    QTest::newRow("one device") << paths({u"1234"_qs}) << true << false;
+    QTest::newRow("three devices") << paths({u"1234"_qs, u"1235"_qs, u"1236"_qs}) << false << true;
+}
+
+void DiscoveryTest::logBegins()
+{
+    QFETCH(QStringList, devices);
+    QFETCH(bool, isUpgrading);
+    QFETCH(bool, isRecovering);
+    panel().m_isUpgrading = isUpgrading;
+    panel().m_autoRecoverRunning = isRecovering;
+
+    panel().ConnectingR2(devices, {});
+    QCOMPARE(lines().mid(0, 2),
+             QStringList({u"[ConnectingR2] START - m_isUpgrading=%1 m_autoRecoverRunning=%2"_qs.arg(
+                              word(isUpgrading), word(isRecovering)),
+                          u"[FirmwareUpgradeWidget定时器扫描] 发现 %1 个设备"_qs.arg(devices.size())}));
+}
+
+void DiscoveryTest::pathsAreClassified_data()
+{
+    QTest::addColumn<int>("modelBefore");
+    QTest::addColumn<int>("lastPcBefore");
+    QTest::addColumn<int>("lastOtgBefore");
+    QTest::addColumn<QStringList>("productIds");
+    QTest::addColumn<QString>("found"); // P and p: PC chip, normal and boot loader; O and o: OTG chip
+    QTest::addColumn<int>("lastPc");
+    QTest::addColumn<int>("lastOtg");
+    QTest::addColumn<QString>("lastLine"); // of the last path
+    const auto row
+        = [](const char *name, int modelBefore, std::pair<int, int> before, const QStringList &productIds,
+             const QString &found, std::pair<int, int> after, const QString &lastLine) {
+              QTest::newRow(name) << modelBefore << before.first << before.second << productIds << found
+                                  << after.first << after.second << lastLine;
+          };
+    const QString normal = u"find R2 device"_qs;
+    const QString otg = u"find R2 OTG device"_qs;
+    const QString otgDfu = u"find R2 OTG DFU device"_qs;
+
+    row("nothing keeps what was seen", 1, {14, 31}, {}, u""_qs, {14, 31}, u""_qs);
+    row("R2: the PC chip", 1, {0, 0}, {u"000e"_qs}, u"P"_qs, {14, 0}, normal);
+    row("R1: the PC chip", 0, {0, 0}, {u"0001"_qs}, u"P"_qs, {1, 0}, normal);
+    row("2 is served as R2: the PC chip", 2, {0, 0}, {u"000e"_qs}, u"P"_qs, {14, 0}, normal);
+    row("upper case", 1, {0, 0}, {u"000E"_qs}, u"P"_qs, {14, 0}, normal);
+    row("R2: its boot loader", 1, {0, 0}, {u"00ff"_qs}, u"p"_qs, {255, 0}, u"find DFU device, pid=ff"_qs);
+    row("R2: its boot loader in upper case", 1, {0, 0}, {u"00FF"_qs}, u"p"_qs, {255, 0},
+        u"find DFU device, pid=ff"_qs);
+    row("R1: its boot loader", 0, {0, 0}, {u"0010"_qs}, u"p"_qs, {16, 0}, u"find DFU device, pid=10"_qs);
+    row("R2: the OTG chip", 1, {0, 0}, {u"001f"_qs}, u"O"_qs, {0, 31}, otg);
+    row("R2: the OTG chip's boot loader", 1, {0, 0}, {u"0065"_qs}, u"o"_qs, {0, 101}, otgDfu);
+    row("R1: 0x0012 is always the normal OTG chip", 0, {0, 0}, {u"0012"_qs}, u"O"_qs, {0, 18}, otg);
+    row("R2: 0x0012 is nothing", 1, {0, 0}, {u"0012"_qs}, u""_qs, {0, 0}, u"2pid is: 0012"_qs);
+    row("R2: an R1 in normal mode is nothing", 1, {0, 0}, {u"0001"_qs}, u""_qs, {0, 0}, u"2pid is: 0001"_qs);
+    row("R1: an R2 in normal mode is nothing", 0, {0, 0}, {u"000e"_qs}, u""_qs, {0, 0}, u"2pid is: 000e"_qs);
+    row("R1: an R2's OTG chip is nothing", 0, {0, 0}, {u"001f"_qs}, u""_qs, {0, 0}, u"2pid is: 001f"_qs);
+    row("R1: an R2's OTG boot loader is nothing", 0, {0, 0}, {u"0065"_qs}, u""_qs, {0, 0},
+        u"2pid is: 0065"_qs);
+    row("another device of the family", 1, {14, 31}, {u"1234"_qs}, u""_qs, {14, 31}, u"2pid is: 1234"_qs);
+
+    row("both chips", 1, {0, 0}, {u"000e"_qs, u"001f"_qs}, u"PO"_qs, {14, 31}, otg);
+    row("both chips the other way round", 1, {0, 0}, {u"001f"_qs, u"000e"_qs}, u"PO"_qs, {14, 31}, normal);
+    row("the later PC match is remembered: boot loader", 1, {0, 0}, {u"000e"_qs, u"00ff"_qs}, u"Pp"_qs,
+        {255, 0}, u"find DFU device, pid=ff"_qs);
+    row("the later PC match is remembered: normal", 1, {0, 0}, {u"00ff"_qs, u"000e"_qs}, u"Pp"_qs, {14, 0},
+        normal);
+    row("a PC chip overwrites what was seen before", 1, {255, 0}, {u"000e"_qs}, u"P"_qs, {14, 0}, normal);
+    row("an OTG chip leaves the PC chip remembered", 1, {14, 0}, {u"001f"_qs}, u"O"_qs, {14, 31}, otg);
+
+    row("a normal OTG sighting is not overwritten in the same list", 1, {0, 0}, {u"001f"_qs, u"0065"_qs},
+        u"Oo"_qs, {0, 31}, otgDfu);
+    row("a normal OTG sighting overwrites the boot loader", 1, {0, 0}, {u"0065"_qs, u"001f"_qs}, u"Oo"_qs,
+        {0, 31}, otg);
+    row("a normal OTG sighting of an earlier list is not overwritten", 1, {0, 31}, {u"0065"_qs}, u"o"_qs,
+        {0, 31}, otgDfu);
+    row("another model's OTG sighting is overwritten", 1, {0, 18}, {u"0065"_qs}, u"o"_qs, {0, 101}, otgDfu);
+    row("everything at once", 1, {0, 0}, {u"0065"_qs, u"001f"_qs, u"00ff"_qs, u"000e"_qs, u"1234"_qs},
+        u"PpOo"_qs, {14, 31}, u"2pid is: 1234"_qs);
+}
+
+void DiscoveryTest::pathsAreClassified()
+{
+    QFETCH(int, modelBefore);
+    QFETCH(int, lastPcBefore);
+    QFETCH(int, lastOtgBefore);
+    QFETCH(QStringList, productIds);
+    QFETCH(QString, found);
+    QFETCH(QString, lastLine);
+    dropRecovery();
+    panel().m_deviceModel = model(modelBefore);
+    panel().lastDetectedPcPid = lastPcBefore;
+    panel().lastDetectedOtgPid = lastOtgBefore;
+
+    panel().ConnectingR2(paths(productIds), {1, 2, 3}); // the list of product IDs is not looked at
+    QTEST(panel().lastDetectedPcPid, "lastPc");
+    QTEST(panel().lastDetectedOtgPid, "lastOtg");
+    const qsizetype foundAt = lines().indexOf(foundLine(found));
+    QVERIFY2(foundAt > 0, qPrintable(lines().join(u'\n')));
+    if (!lastLine.isEmpty())
+        QCOMPARE(lines().at(foundAt - 1), lastLine);
+    QCOMPARE(m_stage->log.startingWith(u"2pid is: "_qs).size(), productIds.size());
+}
+
+void DiscoveryTest::oddPaths_data()
+{
+    QTest::addColumn<QString>("oddPath");
+    QTest::addColumn<QStringList>("pidLines");
+    QTest::addColumn<QString>("found");
+    QTest::newRow("empty") << QString() << QStringList() << u""_qs;
+    QTest::newRow("no product ID") << u"/dev/hidraw3"_qs << QStringList() << u""_qs;
+    QTest::newRow("the vendor's is no product ID") << u"hid#vid_000e"_qs << QStringList() << u""_qs;
+    QTest::newRow("upper-case mark and digits")
+        << u"HID#VID_352F&PID_000E"_qs << QStringList(u"2pid is: 000e"_qs) << u"P"_qs;
+    QTest::newRow("not hexadecimal") << u"hid#vid_352f&pid_00ge"_qs << QStringList(u"2pid is: 00ge"_qs)
+                                     << u""_qs;
+    QTest::newRow("four characters, whatever follows")
+        << u"hid#vid_352f&pid_000e55zz"_qs << QStringList(u"2pid is: 000e"_qs) << u"P"_qs;
+    QTest::newRow("junk within the four characters")
+        << u"hid#vid_352f&pid_e&mi_00"_qs << QStringList(u"2pid is: e&mi"_qs) << u""_qs;
+    QTest::newRow("fewer than four at the end")
+        << u"hid#vid_352f&pid_1f"_qs << QStringList(u"2pid is: 1f"_qs) << u"O"_qs;
+    QTest::newRow("nothing behind the mark")
+        << u"hid#vid_352f&pid_"_qs << QStringList(u"2pid is: "_qs) << u""_qs;
+    QTest::newRow("the first mark counts")
+        << u"hid#vid_352f&pid_001f&pid_000e"_qs << QStringList(u"2pid is: 001f"_qs) << u"O"_qs;
+    QTest::newRow("only a mark") << u"pid_000e"_qs << QStringList(u"2pid is: 000e"_qs) << u"P"_qs;
+    QTest::newRow("not ASCII") << u"设备#pid_０００ｅ"_qs << QStringList(u"2pid is: ０００ｅ"_qs) << u""_qs;
+    QTest::newRow("very long") << QString(100'000, u'x') + u"pid_000e" + QString(100'000, u'y')
+                               << QStringList(u"2pid is: 000e"_qs) << u"P"_qs;
+}
+
+void DiscoveryTest::oddPaths()
+{
+    QFETCH(QString, oddPath);
+    QFETCH(QString, found);
+
+    panel().ConnectingR2({oddPath}, {});
+    QTEST(m_stage->log.startingWith(u"2pid is: "_qs), "pidLines");
+    QVERIFY(m_stage->log.contains(foundLine(found)));
+}
+
+void DiscoveryTest::modelFollowsABootLoader_data()
+{
+    QTest::addColumn<int>("modelBefore");
+    QTest::addColumn<QStringList>("productIds");
+    QTest::addColumn<int>("modelAfter");
+    QTest::addColumn<QStringList>("switchLines");
+    QTest::addColumn<QString>("found");
+    QTest::newRow("R2 sees the boot loader of an R1")
+        << 1 << QStringList(u"0010"_qs) << 0 << QStringList(kR1Switch) << u"p"_qs;
+    QTest::newRow("R1 sees the boot loader of an R2")
+        << 0 << QStringList(u"00ff"_qs) << 1 << QStringList(kR2Switch) << u"p"_qs;
+    QTest::newRow("R1 sees its own") << 0 << QStringList(u"0010"_qs) << 0 << QStringList() << u"p"_qs;
+    QTest::newRow("R2 sees its own") << 1 << QStringList(u"00ff"_qs) << 1 << QStringList() << u"p"_qs;
+    QTest::newRow("a switch changes the tests for the later paths")
+        << 1 << QStringList{u"0010"_qs, u"0001"_qs, u"0012"_qs} << 0 << QStringList(kR1Switch) << u"pPO"_qs;
+    QTest::newRow("a switch does not change the tests for the earlier paths")
+        << 1 << QStringList{u"0001"_qs, u"0012"_qs, u"0010"_qs} << 0 << QStringList(kR1Switch) << u"p"_qs;
+    QTest::newRow("both boot loaders, the last one stays")
+        << 1 << QStringList{u"0010"_qs, u"00ff"_qs} << 1 << QStringList{kR1Switch, kR2Switch} << u"p"_qs;
+    QTest::newRow("an R1's OTG chip switches nothing")
+        << 1 << QStringList(u"0012"_qs) << 1 << QStringList() << u""_qs;
+}
+
+void DiscoveryTest::modelFollowsABootLoader()
+{
+    QFETCH(int, modelBefore);
+    QFETCH(QStringList, productIds);
+    QFETCH(QString, found);
+    dropRecovery();
+    panel().m_deviceModel = model(modelBefore);
+
+    panel().ConnectingR2(paths(productIds), {});
+    QTEST(int(panel().m_deviceModel), "modelAfter");
+    QTEST(m_stage->log.startingWith(u"[ConnectingR2] 检测到"_qs), "switchLines");
+    QVERIFY(m_stage->log.contains(foundLine(found)));
+    if (!m_stage->log.startingWith(u"[ConnectingR2] 检测到"_qs).isEmpty()) {
+        const qsizetype at
+            = lines().indexOf(m_stage->log.startingWith(u"[ConnectingR2] 检测到"_qs).constFirst());
+        QVERIFY(lines().at(at + 1).startsWith(u"find DFU device, pid="));
+    }
+}
+
+// The switch is not setDeviceModel(): what the panel knew stays.
+void DiscoveryTest::modelSwitchResetsNothing()
+{
+    dropRecovery();
+    panel().m_devicePcVersion = u"1.2.3"_qs;
+    panel().m_remotePcVersion = u"1.3.3"_qs;
+    panel().m_upgradePlan = UpgradePlan::PcOnly;
+    panel().lastDetectedOtgPid = 31;
+    const QStringList before = panelState(panel());
+
+    panel().ConnectingR2(paths({u"0010"_qs}), {});
+    QCOMPARE(changedState(before, panelState(panel())),
+             QStringList({u"m_autoRecoverRunning=true"_qs, u"m_isUpgrading=true"_qs, u"m_deviceModel=0"_qs,
+                          u"lastDetectedPcPid=16"_qs}));
+    QVERIFY(m_stage->log.startingWith(u"setDeviceModel"_qs).isEmpty());
+}
+
+QTEST_MAIN(DiscoveryTest)
+#include "tst_discovery.moc"

@@ -1,0 +1,80 @@
+// A device that repeats itself while the panel waits: replies nest inside one another, but not without end.
+#include "tests/device/Chips.h"
+
+#include <QMessageBox>
+#include <QTimer>
+
+using namespace Chips;
+using namespace std::chrono_literals;
+
+class ReplyFloodTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void repliesOfASilentServersQueriesNestToALimit();
+    void oneWarningBoxAtATime();
+    void nextReplyAfterAFloodIsRead();
+};
+
+namespace {
+constexpr int kFlood = 200;
+
+/// Hands \a reply over \a count times as soon as an event loop of the panel's runs.
+void flood(FirmwareUpgradeWidget &panel, const QByteArray &reply, int count)
+{
+    for (int i = 0; i < count; ++i)
+        QMetaObject::invokeMethod(&panel, "onReceiveHIDdata", Qt::QueuedConnection, Q_ARG(QByteArray, reply));
+}
+} // namespace
+
+void ReplyFloodTest::repliesOfASilentServersQueriesNestToALimit()
+{
+    PanelStage stage;
+    stage.server.answer(ServerPaths::kR2PcVersion, ScriptedHttpServer::silence());
+    int deepest = 0;
+    QTimer watch;
+    connect(&watch, &QTimer::timeout, this, [&] {
+        deepest = std::max(deepest, int(stage.log.count(u"DEVICE PC VERSION : 1.2.3"_qs)));
+    });
+    watch.start(20ms);
+
+    flood(*stage.panel, kPc.reply({1, 2, 3}), kFlood);
+    QElapsedTimer time;
+    time.start();
+    stage.panel->onReceiveHIDdata(kPc.reply({1, 2, 3}));
+
+    QVERIFY2(time.elapsed() < 5000, qPrintable(QString::number(time.elapsed())));
+    QVERIFY2(deepest > 1 && deepest <= 8, qPrintable(QString::number(deepest)));
+}
+
+void ReplyFloodTest::oneWarningBoxAtATime()
+{
+    PanelStage stage;
+    flood(*stage.panel, DeviceReplies::mode(1), kFlood);
+    int boxes = 0;
+    QTimer::singleShot(300ms, stage.panel.get(), [&] {
+        const auto open = stage.panel->findChildren<QMessageBox *>();
+        boxes = int(open.size());
+        for (QMessageBox *box : open)
+            box->accept();
+    });
+    stage.panel->onReceiveHIDdata(DeviceReplies::mode(1));
+    QCOMPARE(boxes, 1);
+    QVERIFY(stage.panel->findChildren<QMessageBox *>().isEmpty());
+}
+
+void ReplyFloodTest::nextReplyAfterAFloodIsRead()
+{
+    PanelStage stage;
+    stage.server.answer(ServerPaths::kR2PcVersion, ScriptedHttpServer::silence());
+    flood(*stage.panel, kPc.reply({1, 2, 3}), kFlood);
+    stage.panel->onReceiveHIDdata(kPc.reply({1, 2, 3}));
+
+    stage.server.answer(ServerPaths::kR2PcVersion, ScriptedHttpServer::version("1.3.0"));
+    stage.panel->onReceiveHIDdata(kPc.reply({1, 2, 4}));
+    QCOMPARE(stage.panel->m_devicePcVersion, u"1.2.4"_qs);
+    QCOMPARE(stage.panel->m_remotePcVersion, u"1.3.0"_qs);
+}
+
+QTEST_MAIN(ReplyFloodTest)
+#include "tst_reply_flood.moc"

@@ -1,0 +1,218 @@
+// What a list of device paths leads to besides a connection: a recovery, or the announcement of the OTG
+// interface.
+#include "tests/device/Scans.h"
+#include "tests/panel/PanelStage.h"
+#include "tests/support/PanelState.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Scans;
+
+namespace {
+const QString kRecoveryFlags = u"$$#####----=-=== m_isUpgrading is : %1 m_autoRecoverRunning is: %2"_qs;
+const QString kRecoveryStarted = u"find DFU PID and trigger auto recover."_qs;
+const QString kOtgTrigger = u"OTG already present, trigger OTG upgrade directly"_qs;
+const QString kOtgMissing = u"OTG ready phase, but OTG device not found yet"_qs;
+const QString kOtgTooEarly = u"find r2 otg device, but not ready for OTG upgrade yet"_qs;
+} // namespace
+
+class ScanDecisionsTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void bootLoaderStartsARecovery();
+    void bootLoaderStartsNothing_data();
+    void bootLoaderStartsNothing();
+    void recoveryFlagsStandWhenTheSignalComes();
+
+    void otgPhase_data();
+    void otgPhase();
+    void otgPhaseOpensAndRecoversNothing();
+    void otgBeforeItsPhase_data();
+    void otgBeforeItsPhase();
+
+private:
+    FirmwareUpgradeWidget &panel() { return *m_stage->panel; }
+    QStringList lines() const { return m_stage->log.lines(); }
+    /// Discovery raises the signal all the same; the panel does not act on it.
+    void dropRecovery()
+    {
+        disconnect(&panel(), &FirmwareUpgradeWidget::onDeviceBrickedDetected, &panel(), nullptr);
+    }
+
+    std::unique_ptr<PanelStage> m_stage;
+};
+
+void ScanDecisionsTest::init()
+{
+    m_stage = std::make_unique<PanelStage>();
+    m_stage->log.clear();
+}
+
+void ScanDecisionsTest::cleanup()
+{
+    panel().m_isUpgrading = false;
+    m_stage.reset();
+}
+
+void ScanDecisionsTest::bootLoaderStartsARecovery()
+{
+    m_stage->server.answer(ServerPaths::kR2PcVersion, ScriptedHttpServer::version("1.2.3"));
+    m_stage->server.answer(ServerPaths::kR2OtgVersion, ScriptedHttpServer::version("1.2.4"));
+    QSignalSpy bricked(&panel(), &FirmwareUpgradeWidget::onDeviceBrickedDetected);
+
+    panel().ConnectingR2(paths({u"00ff"_qs}), {});
+    QCOMPARE(bricked.count(), 1);
+    QVERIFY(panel().m_isUpgrading);
+    QVERIFY(panel().m_autoRecoverRunning);
+    QCOMPARE(panel().m_upgradePlan, UpgradePlan::Both);
+    // The recovery runs inside the signal: its lines stand between the two of the scan.
+    const qsizetype flags = lines().indexOf(kRecoveryFlags.arg(u"false"_qs, u"false"_qs));
+    const qsizetype recovery = lines().indexOf(u"[AutoRecover] start auto recover upgrade flow."_qs);
+    QVERIFY(flags > 0 && flags < recovery);
+    QVERIFY(recovery < lines().indexOf(kRecoveryStarted));
+}
+
+void ScanDecisionsTest::bootLoaderStartsNothing_data()
+{
+    QTest::addColumn<bool>("isUpgrading");
+    QTest::addColumn<bool>("isRecovering");
+    QTest::newRow("while an upgrade runs") << true << false;
+    QTest::newRow("while a recovery is armed") << false << true;
+    QTest::newRow("while a recovery runs") << true << true;
+}
+
+void ScanDecisionsTest::bootLoaderStartsNothing()
+{
+    QFETCH(bool, isUpgrading);
+    QFETCH(bool, isRecovering);
+    panel().m_isUpgrading = isUpgrading;
+    panel().m_autoRecoverRunning = isRecovering;
+    QSignalSpy bricked(&panel(), &FirmwareUpgradeWidget::onDeviceBrickedDetected);
+    const QStringList before = panelState(panel());
+
+    panel().ConnectingR2(paths({u"00ff"_qs}), {});
+    QCOMPARE(bricked.count(), 0);
+    QCOMPARE(lines().constLast(), kRecoveryFlags.arg(word(isUpgrading), word(isRecovering)));
+    QCOMPARE(changedState(before, panelState(panel())), QStringList(u"lastDetectedPcPid=255"_qs));
+}
+
+void ScanDecisionsTest::recoveryFlagsStandWhenTheSignalComes()
+{
+    dropRecovery();
+    QStringList atTheSignal;
+    connect(&panel(), &FirmwareUpgradeWidget::onDeviceBrickedDetected, this,
+            [&] { atTheSignal = panelState(panel()); });
+
+    panel().ConnectingR2(paths({u"00ff"_qs}), {});
+    QVERIFY(atTheSignal.contains(u"m_isUpgrading=true"_qs));
+    QVERIFY(atTheSignal.contains(u"m_autoRecoverRunning=true"_qs));
+    QVERIFY(atTheSignal.contains(u"lastDetectedPcPid=255"_qs));
+    QCOMPARE(lines().constLast(), kRecoveryStarted);
+}
+
+void ScanDecisionsTest::otgPhase_data()
+{
+    QTest::addColumn<int>("modelValue");
+    QTest::addColumn<int>("plan");
+    QTest::addColumn<bool>("isPcDone");
+    QTest::addColumn<QStringList>("productIds");
+    QTest::addColumn<int>("announcements");
+    QTest::addColumn<QString>("lastLine");
+    QTest::newRow("OtgOnly, OTG chip present")
+        << 1 << 2 << false << QStringList(u"001f"_qs) << 1 << kOtgTrigger;
+    QTest::newRow("OtgOnly, OTG boot loader present")
+        << 1 << 2 << false << QStringList(u"0065"_qs) << 1 << kOtgTrigger;
+    QTest::newRow("OtgOnly, R1") << 0 << 2 << false << QStringList(u"0012"_qs) << 1 << kOtgTrigger;
+    QTest::newRow("OtgOnly, nothing present") << 1 << 2 << false << QStringList() << 0 << kOtgMissing;
+    QTest::newRow("OtgOnly, the other model's OTG chip")
+        << 1 << 2 << false << QStringList(u"0012"_qs) << 0 << kOtgMissing;
+    QTest::newRow("OtgOnly, PC chip only") << 1 << 2 << false << QStringList(u"000e"_qs) << 0 << kOtgMissing;
+    QTest::newRow("Both with its PC half done, OTG chip present")
+        << 1 << 3 << true << QStringList(u"001f"_qs) << 1 << kOtgTrigger;
+    QTest::newRow("Both with its PC half done, both chips present")
+        << 1 << 3 << true << QStringList{u"000e"_qs, u"001f"_qs} << 1 << kOtgTrigger;
+    QTest::newRow("Both with its PC half done, nothing present")
+        << 1 << 3 << true << QStringList() << 0 << kOtgMissing;
+    QTest::newRow("both of the OTG chip's identities are one announcement")
+        << 1 << 3 << true << QStringList{u"001f"_qs, u"0065"_qs} << 1 << kOtgTrigger;
+}
+
+void ScanDecisionsTest::otgPhase()
+{
+    QFETCH(int, modelValue);
+    QFETCH(int, plan);
+    QFETCH(bool, isPcDone);
+    QFETCH(QStringList, productIds);
+    panel().m_deviceModel = static_cast<DeviceModel>(modelValue);
+    panel().m_isUpgrading = true;
+    panel().m_upgradePlan = static_cast<UpgradePlan>(plan);
+    panel().pcUpgradeCompleted = isPcDone;
+    QStringList atTheSignal;
+    int announcements = 0;
+    connect(&panel(), &FirmwareUpgradeWidget::r2otgConnected, this, [&] {
+        ++announcements;
+        atTheSignal = lines();
+    });
+
+    panel().ConnectingR2(paths(productIds), {});
+    QTEST(announcements, "announcements");
+    QTEST(lines().constLast(), "lastLine");
+    if (announcements)
+        QCOMPARE(atTheSignal.constLast(), kOtgTrigger);
+    QVERIFY(m_stage->log.startingWith(u"[ConnectingR2] foundR2"_qs).isEmpty());
+}
+
+void ScanDecisionsTest::otgPhaseOpensAndRecoversNothing()
+{
+    const QString device = PanelStage::bus().plug(0x000E);
+    panel().m_isUpgrading = true;
+    panel().m_upgradePlan = UpgradePlan::OtgOnly;
+    QSignalSpy bricked(&panel(), &FirmwareUpgradeWidget::onDeviceBrickedDetected);
+
+    panel().ConnectingR2({device, path(u"00ff"_qs)}, {});
+    QCOMPARE(m_stage->log.startingWith(u"hid"_qs), QStringList());
+    QCOMPARE(bricked.count(), 0);
+    QCOMPARE(panel().lastDetectedPcPid, 255);
+}
+
+void ScanDecisionsTest::otgBeforeItsPhase_data()
+{
+    QTest::addColumn<bool>("isUpgrading");
+    QTest::addColumn<int>("plan");
+    QTest::addColumn<bool>("isPcDone");
+    QTest::addColumn<bool>("isTooEarly");
+    QTest::newRow("PC half of Both") << true << 3 << false << true;
+    QTest::newRow("PcOnly") << true << 1 << false << true;
+    QTest::newRow("PcOnly is no OTG run whatever the flag says") << true << 1 << true << true;
+    QTest::newRow("None") << true << 0 << false << true;
+    QTest::newRow("a plan that does not exist") << true << 7 << true << true;
+    QTest::newRow("OtgOnly before the click") << false << 2 << false << false;
+    QTest::newRow("Both, done, idle") << false << 3 << true << false;
+}
+
+void ScanDecisionsTest::otgBeforeItsPhase()
+{
+    QFETCH(bool, isUpgrading);
+    QFETCH(int, plan);
+    QFETCH(bool, isPcDone);
+    QFETCH(bool, isTooEarly);
+    panel().m_isUpgrading = isUpgrading;
+    panel().m_upgradePlan = static_cast<UpgradePlan>(plan);
+    panel().pcUpgradeCompleted = isPcDone;
+    QSignalSpy announced(&panel(), &FirmwareUpgradeWidget::r2otgConnected);
+
+    for (const QString &productId : {u"001f"_qs, u"0065"_qs}) {
+        panel().ConnectingR2(paths({productId}), {});
+        QCOMPARE(lines().constLast(),
+                 isTooEarly ? kOtgTooEarly : foundLine(productId == u"001f" ? u"O"_qs : u"o"_qs));
+    }
+    QCOMPARE(announced.count(), 0);
+}
+
+QTEST_MAIN(ScanDecisionsTest)
+#include "tst_scan_decisions.moc"

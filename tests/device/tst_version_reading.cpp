@@ -1,0 +1,183 @@
+// A version reply: what is stored, what the server is asked, what the log says.
+#include "tests/device/Chips.h"
+#include "tests/support/LogOrder.h"
+
+using namespace Chips;
+
+class VersionReadingTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void registersBecomeAVersion_data();
+    void registersBecomeAVersion();
+    void serverIsAskedForTheSameChip_data();
+    void serverIsAskedForTheSameChip();
+    void answersOfTheServer_data();
+    void answersOfTheServer();
+    void otherAddressesStoreNothing_data();
+    void otherAddressesStoreNothing();
+    void shortRepliesStoreNothing();
+
+    void wholeExchangeLeadsToAPlan();
+
+private:
+    FirmwareUpgradeWidget &panel() { return *m_stage->panel; }
+    QStringList lines() const { return withoutScans(m_stage->log.lines()); }
+    void receive(const Chip &chip, Version version) { panel().onReceiveHIDdata(chip.reply(version)); }
+
+    std::unique_ptr<PanelStage> m_stage;
+};
+
+void VersionReadingTest::init()
+{
+    m_stage = std::make_unique<PanelStage>();
+    m_stage->log.clear();
+}
+
+void VersionReadingTest::cleanup()
+{
+    m_stage.reset();
+}
+
+void VersionReadingTest::registersBecomeAVersion_data()
+{
+    QTest::addColumn<Chip>("chip");
+    QTest::addColumn<Version>("registers");
+    QTest::addColumn<QString>("version");
+    for (const Chip &chip : {kPc, kOtg}) {
+        const auto row = [&chip](const char *name, Version registers, const QString &version) {
+            QTest::addRow("%s: %s", qPrintable(chip.name), name) << chip << registers << version;
+        };
+        row("1, 2, 3", {1, 2, 3}, u"1.2.3"_qs);
+        row("both bytes of each register", {0x0102, 0x0304, 0x0506}, u"258.772.1286"_qs);
+        row("0xFFFF is -1", {0xFFFF, 0, 0}, u"-1.0.0"_qs);
+        row("0x8000 is the lowest", {0, 0x8000, 0x7FFF}, u"0.-32768.32767"_qs);
+        row("0, 0, 0", {0, 0, 0}, u"0.0.0"_qs);
+        row("one hundred and four is no failure here", {104, 0, 0}, u"104.0.0"_qs);
+    }
+}
+
+void VersionReadingTest::registersBecomeAVersion()
+{
+    QFETCH(Chip, chip);
+    QFETCH(Version, registers);
+
+    receive(chip, registers);
+    QTEST(panel().*chip.device, "version");
+}
+
+void VersionReadingTest::serverIsAskedForTheSameChip_data()
+{
+    QTest::addColumn<Chip>("chip");
+    QTest::addColumn<int>("model");
+    QTest::addColumn<QString>("path");
+    for (const Chip &chip : {kPc, kOtg}) {
+        QTest::addRow("%s chip of R1", qPrintable(chip.name)) << chip << 0 << chip.r1Path;
+        QTest::addRow("%s chip of R2", qPrintable(chip.name)) << chip << 1 << chip.r2Path;
+    }
+}
+
+void VersionReadingTest::serverIsAskedForTheSameChip()
+{
+    QFETCH(Chip, chip);
+    QFETCH(int, model);
+    QFETCH(QString, path);
+    panel().m_deviceModel = static_cast<DeviceModel>(model);
+    m_stage->server.answer(path, ScriptedHttpServer::version("1.3.0"));
+
+    receive(chip, {1, 2, 3});
+    QCOMPARE(m_stage->server.paths(), QStringList(path));
+    QCOMPARE(panel().*chip.remote, u"1.3.0"_qs);
+    QCOMPARE(lines().mid(1), QStringList({deviceLine(chip, u"1.2.3"_qs), remoteLine(chip, u"1.3.0"_qs)}));
+}
+
+void VersionReadingTest::answersOfTheServer_data()
+{
+    QTest::addColumn<Chip>("chip");
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<QString>("remote");
+    for (const Chip &chip : {kPc, kOtg}) {
+        QTest::addRow("%s: a version", qPrintable(chip.name))
+            << chip << QByteArray(R"([{"f_ver":"2.0.1"}])") << u"2.0.1"_qs;
+        QTest::addRow("%s: no list", qPrintable(chip.name)) << chip << QByteArray("{}") << u"104"_qs;
+        QTest::addRow("%s: a list whose element names no version", qPrintable(chip.name))
+            << chip << QByteArray("[{}]") << u""_qs;
+    }
+}
+
+void VersionReadingTest::answersOfTheServer()
+{
+    QFETCH(Chip, chip);
+    QFETCH(QByteArray, body);
+    QFETCH(QString, remote);
+    panel().*chip.remote = u"9.9.9"_qs; // of an earlier read
+    m_stage->server.answer(chip.r2Path, ScriptedHttpServer::page(body));
+
+    receive(chip, {1, 2, 3});
+    QCOMPARE(panel().*chip.remote, remote);
+    QVERIFY(m_stage->log.contains(remoteLine(chip, remote)));
+}
+
+void VersionReadingTest::otherAddressesStoreNothing_data()
+{
+    QTest::addColumn<int>("start");
+    QTest::newRow("0") << 0;
+    QTest::newRow("one below the PC version") << 0x000A;
+    QTest::newRow("one above the PC version") << 0x000C;
+    QTest::newRow("one below the OTG version") << 0x000F;
+    QTest::newRow("one above the OTG version") << 0x0011;
+    QTest::newRow("the high byte counts: 0x010B") << 0x010B;
+    QTest::newRow("bytes the other way round: 0x0B00") << 0x0B00;
+    QTest::newRow("the mode register") << 0x1008;
+}
+
+void VersionReadingTest::otherAddressesStoreNothing()
+{
+    QFETCH(int, start);
+
+    panel().onReceiveHIDdata(DeviceReplies::version(quint16(start), {1, 2, 3}));
+    QVERIFY(panel().m_devicePcVersion.isEmpty());
+    QVERIFY(panel().m_deviceOtgVersion.isEmpty());
+    QCOMPARE(m_stage->server.paths(), QStringList());
+}
+
+void VersionReadingTest::shortRepliesStoreNothing()
+{
+    constexpr int kWhole = 15;
+    const QByteArray reply = DeviceReplies::pcVersion({1, 2, 3});
+    for (int size = 0; size < kWhole; ++size)
+        panel().onReceiveHIDdata(reply.left(size));
+    QVERIFY(panel().m_devicePcVersion.isEmpty());
+
+    panel().onReceiveHIDdata(reply.left(kWhole)); // the checksum may be missing
+    QCOMPARE(panel().m_devicePcVersion, u"1.2.3"_qs);
+}
+
+// From the plug to the plan over the real link.
+void VersionReadingTest::wholeExchangeLeadsToAPlan()
+{
+    m_stage->server.answer(ServerPaths::kR2PcVersion, ScriptedHttpServer::version("1.3.0"));
+    m_stage->server.answer(ServerPaths::kR2OtgVersion, ScriptedHttpServer::version("1.2.4"));
+    PanelStage::bus().setResponder(DeviceReplies::device({1, 2, 3}, {1, 2, 4}));
+    PanelStage::bus().plug(0x000E);
+
+    QTRY_COMPARE(m_stage->log.count(u"[Upgrade] 需要升级 PC 固件。device=1.2.3remote=1.3.0"_qs), 1);
+    QCOMPARE(panel().m_upgradePlan, UpgradePlan::PcOnly);
+    // The OTG version may come in while the server is still busy with the PC version.
+    for (const QStringList &order :
+         {QStringList{u" receive dfu mode is: off"_qs, deviceLine(kPc, u"1.2.3"_qs),
+                      deviceLine(kOtg, u"1.2.4"_qs)},
+          QStringList{deviceLine(kPc, u"1.2.3"_qs), remoteLine(kPc, u"1.3.0"_qs)},
+          QStringList{deviceLine(kOtg, u"1.2.4"_qs), remoteLine(kOtg, u"1.2.4"_qs)}})
+        QCOMPARE(missingInOrder(lines(), order), QString());
+    const QList<QByteArray> sent = PanelStage::bus().written();
+    QCOMPARE(sent.size(), 3); // the query, then the PC version before the OTG version
+    QCOMPARE(sent.at(1).mid(5, 2), QByteArray::fromHex("060b"));
+    QCOMPARE(sent.at(2).mid(5, 2), QByteArray::fromHex("0610"));
+}
+
+QTEST_MAIN(VersionReadingTest)
+#include "tst_version_reading.moc"

@@ -1,0 +1,85 @@
+// Whole runs of a real tool, in real time: started, followed, judged.
+#include "tests/flash/FlashingStage.h"
+
+#include <QElapsedTimer>
+#include <QTest>
+
+class FlashingRunsTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m = std::make_unique<FlashingStage>(); }
+    void cleanup() { m.reset(); }
+    void aRunEnds_data();
+    void aRunEnds();
+
+private:
+    std::unique_ptr<FlashingStage> m;
+};
+
+void FlashingRunsTest::aRunEnds_data()
+{
+    QTest::addColumn<QByteArray>("script");
+    QTest::addColumn<bool>("succeeds");
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<int>("earliest");
+    QTest::addColumn<int>("latest");
+    const QString success = u"Successfully upgrade !!!"_qs;
+    const QString noFile = u"[状态] 进程已退出但无进度文件，判定为失败"_qs;
+    const QString emptyFile = u"[状态] 进程已退出但进度文件为空，判定为失败"_qs;
+    const QString stall = u"[状态] 升级进度停滞3秒，判定为失败"_qs;
+    const QString badStatus = u"[状态] 升级失败(status=0)，显示失败重试 UI"_qs;
+
+    QTest::newRow("a tool that rewrites its report")
+        << "write 10%\npause 300\nwrite 55%\npause 300\nwrite success 1"_qba << true << success << 500
+        << 3000;
+    QTest::newRow("a tool that appends to its report")
+        << "append 10%\npause 300\nappend 55%\npause 300\nappend success 1"_qba << true << success << 500
+        << 3000;
+    QTest::newRow("a tool that takes two seconds a step")
+        << "write 10%\npause 2000\nwrite 20%\npause 2000\nwrite success 1"_qba << true << success << 3900
+        << 7000;
+    QTest::newRow("a tool that does not quit after its success")
+        << "ignore-terminate\nwrite success 1\nhang"_qba << true << success << 0 << 3000;
+    QTest::newRow("a tool that quits at 100 %") << "write 100%\nexit 5"_qba << true << success << 0 << 3000;
+    QTest::newRow("a tool that stands at 100 %") << "write 100%\nhang"_qba << true << success << 2950 << 6000;
+    QTest::newRow("a tool that stands at 42 %") << "write 42%\nhang"_qba << false << stall << 2950 << 6000;
+    QTest::newRow("a tool that crashes at 30 %") << "write 30%\ncrash"_qba << false << stall << 2950 << 6000;
+    QTest::newRow("a tool that reports a failure")
+        << "write 30%\npause 200\nwrite success 0\nexit 0"_qba << false << badStatus << 100 << 3000;
+    QTest::newRow("a tool that crashes at once") << "crash"_qba << false << noFile << 0 << 3000;
+    QTest::newRow("a tool that ends well and says nothing") << "exit 0"_qba << false << noFile << 0 << 3000;
+    QTest::newRow("a tool that ends well and reports nothing")
+        << "empty\nexit 0"_qba << false << emptyFile << 0 << 3000;
+}
+
+void FlashingRunsTest::aRunEnds()
+{
+    QFETCH(QByteArray, script);
+    QFETCH(bool, succeeds);
+    QFETCH(QString, line);
+    QFETCH(int, earliest);
+    QFETCH(int, latest);
+    FirmwareUpgradeWidget &panel = *m->panel;
+    panel.m_upgradePlan = UpgradePlan::PcOnly;
+    panel.m_isUpgrading = true;
+    m->tool.obeys(script);
+    QElapsedTimer time;
+    time.start();
+    panel.startUpgradeWithExternalTool(m->image, 14);
+    QVERIFY(panel.m_progressTimer->isActive());
+
+    QTRY_VERIFY_WITH_TIMEOUT(!panel.m_progressTimer->isActive(), latest);
+    QVERIFY2(time.elapsed() >= earliest, qPrintable(QString::number(time.elapsed())));
+    QCOMPARE(m->log.count(line), 1);
+    QCOMPARE(m->log.contains(u"Successfully upgrade !!!"_qs), succeeds);
+    QCOMPARE(m->showsFailure(), !succeeds);
+    QCOMPARE(panel.m_doneLb->isHidden(), !succeeds);
+    QCOMPARE(panel.m_postUpgradeWaiting, succeeds);
+    QVERIFY(!panel.m_isUpgrading);
+    QTRY_COMPARE(panel.m_dfuProcess->state(), QProcess::NotRunning);
+    QVERIFY(!panel.m_dfuTimeoutTimer->isActive());
+}
+
+QTEST_MAIN(FlashingRunsTest)
+#include "tst_flashing_runs.moc"

@@ -1,0 +1,236 @@
+// How the flashing tool is started, and what its start shows.
+#include "tests/flash/FlashingStage.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QScopeGuard>
+#include <QTest>
+
+using namespace std::chrono_literals;
+
+class FlashingToolTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m = std::make_unique<FlashingStage>(); }
+    void cleanup() { m.reset(); }
+    void argumentsNameImageAndChip_data();
+    void argumentsNameImageAndChip();
+    void theToolIsStartedAsItIs();
+    void theStartIsLogged_data();
+    void theStartIsLogged();
+    void formerResultsAreForgotten();
+    void theClocksRunAfterTheStart();
+    void theStartShows_data();
+    void theStartShows();
+    void theWaitingScreenStays();
+    void startsWithoutABar();
+
+private:
+    void start(int pid = 14) { m->panel->startUpgradeWithExternalTool(m->image, pid); }
+
+    std::unique_ptr<FlashingStage> m;
+};
+
+void FlashingToolTest::argumentsNameImageAndChip_data()
+{
+    QTest::addColumn<int>("model");
+    QTest::addColumn<int>("pid");
+    QTest::addColumn<QString>("digits");
+    QTest::addColumn<bool>("isInBootLoader");
+    QTest::newRow("R1, PC chip") << 0 << 1 << u"0001"_qs << false;
+    QTest::newRow("R1, PC chip in its boot loader") << 0 << 16 << u"0010"_qs << true;
+    QTest::newRow("R1, OTG chip, whose product ID is also its boot loader's")
+        << 0 << 18 << u"0012"_qs << true;
+    QTest::newRow("R1, R2's boot loader of the PC chip") << 0 << 255 << u"00ff"_qs << false;
+    QTest::newRow("R1, R2's boot loader of the OTG chip") << 0 << 101 << u"0065"_qs << false;
+    QTest::newRow("R2, PC chip") << 1 << 14 << u"000e"_qs << false;
+    QTest::newRow("R2, PC chip in its boot loader") << 1 << 255 << u"00ff"_qs << true;
+    QTest::newRow("R2, OTG chip") << 1 << 31 << u"001f"_qs << false;
+    QTest::newRow("R2, OTG chip in its boot loader") << 1 << 101 << u"0065"_qs << true;
+    QTest::newRow("R2, R1's boot loader") << 1 << 16 << u"0010"_qs << false;
+    QTest::newRow("R2, R1's OTG chip") << 1 << 18 << u"0012"_qs << false;
+    QTest::newRow("any other model is R2") << 7 << 255 << u"00ff"_qs << true;
+    QTest::newRow("no chip") << 1 << 0 << u"0000"_qs << false;
+    QTest::newRow("the largest product ID") << 1 << 0xFFFF << u"ffff"_qs << false;
+    QTest::newRow("digits are lower case") << 1 << 0xABCD << u"abcd"_qs << false;
+    QTest::newRow("a number that is no product ID") << 1 << 0x12345 << u"12345"_qs << false;
+}
+
+void FlashingToolTest::argumentsNameImageAndChip()
+{
+    QFETCH(int, model);
+    QFETCH(int, pid);
+    QFETCH(QString, digits);
+    QFETCH(bool, isInBootLoader);
+    m->panel->m_deviceModel = DeviceModel(model);
+    QStringList expected{u"C:/a b/R2_PC1.2.3.bin"_qs, u"--pid"_qs, digits};
+    if (isInBootLoader)
+        expected.append(u"--already-in-dfu"_qs);
+    QCOMPARE(m->panel->buildDfuArgs(u"C:/a b/R2_PC1.2.3.bin"_qs, pid), expected);
+}
+
+void FlashingToolTest::theToolIsStartedAsItIs()
+{
+    m->panel->startUpgradeWithExternalTool(m->image, 255);
+    QTRY_COMPARE(m->tool.runs().size(), 1);
+    QCOMPARE(m->tool.runs().first().arguments,
+             (QStringList{m->image, u"--pid"_qs, u"00ff"_qs, u"--already-in-dfu"_qs}));
+    QCOMPARE(m->tool.runs().first().workingDirectory, QDir::currentPath());
+    QCOMPARE(m->panel->m_dfuProcess->program(), FakeFlashingTool::path());
+    QCOMPARE(m->panel->m_dfuProcess->openMode(), QIODevice::ReadWrite);
+    QVERIFY(m->panel->m_dfuProcess->workingDirectory().isEmpty());
+    QVERIFY(m->panel->m_dfuProcess->environment().isEmpty());
+}
+
+void FlashingToolTest::theStartIsLogged_data()
+{
+    QTest::addColumn<int>("pid");
+    QTest::addColumn<int>("lastPcPid");
+    QTest::addColumn<int>("lastOtgPid");
+    QTest::addColumn<bool>("recovers");
+    QTest::addColumn<QString>("line");
+    QTest::newRow("an upgrade")
+        << 14 << 14 << 0 << false
+        << u"startUpgradeWithExternalTool pid=e lastDetectedPcPid=e lastDetectedOtgPid=0 "
+           "autoRecover=false"_qs;
+    QTest::newRow("a recovery")
+        << 255 << 255 << 31 << true
+        << u"startUpgradeWithExternalTool pid=ff lastDetectedPcPid=ff lastDetectedOtgPid=1f "
+           "autoRecover=true"_qs;
+    QTest::newRow("the OTG half")
+        << 101 << 14 << 101 << false
+        << u"startUpgradeWithExternalTool pid=65 lastDetectedPcPid=e lastDetectedOtgPid=65 "
+           "autoRecover=false"_qs;
+}
+
+void FlashingToolTest::theStartIsLogged()
+{
+    QFETCH(int, pid);
+    QFETCH(QString, line);
+    QFETCH(int, lastPcPid);
+    QFETCH(int, lastOtgPid);
+    QFETCH(bool, recovers);
+    m->panel->lastDetectedPcPid = lastPcPid;
+    m->panel->lastDetectedOtgPid = lastOtgPid;
+    m->panel->m_autoRecoverRunning = recovers;
+    m->log.clear();
+    start(pid);
+    QCOMPARE(m->log.lines(),
+             (QStringList{
+                 line, u"##222 exePath is: "_qs + FakeFlashingTool::path(),
+                 u"[startUpgrade] keepWaitingUI=false progressColor=red?false pcUpgradeCompleted=false"_qs}));
+}
+
+void FlashingToolTest::formerResultsAreForgotten()
+{
+    m->sandbox.writeProgress("success 1");
+    m->panel->m_lastProgressPercent = 42;
+    m->panel->m_lastProgressTime = QDateTime::currentDateTime();
+    m->tool.obeys("hang");
+    start();
+    QVERIFY(!QFile::exists(m->sandbox.progressFile()));
+    QVERIFY(QFileInfo(QFileInfo(m->sandbox.progressFile()).path()).isDir());
+    QCOMPARE(m->panel->m_lastProgressPercent, -1);
+    QVERIFY(m->panel->m_lastProgressTime.isNull());
+}
+
+void FlashingToolTest::theClocksRunAfterTheStart()
+{
+    m->tool.obeys("hang");
+    QVERIFY(!m->panel->m_dfuTimeoutTimer->isActive());
+    QVERIFY(!m->panel->m_progressTimer->isActive());
+    start();
+    QVERIFY(m->panel->m_dfuTimeoutTimer->isActive());
+    QVERIFY(m->panel->m_dfuTimeoutTimer->isSingleShot());
+    QCOMPARE(m->panel->m_dfuTimeoutTimer->interval(), 60'000);
+    QVERIFY(m->panel->m_progressTimer->isActive());
+    QVERIFY(!m->panel->m_progressTimer->isSingleShot());
+    QCOMPARE(m->panel->m_progressTimer->interval(), 100);
+}
+
+void FlashingToolTest::theStartShows_data()
+{
+    QTest::addColumn<UpgradePlan>("plan");
+    QTest::addColumn<bool>("pcCompleted");
+    QTest::addColumn<QColor>("progressColor");
+    QTest::addColumn<int>("percent");
+    const QColor red = FlashingStage::kWaitingRed;
+    const QColor neutral = FlashingStage::kNeutral;
+    QTest::newRow("PC only") << UpgradePlan::PcOnly << false << neutral << 0;
+    QTest::newRow("OTG only") << UpgradePlan::OtgOnly << false << neutral << 0;
+    QTest::newRow("the PC half of both") << UpgradePlan::Both << false << neutral << 0;
+    QTest::newRow("the PC half of both in red") << UpgradePlan::Both << false << red << 0;
+    QTest::newRow("the OTG half of both, no longer waiting") << UpgradePlan::Both << true << neutral << 50;
+    QTest::newRow("the OTG half of both, almost in red")
+        << UpgradePlan::Both << true << QColor(248, 74, 75, 254) << 50;
+    QTest::newRow("OTG only in red") << UpgradePlan::OtgOnly << true << red << 0;
+    QTest::newRow("PC only in red") << UpgradePlan::PcOnly << true << red << 0;
+    QTest::newRow("no plan") << UpgradePlan::None << false << neutral << 0;
+}
+
+void FlashingToolTest::theStartShows()
+{
+    QFETCH(UpgradePlan, plan);
+    QFETCH(bool, pcCompleted);
+    QFETCH(QColor, progressColor);
+    QFETCH(int, percent);
+    FirmwareUpgradeWidget &panel = *m->panel;
+    panel.m_upgradePlan = plan;
+    panel.pcUpgradeCompleted = pcCompleted;
+    panel.m_isWaitingForUSB = true;
+    panel.m_progressBar->setProgressColor(progressColor);
+    panel.m_progressBar->setBackgroundColor(Qt::red);
+    panel.m_progressBar->setValue(77);
+    const ScreenChange screen(panel, {u"m_waitingIconLb"_qs, u"m_upgradingLb"_qs, u"upgradeProgDisPlay"_qs},
+                              {u"m_rocketLb"_qs, u"m_upgradeTextLb"_qs});
+    m->tool.obeys("hang");
+    start();
+    QCOMPARE(m->percentOnBar(), percent);
+    QCOMPARE(m->percentText(), QString::number(percent) + u'%');
+    QCOMPARE(panel.m_progressBar->m_backgroundColor, FlashingStage::kGrey);
+    QCOMPARE(panel.m_progressBar->m_progressColor, progressColor);
+    QCOMPARE(screen.actual(), screen.expected());
+    QVERIFY(!panel.m_isWaitingForUSB);
+    QCOMPARE(panel.m_upgradingLb->text(), u"升级中，请勿关闭设备..."_qs);
+    QCOMPARE(panel.m_upgradingLb->geometry(), QRect(133, 13, 174, 21));
+    QCOMPARE(panel.m_waitingIconLb->geometry(), QRect(101, 12, 24, 24));
+}
+
+void FlashingToolTest::theWaitingScreenStays()
+{
+    FirmwareUpgradeWidget &panel = *m->panel;
+    m->beginRun(UpgradePlan::Both, true);
+    panel.m_isWaitingForUSB = true;
+    panel.m_progressBar->setBackgroundColor(Qt::red);
+    const ScreenChange screen(panel, {}, {});
+    const QString bar = panel.m_upgradingLb->text();
+    m->tool.obeys("hang");
+    start(31);
+    QCOMPARE(m->percentOnBar(), 50);
+    QCOMPARE(m->percentText(), u"50%"_qs);
+    QCOMPARE(panel.m_progressBar->m_backgroundColor, FlashingStage::kGrey);
+    QCOMPARE(panel.m_progressBar->m_progressColor, FlashingStage::kWaitingRed);
+    QCOMPARE(screen.actual(), screen.expected());
+    QVERIFY(panel.m_isWaitingForUSB);
+    QCOMPARE(panel.m_upgradingLb->text(), bar);
+    QVERIFY(m->log.contains(
+        u"[startUpgrade] keepWaitingUI=true progressColor=red?true pcUpgradeCompleted=true"_qs));
+}
+
+void FlashingToolTest::startsWithoutABar()
+{
+    const auto restore
+        = qScopeGuard([this, bar = m->panel->m_progressBar] { m->panel->m_progressBar = bar; });
+    m->panel->m_progressBar = nullptr;
+    m->panel->upgradeProgDisPlay->setText(u"12%"_qs);
+    m->tool.obeys("hang");
+    start();
+    QVERIFY(m->panel->m_dfuTimeoutTimer->isActive());
+    QVERIFY(m->panel->m_progressTimer->isActive());
+    QCOMPARE(m->percentText(), u"12%"_qs);
+    QCOMPARE(m->log.startingWith(u"[startUpgrade]"_qs), QStringList());
+}
+
+QTEST_MAIN(FlashingToolTest)
+#include "tst_flashing_tool.moc"

@@ -1,0 +1,208 @@
+// A flashing tool that cannot be started, and how a running one ends.
+#include "tests/flash/FlashingStage.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QScopeGuard>
+#include <QTest>
+
+using namespace std::chrono_literals;
+
+class FlashingToolEndTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m = std::make_unique<FlashingStage>(); }
+    void cleanup() { m.reset(); }
+    void nothingChangesWhenItCannotStart_data();
+    void nothingChangesWhenItCannotStart();
+    void itsEndDecidesNothing_data();
+    void itsEndDecidesNothing();
+    void itsEndIsHeardWithoutAWatchdog();
+    void theTimeLimitKills();
+    void theTimeLimitOfAnEndedToolDoesNothing();
+    void whatItSaysIsNotRead();
+    void endsWithThePanel_data();
+    void endsWithThePanel();
+
+private:
+    void start(int pid = 14) { m->panel->startUpgradeWithExternalTool(m->image, pid); }
+
+    std::unique_ptr<FlashingStage> m;
+};
+
+void FlashingToolEndTest::nothingChangesWhenItCannotStart_data()
+{
+    QTest::addColumn<std::function<void(FlashingStage &)>>("spoil");
+    QTest::addColumn<QString>("imageName");
+    QTest::addColumn<QString>("line");
+    using Spoil = std::function<void(FlashingStage &)>;
+    const QString good = u"R2 固件_PC1.2.3.bin"_qs;
+    const QString noTool = u"OrvikFirmwareUpdata.exe isn't exit."_qs;
+    const QString noImage = u"Firmware upgrade bin file isn't exit."_qs;
+    const QString noStart = u"Start OrvikFirmwareUpdata.exe failed."_qs;
+
+    QTest::newRow("no tool") << Spoil([](FlashingStage &stage) { stage.tool.remove(); }) << good << noTool;
+    QTest::newRow("no tool and no image")
+        << Spoil([](FlashingStage &stage) { stage.tool.remove(); }) << QString() << noTool;
+    QTest::newRow("no image named") << Spoil([](FlashingStage &) {}) << QString() << noImage;
+    QTest::newRow("an image that does not exist")
+        << Spoil([](FlashingStage &) {}) << u"gone.bin"_qs << noImage;
+    QTest::newRow("a tool that may not be executed")
+        << Spoil([](FlashingStage &stage) { stage.tool.forbid(); }) << good << noStart;
+    QTest::newRow("a tool that is no program")
+        << Spoil([](FlashingStage &stage) { stage.tool.replaceBy("MZ\0\0 not for this machine"_qba); })
+        << good << noStart;
+    QTest::newRow("a tool that is empty")
+        << Spoil([](FlashingStage &stage) { stage.tool.replaceBy({}); }) << good << noStart;
+    QTest::newRow("a tool whose interpreter is missing")
+        << Spoil([](FlashingStage &stage) { stage.tool.replaceBy("#!/no/such/interpreter\n"_qba); }) << good
+        << noStart;
+    QTest::newRow("a folder in the tool's place") << Spoil([](FlashingStage &stage) {
+        stage.tool.remove();
+        QDir().mkdir(FakeFlashingTool::path());
+    }) << good << noStart;
+}
+
+void FlashingToolEndTest::nothingChangesWhenItCannotStart()
+{
+    QFETCH(std::function<void(FlashingStage &)>, spoil);
+    QFETCH(QString, imageName);
+    QFETCH(QString, line);
+    const auto noFolder = qScopeGuard([] { QDir().rmdir(FakeFlashingTool::path()); });
+    spoil(*m);
+    FirmwareUpgradeWidget &panel = *m->panel;
+    panel.m_upgradePlan = UpgradePlan::Both;
+    panel.m_isUpgrading = true;
+    panel.m_progressBar->setValue(33);
+    panel.m_progressBar->setBackgroundColor(Qt::yellow);
+    m->sandbox.writeProgress("success 1");
+    const QStringList state = panelState(panel);
+    const QStringList screen = Screen::everything(panel);
+    m->log.clear();
+
+    QElapsedTimer time;
+    time.start();
+    panel.startUpgradeWithExternalTool(imageName.isEmpty() ? QString() : m->sandbox.home() + u'/' + imageName,
+                                       14);
+    QVERIFY(time.elapsed() < 3500);
+    QCOMPARE(m->log.lines().size(), 3);
+    QCOMPARE(m->log.lines().at(1), u"##222 exePath is: "_qs + FakeFlashingTool::path());
+    QCOMPARE(m->log.lines().at(2), line);
+    QCOMPARE(panel.m_dfuProcess->state(), QProcess::NotRunning);
+    QVERIFY(!panel.m_dfuTimeoutTimer->isActive());
+    QVERIFY(!panel.m_progressTimer->isActive());
+    QVERIFY(!QFile::exists(m->sandbox.progressFile()));
+
+    QCOMPARE(panelState(panel), state);
+    QCOMPARE(Screen::everything(panel), screen);
+    QCOMPARE(m->percentOnBar(), 33);
+    QCOMPARE(panel.m_progressBar->m_backgroundColor, QColor(Qt::yellow));
+    QTest::qWait(150);
+    QCOMPARE(panelState(panel), state);
+    QVERIFY(m->tool.runs().isEmpty());
+}
+
+void FlashingToolEndTest::itsEndDecidesNothing_data()
+{
+    QTest::addColumn<QByteArray>("script");
+    QTest::addColumn<QString>("line");
+    const QString exit = u"OrvikFirmwareUpdata.exe process exit, exitCode="_qs;
+    QTest::newRow("exit code 0") << "await go\nexit 0"_qba << QString(exit + u"0");
+    QTest::newRow("exit code 3") << "await go\nexit 3"_qba << QString(exit + u"3");
+    QTest::newRow("a crash") << "await go\ncrash"_qba << exit;
+}
+
+void FlashingToolEndTest::itsEndDecidesNothing()
+{
+    QFETCH(QByteArray, script);
+    QFETCH(QString, line);
+    m->tool.obeys(script);
+    start();
+    // The poll would come to a verdict; here only the end itself is of interest.
+    m->panel->m_progressTimer->stop();
+    m->panel->m_isUpgrading = true;
+    const QStringList state = panelState(*m->panel);
+    const QStringList screen = Screen::everything(*m->panel);
+    m->log.clear();
+    FakeFlashingTool::signal(u"go"_qs);
+    QTRY_COMPARE(m->panel->m_dfuProcess->state(), QProcess::NotRunning);
+    QCOMPARE(m->log.lines().size(), 1);
+    QVERIFY2(m->log.lines().first().startsWith(line), qPrintable(m->log.lines().first()));
+    QVERIFY(!m->panel->m_dfuTimeoutTimer->isActive());
+    QCOMPARE(panelState(*m->panel), state);
+    QCOMPARE(Screen::everything(*m->panel), screen);
+}
+
+void FlashingToolEndTest::itsEndIsHeardWithoutAWatchdog()
+{
+    m->log.clear();
+    m->panel->onDfuProcessFinished(7, QProcess::NormalExit);
+    QCOMPARE(m->log.lines(), QStringList(u"OrvikFirmwareUpdata.exe process exit, exitCode=7"_qs));
+}
+
+void FlashingToolEndTest::theTimeLimitKills()
+{
+    QVERIFY(m->runSilentTool());
+    QTRY_COMPARE(m->tool.runs().size(), 1);
+    m->panel->m_isUpgrading = true;
+    const QStringList state = panelState(*m->panel);
+    const QStringList screen = Screen::everything(*m->panel);
+    m->log.clear();
+    QElapsedTimer time;
+    time.start();
+    m->panel->onDfuTimeout();
+    QVERIFY(time.elapsed() < 1500);
+    QCOMPARE(m->panel->m_dfuProcess->state(), QProcess::NotRunning);
+    QCOMPARE(m->log.lines(), m->log.startingWith(u"OrvikFirmwareUpdata.exe process exit, exitCode="_qs));
+    QCOMPARE(m->log.lines().size(), 1);
+    QCOMPARE(panelState(*m->panel), state);
+    QCOMPARE(Screen::everything(*m->panel), screen);
+}
+
+void FlashingToolEndTest::theTimeLimitOfAnEndedToolDoesNothing()
+{
+    const QStringList state = panelState(*m->panel);
+    m->log.clear();
+    m->panel->onDfuTimeout();
+    QCOMPARE(m->log.lines(), QStringList());
+    QCOMPARE(panelState(*m->panel), state);
+}
+
+void FlashingToolEndTest::whatItSaysIsNotRead()
+{
+    m->panel->m_upgradePlan = UpgradePlan::PcOnly;
+    m->panel->m_isUpgrading = true;
+    m->tool.obeys("chatter 4000000\nwrite success 1");
+    start();
+    QTRY_COMPARE(m->percentOnBar(), 100);
+    QVERIFY(!m->panel->m_isUpgrading);
+}
+
+void FlashingToolEndTest::endsWithThePanel_data()
+{
+    QTest::addColumn<QByteArray>("script");
+    QTest::addColumn<int>("milliseconds");
+    QTest::newRow("a tool that ends when asked") << "write 5%\nhang"_qba << 900;
+    QTest::newRow("a tool that has to be killed") << "ignore-terminate\nwrite 5%\nhang"_qba << 1500;
+}
+
+void FlashingToolEndTest::endsWithThePanel()
+{
+    QFETCH(QByteArray, script);
+    QFETCH(int, milliseconds);
+    m->tool.obeys(script);
+    start();
+    QTRY_VERIFY(QFile::exists(m->sandbox.progressFile()));
+    const QString process = u"/proc/%1"_qs.arg(m->panel->m_dfuProcess->processId());
+    if (!QFile::exists(process))
+        QSKIP("this machine does not list its processes in /proc");
+    QElapsedTimer time;
+    time.start();
+    m->panel.reset();
+    QVERIFY2(time.elapsed() < milliseconds, qPrintable(QString::number(time.elapsed())));
+    QVERIFY(!QFile::exists(process));
+}
+
+QTEST_MAIN(FlashingToolEndTest)
+#include "tst_flashing_tool_end.moc"

@@ -1,0 +1,70 @@
+// A tool that never ends by itself. Registered to run with a faster clock: the watchdog waits for a minute.
+#include "tests/flash/FlashingStage.h"
+
+#include <QElapsedTimer>
+#include <QTest>
+
+class FlashingWatchdogTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m = std::make_unique<FlashingStage>(); }
+    void cleanup() { m.reset(); }
+    void aMinuteIsTheLimit_data();
+    void aMinuteIsTheLimit();
+
+private:
+    qint64 runUntilTheToolEnds(const QByteArray &script);
+
+    std::unique_ptr<FlashingStage> m;
+};
+
+/// In milliseconds of the faster clock.
+qint64 FlashingWatchdogTest::runUntilTheToolEnds(const QByteArray &script)
+{
+    m->panel->m_upgradePlan = UpgradePlan::PcOnly;
+    m->panel->m_isUpgrading = true;
+    m->tool.obeys(script);
+    QElapsedTimer time;
+    time.start();
+    m->panel->startUpgradeWithExternalTool(m->image, 14);
+    if (!QTest::qWaitFor([this] { return !m->isToolRunning(); }, 200'000))
+        return -1;
+    return time.elapsed();
+}
+
+void FlashingWatchdogTest::aMinuteIsTheLimit_data()
+{
+    QTest::addColumn<QByteArray>("script");
+    QTest::addColumn<QString>("verdict");
+    QTest::newRow("no report") << "ignore-terminate\nhang"_qba
+                               << u"[状态] 进程已退出但无进度文件，判定为失败"_qs;
+    QTest::newRow("an empty report") << "empty\nhang"_qba
+                                     << u"[状态] 进程已退出但进度文件为空，判定为失败"_qs;
+    QTest::newRow("0 % is never judged") << "write 0%\nhang"_qba << QString();
+    QTest::newRow("an unknown line is never judged") << "write erasing\nhang"_qba << QString();
+}
+
+void FlashingWatchdogTest::aMinuteIsTheLimit()
+{
+    QFETCH(QByteArray, script);
+    QFETCH(QString, verdict);
+    const qint64 ended = runUntilTheToolEnds(script);
+    // On a busy machine the faster clock runs far ahead of what the processes get done.
+    QVERIFY2(ended >= 59'500 && ended < 120'000, qPrintable(QString::number(ended)));
+    if (verdict.isEmpty()) {
+        QTest::qWait(30'000);
+        QVERIFY(m->panel->m_progressTimer->isActive());
+        QVERIFY(m->panel->m_isUpgrading);
+        QVERIFY(!m->showsFailure());
+        QCOMPARE(m->percentText(), u"0%"_qs);
+        QCOMPARE(m->panel->m_lastProgressPercent, -1);
+    } else {
+        QTRY_VERIFY(m->log.contains(verdict));
+        QVERIFY(m->showsFailure());
+        QVERIFY(!m->panel->m_progressTimer->isActive());
+    }
+}
+
+QTEST_MAIN(FlashingWatchdogTest)
+#include "tst_flashing_watchdog.moc"

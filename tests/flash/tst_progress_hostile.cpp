@@ -1,0 +1,153 @@
+// Progress files that no flashing tool would write. The panel neither stops nor takes them for a success.
+#include "tests/flash/FlashingStage.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QRandomGenerator>
+#include <QTest>
+
+class ProgressHostileTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m = std::make_unique<FlashingStage>(); }
+    void cleanup() { m.reset(); }
+    void aHugeFileCostsNothing_data();
+    void aHugeFileCostsNothing();
+    void aDeviceWithoutEndIsNotReadToItsEnd();
+    void aFolderCannotBeOpened_data();
+    void aFolderCannotBeOpened();
+    void aFolderInTheWayDoesNotKeepTheToolFromStarting();
+    void aHomeThatIsNoFolderHoldsNoFile();
+    void noiseIsNoVerdict();
+
+private:
+    void makeHugeFile(const QByteArray &end);
+
+    std::unique_ptr<FlashingStage> m;
+};
+
+namespace {
+constexpr qint64 kHuge = 1024 * 1024 * 1024;
+
+/// The most memory that this process ever held, in KiB; -1 where the system does not tell.
+qint64 peakMemory()
+{
+    QFile status(u"/proc/self/status"_qs);
+    if (!status.open(QIODevice::ReadOnly))
+        return -1;
+    const QByteArray text = status.readAll();
+    const qsizetype at = text.indexOf("VmHWM:");
+    return at < 0 ? -1 : text.mid(at + 6).trimmed().split(' ').first().toLongLong();
+}
+} // namespace
+
+void ProgressHostileTest::makeHugeFile(const QByteArray &end)
+{
+    m->sandbox.writeProgress({});
+    QFile file(m->sandbox.progressFile());
+    // A hole of this size takes no room on the disk.
+    QVERIFY(file.open(QIODevice::ReadWrite) && file.resize(kHuge) && file.seek(kHuge));
+    QCOMPARE(file.write(end), end.size());
+}
+
+void ProgressHostileTest::aHugeFileCostsNothing_data()
+{
+    QTest::addColumn<QByteArray>("end");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("without a line end") << ""_qba << u"7%"_qs;
+    QTest::newRow("without a line end before the percentage") << "55%"_qba << u"7%"_qs;
+    QTest::newRow("with a percentage in its last line") << "\n55%\n"_qba << u"55%"_qs;
+}
+
+void ProgressHostileTest::aHugeFileCostsNothing()
+{
+    QFETCH(QByteArray, end);
+    m->beginRun(UpgradePlan::PcOnly);
+    m->panel->upgradeProgDisPlay->setText(u"7%"_qs);
+    makeHugeFile(end);
+    const qint64 before = peakMemory();
+    QElapsedTimer time;
+    time.start();
+    m->panel->onReadFirmwareTxt();
+    QVERIFY2(time.elapsed() < 500, qPrintable(QString::number(time.elapsed())));
+    const qint64 grown = peakMemory() - before;
+    QVERIFY2(grown < 32 * 1024, qPrintable(QString::number(grown)));
+    QTEST(m->percentText(), "text");
+    QVERIFY(m->panel->m_progressTimer->isActive());
+}
+
+void ProgressHostileTest::aDeviceWithoutEndIsNotReadToItsEnd()
+{
+    const QString endless = u"/dev/zero"_qs;
+    if (!QFile::exists(endless))
+        QSKIP("this machine has no device without an end");
+    m->beginRun(UpgradePlan::PcOnly);
+    m->sandbox.writeProgress({});
+    QVERIFY(QFile::remove(m->sandbox.progressFile()) && QFile::link(endless, m->sandbox.progressFile()));
+    QElapsedTimer time;
+    time.start();
+    m->panel->onReadFirmwareTxt();
+    QVERIFY2(time.elapsed() < 500, qPrintable(QString::number(time.elapsed())));
+    QVERIFY(!m->showsFailure());
+}
+
+void ProgressHostileTest::aFolderCannotBeOpened_data()
+{
+    QTest::addColumn<bool>("isToolRunning");
+    QTest::newRow("the tool is starting") << true;
+    QTest::newRow("the tool has ended") << false;
+}
+
+void ProgressHostileTest::aFolderCannotBeOpened()
+{
+    QFETCH(bool, isToolRunning);
+    if (isToolRunning)
+        QVERIFY(m->runSilentTool());
+    m->beginRun(UpgradePlan::PcOnly);
+    QVERIFY(QDir().mkpath(m->sandbox.progressFile()));
+    m->panel->onReadFirmwareTxt();
+    QCOMPARE(m->log.contains(u"[状态] 进程已退出但无进度文件，判定为失败"_qs), !isToolRunning);
+    QCOMPARE(m->showsFailure(), !isToolRunning);
+    QCOMPARE(m->panel->m_progressTimer->isActive(), isToolRunning);
+}
+
+void ProgressHostileTest::aFolderInTheWayDoesNotKeepTheToolFromStarting()
+{
+    QVERIFY(QDir().mkpath(m->sandbox.progressFile()));
+    m->panel->m_isUpgrading = true;
+    m->panel->startUpgradeWithExternalTool(m->image, 14);
+    QTRY_COMPARE(m->tool.runs().size(), 1);
+    QTRY_VERIFY(m->showsFailure());
+}
+
+void ProgressHostileTest::aHomeThatIsNoFolderHoldsNoFile()
+{
+    m->beginRun(UpgradePlan::PcOnly);
+    const QByteArray home = qgetenv("HOME");
+    qputenv("HOME", QFile::encodeName(m->image));
+    m->panel->onReadFirmwareTxt();
+    qputenv("HOME", home);
+    QVERIFY(m->showsFailure());
+    QVERIFY(m->log.contains(u"[状态] 进程已退出但无进度文件，判定为失败"_qs));
+}
+
+void ProgressHostileTest::noiseIsNoVerdict()
+{
+    QRandomGenerator random(20'240'607);
+    const QByteArray alphabet = "0123456789% \r\n\t\xff"_qba + '\0';
+    m->beginRun(UpgradePlan::PcOnly);
+    for (int i = 0; i < 2'000; ++i) {
+        QByteArray noise;
+        for (int length = random.bounded(1, 40); length > 0; --length)
+            noise.append(i % 2 ? char(random.bounded(256)) : alphabet.at(random.bounded(alphabet.size())));
+        if (noise.trimmed().endsWith("100%"))
+            continue;
+        m->panel->m_lastProgressTime = QDateTime();
+        m->poll(noise);
+        QVERIFY2(m->panel->m_progressTimer->isActive(), noise.toHex().constData());
+    }
+}
+
+QTEST_MAIN(ProgressHostileTest)
+#include "tst_progress_hostile.moc"

@@ -1,0 +1,211 @@
+// One poll of the progress file while the tool works: what is ignored, what is shown, what counts as a stall.
+#include "tests/flash/FlashingStage.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QScopeGuard>
+#include <QTest>
+
+class ProgressMonitorTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m = std::make_unique<FlashingStage>(); }
+    void cleanup() { m.reset(); }
+    void thePathIsBelowTheHome();
+    void withoutAReportOnlyAnEndedRunFails_data();
+    void withoutAReportOnlyAnEndedRunFails();
+    void otherLinesAreIgnored_data();
+    void otherLinesAreIgnored();
+    void percentagesAreShown_data();
+    void percentagesAreShown();
+    void strangePercentagesAreShownAsTheyAre_data();
+    void strangePercentagesAreShownAsTheyAre();
+    void percentagesNeedABar();
+    void aHalfWrittenLineIsCorrected();
+
+private:
+    std::unique_ptr<FlashingStage> m;
+};
+
+void ProgressMonitorTest::thePathIsBelowTheHome()
+{
+    const QString folder = m->sandbox.home() + u"/AppData/Roaming/OrvikQuillon2x2"_qs;
+    for (int call = 0; call < 2; ++call) {
+        QVERIFY(QDir(m->sandbox.home() + u"/AppData"_qs).removeRecursively());
+        QCOMPARE(m->panel->firmwareTxtPath(), QString(folder + u"/Firmware_bin.txt"_qs));
+        QVERIFY(QFileInfo(folder).isDir());
+    }
+}
+
+void ProgressMonitorTest::withoutAReportOnlyAnEndedRunFails_data()
+{
+    QTest::addColumn<bool>("isEmpty");
+    QTest::addColumn<bool>("isUpgrading");
+    QTest::addColumn<bool>("isToolRunning");
+    QTest::addColumn<QString>("line");
+    const QString noFile = u"[状态] 进程已退出但无进度文件，判定为失败"_qs;
+    const QString emptyFile = u"[状态] 进程已退出但进度文件为空，判定为失败"_qs;
+    QTest::newRow("no file, the tool has ended") << false << true << false << noFile;
+    QTest::newRow("no file, the tool is starting") << false << true << true << QString();
+    QTest::newRow("no file, no run") << false << false << false << QString();
+    QTest::newRow("no file, no run but a tool") << false << false << true << QString();
+    QTest::newRow("an empty file, the tool has ended") << true << true << false << emptyFile;
+    QTest::newRow("an empty file, the tool is starting") << true << true << true << QString();
+    QTest::newRow("an empty file, no run") << true << false << false << QString();
+    QTest::newRow("an empty file, no run but a tool") << true << false << true << QString();
+}
+
+void ProgressMonitorTest::withoutAReportOnlyAnEndedRunFails()
+{
+    QFETCH(bool, isEmpty);
+    QFETCH(bool, isUpgrading);
+    QFETCH(bool, isToolRunning);
+    QFETCH(QString, line);
+    if (isToolRunning)
+        QVERIFY(m->runSilentTool());
+    m->beginRun(UpgradePlan::PcOnly);
+    m->panel->m_isUpgrading = isUpgrading;
+    if (isEmpty)
+        m->sandbox.writeProgress({});
+    const QStringList state = panelState(*m->panel);
+    m->log.clear();
+    m->panel->onReadFirmwareTxt();
+    QCOMPARE(m->log.lines(), line.isEmpty() ? QStringList() : QStringList(line));
+    QCOMPARE(m->panel->m_progressTimer->isActive(), line.isEmpty());
+    QCOMPARE(m->showsFailure(), !line.isEmpty());
+    QCOMPARE(panelState(*m->panel) == state, line.isEmpty());
+    QCOMPARE(m->isToolRunning(), isToolRunning);
+}
+
+void ProgressMonitorTest::otherLinesAreIgnored_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("a word") << "erasing flash\n"_qba;
+    QTest::newRow("a blank last line") << "55%\n\n"_qba;
+    QTest::newRow("half a result") << "55%\nsucc"_qba;
+    QTest::newRow("a result in capitals") << "SUCCESS 1"_qba;
+    QTest::newRow("a fraction") << "5.5%"_qba;
+    QTest::newRow("a number without %") << "55"_qba;
+    QTest::newRow("only a %") << "%"_qba;
+    QTest::newRow("a number beyond all numbers") << "4294967396%"_qba;
+    QTest::newRow("zero bytes") << QByteArray(5000, '\0');
+    QTest::newRow("a program") << QByteArray::fromHex(
+        "7f454c4602010100000000000000000003003e0001000000ff25e22f");
+    QTest::newRow("two bytes a character") << QByteArray::fromHex("350035002500");
+    QTest::newRow("no text in any encoding") << QByteArray::fromHex("fffefdfc80818283c0c1f5f8");
+}
+
+void ProgressMonitorTest::otherLinesAreIgnored()
+{
+    QFETCH(QByteArray, content);
+    for (const bool isToolRunning : {false, true}) {
+        if (isToolRunning)
+            QVERIFY(m->runSilentTool());
+        m->beginRun(UpgradePlan::PcOnly);
+        const QStringList state = panelState(*m->panel);
+        const QStringList screen = Screen::everything(*m->panel);
+        m->log.clear();
+        m->poll(content);
+        QCOMPARE(m->log.lines(), QStringList());
+        QCOMPARE(panelState(*m->panel), state);
+        QCOMPARE(Screen::everything(*m->panel), screen);
+        QVERIFY(m->panel->m_progressTimer->isActive());
+        QVERIFY(m->panel->m_dfuTimeoutTimer->isActive());
+        QCOMPARE(m->isToolRunning(), isToolRunning);
+    }
+}
+
+void ProgressMonitorTest::percentagesAreShown_data()
+{
+    QTest::addColumn<UpgradePlan>("plan");
+    QTest::addColumn<bool>("pcCompleted");
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<int>("percent");
+    QTest::addColumn<int>("displayed");
+    const QByteArray lines = "10%\n55%"_qba;
+    QTest::newRow("PC only") << UpgradePlan::PcOnly << false << lines << 55 << 55;
+    QTest::newRow("OTG only") << UpgradePlan::OtgOnly << false << lines << 55 << 55;
+    QTest::newRow("the PC half of both") << UpgradePlan::Both << false << lines << 55 << 27;
+    QTest::newRow("the OTG half of both") << UpgradePlan::Both << true << lines << 55 << 77;
+    QTest::newRow("no plan") << UpgradePlan::None << false << lines << 55 << 55;
+    QTest::newRow("OTG only, after a PC half") << UpgradePlan::OtgOnly << true << lines << 55 << 55;
+    QTest::newRow("the PC half at 0") << UpgradePlan::Both << false << "0%"_qba << 0 << 0;
+    QTest::newRow("the PC half at 1") << UpgradePlan::Both << false << "1%"_qba << 1 << 0;
+    QTest::newRow("the PC half at 99") << UpgradePlan::Both << false << "99%"_qba << 99 << 49;
+    QTest::newRow("the OTG half at 0") << UpgradePlan::Both << true << "0%"_qba << 0 << 50;
+    QTest::newRow("the OTG half at 1") << UpgradePlan::Both << true << "1%"_qba << 1 << 50;
+    QTest::newRow("the OTG half at 99") << UpgradePlan::Both << true << "99%"_qba << 99 << 99;
+    QTest::newRow("PC only at 0") << UpgradePlan::PcOnly << false << "0%"_qba << 0 << 0;
+    QTest::newRow("CR LF") << UpgradePlan::PcOnly << false << "10%\r\n55%\r\n"_qba << 55 << 55;
+    QTest::newRow("blanks around it") << UpgradePlan::PcOnly << false << "  55%  \n"_qba << 55 << 55;
+}
+
+void ProgressMonitorTest::percentagesAreShown()
+{
+    QFETCH(UpgradePlan, plan);
+    QFETCH(bool, pcCompleted);
+    QFETCH(QByteArray, content);
+    QFETCH(int, percent);
+    QFETCH(int, displayed);
+    m->beginRun(plan, pcCompleted);
+    m->panel->m_progressBar->setProgressColor(FlashingStage::kNeutral);
+    m->panel->m_progressBar->setValue(88);
+    m->log.clear();
+    m->poll(content);
+    QCOMPARE(m->percentOnBar(), displayed);
+    QCOMPARE(m->percentText(), QString::number(displayed) + u'%');
+    const QString flag = pcCompleted ? u"true"_qs : u"false"_qs;
+    QCOMPARE(m->log.lines(),
+             (QStringList{u"[onReadFirmwareTxt] percent=%1 displayPercent=%2 progressColor=red?false "
+                          "pcUpgradeCompleted=%3"_qs.arg(percent)
+                              .arg(displayed)
+                              .arg(flag),
+                          u"[onReadFirmwareTxt] 界面切换条件=false"_qs}));
+    QVERIFY(m->panel->m_progressTimer->isActive());
+    QVERIFY(m->panel->m_dfuTimeoutTimer->isActive());
+}
+
+void ProgressMonitorTest::strangePercentagesAreShownAsTheyAre_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("more than everything") << "250%"_qba << u"250%"_qs;
+    QTest::newRow("less than nothing") << "-3%"_qba << u"-3%"_qs;
+    QTest::newRow("the largest number") << "2147483647%"_qba << u"2147483647%"_qs;
+}
+
+void ProgressMonitorTest::strangePercentagesAreShownAsTheyAre()
+{
+    QFETCH(QByteArray, content);
+    m->beginRun(UpgradePlan::PcOnly);
+    m->poll(content);
+    QTEST(m->percentText(), "text");
+    QVERIFY(m->percentOnBar() >= 0 && m->percentOnBar() <= 100);
+}
+
+void ProgressMonitorTest::percentagesNeedABar()
+{
+    const auto restore
+        = qScopeGuard([this, bar = m->panel->m_progressBar] { m->panel->m_progressBar = bar; });
+    m->beginRun(UpgradePlan::PcOnly);
+    m->panel->m_progressBar = nullptr;
+    const QStringList state = panelState(*m->panel);
+    m->log.clear();
+    m->poll("55%");
+    QCOMPARE(panelState(*m->panel), state);
+    QCOMPARE(m->log.lines(), QStringList());
+}
+
+void ProgressMonitorTest::aHalfWrittenLineIsCorrected()
+{
+    m->beginRun(UpgradePlan::PcOnly);
+    for (const char *content : {"10%\n5", "10%\n", "10%\n55", "10%\n55%"})
+        m->poll(content);
+    QCOMPARE(m->percentText(), u"55%"_qs);
+    m->poll("55%\nsuccess");
+    QVERIFY(m->showsFailure());
+}
+
+QTEST_MAIN(ProgressMonitorTest)
+#include "tst_progress_monitor.moc"

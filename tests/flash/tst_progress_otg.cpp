@@ -1,0 +1,222 @@
+// From the end of the PC half to the first percents of the OTG half.
+#include "tests/flash/FlashingStage.h"
+
+#include <QMovie>
+#include <QPointer>
+#include <QScopeGuard>
+#include <QSignalSpy>
+#include <QTest>
+
+class ProgressOtgTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m = std::make_unique<FlashingStage>(); }
+    void cleanup() { m.reset(); }
+    void handOverAsksForTheOtgCable_data();
+    void handOverAsksForTheOtgCable();
+    void handOverChangesTheScreen();
+    void handOverLooksForTheChipAtOnce();
+    void handOverDoesWithoutTheLibrary();
+    void handOverMayBeThePanelsEnd();
+    void theOtgHalfSwitchesAtThreePercent_data();
+    void theOtgHalfSwitchesAtThreePercent();
+    void theSwitchShowsTheProgress();
+    void theSwitchHappensOnce();
+
+private:
+    std::unique_ptr<FlashingStage> m;
+};
+
+void ProgressOtgTest::handOverAsksForTheOtgCable_data()
+{
+    QTest::addColumn<DeviceModel>("model");
+    QTest::addColumn<Language>("language");
+    QTest::addColumn<QString>("movie");
+    QTest::addColumn<QString>("detecting");
+    QTest::addColumn<QString>("hint");
+    const QString r1Movie = u":/new/prefix1/image/pc_otg.gif"_qs;
+    const QString r2Movie = u":/new/prefix1/image/dc5v_otg.gif"_qs;
+    QTest::newRow("R1, Chinese") << DeviceModel::R1 << Language::Chinese << r1Movie
+                                 << u"正在检测OTG接入..."_qs
+                                 << u"请使用配件附带的USB线，接入并保持USB-C和OTG口\n与电脑的连接。"_qs;
+    QTest::newRow("R2, Chinese") << DeviceModel::R2 << Language::Chinese << r2Movie
+                                 << u"正在检测OTG接入..."_qs
+                                 << u"请使用配件附带USB线接入图示DC-5V和OTG口,\n继续完成升级。"_qs;
+    QTest::newRow("R1, English")
+        << DeviceModel::R1 << Language::English << r1Movie << u"Detecting OTG connection..."_qs
+        << u"Please use the USB cable provided with the \naccessory to connect and maintain "
+           "the connection\n between the USB-C and OTG port to the computer."_qs;
+    QTest::newRow("R2, English")
+        << DeviceModel::R2 << Language::English << r2Movie << u"Detecting OTG connection..."_qs
+        << u"To continue and complete the update, use the provided\nUSB cables to connect "
+           "the DC-5V and OTG ports as\nshown."_qs;
+}
+
+void ProgressOtgTest::handOverAsksForTheOtgCable()
+{
+    QFETCH(DeviceModel, model);
+    QFETCH(Language, language);
+    FirmwareUpgradeWidget &panel = *m->panel;
+    QuillonFirmwareUpgrade::setLanguage(language);
+    panel.m_deviceModel = model;
+    m->beginRun(UpgradePlan::Both);
+    panel.m_isWaitingForUSB = false;
+    panel.updateWaitingLabelLayout();
+    m->poll("success 1");
+    QTEST(panel.m_tipMovie->fileName(), "movie");
+    QCOMPARE(panel.m_tipMovie->parent(), panel.tipMoiveLb);
+    QCOMPARE(panel.tipMoiveLb->movie(), panel.m_tipMovie);
+    QCOMPARE(panel.m_tipMovie->state(), QMovie::Running);
+    QTEST(panel.m_detectingUsbLb->text(), "detecting");
+    QTEST(panel.m_connectHintLb->text(), "hint");
+    const bool isChinese = language == Language::Chinese;
+    QCOMPARE(panel.m_upgradingLb->text(),
+             isChinese ? u"待USB线接入图示口..."_qs : u"Connect to the indicated USB ports. "_qs);
+    QCOMPARE(panel.m_upgradingLb->geometry(), isChinese ? QRect(140, 13, 159, 21) : QRect(83, 13, 290, 21));
+    QCOMPARE(panel.m_waitingIconLb->geometry(), isChinese ? QRect(108, 12, 24, 24) : QRect(51, 12, 24, 24));
+}
+
+void ProgressOtgTest::handOverChangesTheScreen()
+{
+    FirmwareUpgradeWidget &panel = *m->panel;
+    m->beginRun(UpgradePlan::Both);
+    panel.m_isWaitingForUSB = false;
+    panel.m_progressBar->setBackgroundColor(Qt::yellow);
+    const ScreenChange screen(panel,
+                              {u"tipMoiveLb"_qs, u"m_detectingUsbLb"_qs, u"m_connectHintLb"_qs,
+                               u"m_waitingIconLb"_qs, u"m_upgradingLb"_qs},
+                              {u"verCompLb"_qs, u"m_notesEdit"_qs, u"m_notesIconLb"_qs, u"m_notesTitleLb"_qs,
+                               u"m_notesLineLb"_qs, u"m_rocketLb"_qs, u"m_upgradeTextLb"_qs});
+    const QStringList before = panelState(panel);
+    m->poll("success 1");
+    QCOMPARE(screen.actual(), screen.expected());
+    QCOMPARE(m->percentOnBar(), 50);
+    QCOMPARE(m->percentText(), u"50%"_qs);
+    QCOMPARE(panel.m_progressBar->m_progressColor, FlashingStage::kWaitingRed);
+    QCOMPARE(panel.m_progressBar->m_backgroundColor, FlashingStage::kGrey);
+    QCOMPARE(changedState(before, panelState(panel)),
+             (QStringList{u"pcUpgradeCompleted=true"_qs, u"m_isWaitingForUSB=true"_qs}));
+    QVERIFY(!panel.m_progressTimer->isActive());
+    QVERIFY(!panel.m_dfuTimeoutTimer->isActive());
+}
+
+void ProgressOtgTest::handOverLooksForTheChipAtOnce()
+{
+    m->bus().plug(0x001F);
+    m->beginRun(UpgradePlan::Both);
+    const QSignalSpy ready(m->panel.get(), &FirmwareUpgradeWidget::r2otgConnected);
+    m->log.clear();
+    m->poll("success 1");
+    QCOMPARE(ready.size(), 1);
+    QCOMPARE(
+        missingInOrder(m->log.lines(),
+                       {u"Successfully upgrade !!!"_qs, u"PC upgrade completed, waiting for OTG device..."_qs,
+                        u"[ConnectingR2] START - m_isUpgrading=true m_autoRecoverRunning=false"_qs,
+                        u"OTG already present, trigger OTG upgrade directly"_qs}),
+        QString());
+    QCOMPARE(m->panel->lastDetectedOtgPid, 31);
+}
+
+void ProgressOtgTest::handOverDoesWithoutTheLibrary()
+{
+    const auto restore
+        = qScopeGuard([this, manager = m->panel->m_hidManager] { m->panel->m_hidManager = manager; });
+    m->panel->m_hidManager = nullptr;
+    m->beginRun(UpgradePlan::Both);
+    m->log.clear();
+    m->poll("success 1");
+    QVERIFY(m->panel->pcUpgradeCompleted);
+    QCOMPARE(m->log.startingWith(u"[ConnectingR2]"_qs), QStringList());
+}
+
+void ProgressOtgTest::handOverMayBeThePanelsEnd()
+{
+    QVERIFY(m->runSilentTool());
+    const QPointer<QProcess> process = m->panel->m_dfuProcess;
+    m->bus().plug(0x001F);
+    m->beginRun(UpgradePlan::Both);
+    connect(m->panel.get(), &FirmwareUpgradeWidget::r2otgConnected, this, [this] { m->panel.reset(); });
+    m->sandbox.writeProgress("success 1");
+    m->panel->onReadFirmwareTxt();
+    QVERIFY(!m->panel);
+    QVERIFY(!process);
+}
+
+void ProgressOtgTest::theOtgHalfSwitchesAtThreePercent_data()
+{
+    QTest::addColumn<UpgradePlan>("plan");
+    QTest::addColumn<bool>("pcCompleted");
+    QTest::addColumn<QColor>("progressColor");
+    QTest::addColumn<int>("percent");
+    QTest::addColumn<bool>("switches");
+    const QColor red = FlashingStage::kWaitingRed;
+    QTest::newRow("0 %") << UpgradePlan::Both << true << red << 0 << false;
+    QTest::newRow("1 %") << UpgradePlan::Both << true << red << 1 << false;
+    QTest::newRow("2 %") << UpgradePlan::Both << true << red << 2 << false;
+    QTest::newRow("3 %") << UpgradePlan::Both << true << red << 3 << true;
+    QTest::newRow("90 %") << UpgradePlan::Both << true << red << 90 << true;
+    QTest::newRow("the PC half") << UpgradePlan::Both << false << red << 3 << false;
+    QTest::newRow("OTG only") << UpgradePlan::OtgOnly << true << red << 3 << false;
+    QTest::newRow("no longer red") << UpgradePlan::Both << true << FlashingStage::kNeutral << 3 << false;
+}
+
+void ProgressOtgTest::theOtgHalfSwitchesAtThreePercent()
+{
+    QFETCH(UpgradePlan, plan);
+    QFETCH(bool, pcCompleted);
+    QFETCH(QColor, progressColor);
+    QFETCH(int, percent);
+    QFETCH(bool, switches);
+    m->beginRun(plan, pcCompleted);
+    m->panel->m_progressBar->setProgressColor(progressColor);
+    m->panel->m_isWaitingForUSB = true;
+    const QStringList visible = Screen::visibleWidgets(*m->panel);
+    m->log.clear();
+    m->poll(QByteArray::number(percent) + '%');
+    const QStringList lines = m->log.startingWith(u"[onReadFirmwareTxt]"_qs);
+    QVERIFY(lines.value(0).contains(progressColor == FlashingStage::kWaitingRed
+                                        ? u" progressColor=red?true "_qs
+                                        : u" progressColor=red?false "_qs));
+    QStringList expected{u"[onReadFirmwareTxt] 界面切换条件="_qs + (switches ? u"true"_qs : u"false"_qs)};
+    if (switches)
+        expected.append(u"[onReadFirmwareTxt] 执行界面切换：隐藏动图，恢复版本号"_qs);
+    QCOMPARE(lines.mid(1), expected);
+    QCOMPARE(m->panel->m_progressBar->m_progressColor, switches ? FlashingStage::kNeutral : progressColor);
+    QCOMPARE(m->panel->m_isWaitingForUSB, !switches);
+    if (!switches)
+        QCOMPARE(Screen::visibleWidgets(*m->panel), visible);
+}
+
+void ProgressOtgTest::theSwitchShowsTheProgress()
+{
+    FirmwareUpgradeWidget &panel = *m->panel;
+    m->beginRun(UpgradePlan::Both, true);
+    panel.m_isWaitingForUSB = true;
+    panel.m_tipMovie->start();
+    const ScreenChange screen(panel,
+                              {u"verCompLb"_qs, u"m_notesEdit"_qs, u"m_notesIconLb"_qs, u"m_notesTitleLb"_qs,
+                               u"m_notesLineLb"_qs, u"upgradeProgDisPlay"_qs},
+                              {u"tipMoiveLb"_qs, u"m_detectingUsbLb"_qs, u"m_connectHintLb"_qs});
+    m->poll("3%");
+    QCOMPARE(screen.actual(), screen.expected());
+    QCOMPARE(panel.m_tipMovie->state(), QMovie::NotRunning);
+    QCOMPARE(panel.m_upgradingLb->text(), u"升级中，请勿关闭设备..."_qs);
+    QCOMPARE(panel.m_upgradingLb->geometry(), QRect(133, 13, 174, 21));
+    QCOMPARE(m->percentText(), u"51%"_qs);
+    QCOMPARE(m->percentOnBar(), 51);
+}
+
+void ProgressOtgTest::theSwitchHappensOnce()
+{
+    m->beginRun(UpgradePlan::Both, true);
+    m->poll("3%");
+    m->panel->tipMoiveLb->show();
+    m->log.clear();
+    m->poll("4%");
+    QVERIFY(m->log.contains(u"[onReadFirmwareTxt] 界面切换条件=false"_qs));
+    QVERIFY(!m->panel->tipMoiveLb->isHidden());
+}
+
+QTEST_MAIN(ProgressOtgTest)
+#include "tst_progress_otg.moc"

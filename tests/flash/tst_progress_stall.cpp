@@ -1,0 +1,140 @@
+// When a percentage that stands still is a stall, and what becomes of the run then.
+#include "tests/flash/FlashingStage.h"
+
+#include <QDir>
+#include <QTest>
+
+class ProgressStallTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m = std::make_unique<FlashingStage>(); }
+    void cleanup() { m.reset(); }
+    void percentagesAreRecorded_data();
+    void percentagesAreRecorded();
+    void aStallBelowAllFails_data();
+    void aStallBelowAllFails();
+    void aStallAtAllEndsTheToolAndSucceeds();
+    void aStallNeedsThreeSeconds_data();
+    void aStallNeedsThreeSeconds();
+
+private:
+    std::unique_ptr<FlashingStage> m;
+};
+
+void ProgressStallTest::percentagesAreRecorded_data()
+{
+    QTest::addColumn<int>("recorded");
+    QTest::addColumn<int>("percent");
+    QTest::addColumn<bool>("isRecorded");
+    QTest::newRow("0 % does not arm the detector") << -1 << 0 << false;
+    QTest::newRow("less than nothing does not arm it") << -1 << -5 << false;
+    QTest::newRow("1 % arms it") << -1 << 1 << true;
+    QTest::newRow("100 % arms it") << -1 << 100 << true;
+    QTest::newRow("a higher percentage") << 41 << 42 << true;
+    QTest::newRow("a lower percentage") << 42 << 41 << true;
+    QTest::newRow("0 % after another percentage") << 42 << 0 << true;
+    QTest::newRow("the same percentage") << 42 << 42 << false;
+}
+
+void ProgressStallTest::percentagesAreRecorded()
+{
+    QFETCH(int, recorded);
+    QFETCH(int, percent);
+    QFETCH(bool, isRecorded);
+    QVERIFY(m->runSilentTool());
+    m->beginRun(UpgradePlan::PcOnly);
+    const QDateTime before = recorded < 0 ? QDateTime() : QDateTime::currentDateTime().addMSecs(-1500);
+    m->panel->m_lastProgressPercent = recorded;
+    m->panel->m_lastProgressTime = before;
+    const QDateTime now = QDateTime::currentDateTime();
+    m->poll(QByteArray::number(percent) + '%');
+    QCOMPARE(m->panel->m_lastProgressPercent, isRecorded ? percent : recorded);
+    if (isRecorded)
+        QVERIFY(m->panel->m_lastProgressTime >= now
+                && m->panel->m_lastProgressTime <= QDateTime::currentDateTime());
+    else
+        QCOMPARE(m->panel->m_lastProgressTime, before);
+    QCOMPARE(m->percentText(), QString::number(percent) + u'%');
+}
+
+void ProgressStallTest::aStallBelowAllFails_data()
+{
+    QTest::addColumn<int>("percent");
+    QTest::addColumn<bool>("isToolRunning");
+    QTest::newRow("1 %") << 1 << true;
+    QTest::newRow("42 %") << 42 << true;
+    QTest::newRow("99 %") << 99 << true;
+    QTest::newRow("0 % that followed another percentage") << 0 << true;
+    QTest::newRow("42 %, the tool has ended") << 42 << false;
+}
+
+void ProgressStallTest::aStallBelowAllFails()
+{
+    QFETCH(int, percent);
+    QFETCH(bool, isToolRunning);
+    if (isToolRunning)
+        QVERIFY(m->runSilentTool());
+    m->beginRun(UpgradePlan::PcOnly);
+    m->panel->m_lastProgressPercent = percent;
+    m->panel->m_lastProgressTime = QDateTime::currentDateTime().addSecs(-3);
+    m->log.clear();
+    m->poll(QByteArray::number(percent) + '%');
+    QCOMPARE(m->log.lines().value(0), u"[状态] 升级进度停滞3秒，判定为失败"_qs);
+    QCOMPARE(m->log.lines().size(), isToolRunning ? 2 : 1);
+    QVERIFY(!m->panel->m_progressTimer->isActive());
+    QCOMPARE(m->panel->m_dfuProcess->state(), QProcess::NotRunning);
+    QVERIFY(m->showsFailure());
+    QVERIFY(!m->panel->m_isUpgrading);
+    QCOMPARE(m->percentText(), u"0%"_qs);
+}
+
+void ProgressStallTest::aStallAtAllEndsTheToolAndSucceeds()
+{
+    QVERIFY(m->runSilentTool());
+    m->beginRun(UpgradePlan::PcOnly);
+    m->panel->m_lastProgressPercent = 100;
+    m->panel->m_lastProgressTime = QDateTime::currentDateTime().addSecs(-3);
+    m->log.clear();
+    m->poll("100%");
+    QCOMPARE(m->log.lines().value(0), u"[状态] 进度100%停滞3秒，主动终止外部工具"_qs);
+    QCOMPARE(m->panel->m_dfuProcess->state(), QProcess::NotRunning);
+    QVERIFY(m->panel->m_progressTimer->isActive());
+    QVERIFY(m->panel->m_isUpgrading);
+    QVERIFY(!m->showsFailure());
+    QVERIFY(m->panel->m_doneLb->isHidden());
+
+    m->log.clear();
+    m->panel->onReadFirmwareTxt();
+    QCOMPARE(m->log.lines().mid(0, 2),
+             (QStringList{u"[状态] 进度100%且进程已退出，视为升级成功"_qs, u"Successfully upgrade !!!"_qs}));
+    QVERIFY(!m->panel->m_progressTimer->isActive());
+    QVERIFY(!m->panel->m_isUpgrading);
+    QVERIFY(!m->panel->m_doneLb->isHidden());
+}
+
+void ProgressStallTest::aStallNeedsThreeSeconds_data()
+{
+    QTest::addColumn<QDateTime>("recordedAt");
+    QTest::newRow("not quite three seconds") << QDateTime::currentDateTime().addMSecs(-2'500);
+    QTest::newRow("a clock set back") << QDateTime::currentDateTime().addSecs(3600);
+    QTest::newRow("no time recorded") << QDateTime();
+}
+
+void ProgressStallTest::aStallNeedsThreeSeconds()
+{
+    QFETCH(QDateTime, recordedAt);
+    if (recordedAt.isValid() && recordedAt < QDateTime::currentDateTime())
+        recordedAt = QDateTime::currentDateTime().addMSecs(-2'500);
+    m->beginRun(UpgradePlan::PcOnly);
+    m->panel->m_lastProgressPercent = 42;
+    m->panel->m_lastProgressTime = recordedAt;
+    m->poll("42%");
+    QCOMPARE(m->percentText(), u"42%"_qs);
+    QVERIFY(!m->showsFailure());
+    QVERIFY(m->panel->m_progressTimer->isActive());
+    QCOMPARE(m->panel->m_lastProgressTime, recordedAt);
+}
+
+QTEST_MAIN(ProgressStallTest)
+#include "tst_progress_stall.moc"

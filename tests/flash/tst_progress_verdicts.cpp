@@ -1,0 +1,274 @@
+// How a flashing run ends: failed or complete.
+#include "tests/flash/FlashingStage.h"
+
+#include "device/ControlMessages.h"
+
+#include <QElapsedTimer>
+#include <QMovie>
+#include <QScopeGuard>
+#include <QTest>
+
+class ProgressVerdictsTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m = std::make_unique<FlashingStage>(); }
+    void cleanup() { m.reset(); }
+    void aBadResultFails_data();
+    void aBadResultFails();
+    void theFailureOfTheOtgHalfLeavesTheOtgHalf();
+    void aResultKillsTheToolLast_data();
+    void aResultKillsTheToolLast();
+    void successIsLogged_data();
+    void successIsLogged();
+    void completionForgetsTheVersions_data();
+    void completionForgetsTheVersions();
+    void completionIsShown();
+    void completionNeedsNoBar();
+    void completionReadsTheNewVersions();
+    void completionOfADeletedPanelReadsNothing();
+    void allWrittenAndEndedIsSuccess_data();
+    void allWrittenAndEndedIsSuccess();
+
+private:
+    std::unique_ptr<FlashingStage> m;
+};
+
+void ProgressVerdictsTest::aBadResultFails_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<int>("status");
+    QTest::newRow("no status") << "success"_qba << 0;
+    QTest::newRow("status 0") << "success 0"_qba << 0;
+    QTest::newRow("a word") << "success x"_qba << 0;
+    QTest::newRow("status 2") << "99%\nsuccess 2\n"_qba << 2;
+    QTest::newRow("a negative status") << "success -1\r\n"_qba << -1;
+    QTest::newRow("a % at the end") << "success 1%"_qba << 0;
+    QTest::newRow("a tabulator in place of the blank") << "success\t1"_qba << 0;
+}
+
+void ProgressVerdictsTest::aBadResultFails()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(int, status);
+    QVERIFY(m->runSilentTool());
+    m->beginRun(UpgradePlan::PcOnly);
+    m->log.clear();
+    m->poll(content);
+    QCOMPARE(m->log.lines().mid(0, 1),
+             QStringList(u"[状态] 升级失败(status=%1)，显示失败重试 UI"_qs.arg(status)));
+    QVERIFY(!m->log.contains(u"Successfully upgrade !!!"_qs));
+    QVERIFY(m->showsFailure());
+    QVERIFY(!m->panel->m_isUpgrading);
+    QVERIFY(!m->panel->m_progressTimer->isActive());
+    QVERIFY(!m->panel->m_dfuTimeoutTimer->isActive());
+    QCOMPARE(m->panel->m_dfuProcess->state(), QProcess::NotRunning);
+    QVERIFY(m->panel->m_doneLb->isHidden());
+}
+
+void ProgressVerdictsTest::theFailureOfTheOtgHalfLeavesTheOtgHalf()
+{
+    m->beginRun(UpgradePlan::Both, true);
+    m->poll("success 0");
+    QVERIFY(m->showsFailure());
+    QCOMPARE(m->panel->m_upgradePlan, UpgradePlan::OtgOnly);
+}
+
+void ProgressVerdictsTest::aResultKillsTheToolLast_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<UpgradePlan>("plan");
+    QTest::addColumn<QString>("lineBefore");
+    QTest::newRow("failure") << "success 0"_qba << UpgradePlan::PcOnly
+                             << u"[状态] 升级失败(status=0)，显示失败重试 UI"_qs;
+    QTest::newRow("complete") << "success 1"_qba << UpgradePlan::PcOnly
+                              << u"[VersionRead] 清空版本号，准备重新读取"_qs;
+    QTest::newRow("PC half") << "success 1"_qba << UpgradePlan::Both
+                             << u"OTG ready phase, but OTG device not found yet"_qs;
+}
+
+void ProgressVerdictsTest::aResultKillsTheToolLast()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(UpgradePlan, plan);
+    QFETCH(QString, lineBefore);
+    QVERIFY(m->runSilentTool());
+    QTRY_COMPARE(m->tool.runs().size(), 1);
+    m->beginRun(plan);
+    m->log.clear();
+    QElapsedTimer time;
+    time.start();
+    m->poll(content);
+    QVERIFY(time.elapsed() < 1500);
+    QCOMPARE(m->panel->m_dfuProcess->state(), QProcess::NotRunning);
+    const QString end = m->log.startingWith(u"OrvikFirmwareUpdata.exe process exit, exitCode="_qs).value(0);
+    QVERIFY(!end.isEmpty());
+    QCOMPARE(missingInOrder(m->log.lines(), {lineBefore, end}), QString());
+}
+
+void ProgressVerdictsTest::successIsLogged_data()
+{
+    QTest::addColumn<QStringList>("visible");
+    QTest::addColumn<bool>("isRed");
+    QTest::addColumn<bool>("isWaiting");
+    QTest::addColumn<QString>("line");
+    QTest::newRow("card and percentage")
+        << QStringList{u"verCompLb"_qs, u"upgradeProgDisPlay"_qs} << false << false
+        << u"[onReadFirmwareTxt] success! verCompLb visible=true tipMoiveLb "
+           "visible=false progressColor=red?false upgradeProgDisPlay visible=true "
+           "m_isWaitingForUSB=false"_qs;
+    QTest::newRow("the hint of the OTG half")
+        << QStringList{u"tipMoiveLb"_qs} << true << true
+        << u"[onReadFirmwareTxt] success! verCompLb visible=false tipMoiveLb "
+           "visible=true progressColor=red?true upgradeProgDisPlay "
+           "visible=false m_isWaitingForUSB=true"_qs;
+}
+
+void ProgressVerdictsTest::successIsLogged()
+{
+    QFETCH(QStringList, visible);
+    QFETCH(bool, isRed);
+    QFETCH(bool, isWaiting);
+    QFETCH(QString, line);
+    m->beginRun(UpgradePlan::Both, true);
+    m->panel->m_progressBar->setProgressColor(isRed ? FlashingStage::kWaitingRed : FlashingStage::kNeutral);
+    m->panel->m_isWaitingForUSB = isWaiting;
+    Screen::showOnly(*m->panel, visible + QStringList{u"m_progressBar"_qs});
+    m->log.clear();
+    m->poll("success 1");
+    QCOMPARE(
+        m->log.lines(),
+        (QStringList{u"Successfully upgrade !!!"_qs, line, u"[VersionRead] 清空版本号，准备重新读取"_qs}));
+}
+
+void ProgressVerdictsTest::completionForgetsTheVersions_data()
+{
+    QTest::addColumn<UpgradePlan>("plan");
+    QTest::addColumn<bool>("pcCompleted");
+    QTest::newRow("PC only") << UpgradePlan::PcOnly << false;
+    QTest::newRow("OTG only") << UpgradePlan::OtgOnly << false;
+    QTest::newRow("the OTG half of both") << UpgradePlan::Both << true;
+    QTest::newRow("no plan") << UpgradePlan::None << false;
+}
+
+void ProgressVerdictsTest::completionForgetsTheVersions()
+{
+    QFETCH(UpgradePlan, plan);
+    QFETCH(bool, pcCompleted);
+    FirmwareUpgradeWidget &panel = *m->panel;
+    m->beginRun(plan, pcCompleted);
+    panel.m_autoRecoverRunning = true;
+    panel.lastDetectedOtgPid = 31;
+    panel.lastDetectedPcPid = 14;
+    panel.m_devicePcVersion = u"1.1.1"_qs;
+    panel.m_deviceOtgVersion = u"1.1.2"_qs;
+    panel.m_remotePcVersion = u"1.2.0"_qs;
+    panel.m_remoteOtgVersion = u"1.2.1"_qs;
+    panel.m_zeroVersionCount = 3;
+    const QStringList before = panelState(panel);
+    m->poll("success 1");
+    QCOMPARE(
+        changedState(before, panelState(panel)),
+        (QStringList{u"m_devicePcVersion="_qs, u"m_deviceOtgVersion="_qs, u"m_autoRecoverRunning=false"_qs,
+                     u"m_isUpgrading=false"_qs, u"lastDetectedOtgPid=0"_qs, u"m_postUpgradeWaiting=true"_qs,
+                     u"m_zeroVersionCount=0"_qs}));
+    QVERIFY(!panel.m_progressTimer->isActive());
+    QVERIFY(!panel.m_dfuTimeoutTimer->isActive());
+}
+
+void ProgressVerdictsTest::completionIsShown()
+{
+    FirmwareUpgradeWidget &panel = *m->panel;
+    m->beginRun(UpgradePlan::Both, true);
+    panel.m_tipMovie->start();
+    panel.m_progressBar->setBackgroundColor(Qt::yellow);
+    const ScreenChange screen(panel, {u"m_doneIconLb"_qs, u"m_doneLb"_qs},
+                              {u"tipMoiveLb"_qs, u"m_detectingUsbLb"_qs, u"m_connectHintLb"_qs,
+                               u"m_waitingIconLb"_qs, u"m_upgradingLb"_qs, u"upgradeProgDisPlay"_qs});
+    m->poll("success 1");
+    QCOMPARE(screen.actual(), screen.expected());
+    QCOMPARE(m->percentOnBar(), 100);
+    QCOMPARE(m->percentText(), u"100%"_qs);
+    QCOMPARE(panel.m_progressBar->m_progressColor, FlashingStage::kNeutral);
+    QCOMPARE(panel.m_progressBar->m_backgroundColor, QColor(Qt::yellow));
+    QCOMPARE(panel.m_tipMovie->state(), QMovie::NotRunning);
+}
+
+void ProgressVerdictsTest::completionNeedsNoBar()
+{
+    const auto restore
+        = qScopeGuard([this, bar = m->panel->m_progressBar] { m->panel->m_progressBar = bar; });
+    m->beginRun(UpgradePlan::PcOnly);
+    m->panel->m_progressBar = nullptr;
+    const QStringList screen = Screen::everything(*m->panel);
+    m->poll("success 1");
+    QVERIFY(!m->panel->m_isUpgrading);
+    QVERIFY(m->panel->m_postUpgradeWaiting);
+    QCOMPARE(Screen::everything(*m->panel), screen);
+}
+
+void ProgressVerdictsTest::completionReadsTheNewVersions()
+{
+    m->panel->ConnectingR2({m->bus().plug(0x000E)}, {0x000E});
+    QTRY_COMPARE(m->bus().written().size(), 1); // what a new panel asks
+    m->bus().clear();
+    m->beginRun(UpgradePlan::PcOnly);
+    m->poll("success 1");
+    m->log.clear();
+
+    QElapsedTimer time;
+    time.start();
+    QTRY_COMPARE(m->bus().written().size(), 1);
+    const qint64 waited = time.elapsed();
+    QVERIFY2(waited >= 2250 && waited < 3000, qPrintable(QString::number(waited)));
+    QCOMPARE(m->bus().written().first(), ControlMessages::getInstance()->randomRead(0x1008));
+    QCOMPARE(m->log.lines().mid(0, 2),
+             (QStringList{u"[ConnectingR2] START - m_isUpgrading=false m_autoRecoverRunning=false"_qs,
+                          u"[FirmwareUpgradeWidget定时器扫描] 发现 1 个设备"_qs}));
+    QCOMPARE(m->log.startingWith(u"[ConnectingR2] START"_qs).size(), 1);
+}
+
+void ProgressVerdictsTest::completionOfADeletedPanelReadsNothing()
+{
+    m->beginRun(UpgradePlan::PcOnly);
+    m->poll("success 1");
+    m->panel.reset();
+    m->log.clear();
+    QTest::qWait(2700);
+    QCOMPARE(m->log.startingWith(u"[ConnectingR2]"_qs), QStringList());
+}
+
+void ProgressVerdictsTest::allWrittenAndEndedIsSuccess_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<UpgradePlan>("plan");
+    QTest::addColumn<bool>("isToolRunning");
+    QTest::addColumn<bool>("succeeds");
+    QTest::newRow("PC only, ended") << "100%"_qba << UpgradePlan::PcOnly << false << true;
+    QTest::newRow("CR LF, ended") << "99%\r\n100%\r\n"_qba << UpgradePlan::PcOnly << false << true;
+    QTest::newRow("the PC half, ended") << "100%"_qba << UpgradePlan::Both << false << true;
+    QTest::newRow("PC only, running") << "100%"_qba << UpgradePlan::PcOnly << true << false;
+    QTest::newRow("99 %, ended") << "99%"_qba << UpgradePlan::PcOnly << false << false;
+    QTest::newRow("another spelling, ended") << "0100%"_qba << UpgradePlan::PcOnly << false << false;
+}
+
+void ProgressVerdictsTest::allWrittenAndEndedIsSuccess()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(UpgradePlan, plan);
+    QFETCH(bool, isToolRunning);
+    QFETCH(bool, succeeds);
+    if (isToolRunning)
+        QVERIFY(m->runSilentTool());
+    m->beginRun(plan);
+    m->log.clear();
+    m->poll(content);
+    QCOMPARE(m->log.contains(u"[状态] 进度100%且进程已退出，视为升级成功"_qs), succeeds);
+    QCOMPARE(m->log.contains(u"Successfully upgrade !!!"_qs), succeeds);
+    QCOMPARE(m->panel->m_progressTimer->isActive(), !succeeds);
+    QCOMPARE(m->panel->pcUpgradeCompleted, succeeds && plan == UpgradePlan::Both);
+    QCOMPARE(m->panel->m_postUpgradeWaiting, succeeds && plan != UpgradePlan::Both);
+}
+
+QTEST_MAIN(ProgressVerdictsTest)
+#include "tst_progress_verdicts.moc"

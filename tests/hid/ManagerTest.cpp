@@ -1,0 +1,81 @@
+#include "ManagerTest.h"
+
+#include <QtTest>
+
+using HIDCommunicator::OrvikHIDManager;
+
+ScriptedBus &ManagerTest::bus()
+{
+    static ScriptedBus *const bus = ScriptedBus::install();
+    return *bus;
+}
+
+OrvikHIDManager &ManagerTest::manager()
+{
+    bus();
+    return *OrvikHIDManager::instance();
+}
+
+bool ManagerTest::open(const QString &path, int productId)
+{
+    return manager().openHIDHandle(path, kVendorId, productId, 0);
+}
+
+void ManagerTest::startThreads()
+{
+    manager().createOrvikSendDataThread();
+    manager().createOrvikReceiveDataThread();
+}
+
+QString ManagerTest::connectDevice(int productId)
+{
+    const QString path = bus().plug(productId);
+    if (!open(path, productId))
+        return {};
+    startThreads();
+    return path;
+}
+
+Recorder &ManagerTest::listen(Qt::ConnectionType type)
+{
+    silenceRecorders();
+    s_recorders.push_back(std::make_unique<Recorder>(type));
+    return recorder();
+}
+
+Recorder &ManagerTest::alsoListen(Qt::ConnectionType type)
+{
+    return **s_recorders.insert(s_recorders.begin(), std::make_unique<Recorder>(type));
+}
+
+void ManagerTest::silenceRecorders()
+{
+    for (const auto &recorder : s_recorders)
+        recorder->silence();
+}
+
+QByteArray ManagerTest::report(char mark, int size)
+{
+    QByteArray bytes(size, '\0');
+    bytes[0] = 0x51;
+    bytes[1] = char(0xC4);
+    bytes[2] = mark;
+    return bytes;
+}
+
+void ManagerTest::init()
+{
+    manager().acquire();
+    listen(Qt::QueuedConnection);
+}
+
+void ManagerTest::cleanup()
+{
+    silenceRecorders();
+    manager().release();
+    bus().unplugAll();
+    bus().clear();
+    QTRY_COMPARE(bus().openConnections(), 0);
+    QVERIFY(!manager().getConnected());
+    s_recorders.clear();
+}

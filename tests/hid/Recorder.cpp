@@ -1,0 +1,102 @@
+#include "Recorder.h"
+
+#include <HIDCommunicator/OrvikHIDManager.h>
+
+#include <QThread>
+
+using HIDCommunicator::OrvikHIDManager;
+
+Recorder::Recorder(Qt::ConnectionType type)
+{
+    OrvikHIDManager *const manager = OrvikHIDManager::instance();
+    connect(manager, &OrvikHIDManager::deviceListChanged, this, &Recorder::hearList, type);
+    connect(manager, &OrvikHIDManager::blockHidConnetStatus, this, &Recorder::hearStatus, type);
+    connect(manager, &OrvikHIDManager::blockReceiveData, this, &Recorder::hearReport, type);
+}
+
+QList<QStringList> Recorder::lists() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_lists;
+}
+
+QList<QList<int>> Recorder::productIds() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_productIds;
+}
+
+QList<Recorder::Clock::time_point> Recorder::listTimes() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_listTimes;
+}
+
+QList<int> Recorder::statuses() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_statuses;
+}
+
+QList<QByteArray> Recorder::reports() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_reports;
+}
+
+void Recorder::clear()
+{
+    const std::lock_guard lock(m_mutex);
+    m_lists.clear();
+    m_productIds.clear();
+    m_listTimes.clear();
+    m_statuses.clear();
+    m_reports.clear();
+}
+
+void Recorder::silence()
+{
+    m_silent = true;
+    while (m_running > 0)
+        QThread::yieldCurrentThread();
+}
+
+template <typename Work> void Recorder::unlessSilent(Work work)
+{
+    ++m_running;
+    if (!m_silent)
+        work();
+    --m_running;
+}
+
+void Recorder::hearList(const QStringList &paths, const QList<int> &productIds)
+{
+    unlessSilent([&] {
+        if (onList)
+            onList(paths);
+        const std::lock_guard lock(m_mutex);
+        m_lists.append(paths);
+        m_productIds.append(productIds);
+        m_listTimes.append(Clock::now());
+    });
+}
+
+void Recorder::hearStatus(int status)
+{
+    unlessSilent([&] {
+        if (onStatus)
+            onStatus(status);
+        const std::lock_guard lock(m_mutex);
+        m_statuses.append(status);
+    });
+}
+
+void Recorder::hearReport(const QByteArray &report)
+{
+    unlessSilent([&] {
+        if (onReport)
+            onReport(report);
+        const std::lock_guard lock(m_mutex);
+        m_reports.append(report);
+    });
+}

@@ -1,0 +1,7 @@
+// Compiles only while the library's public header needs nothing before it.
+#include <HIDCommunicator/OrvikHIDManager.h>
+
+const QMetaObject *managerMetaObject()
+{
+    return &HIDCommunicator::OrvikHIDManager::staticMetaObject;
+}

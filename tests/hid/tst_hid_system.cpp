@@ -1,0 +1,88 @@
+// The library as it ships, on whatever bus this machine has, and what its headers promise.
+#include <HIDCommunicator/OrvikHIDManager.h>
+
+#include <QElapsedTimer>
+#include <QtTest>
+
+#include <atomic>
+
+using HIDCommunicator::OrvikHIDManager;
+
+const QMetaObject *managerMetaObject();
+bool installNoTransport();
+
+class TestHidSystem : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void signalsHaveTheirSignatures_data();
+    void signalsHaveTheirSignatures();
+    void transportIsSettledWithTheFirstUse();
+    void busIsScannedAndReleased();
+    void pathsThatAreNoDeviceAreRefused_data();
+    void pathsThatAreNoDeviceAreRefused();
+};
+
+void TestHidSystem::signalsHaveTheirSignatures_data()
+{
+    QTest::addColumn<QByteArray>("signature");
+    for (const char *signature : {"deviceListChanged(QStringList,QList<int>)", "blockHidConnetStatus(int)",
+                                  "blockReceiveData(QByteArray)"})
+        QTest::newRow(signature) << QByteArray(signature);
+}
+
+void TestHidSystem::signalsHaveTheirSignatures()
+{
+    QFETCH(QByteArray, signature);
+    QVERIFY(managerMetaObject()->indexOfSignal(signature.constData()) >= 0);
+}
+
+void TestHidSystem::transportIsSettledWithTheFirstUse()
+{
+    OrvikHIDManager::instance();
+    QVERIFY(!installNoTransport());
+}
+
+void TestHidSystem::busIsScannedAndReleased()
+{
+    OrvikHIDManager *const manager = OrvikHIDManager::instance();
+    std::atomic<int> scans{0};
+    manager->acquire();
+    connect(
+        manager, &OrvikHIDManager::deviceListChanged, this,
+        [&](const QStringList &paths, const QList<int> &productIds) {
+            QCOMPARE(paths.size(), productIds.size());
+            for (const QString &path : paths)
+                QVERIFY2(path.contains(QStringLiteral("vid_352f&pid_")), qPrintable(path));
+            ++scans;
+        },
+        Qt::QueuedConnection);
+    QTRY_VERIFY(scans >= 3);
+    QElapsedTimer timer;
+    timer.start();
+    manager->release();
+    QVERIFY(timer.elapsed() < 100);
+    disconnect(manager, nullptr, this, nullptr);
+}
+
+void TestHidSystem::pathsThatAreNoDeviceAreRefused_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("empty") << QString();
+    QTest::newRow("a device file") << QStringLiteral("/dev/null");
+    QTest::newRow("a node that is not there")
+        << QStringLiteral(R"(\\?\hid#vid_352f&pid_000e#hidraw987654#{4d1e55b2-f16f-11cf-88cb-001111000030})");
+}
+
+void TestHidSystem::pathsThatAreNoDeviceAreRefused()
+{
+    QFETCH(QString, path);
+    OrvikHIDManager *const manager = OrvikHIDManager::instance();
+    manager->acquire();
+    QVERIFY(!manager->openHIDHandle(path, 0x352F, 0x000E, 0));
+    QVERIFY(!manager->getConnected());
+    manager->release();
+}
+
+QTEST_GUILESS_MAIN(TestHidSystem)
+#include "tst_hid_system.moc"

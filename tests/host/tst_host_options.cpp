@@ -1,0 +1,109 @@
+#include "tests/host/HostRun.h"
+
+#include "rig/Fault.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+class HostOptionsTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aWrongCommandLineIsRefused_data();
+    void aWrongCommandLineIsRefused();
+    void helpNamesEveryOptionAndFault();
+    void aFolderThatCannotBeMadeIsRefused();
+    void withoutADisplayAWindowIsRefused();
+};
+
+void HostOptionsTest::aWrongCommandLineIsRefused_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("message");
+
+    const QString scenario = QStringLiteral("--scenario");
+    const QString simulate = QStringLiteral("--simulate");
+    QTest::newRow("an option that is none") << QStringList{u"--colour"_qs} << u"Unknown option 'colour'"_qs;
+    QTest::newRow("a word too many") << QStringList{u"--simulate"_qs, u"R2"_qs}
+                                     << u"unexpected argument \"R2\""_qs;
+    QTest::newRow("a model that is none")
+        << QStringList{u"--model"_qs, u"R3"_qs} << u"--model takes R1 or R2, not \"R3\""_qs;
+    QTest::newRow("an empty model") << QStringList{u"--model="_qs} << u"--model takes R1 or R2, not \"\""_qs;
+    QTest::newRow("a model left out") << QStringList{u"--model"_qs} << u"Missing value after '--model'"_qs;
+    QTest::newRow("a language that is none")
+        << QStringList{u"--language"_qs, u"de"_qs} << u"--language takes zh or en, not \"de\""_qs;
+    QTest::newRow("a language in capitals")
+        << QStringList{u"--language"_qs, u"EN"_qs} << u"--language takes zh or en, not \"EN\""_qs;
+    QTest::newRow("a value for a switch")
+        << QStringList{u"--simulate=yes"_qs} << u"Unexpected value after '--simulate'"_qs;
+    QTest::newRow("a fault that is none")
+        << QStringList{simulate, u"--fault"_qs, u"tool-sings"_qs}
+        << u"--fault: there is no fault \"tool-sings\"; --help lists them"_qs;
+    QTest::newRow("a fault on real hardware")
+        << QStringList{u"--fault"_qs, u"tool-missing"_qs} << u"--fault needs --simulate"_qs;
+    QTest::newRow("a scenario on real hardware")
+        << QStringList{scenario, u"x.scn"_qs} << u"--scenario needs --simulate"_qs;
+    QTest::newRow("headless with nothing to play")
+        << QStringList{simulate, u"--headless"_qs} << u"--headless needs --scenario"_qs;
+    QTest::newRow("a scenario without a name")
+        << QStringList{simulate, u"--scenario="_qs} << u"--scenario takes the name of a file"_qs;
+    QTest::newRow("a folder without a name")
+        << QStringList{u"--record="_qs} << u"--record takes the name of a folder"_qs;
+    QTest::newRow("a scenario that is not there") << QStringList{simulate, scenario, u"/nowhere/x.scn"_qs}
+                                                  << u"/nowhere/x.scn: No such file or directory"_qs;
+    QTest::newRow("a scenario that is a folder") << QStringList{simulate, scenario, u"/"_qs} << u"/: "_qs;
+}
+
+void HostOptionsTest::aWrongCommandLineIsRefused()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, message);
+    const HostRun run = HostRun::with(arguments);
+    QCOMPARE(run.status, 2);
+    QCOMPARE(run.output, QString());
+    QVERIFY2(run.errors.startsWith(u"quillon-host: " + message), qPrintable(run.errors));
+    QCOMPARE(run.errors.count(u'\n'), 1);
+}
+
+void HostOptionsTest::helpNamesEveryOptionAndFault()
+{
+    const HostRun run = HostRun::with({u"--help"_qs});
+    QCOMPARE(run.status, 0);
+    QCOMPARE(run.errors, QString());
+    for (const char *option :
+         {"--model", "--language", "--simulate", "--scenario", "--headless", "--record", "--fault"})
+        QVERIFY2(run.output.contains(QLatin1StringView(option)), option);
+    for (const rig::FaultInfo &fault : rig::faultTable())
+        QVERIFY2(run.output.contains(QLatin1StringView(fault.name)), fault.name);
+}
+
+void HostOptionsTest::aFolderThatCannotBeMadeIsRefused()
+{
+    QTemporaryDir folder;
+    QFile scenario(folder.filePath(u"x.scn"_qs));
+    QVERIFY(scenario.open(QIODevice::WriteOnly));
+    scenario.write("expect screen searching\n");
+    scenario.close();
+    const QString blocked = scenario.fileName() + u"/pictures"_qs;
+    const HostRun run = HostRun::with(
+        {u"--simulate"_qs, u"--headless"_qs, u"--scenario"_qs, scenario.fileName(), u"--record"_qs, blocked});
+    QCOMPARE(run.status, 2);
+    QVERIFY2(run.errors.contains(u"cannot write to the folder " + blocked), qPrintable(run.errors));
+}
+
+void HostOptionsTest::withoutADisplayAWindowIsRefused()
+{
+#ifndef Q_OS_LINUX
+    QSKIP("a display is always there");
+#endif
+    QProcessEnvironment bare = QProcessEnvironment::systemEnvironment();
+    for (const char *variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        bare.remove(QLatin1StringView(variable));
+    const HostRun run = HostRun::with({u"--simulate"_qs}, bare);
+    QCOMPARE(run.status, 2);
+    QCOMPARE(run.errors, u"quillon-host: there is no display; play a scenario with --headless\n"_qs);
+}
+
+QTEST_GUILESS_MAIN(HostOptionsTest)
+#include "tst_host_options.moc"

@@ -1,0 +1,116 @@
+#include "tests/host/HostRun.h"
+
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+
+// One recorded run, looked at from several sides.
+class HostRecordTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void eachScreenHasOnePicture();
+    void picturesShowThePanel();
+    void aPictureCanBeAskedFor();
+    void theLogIsPlainTextWithTimes();
+    void theLogTellsWhatHappenedInOrder();
+    void theTerminalTellsTheProgress();
+
+private:
+    QTemporaryDir m_folder;
+    HostRun m_run;
+    QStringList m_log;
+};
+
+void HostRecordTest::initTestCase()
+{
+    QFile scenario(m_folder.filePath(u"x.scn"_qs));
+    QVERIFY(scenario.open(QIODevice::WriteOnly));
+    scenario.write(
+        "device R2 pc 1.1.1 otg 1.1.1\nserver pc 1.2.0 otg 1.2.0\npause 300ms\nplug pc\n"
+        "wait screen upgrade-available\nhold screen upgrade-available 1s\nlanguage en\npause 300ms\n"
+        "picture in-english\nsay \"here we go\"\nclick upgrade\nwait screen waiting-pc\npause 300ms\n");
+    scenario.close();
+    m_run = HostRun::with({u"--simulate"_qs, u"--headless"_qs, u"--scenario"_qs, scenario.fileName(),
+                           u"--record"_qs, m_folder.filePath(u"deep/down"_qs)});
+    QVERIFY2(m_run.status == 0, qPrintable(m_run.errors));
+
+    QFile log(m_folder.filePath(u"deep/down/log.txt"_qs));
+    QVERIFY(log.open(QIODevice::ReadOnly));
+    m_log = QString::fromUtf8(log.readAll()).split(u'\n', Qt::SkipEmptyParts);
+}
+
+void HostRecordTest::eachScreenHasOnePicture()
+{
+    const QStringList pictures
+        = QDir(m_folder.filePath(u"deep/down"_qs)).entryList({u"screen-*.png"_qs}, QDir::Files, QDir::Name);
+    const QStringList expected{u"screen-01-searching.png"_qs, u"screen-02-upgrade-available.png"_qs,
+                               u"screen-03-waiting-pc.png"_qs};
+    QCOMPARE(pictures, expected);
+}
+
+void HostRecordTest::picturesShowThePanel()
+{
+    const QDir folder(m_folder.filePath(u"deep/down"_qs));
+    const QColor bar = QImage(folder.filePath(u"screen-02-upgrade-available.png"_qs)).pixelColor(60, 370);
+    QCOMPARE(bar, QColor(87, 110, 246));
+    const QStringList pictures = folder.entryList({u"*.png"_qs}, QDir::Files);
+    for (const QString &name : pictures) {
+        const QImage picture(folder.filePath(name));
+        QCOMPARE(picture.size(), QSize(472, 418));
+        QCOMPARE(picture.pixelColor(20, 60), QColor(31, 32, 40));
+    }
+}
+
+void HostRecordTest::aPictureCanBeAskedFor()
+{
+    const QImage english(m_folder.filePath(u"deep/down/in-english.png"_qs));
+    const QImage chinese(m_folder.filePath(u"deep/down/screen-02-upgrade-available.png"_qs));
+    QVERIFY(!english.isNull());
+    QVERIFY(english != chinese);
+}
+
+void HostRecordTest::theLogIsPlainTextWithTimes()
+{
+    static const QRegularExpression form(u"^ *([0-9]+\\.[0-9]{3})  [a-z ]{12} .*$"_qs);
+    double latest = 0;
+    for (const QString &line : std::as_const(m_log)) {
+        const QRegularExpressionMatch match = form.match(line);
+        QVERIFY2(match.hasMatch(), qPrintable(line));
+        // Lines of several threads may change places by a hair.
+        QVERIFY2(match.captured(1).toDouble() > latest - 0.1, qPrintable(line));
+        latest = std::max(latest, match.captured(1).toDouble());
+    }
+}
+
+void HostRecordTest::theLogTellsWhatHappenedInOrder()
+{
+    const QStringList happened{
+        u"screen       searching"_qs,         u"device       PC interface appeared"_qs,
+        u"panel        DEVICE PC VERSION"_qs, u"host         compared: 1.2.0, upgrade needed"_qs,
+        u"screen       upgrade-available"_qs, u"scenario     here we go"_qs,
+        u"screen       waiting-pc"_qs,        u"scenario     passed"_qs};
+    qsizetype from = 0;
+    for (const QString &what : happened) {
+        const auto found = std::find_if(m_log.begin() + from, m_log.end(),
+                                        [&what](const QString &line) { return line.contains(what); });
+        QVERIFY2(found != m_log.end(), qPrintable(what));
+        from = found - m_log.begin();
+    }
+}
+
+void HostRecordTest::theTerminalTellsTheProgress()
+{
+    const QStringList lines = m_run.output.split(u'\n', Qt::SkipEmptyParts);
+    QVERIFY(lines.contains(u"here we go"_qs));
+    QVERIFY(lines.filter(u"screen: "_qs).size() == 3);
+    QVERIFY(lines.filter(u"x.scn:"_qs).isEmpty());
+    QVERIFY2(lines.first().endsWith(m_folder.filePath(u"deep/down"_qs)), qPrintable(lines.first()));
+}
+
+QTEST_GUILESS_MAIN(HostRecordTest)
+#include "tst_host_record.moc"

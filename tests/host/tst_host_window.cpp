@@ -1,0 +1,287 @@
+#include "host/EventLog.h"
+#include "host/FirmwareBox.h"
+#include "host/HostWindow.h"
+#include "host/PanelHolder.h"
+#include "rig/Rig.h"
+#include "tests/support/Sandbox.h"
+
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace host;
+using rig::Chip;
+
+namespace {
+constexpr int kPatience = 20000;
+} // namespace
+
+// The window around the panel, with a tester's hands on it.
+class HostWindowTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void thePanelIsAPartOfTheWindow();
+    void thePanelStaysInItsPlace();
+    void aCableGoesInAndOut_data();
+    void aCableGoesInAndOut();
+    void theCheckBoxFollowsTheDevice();
+    void aVersionIsTypedIn_data();
+    void aVersionIsTypedIn();
+    void whatIsNoVersionIsNotTaken_data();
+    void whatIsNoVersionIsNotTaken();
+    void theServersVersionIsTypedIn();
+    void aChipIsErased();
+    void theDeviceIsReplacedByOneOfTheOtherModel();
+    void thePanelIsToldItsModel();
+    void aFaultIsChosen();
+    void aFaultThatIsArmedElsewhereIsShown();
+    void everyTextIsThereInBothLanguages();
+    void thePanelIsDeletedAndMadeAnew();
+    void theLogIsShown();
+    void everyControlIsReachedByKeyboard();
+
+private:
+    template <typename T> T *find(const QString &name) const { return m_window->findChild<T *>(name); }
+    void choose(const QString &box, int index) const;
+
+    Sandbox m_sandbox;
+    std::unique_ptr<rig::Rig> m_rig;
+    std::unique_ptr<EventLog> m_log;
+    std::unique_ptr<PanelHolder> m_holder;
+    std::unique_ptr<HostWindow> m_window;
+};
+
+void HostWindowTest::initTestCase()
+{
+    m_rig = std::make_unique<rig::Rig>();
+    QString error;
+    QVERIFY2(m_rig->start(&error), qPrintable(error));
+}
+
+void HostWindowTest::init()
+{
+    m_rig->faults().clearAll();
+    m_rig->device().setModel(rig::Model::R2);
+    for (const Chip chip : {Chip::Pc, Chip::Otg})
+        m_rig->server().setVersion(chip, QVersionNumber(1, 1, 1));
+    m_log = std::make_unique<EventLog>();
+    m_holder = std::make_unique<PanelHolder>(rig::Model::R2);
+    m_window = std::make_unique<HostWindow>(*m_rig, *m_holder, *m_log);
+    m_holder->setFrame(m_window->panelFrame());
+    m_holder->create();
+    m_window->show();
+    QCoreApplication::processEvents();
+}
+
+void HostWindowTest::cleanup()
+{
+    m_holder.reset();
+    m_window.reset();
+    m_log.reset();
+}
+
+void HostWindowTest::choose(const QString &name, int index) const
+{
+    auto *box = find<QComboBox>(name);
+    box->setCurrentIndex(index);
+    Q_EMIT box->activated(index);
+}
+
+void HostWindowTest::thePanelIsAPartOfTheWindow()
+{
+    QVERIFY(!m_holder->panel()->isWindow());
+    QCOMPARE(m_holder->panel()->window(), m_window.get());
+    QVERIFY(m_holder->panel()->isVisible());
+    QCOMPARE(m_holder->panel()->size(), QSize(472, 418));
+    QVERIFY(!QApplication::activeModalWidget());
+}
+
+void HostWindowTest::thePanelStaysInItsPlace()
+{
+    m_holder->panel()->move(100, 50);
+    QTRY_COMPARE(m_holder->panel()->pos(), QPoint(0, 0));
+}
+
+void HostWindowTest::aCableGoesInAndOut_data()
+{
+    QTest::addColumn<QString>("box");
+    QTest::addColumn<Chip>("port");
+    QTest::newRow("PC cable") << u"pcCable"_qs << Chip::Pc;
+    QTest::newRow("OTG cable") << u"otgCable"_qs << Chip::Otg;
+}
+
+void HostWindowTest::aCableGoesInAndOut()
+{
+    QFETCH(QString, box);
+    QFETCH(Chip, port);
+    auto *cable = find<QCheckBox>(box);
+    cable->click();
+    QVERIFY(m_rig->device().isPlugged(port));
+    QTRY_COMPARE_WITH_TIMEOUT(m_rig->device().interfaces().size(), 1, kPatience);
+    cable->click();
+    QVERIFY(!m_rig->device().isPlugged(port));
+    QVERIFY(m_rig->device().interfaces().isEmpty());
+}
+
+void HostWindowTest::theCheckBoxFollowsTheDevice()
+{
+    auto *cable = find<QCheckBox>(u"otgCable"_qs);
+    m_rig->device().plug(Chip::Otg);
+    QTRY_VERIFY(cable->isChecked());
+    m_rig->device().unplug(Chip::Otg);
+    QTRY_VERIFY(!cable->isChecked());
+}
+
+void HostWindowTest::aVersionIsTypedIn_data()
+{
+    QTest::addColumn<QString>("box");
+    QTest::addColumn<Chip>("chip");
+    QTest::newRow("PC firmware") << u"pcFirmware"_qs << Chip::Pc;
+    QTest::newRow("OTG firmware") << u"otgFirmware"_qs << Chip::Otg;
+}
+
+void HostWindowTest::aVersionIsTypedIn()
+{
+    QFETCH(QString, box);
+    QFETCH(Chip, chip);
+    QLineEdit *line = find<FirmwareBox>(box)->lineEdit();
+    line->selectAll();
+    QTest::keyClicks(line, u"3.2.10"_qs);
+    QTest::keyClick(line, Qt::Key_Return);
+    QTRY_COMPARE(m_rig->device().runningVersion(chip), QVersionNumber(3, 2, 10));
+    QTRY_COMPARE(line->text(), u"3.2.10"_qs);
+}
+
+void HostWindowTest::whatIsNoVersionIsNotTaken_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::newRow("two numbers") << u"3.2"_qs;
+    QTest::newRow("nothing") << QString();
+    QTest::newRow("a dot at the end") << u"3.2."_qs;
+}
+
+void HostWindowTest::whatIsNoVersionIsNotTaken()
+{
+    QFETCH(QString, typed);
+    auto *box = find<FirmwareBox>(u"pcFirmware"_qs);
+    QSignalSpy entered(box, &FirmwareBox::versionEntered);
+    box->lineEdit()->setFocus();
+    box->lineEdit()->clear();
+    QTest::keyClicks(box->lineEdit(), typed);
+    find<QCheckBox>(u"pcCable"_qs)->setFocus();
+    QTRY_COMPARE(box->currentText(), u"1.1.1"_qs);
+    QCOMPARE(entered.size(), 0);
+}
+
+void HostWindowTest::theServersVersionIsTypedIn()
+{
+    QLineEdit *line = find<FirmwareBox>(u"otgNewest"_qs)->lineEdit();
+    line->selectAll();
+    QTest::keyClicks(line, u"2.0.0"_qs);
+    QTest::keyClick(line, Qt::Key_Return);
+    QCOMPARE(m_rig->server().version(rig::Model::R2, Chip::Otg), QVersionNumber(2, 0, 0));
+    QCOMPARE(m_rig->server().version(rig::Model::R2, Chip::Pc), QVersionNumber(1, 1, 1));
+}
+
+void HostWindowTest::aChipIsErased()
+{
+    find<QPushButton>(u"pcErase"_qs)->click();
+    QCOMPARE(m_rig->device().state(Chip::Pc), rig::ChipState::BootLoader);
+    QTRY_COMPARE(find<FirmwareBox>(u"pcFirmware"_qs)->currentText(), u"-"_qs);
+    QCOMPARE(m_rig->device().state(Chip::Otg), rig::ChipState::Running);
+}
+
+void HostWindowTest::theDeviceIsReplacedByOneOfTheOtherModel()
+{
+    choose(u"deviceModel"_qs, 0);
+    QCOMPARE(m_rig->device().model(), rig::Model::R1);
+    QCOMPARE(m_holder->model(), rig::Model::R2);
+}
+
+void HostWindowTest::thePanelIsToldItsModel()
+{
+    choose(u"panelModel"_qs, 0);
+    QCOMPARE(m_holder->model(), rig::Model::R1);
+    QCOMPARE(m_rig->device().model(), rig::Model::R2);
+}
+
+void HostWindowTest::aFaultIsChosen()
+{
+    QCOMPARE(find<QComboBox>(u"fault"_qs)->count(), rig::faultTable().size() + 1);
+    choose(u"fault"_qs, int(rig::Fault::ToolCrashes) + 1);
+    QCOMPARE(m_rig->faults().armed(), QList<rig::Fault>{rig::Fault::ToolCrashes});
+    choose(u"fault"_qs, int(rig::Fault::ServerSilent) + 1);
+    QCOMPARE(m_rig->faults().armed(), QList<rig::Fault>{rig::Fault::ServerSilent});
+    choose(u"fault"_qs, 0);
+    QVERIFY(m_rig->faults().armed().isEmpty());
+}
+
+void HostWindowTest::aFaultThatIsArmedElsewhereIsShown()
+{
+    m_rig->faults().arm(rig::Fault::DeviceSilent);
+    QTRY_COMPARE(find<QComboBox>(u"fault"_qs)->currentIndex(), int(rig::Fault::DeviceSilent) + 1);
+}
+
+void HostWindowTest::everyTextIsThereInBothLanguages()
+{
+    const auto texts = [this] {
+        QStringList all{m_window->windowTitle()};
+        for (const QWidget *widget : m_window->findChild<QWidget *>(u"side"_qs)->findChildren<QWidget *>()) {
+            for (const char *property : {"title", "text"})
+                all.append(widget->property(property).toString());
+        }
+        return all;
+    };
+    m_window->setEnglish(false);
+    const QStringList chinese = texts();
+    m_window->setEnglish(true);
+    const QStringList english = texts();
+    QVERIFY(chinese != english);
+    for (const QString &text : english) {
+        for (const QChar letter : text)
+            QVERIFY2(letter.unicode() < 0x3000, qPrintable(text));
+    }
+    QCOMPARE(find<QComboBox>(u"language"_qs)->currentIndex(), 1);
+}
+
+void HostWindowTest::thePanelIsDeletedAndMadeAnew()
+{
+    find<QPushButton>(u"deletePanel"_qs)->click();
+    QVERIFY(!m_holder->panel());
+    find<QPushButton>(u"newPanel"_qs)->click();
+    QVERIFY(m_holder->panel());
+    QVERIFY(m_holder->panel()->isVisible());
+}
+
+void HostWindowTest::theLogIsShown()
+{
+    m_log->record(u"host"_qs, u"a line of its own"_qs);
+    QTRY_VERIFY(find<QPlainTextEdit>(u"log"_qs)->toPlainText().contains(u"a line of its own"));
+}
+
+void HostWindowTest::everyControlIsReachedByKeyboard()
+{
+    QStringList reached;
+    QWidget *widget = find<QComboBox>(u"deviceModel"_qs);
+    const QWidget *first = widget;
+    do {
+        if (widget->isVisibleTo(m_window.get()) && widget->focusPolicy() & Qt::TabFocus)
+            reached.append(widget->objectName());
+        widget = widget->nextInFocusChain();
+    } while (widget != first);
+    for (const char *name :
+         {"deviceModel", "pcFirmware", "pcErase", "otgFirmware", "otgErase", "pcCable", "otgCable",
+          "pcNewest", "otgNewest", "fault", "panelModel", "language", "newPanel", "deletePanel", "log"})
+        QVERIFY2(reached.contains(QLatin1StringView(name)), name);
+}
+
+QTEST_MAIN(HostWindowTest)
+#include "tst_host_window.moc"

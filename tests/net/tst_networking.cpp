@@ -1,0 +1,231 @@
+#include "tests/net/NetworkingFixture.h"
+
+#include <QElapsedTimer>
+#include <QMetaMethod>
+#include <QTimer>
+#include <QtTest>
+
+#include <chrono>
+
+using namespace std::chrono_literals;
+
+/// The shape of the class, and the version query but for what it makes of the answer.
+class NetworkingTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m = std::make_unique<NetworkingFixture>();
+        m->client->f_remark = u"旧说明"_qs;
+        m->client->f_remark_en = u"old notes"_qs;
+    }
+    void cleanup() { m.reset(); }
+    void hasOneSignalAndThreeSlotsInThisOrder();
+    void thereIsOneInstanceWithoutParent();
+    void logsAFailedQuery_data();
+    void logsAFailedQuery();
+    void logsNothingOfAnAnsweredQuery();
+    void givesUpAfterTwoSeconds_data();
+    void givesUpAfterTwoSeconds();
+    void waitsForALateAnswer();
+    void asksForTheAddressAsItIs_data();
+    void asksForTheAddressAsItIs();
+    void addsNothingToTheRequest();
+    void deliversEventsWhileItWaits();
+    void mayBeAskedAgainWhileItWaits_data();
+    void mayBeAskedAgainWhileItWaits();
+    void releasesItsReplies();
+
+private:
+    std::unique_ptr<NetworkingFixture> m;
+};
+
+void NetworkingTest::hasOneSignalAndThreeSlotsInThisOrder()
+{
+    const QMetaObject &meta = networking_class::staticMetaObject;
+    QCOMPARE(meta.className(), "networking_class");
+    QCOMPARE(meta.superClass(), &QObject::staticMetaObject);
+    QStringList methods;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+        const QMetaMethod method = meta.method(i);
+        const bool isSignal = method.methodType() == QMetaMethod::Signal;
+        const bool isPrivateSlot
+            = method.methodType() == QMetaMethod::Slot && method.access() == QMetaMethod::Private;
+        methods.append((isSignal            ? u"signal "_qs
+                            : isPrivateSlot ? u"private slot "_qs
+                                            : u"other "_qs)
+                       + QString::fromLatin1(method.methodSignature()));
+    }
+    QCOMPARE(methods,
+             (QStringList{u"signal network_finish_download()"_qs, u"private slot httpFinished()"_qs,
+                          u"private slot httpReadyRead()"_qs,
+                          u"private slot updateDataReadProgress(qlonglong,qlonglong)"_qs}));
+}
+
+void NetworkingTest::thereIsOneInstanceWithoutParent()
+{
+    QVERIFY(networking_class::getInstance());
+    QCOMPARE(networking_class::getInstance(), m->client);
+    QVERIFY(!m->client->parent());
+    QVERIFY(!m->client->manager->parent());
+}
+
+void NetworkingTest::logsAFailedQuery_data()
+{
+    QTest::addColumn<ScriptedHttpServer::Answer>("answer");
+    QTest::addColumn<QString>("codes");
+    QTest::addColumn<QString>("error");
+
+    const QString address = m->address(m->kVersionPath);
+    QTest::newRow("status 404") << ScriptedHttpServer::page("no"_qba, 404) << u"404203"_qs
+                                << u"Error transferring "_qs + address + u" - server replied: Scripted"_qs;
+    QTest::newRow("status 500 with a list")
+        << ScriptedHttpServer::page("[{}]"_qba, 500) << u"500401"_qs
+        << u"Error transferring "_qs + address + u" - server replied: Scripted"_qs;
+    QTest::newRow("no answer at all")
+        << ScriptedHttpServer::silence() << u"05"_qs << u"Operation canceled"_qs;
+    QTest::newRow("closed unanswered") << ScriptedHttpServer::hangUp() << u"02"_qs << u"Connection closed"_qs;
+}
+
+void NetworkingTest::logsAFailedQuery()
+{
+    QFETCH(ScriptedHttpServer::Answer, answer);
+    QFETCH(QString, codes);
+    QFETCH(QString, error);
+    m->server.answer(m->kVersionPath, answer);
+    m->query();
+    QCOMPARE(m->log.startingWith(u"request"_qs),
+             (QStringList{u"request protobufHttp handle errors here"_qs,
+                          u"request protobufHttp found error ....code: %d %d\n"_qs + codes + error}));
+}
+
+void NetworkingTest::logsNothingOfAnAnsweredQuery()
+{
+    m->server.answer(m->kVersionPath, ScriptedHttpServer::page("not a list"_qba));
+    QCOMPARE(m->query(), u"104"_qs);
+    QCOMPARE(m->log.lines(), QStringList());
+}
+
+void NetworkingTest::givesUpAfterTwoSeconds_data()
+{
+    QTest::addColumn<ScriptedHttpServer::Answer>("answer");
+    QTest::newRow("a silent server") << ScriptedHttpServer::silence();
+    auto stuck = ScriptedHttpServer::page(R"([{"f_ver":"1.2.3"}])"_qba + QByteArray(100, ' '));
+    stuck.holdAfter = 60;
+    QTest::newRow("an answer that stops behind a complete list") << stuck;
+    stuck.holdAfter = 0;
+    QTest::newRow("an answer that stops behind its head") << stuck;
+}
+
+void NetworkingTest::givesUpAfterTwoSeconds()
+{
+    QFETCH(ScriptedHttpServer::Answer, answer);
+    m->server.answer(m->kVersionPath, answer);
+    QElapsedTimer time;
+    time.start();
+    QCOMPARE(m->query(), u"104"_qs);
+    const auto waited = std::chrono::milliseconds(time.elapsed());
+    // A timer of this length may fire a twentieth of it early.
+    QVERIFY2(waited >= 1890ms && waited < 3500ms, qPrintable(QString::number(waited.count())));
+    QCOMPARE(m->log.count(u"request protobufHttp handle errors here"_qs), 1);
+    QCOMPARE(m->client->f_remark, u"旧说明"_qs);
+}
+
+void NetworkingTest::waitsForALateAnswer()
+{
+    auto late = ScriptedHttpServer::version("1.2.3", "新", "new");
+    late.delay = 1500ms;
+    m->server.answer(m->kVersionPath, late);
+    QCOMPARE(m->query(), u"1.2.3"_qs);
+    QCOMPARE(m->log.lines(), QStringList());
+}
+
+void NetworkingTest::asksForTheAddressAsItIs_data()
+{
+    QTest::addColumn<QString>("path");
+    for (const char *project : {"R1MCU", "R2MCU", "R1OTG", "R2OTG"})
+        QTest::newRow(project) << u"/upinfo_test.aspx?proj_name="_qs + QLatin1String(project);
+}
+
+void NetworkingTest::asksForTheAddressAsItIs()
+{
+    QFETCH(QString, path);
+    m->server.answer(path, ScriptedHttpServer::version("4.5.6"));
+    QCOMPARE(m->query(path), u"4.5.6"_qs);
+    QCOMPARE(m->server.requests().size(), 1);
+    QCOMPARE(m->server.requests().first().method, "GET"_qba);
+    QCOMPARE(m->server.requests().first().url, QUrl(m->address(path)));
+}
+
+void NetworkingTest::addsNothingToTheRequest()
+{
+    m->server.answer(m->kVersionPath, ScriptedHttpServer::version("1.2.3"));
+    m->query();
+    QNetworkAccessManager plain;
+    QNetworkReply *reply = plain.get(QNetworkRequest(QUrl(m->address(m->kVersionPath))));
+    QTRY_VERIFY(reply->isFinished());
+    m->server.answer(m->kImagePath, ScriptedHttpServer::page("image"_qba));
+    m->download(m->image());
+    QTRY_COMPARE(m->ended.size(), 1);
+
+    QCOMPARE(m->server.requests().size(), 3);
+    QCOMPARE(m->server.requests().at(0).head, m->server.requests().at(1).head);
+    QCOMPARE(m->server.requests().at(2).head,
+             QByteArray(m->server.requests().at(1).head)
+                 .replace(m->kVersionPath.toUtf8(), m->kImagePath.toUtf8()));
+}
+
+void NetworkingTest::deliversEventsWhileItWaits()
+{
+    auto late = ScriptedHttpServer::version("1.2.3");
+    late.delay = 500ms;
+    m->server.answer(m->kVersionPath, late);
+    QTimer ticking;
+    QSignalSpy ticks(&ticking, &QTimer::timeout);
+    ticking.start(20ms);
+    QCOMPARE(m->query(), u"1.2.3"_qs);
+    QVERIFY2(ticks.size() >= 5, qPrintable(QString::number(ticks.size())));
+}
+
+void NetworkingTest::mayBeAskedAgainWhileItWaits_data()
+{
+    QTest::addColumn<std::chrono::milliseconds>("outerDelay");
+    QTest::addColumn<std::chrono::milliseconds>("innerDelay");
+    QTest::newRow("the later query is answered first") << 600ms << 0ms;
+    QTest::newRow("the earlier query is answered first") << 200ms << 700ms;
+}
+
+void NetworkingTest::mayBeAskedAgainWhileItWaits()
+{
+    QFETCH(std::chrono::milliseconds, outerDelay);
+    QFETCH(std::chrono::milliseconds, innerDelay);
+    auto outer = ScriptedHttpServer::version("1.1.1");
+    outer.delay = outerDelay;
+    auto inner = ScriptedHttpServer::version("2.2.2");
+    inner.delay = innerDelay;
+    m->server.answer(m->kVersionPath, outer);
+    m->server.answer(u"/inner"_qs, inner);
+    QString innerVersion;
+    QTimer::singleShot(50ms, this, [this, &innerVersion] { innerVersion = m->query(u"/inner"_qs); });
+    QCOMPARE(m->query(), u"1.1.1"_qs);
+    QCOMPARE(innerVersion, u"2.2.2"_qs);
+}
+
+void NetworkingTest::releasesItsReplies()
+{
+    m->server.answer(m->kVersionPath, ScriptedHttpServer::version("1.2.3"));
+    m->server.answer(m->kImagePath, ScriptedHttpServer::page("image"_qba));
+    for (int i = 0; i < 5; ++i) {
+        m->query();
+        m->query(u"/missing"_qs);
+    }
+    m->download(m->image());
+    QTRY_COMPARE(m->ended.size(), 1);
+    m->download(m->image(), u"/missing"_qs);
+    QTRY_COMPARE(m->ended.size(), 2);
+    QTRY_COMPARE(m->repliesKept(), 0);
+}
+
+QTEST_GUILESS_MAIN(NetworkingTest)
+#include "tst_networking.moc"

@@ -1,0 +1,223 @@
+#pragma once
+
+#include "tests/panel/PanelStage.h"
+#include "tests/support/DeviceReplies.h"
+#include "tests/support/FakeFlashingTool.h"
+#include "tests/support/PanelState.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QPointer>
+#include <QTest>
+
+#include <memory>
+#include <utility>
+
+/// A panel, child of a plain widget, that can be brought into each of its states; a server that answers
+/// everything and a flashing tool that never gets further than 0 %. For tests that may look at private
+/// members, that lay a flashing tool, and whose clock runs ahead.
+class PanelInStates {
+public:
+    using State = void (PanelInStates::*)();
+
+    /// Milliseconds of the faster clock.
+    static constexpr int kPatience = 60'000;
+
+    PanelInStates();
+    ~PanelInStates() { delete parent; }
+
+    static QList<std::pair<const char *, State>> states();
+
+    void isNew() { }
+    void isShown();
+    void hasADeviceOpen();
+    void knowsThePlan();
+    void downloadsThePcImage();
+    void downloadsTheOtgImage();
+    void waitsBeforeThePcChip();
+    void flashesThePcChip();
+    void waitsForTheOtgChip();
+    void waitsBeforeTheOtgChip();
+    void flashesTheOtgChip();
+    void isCompleted();
+    void hasFailed();
+    void recovers();
+    void refreshes();
+    void hasChangedTheModel();
+
+    PanelStage stage;
+    FakeFlashingTool tool;
+    QPointer<QWidget> parent;
+    QPointer<FirmwareUpgradeWidget> panel;
+
+private:
+    void answerEverything();
+    void click();
+    void startTool();
+};
+
+inline PanelInStates::PanelInStates()
+{
+    stage.panel.reset();
+    tool.obeys("write 0%\nhang");
+    parent = new QWidget;
+    panel = new FirmwareUpgradeWidget(parent);
+    answerEverything();
+    stage.log.clear();
+}
+
+inline QList<std::pair<const char *, PanelInStates::State>> PanelInStates::states()
+{
+    return {
+        {"new", &PanelInStates::isNew},
+        {"shown", &PanelInStates::isShown},
+        {"a device is open", &PanelInStates::hasADeviceOpen},
+        {"the plan is known", &PanelInStates::knowsThePlan},
+        {"the PC image is being downloaded", &PanelInStates::downloadsThePcImage},
+        {"the OTG image is being downloaded", &PanelInStates::downloadsTheOtgImage},
+        {"the delay before the PC chip runs", &PanelInStates::waitsBeforeThePcChip},
+        {"the PC chip is being flashed", &PanelInStates::flashesThePcChip},
+        {"the OTG chip is waited for", &PanelInStates::waitsForTheOtgChip},
+        {"the delay before the OTG chip runs", &PanelInStates::waitsBeforeTheOtgChip},
+        {"the OTG chip is being flashed", &PanelInStates::flashesTheOtgChip},
+        {"completed, the versions not read again yet", &PanelInStates::isCompleted},
+        {"failed", &PanelInStates::hasFailed},
+        {"a recovery runs", &PanelInStates::recovers},
+        {"a refresh runs", &PanelInStates::refreshes},
+        {"the model has just changed", &PanelInStates::hasChangedTheModel},
+    };
+}
+
+inline void PanelInStates::answerEverything()
+{
+    for (const QString &path : {ServerPaths::kR2PcVersion, ServerPaths::kR2OtgVersion})
+        stage.server.answer(path, ScriptedHttpServer::version("1.3.0"));
+    for (const QString &path : {ServerPaths::kR2PcImage, ServerPaths::kR2OtgImage})
+        stage.server.answer(path, ScriptedHttpServer::page(QByteArray(100'000, 'x')));
+}
+
+inline void PanelInStates::click()
+{
+    setVersions(*panel, u"1.2.0"_qs, u"1.3.0"_qs, u"1.2.0"_qs, u"1.3.0"_qs);
+    panel->m_upgradePlan = UpgradePlan::Both;
+    panel->onUpgradeClicked();
+}
+
+/// The tool runs, with an image that exists, and has reported something.
+inline void PanelInStates::startTool()
+{
+    const QString image = QDir(stage.sandbox.home()).filePath(u"image.bin"_qs);
+    QFile file(image);
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write("image") > 0);
+    file.close();
+    panel->m_isUpgrading = true;
+    panel->startUpgradeWithExternalTool(image, 14);
+    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(stage.sandbox.progressFile()).size() > 0, kPatience);
+    QCOMPARE(panel->m_dfuProcess->state(), QProcess::Running);
+}
+
+inline void PanelInStates::isShown()
+{
+    parent->show();
+    panel->show();
+    QVERIFY(QTest::qWaitForWindowExposed(parent, kPatience));
+}
+
+inline void PanelInStates::hasADeviceOpen()
+{
+    PanelStage::bus().setResponder(DeviceReplies::device({1, 2, 0}, {1, 2, 0}));
+    PanelStage::bus().plug(0x000E);
+    QTRY_COMPARE_WITH_TIMEOUT(PanelStage::bus().openConnections(), 1, kPatience);
+}
+
+inline void PanelInStates::knowsThePlan()
+{
+    hasADeviceOpen();
+    QTRY_COMPARE_WITH_TIMEOUT(panel->m_upgradePlan, UpgradePlan::Both, kPatience);
+}
+
+inline void PanelInStates::downloadsThePcImage()
+{
+    ScriptedHttpServer::Answer held = ScriptedHttpServer::page(QByteArray(100'000, 'x'));
+    held.holdAfter = 1000;
+    stage.server.answer(ServerPaths::kR2PcImage, held);
+    click();
+    QTRY_VERIFY_WITH_TIMEOUT(stage.server.bytesSent(ServerPaths::kR2PcImage) >= 1000, kPatience);
+}
+
+inline void PanelInStates::downloadsTheOtgImage()
+{
+    ScriptedHttpServer::Answer held = ScriptedHttpServer::page(QByteArray(100'000, 'x'));
+    held.holdAfter = 1000;
+    stage.server.answer(ServerPaths::kR2OtgImage, held);
+    click();
+    QTRY_VERIFY_WITH_TIMEOUT(stage.server.bytesSent(ServerPaths::kR2OtgImage) >= 1000, kPatience);
+    QVERIFY(panel->m_pcFirmwareDownloaded);
+}
+
+inline void PanelInStates::waitsBeforeThePcChip()
+{
+    click();
+    QTRY_VERIFY_WITH_TIMEOUT(stage.log.contains(u"[Upgrade] 先升 PC 再升 OTG"_qs), kPatience);
+}
+
+inline void PanelInStates::flashesThePcChip()
+{
+    panel->m_upgradePlan = UpgradePlan::Both;
+    startTool();
+}
+
+inline void PanelInStates::waitsForTheOtgChip()
+{
+    waitsBeforeThePcChip();
+    panel->handOverToOtg();
+}
+
+inline void PanelInStates::waitsBeforeTheOtgChip()
+{
+    waitsForTheOtgChip();
+    panel->ConnectingR2({u"pid_001f"_qs}, {});
+    QTRY_VERIFY_WITH_TIMEOUT(stage.log.contains(u"[OTG] OTG设备已就绪，延迟后启动OTG升级"_qs), kPatience);
+}
+
+inline void PanelInStates::flashesTheOtgChip()
+{
+    panel->m_upgradePlan = UpgradePlan::Both;
+    panel->pcUpgradeCompleted = true;
+    startTool();
+}
+
+inline void PanelInStates::isCompleted()
+{
+    panel->m_isUpgrading = true;
+    panel->completeUpgrade();
+    QVERIFY(panel->m_postUpgradeWaiting);
+}
+
+inline void PanelInStates::hasFailed()
+{
+    panel->m_upgradePlan = UpgradePlan::Both;
+    panel->showUpgradeFailureUI();
+    QVERIFY(panel->m_inFailureRetry);
+}
+
+inline void PanelInStates::recovers()
+{
+    panel->ConnectingR2({u"pid_00ff"_qs}, {});
+    QVERIFY(panel->m_autoRecoverRunning);
+    QVERIFY(stage.server.paths().contains(ServerPaths::kR2OtgVersion));
+}
+
+inline void PanelInStates::refreshes()
+{
+    setVersions(*panel, u"1.2.0"_qs, u"1.3.0"_qs, u"1.2.0"_qs, u"1.3.0"_qs);
+    panel->requestVersionRefreshWithRetry(5);
+}
+
+inline void PanelInStates::hasChangedTheModel()
+{
+    hasADeviceOpen();
+    PanelStage::bus().plug(0x0001);
+    panel->setDeviceModel(DeviceModel::R1);
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "tests/panel/PanelStage.h"
+#include "widgets/ClickableProgressBar.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QTest>
+
+inline constexpr char kPcImage[] = "the PC image";
+inline constexpr char kOtgImage[] = "the OTG image";
+
+/// A server that has everything, and a panel that knows both of its versions. The plan is None, so that a run
+/// ends once both images are there.
+struct ReadyToUpgrade : PanelStage {
+    explicit ReadyToUpgrade(DeviceModel model = DeviceModel::R2)
+    {
+        const bool r1 = model == DeviceModel::R1;
+        using Server = ScriptedHttpServer;
+        server.answer(r1 ? ServerPaths::kR1PcVersion : ServerPaths::kR2PcVersion, Server::version("1.2.3"));
+        server.answer(r1 ? ServerPaths::kR1OtgVersion : ServerPaths::kR2OtgVersion, Server::version("1.0.4"));
+        server.answer(r1 ? ServerPaths::kR1PcImage : ServerPaths::kR2PcImage, Server::page(kPcImage));
+        server.answer(r1 ? ServerPaths::kR1OtgImage : ServerPaths::kR2OtgImage, Server::page(kOtgImage));
+        panel->m_deviceModel = model;
+        panel->m_remotePcVersion = QStringLiteral("1.2.3");
+        panel->m_remoteOtgVersion = QStringLiteral("1.0.4");
+        panel->show();
+        log.clear();
+    }
+
+    void click() const { QTest::mousePress(panel->m_progressBar, Qt::LeftButton, {}, {200, 20}); }
+    QString image(const QString &name) const { return sandbox.downloadFolder() + u'/' + name; }
+};
+
+inline QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArrayLiteral("(no file)");
+}
+
+/// Writes a file, its folder included.
+inline void writeFile(const QString &path, const QByteArray &content)
+{
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        qFatal("cannot write %s", qPrintable(path));
+}

@@ -1,0 +1,104 @@
+#pragma once
+
+#include "tests/panel/PanelStage.h"
+#include "tests/support/DeviceReplies.h"
+#include "tests/support/PanelState.h"
+#include "widgets/ClickableProgressBar.h"
+
+#include <HIDCommunicator/OrvikHIDManager.h>
+
+#include <QMessageBox>
+#include <QMouseEvent>
+
+#include <functional>
+
+/// Every place where one of the panel's functions waits in a nested event loop. For tests that may look at
+/// private members.
+namespace Situations {
+
+using Step = std::function<void(FirmwareUpgradeWidget &)>;
+
+/// Where the panel is when something happens to it.
+struct Situation {
+    QString name;
+    QString blockedPath; ///< the query that the server is slow to answer; empty: the warning box
+    Step step; ///< what makes the panel wait
+};
+
+inline const QString kBrick = u"hid#vid_352f&pid_00ff"_qs;
+
+inline void pressBar(FirmwareUpgradeWidget &panel)
+{
+    const QPointF middle = QRectF(panel.m_progressBar->rect()).center();
+    QMouseEvent press(QEvent::MouseButtonPress, middle, panel.m_progressBar->mapToGlobal(middle),
+                      Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(panel.m_progressBar, &press);
+}
+
+inline void readWith(FirmwareUpgradeWidget &panel, const QString &devicePc)
+{
+    setVersions(panel, devicePc, u"1.3.0"_qs, u"1.2.0"_qs, u"1.3.0"_qs);
+    panel.onReceiveHIDdata(DeviceReplies::version(0x0033, {1, 1, 1}));
+}
+
+inline QList<Situation> all()
+{
+    const QString pc = ServerPaths::kR2PcVersion;
+    const QString otg = ServerPaths::kR2OtgVersion;
+    const auto receive = [](const QByteArray &reply) -> Step {
+        return [reply](auto &panel) { panel.onReceiveHIDdata(reply); };
+    };
+    return {
+        {u"the PC version's query"_qs, pc, receive(DeviceReplies::pcVersion({1, 2, 3}))},
+        {u"the OTG version's query"_qs, otg, receive(DeviceReplies::otgVersion({1, 2, 3}))},
+        {u"the query of a reply that came through the link"_qs, pc,
+         [](auto &) {
+             Q_EMIT HIDCommunicator::OrvikHIDManager::instance()->blockReceiveData(
+                 DeviceReplies::pcVersion({1, 2, 3}));
+         }},
+        {u"the notes of an upgrade"_qs, pc, [](auto &panel) { readWith(panel, u"1.2.0"_qs); }},
+        {u"the notes for a device that is too old"_qs, pc, [](auto &panel) { readWith(panel, u"1.0.9"_qs); }},
+        {u"the click's first query"_qs, pc, pressBar},
+        {u"the click's second query"_qs, otg, pressBar},
+        {u"the query of a recovery that discovery started"_qs, pc,
+         [](auto &panel) { panel.ConnectingR2({kBrick}, {0x00FF}); }},
+        {u"the second query of a recovery"_qs, otg, [](auto &panel) { panel.startAutoRecoverUpgrade(); }},
+        {u"the notes of a recovery"_qs, pc,
+         [](auto &panel) {
+             panel.m_remotePcVersion = u"1.3.0"_qs;
+             panel.startAutoRecoverUpgrade();
+         }},
+        {u"a recovery that the change of the model found"_qs, ServerPaths::kR1PcVersion,
+         [](auto &panel) {
+             PanelStage::bus().plug(0x0010);
+             panel.setDeviceModel(DeviceModel::R1);
+         }},
+        {u"the last refresh"_qs, pc,
+         [](auto &panel) {
+             setVersions(panel, u"1.2.0"_qs, u"1.3.0"_qs, u"1.2.0"_qs, u"1.3.0"_qs);
+             panel.requestVersionRefreshWithRetry(1);
+         }},
+        {u"the warning box"_qs, QString(), receive(DeviceReplies::mode(1))},
+        {u"the first of two warning boxes"_qs, QString(),
+         receive(DeviceReplies::reply(4, {0x1008, 1, 0x1008, 1}))},
+    };
+}
+
+/// A server that answers everything, and the query that \a situation waits for only after a while.
+inline void slowDown(const Situation &situation, ScriptedHttpServer &server)
+{
+    server.answer(ServerPaths::kR2PcVersion, ScriptedHttpServer::version("1.3.0"));
+    ScriptedHttpServer::Answer slow = ScriptedHttpServer::version("1.3.0", "说明", "notes");
+    slow.delay = std::chrono::milliseconds(150);
+    server.answer(situation.blockedPath, slow);
+}
+
+/// Whether the panel has come to wait.
+inline bool isWaiting(const Situation &situation, const ScriptedHttpServer &server)
+{
+    return situation.blockedPath.isEmpty()
+        ? qobject_cast<QMessageBox *>(QApplication::activeModalWidget()) != nullptr
+        : server.paths().contains(situation.blockedPath);
+}
+
+} // namespace Situations

@@ -1,0 +1,260 @@
+#pragma once
+
+#include "tests/panel/PanelStage.h"
+#include "widgets/ClickableProgressBar.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QTextEdit>
+
+#include <functional>
+#include <utility>
+
+/// What setupUI() makes, widget by widget.
+namespace WidgetTable {
+
+using Find = std::function<QWidget *(const FirmwareUpgradeWidget &)>;
+inline const QString kImages = QStringLiteral(":/new/prefix1/image/");
+inline const QRect kPlacedLater;
+
+/// One child widget as it leaves setupUI().
+struct Row {
+    Row() = default;
+    Row(const char *rowName, Find finder, const QString &parentName, const char *rowClass,
+        const QRect &geometry, const QString &styleSheet, bool isHidden = false, const QString &words = {})
+        : name(rowName)
+        , find(std::move(finder))
+        , parent(parentName)
+        , className(rowClass)
+        , place(geometry)
+        , style(styleSheet)
+        , hidden(isHidden)
+        , text(words)
+    {
+    }
+
+    Row withPicture(const char *file, const QSize &size) const
+    {
+        Row row = *this;
+        row.picture = kImages + QLatin1String(file);
+        row.pictureSize = size;
+        return row;
+    }
+    Row aligned(Qt::Alignment newAlignment) const
+    {
+        Row row = *this;
+        row.alignment = newAlignment;
+        return row;
+    }
+    Row wrapped() const
+    {
+        Row row = *this;
+        row.wraps = true;
+        return row;
+    }
+
+    const char *name = nullptr;
+    Find find;
+    QString parent;
+    const char *className = nullptr;
+    QRect place;
+    QString style;
+    bool hidden = false;
+    QString text;
+    QString picture;
+    QSize pictureSize;
+    Qt::Alignment alignment = Qt::AlignLeft | Qt::AlignVCenter;
+    bool wraps = false;
+};
+
+#define MEMBER(name) #name, [](const FirmwareUpgradeWidget &panel) -> QWidget * { return panel.name; }
+
+inline const QString kPanel = QStringLiteral("FirmwareUpgradeWidget");
+inline const QString kCard = QStringLiteral("verCompLb");
+inline const QString kBar = QStringLiteral("m_progressBar");
+
+inline const QString kTransparent = QStringLiteral("QLabel{background: transparent; border: none;}");
+inline const QString kLine
+    = QStringLiteral("border:0px; border-radius:0px; background-color:rgba(255, 255, 255, 0.2);");
+
+inline QWidget *cardChild(const FirmwareUpgradeWidget &panel, int index)
+{
+    return qobject_cast<QWidget *>(panel.verCompLb->children().value(index));
+}
+
+/// The widgets of one parent stand in their order of creation.
+inline QList<Row> rows()
+{
+    return {
+        Row{MEMBER(m_titleLabel),
+            kPanel,
+            "QLabel",
+            {24, 16, 130, 19},
+            u"QLabel{border:0px; color:rgba(255,255,255,1); font-size:14px; font-weight:700; letter-spacing:0px; text-align:left;}"_qs,
+            false,
+            u"固件升级"_qs},
+        Row{MEMBER(m_closeBtn),
+            kPanel,
+            "QPushButton",
+            {436, 12, 24, 24},
+            u"QPushButton{border:0px; image:url(:/new/prefix1/image/close.png);}QPushButton:hover{ image:url(:/new/prefix1/image/close_h.png)}"_qs},
+        Row{MEMBER(verCompLb),
+            kPanel,
+            "QLabel",
+            {32, 55, 408, 80},
+            u"border:0px; border-radius:4px; background-color:rgba(48, 49, 60, 1);"_qs},
+        Row{"cardAccentLb",
+            [](const FirmwareUpgradeWidget &panel) { return cardChild(panel, 0); },
+            kCard,
+            "QLabel",
+            {0, 0, 4, 80},
+            kTransparent}
+            .withPicture("blue_rect.png", {4, 80}),
+        Row{"cardDividerLb",
+            [](const FirmwareUpgradeWidget &panel) { return cardChild(panel, 1); },
+            kCard,
+            "QLabel",
+            {187, 20, 1, 40},
+            kLine},
+        Row{MEMBER(m_noNewFirmwareLb),
+            kCard,
+            "QLabel",
+            {24, 29, 150, 21},
+            u"QLabel{border:0px; color:rgba(255,255,255,0.7); font-size:16px; font-weight:400;}"_qs,
+            true,
+            u"无新版固件"_qs}
+            .wrapped(),
+        Row{MEMBER(m_newVerTitleLb),
+            kCard,
+            "QLabel",
+            {24, 16, 42, 19},
+            u"QLabel{border:0px; color:rgba(255,255,255,1); font-size:14px; font-weight:400;}"_qs,
+            true,
+            u"新版本"_qs},
+        Row{MEMBER(m_newVerDotLb), kCard, "QLabel", {24, 47, 9, 9}, {}, true}.withPicture("green_circle.png",
+                                                                                          {9, 9}),
+        Row{MEMBER(m_newVerLb),
+            kCard,
+            "QLabel",
+            {39, 38, 80, 26},
+            u"QLabel{border:0px; color:rgba(47,212,179,1); font-family:\"Microsoft YaHei\"; font-size:20px; font-weight:700;}"_qs,
+            true,
+            u"--"_qs},
+        Row{MEMBER(m_curVerTitleLb),
+            kCard,
+            "QLabel",
+            {207, 16, 56, 19},
+            u"QLabel{border:0px; color:rgba(255,255,255,0.7); font-size:14px; font-weight:400; letter-spacing:0px; text-align:left;}"_qs,
+            false,
+            u"当前版本"_qs},
+        Row{MEMBER(m_curVerLb),
+            kCard,
+            "QLabel",
+            {208, 42, 55, 19},
+            u"QLabel{border:0px; color:rgba(255,255,255,1); font-family:\"Microsoft YaHei\"; font-size:14px; font-weight:400; letter-spacing:0px; text-align:left;}"_qs,
+            false,
+            u"--"_qs},
+        Row{MEMBER(m_notesIconLb), kPanel, "QLabel", {32, 160, 20, 20}, kTransparent}.withPicture("book.png",
+                                                                                                  {20, 20}),
+        Row{MEMBER(m_notesTitleLb),
+            kPanel,
+            "QLabel",
+            {60, 159, 64, 21},
+            u"QLabel{border:0px; color:rgba(255,255,255,1); font-family:\"Microsoft YaHei\"; font-size:16px; font-weight:700; letter-spacing:0px; text-align:left;}"_qs,
+            false,
+            u"新版概述"_qs},
+        Row{MEMBER(m_notesLineLb), kPanel, "QLabel", {32, 192, 408, 1}, kLine},
+        Row{MEMBER(m_notesEdit),
+            kPanel,
+            "QTextEdit",
+            {32, 204, 428, 119},
+            u"QTextEdit {  border: none;  background: transparent;  color: rgba(255, 255, 255, 0.7);  font-family: 'Microsoft YaHei';  font-size: 14px;  font-weight: 400;  letter-spacing: 0px;}QScrollBar:vertical {  background: transparent;  width: 5px;  margin: 0px;  border: none;}QScrollBar::handle:vertical {  background: rgba(255,255,255,0.15);  width: 5px;  min-height: 60px;  max-height: 60px;  border-radius: 2.4px;  border: none;}QScrollBar::handle:vertical:hover {  background: rgba(255,255,255,0.5);}QScrollBar::handle:vertical:pressed {  background: rgba(255,255,255,0.7);}QScrollBar::add-line:vertical {  height: 0px;  border: none;}QScrollBar::sub-line:vertical {  height: 0px;  border: none;}QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical {  background: transparent;  border: none;}"_qs,
+            false,
+            u"--"_qs},
+        Row{MEMBER(m_progressBar), kPanel, "ClickableProgressBar", {32, 346, 408, 48}, {}},
+        Row{MEMBER(m_rocketLb), kBar, "QLabel", {158, 14, 20, 20}, kTransparent, true}.withPicture(
+            "rocket.png", {20, 20}),
+        Row{MEMBER(m_upgradeTextLb),
+            kBar,
+            "QLabel",
+            {186, 13, 64, 21},
+            u"QLabel{border:0px; color:rgba(255,255,255,0.5); font-size:16px; font-weight:700; letter-spacing:0px; text-align:center;}"_qs,
+            true,
+            u"立即升级"_qs},
+        Row{MEMBER(m_tooOldLb),
+            kBar,
+            "QLabel",
+            {0, 0, 408, 48},
+            u"QLabel{border:0px; color:rgba(255,255,255,1); font-family:\"Microsoft YaHei\"; font-size:16px; font-weight:700;}"_qs,
+            true,
+            u"固件版本过低，无法升级"_qs}
+            .aligned(Qt::AlignCenter),
+        Row{MEMBER(upgradeProgDisPlay),
+            kPanel,
+            "QLabel",
+            {218, 323, 38, 19},
+            u"QLabel{border:0px; color:rgba(255,255,255,1); font-size:14px; font-weight:400; letter-spacing:0px; text-align:center;}"_qs},
+        Row{MEMBER(m_waitingIconLb), kBar, "QLabel", {101, 12, 24, 24}, kTransparent, true}.withPicture(
+            "waitting.png", {24, 24}),
+        Row{MEMBER(m_upgradingLb),
+            kBar,
+            "QLabel",
+            {133, 13, 174, 21},
+            u"QLabel{border:0px; color:rgba(255,255,255,0.85); font-family:\"Microsoft YaHei\"; font-size:16px; font-weight:700; letter-spacing:0px; text-align:center;}"_qs,
+            true,
+            u"升级中，请勿关闭设备..."_qs},
+        Row{MEMBER(m_doneIconLb), kBar, "QLabel", {156, 12, 24, 24}, kTransparent, true}.withPicture(
+            "check_mark.png", {24, 24}),
+        Row{MEMBER(m_doneLb),
+            kBar,
+            "QLabel",
+            {188, 13, 64, 21},
+            u"QLabel{border:0px; color:rgba(255,255,255,1); font-family:\"Microsoft YaHei\"; font-size:16px; font-weight:700; letter-spacing:0px; text-align:center;}"_qs,
+            true,
+            u"升级完成"_qs},
+        Row{MEMBER(tipMoiveLb), kPanel, "QLabel", {32, 59, 408, 128}, kTransparent, true},
+        Row{MEMBER(m_detectingUsbLb),
+            kPanel,
+            "QLabel",
+            {122, 203, 229, 21},
+            u"QLabel{border:0px; color:rgba(246,180,54,1); font-size:16px; font-weight:700; letter-spacing:0px;}"_qs,
+            true,
+            u"正在检测USB接入..."_qs}
+            .aligned(Qt::AlignCenter),
+        Row{MEMBER(m_connectHintLb),
+            kPanel,
+            "QLabel",
+            {59, 232, 352, 57},
+            u"QLabel{border:0px; color:rgba(255,255,255,0.7); font-size:14px; font-weight:400; letter-spacing:0px;}"_qs,
+            true,
+            u"请使用配件附带USB线接入图示DC-5V和USB-C口，\n开始固件升级。"_qs}
+            .aligned(Qt::AlignHCenter | Qt::AlignTop)
+            .wrapped(),
+        Row{MEMBER(m_failIconLb), kPanel, "QLabel", {95, 317, 24, 24}, kTransparent, true}.withPicture(
+            "exclamation_mark.png", {24, 24}),
+        Row{MEMBER(m_failTextLb),
+            kPanel,
+            "QLabel",
+            {122, 319, 256, 19},
+            u"QLabel{border:0px; color:rgba(248,74,75,1); font-size:14px; font-weight:700; letter-spacing:0px; text-align:center;}"_qs,
+            true,
+            u"升级失败！请拔插设备后重新开始升级"_qs}
+            .aligned(Qt::AlignCenter),
+        Row{MEMBER(m_offlineToolTipLb), kPanel, "QLabel", kPlacedLater,
+            u"QLabel{border:0px; color:rgba(255,255,255,1); font-family:\"Microsoft YaHei\"; font-size:14px; font-weight:700;}"_qs,
+            true, u"需使用离线升级工具进行更新，"_qs},
+        Row{MEMBER(m_offlineToolIconLb), kPanel, "QLabel", kPlacedLater, kTransparent, true}.withPicture(
+            "exclamation_mark.png", {24, 24}),
+        Row{MEMBER(m_offlineToolLinkLb), kPanel, "QLabel", kPlacedLater,
+            u"QLabel{border:0px; font-family:\"Microsoft YaHei\"; font-size:14px;}"_qs, true,
+            u"<a style='color:rgba(87,110,246,1); text-decoration:none; font-weight:700;' "
+            u"href='" QUILLON_DOWNLOAD_HOST
+            "/limit/R1_R2%20Firmware%20Upgrade%20Tool.exe'>前往官网下载>></a>"_qs},
+    };
+}
+
+#undef MEMBER
+
+} // namespace WidgetTable
+
+Q_DECLARE_METATYPE(WidgetTable::Row)

@@ -1,0 +1,150 @@
+// What a host may call, called in each of the panel's states: the model, the language, the recovery.
+#include "tests/panel/PanelInStates.h"
+#include "tests/support/HidCalls.h"
+
+#include <QTimer>
+
+using namespace std::chrono_literals;
+
+namespace {
+constexpr int kPatience = PanelInStates::kPatience;
+
+void changeModel(FirmwareUpgradeWidget &panel)
+{
+    const bool toR2 = panel.m_deviceModel == DeviceModel::R1;
+    panel.setDeviceModel(toR2 ? DeviceModel::R2 : DeviceModel::R1);
+}
+} // namespace
+
+class CallsAnytimeTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void modelInAState_data();
+    void modelInAState();
+    void languageInAState_data();
+    void languageInAState();
+    void recoveryInAState_data();
+    void recoveryInAState();
+
+private:
+    void stateRows();
+    bool enterState();
+    /// Lets the panel live on for a while, with whatever the call has set off.
+    void liveOn();
+    FirmwareUpgradeWidget &panel() { return *m_states->panel; }
+    PanelStage &stage() { return m_states->stage; }
+
+    std::unique_ptr<PanelInStates> m_states;
+};
+
+void CallsAnytimeTest::init()
+{
+    m_states = std::make_unique<PanelInStates>();
+}
+
+void CallsAnytimeTest::cleanup()
+{
+    m_states.reset();
+}
+
+void CallsAnytimeTest::stateRows()
+{
+    QTest::addColumn<PanelInStates::State>("state");
+    for (const auto &[name, state] : PanelInStates::states())
+        QTest::addRow("%s", name) << state;
+}
+
+bool CallsAnytimeTest::enterState()
+{
+    const auto state
+        = *static_cast<PanelInStates::State *>(QTest::qData("state", qMetaTypeId<PanelInStates::State>()));
+    (m_states.get()->*state)();
+    return !QTest::currentTestFailed();
+}
+
+void CallsAnytimeTest::liveOn()
+{
+    bool isOver = false;
+    QTimer::singleShot(3500ms, this, [&isOver] { isOver = true; });
+    QTRY_VERIFY_WITH_TIMEOUT(isOver, kPatience);
+    QVERIFY(m_states->panel);
+}
+
+void CallsAnytimeTest::modelInAState_data()
+{
+    stateRows();
+}
+
+void CallsAnytimeTest::modelInAState()
+{
+    QVERIFY(enterState());
+    const QStringList before = panelState(panel());
+    const bool isUpgrading = panel().m_isUpgrading;
+    const bool toolRuns = panel().m_dfuProcess->state() == QProcess::Running;
+
+    changeModel(panel());
+    QCOMPARE(panel().m_dfuProcess->state() == QProcess::Running, toolRuns);
+    if (isUpgrading) {
+        QCOMPARE(changedState(before, panelState(panel())).size(), 1); // the model
+    } else {
+        QCOMPARE(panel().m_upgradePlan, UpgradePlan::None);
+        QVERIFY(panel().m_devicePcVersion.isEmpty() && panel().m_remotePcVersion.isEmpty());
+        QVERIFY(!panel().m_inFailureRetry && !panel().m_autoRecoverRunning);
+    }
+    changeModel(panel());
+    changeModel(panel());
+    liveOn();
+}
+
+void CallsAnytimeTest::languageInAState_data()
+{
+    stateRows();
+}
+
+void CallsAnytimeTest::languageInAState()
+{
+    QVERIFY(enterState());
+    const auto expected = [&](const QString &language) {
+        QStringList state = panelState(panel());
+        state.replaceInStrings(u"isChinese=true"_qs, language);
+        return state;
+    };
+    const QStringList before = expected(u"isChinese=false"_qs);
+
+    QuillonFirmwareUpgrade::setLanguage(Language::English);
+    QCOMPARE(panelState(panel()), before); // but for the language nothing changes
+    QCOMPARE(panel().windowTitle(), u"固件升级"_qs); // given once, when the panel was built
+    for (int i = 0; i < 3; ++i) {
+        QuillonFirmwareUpgrade::setLanguage(Language::Chinese);
+        QuillonFirmwareUpgrade::setLanguage(Language::English);
+    }
+    liveOn();
+}
+
+void CallsAnytimeTest::recoveryInAState_data()
+{
+    stateRows();
+}
+
+void CallsAnytimeTest::recoveryInAState()
+{
+    QVERIFY(enterState());
+    const bool isFailed = panel().m_inFailureRetry;
+    const bool toolRuns = panel().m_dfuProcess->state() == QProcess::Running;
+    stage().log.clear();
+
+    panel().startAutoRecoverUpgrade();
+    QCOMPARE(stage().log.count(u"[AutoRecover] start auto recover upgrade flow."_qs), 1);
+    QCOMPARE(panel().m_upgradePlan, UpgradePlan::Both);
+    QCOMPARE(panel().m_isUpgrading, !isFailed); // after a failure only the retry is offered
+    QCOMPARE(panel().m_dfuProcess->state() == QProcess::Running, toolRuns);
+    panel().startAutoRecoverUpgrade();
+    liveOn();
+}
+
+QTEST_MAIN(CallsAnytimeTest)
+#include "tst_calls_anytime.moc"

@@ -1,0 +1,107 @@
+// What a host may call, called while one of the panel's own functions waits in a nested event loop.
+#include "tests/panel/Situations.h"
+#include "tests/support/HidCalls.h"
+
+#include <QAbstractButton>
+#include <QTest>
+#include <QTimer>
+
+using namespace Situations;
+using namespace std::chrono_literals;
+
+namespace {
+using Call = Step;
+} // namespace
+
+class CallsInLoopsTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void calledWhileItWaits_data();
+    void calledWhileItWaits();
+
+private:
+    void closeBoxes();
+
+    std::unique_ptr<PanelStage> m_stage;
+    QTimer m_watch;
+};
+
+void CallsInLoopsTest::init()
+{
+    m_stage = std::make_unique<PanelStage>();
+}
+
+void CallsInLoopsTest::cleanup()
+{
+    m_watch.stop();
+    disconnect(&m_watch, nullptr, this, nullptr);
+    m_stage.reset();
+}
+
+void CallsInLoopsTest::closeBoxes()
+{
+    // Not the active modal widget: a recovery shows the panel over the box.
+    if (const auto *box = m_stage->panel->findChild<QMessageBox *>())
+        box->button(QMessageBox::Ok)->click();
+}
+
+void CallsInLoopsTest::calledWhileItWaits_data()
+{
+    QTest::addColumn<Situation>("situation");
+    QTest::addColumn<Call>("call");
+    const std::pair<const char *, Call> calls[] = {
+        {"the model is changed",
+         [](FirmwareUpgradeWidget &panel) {
+             panel.setDeviceModel(panel.m_deviceModel == DeviceModel::R1 ? DeviceModel::R2 : DeviceModel::R1);
+         }},
+        {"the language is switched", [](auto &) { QuillonFirmwareUpgrade::setLanguage(Language::English); }},
+        {"a recovery is started", [](auto &panel) { panel.startAutoRecoverUpgrade(); }},
+        {"the bar is pressed", pressBar},
+        {"a boot loader is found", [](auto &panel) { panel.ConnectingR2({kBrick}, {}); }},
+        {"both versions come in",
+         [](auto &panel) {
+             panel.onReceiveHIDdata(DeviceReplies::pcVersion({1, 2, 3}));
+             panel.onReceiveHIDdata(DeviceReplies::otgVersion({1, 2, 3}));
+         }},
+        {"the failure screen comes up", [](auto &panel) { panel.showUpgradeFailureUI(); }},
+    };
+    for (const Situation &situation : all()) {
+        for (const auto &[name, call] : calls)
+            QTest::addRow("%s: %s", qPrintable(situation.name), name) << situation << call;
+    }
+}
+
+void CallsInLoopsTest::calledWhileItWaits()
+{
+    QFETCH(Situation, situation);
+    QFETCH(Call, call);
+    slowDown(situation, m_stage->server);
+    bool isCalled = false;
+    connect(&m_watch, &QTimer::timeout, this, [&] {
+        if (!isCalled && isWaiting(situation, m_stage->server)) {
+            isCalled = true;
+            call(*m_stage->panel);
+        }
+        closeBoxes();
+    });
+    m_watch.start(1ms);
+
+    situation.step(*m_stage->panel);
+    QTRY_VERIFY(isCalled);
+    QTRY_VERIFY(!m_stage->panel->findChild<QMessageBox *>());
+    // The panel is whole: it still takes a version and comes to a plan.
+    FirmwareUpgradeWidget &panel = *m_stage->panel;
+    panel.m_isUpgrading = panel.m_postUpgradeWaiting = panel.m_autoRecoverRunning = panel.m_inFailureRetry
+        = false;
+    setVersions(panel, u"1.3.0"_qs, u"1.3.0"_qs, u"1.3.0"_qs, u"1.3.0"_qs);
+    panel.onReceiveHIDdata(DeviceReplies::version(0x0033, {1, 1, 1}));
+    QCOMPARE(panel.m_upgradePlan, UpgradePlan::None);
+    QVERIFY(m_stage->log.contains(u"[Upgrade] 不需要升级"_qs));
+}
+
+QTEST_MAIN(CallsInLoopsTest)
+#include "tst_calls_in_loops.moc"

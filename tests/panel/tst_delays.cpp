@@ -1,0 +1,342 @@
+#include "tests/panel/PhaseStage.h"
+#include "tests/support/FakeFlashingTool.h"
+#include "tests/support/LogHook.h"
+
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QMovie>
+#include <QTimer>
+
+#include <functional>
+
+namespace {
+
+constexpr int kLongEnough = 60000;
+const QString kOtgReady = QStringLiteral("[OTG] OTG设备已就绪，延迟后启动OTG升级");
+const QString kDelayedStart = QStringLiteral("Detect the OTG connected to R2, start upgrade OTG firmware...");
+const QString kModeQuery = QStringLiteral("hid: DC_AddSendData(65: 51 c4 09 00 00 04 08 10 17 ff)");
+
+/// Measures the time from one log line to another, each by its beginning.
+class TimeBetween {
+public:
+    TimeBetween(const QString &from, const QString &to)
+        : m_hook({}, [this, from, to](const QString &line) {
+            if (line.startsWith(from))
+                m_clock.start();
+            else if (m_clock.isValid() && m_elapsed < 0 && line.startsWith(to))
+                m_elapsed = m_clock.elapsed();
+        })
+    {
+    }
+
+    bool isOver() const { return m_elapsed >= 0; }
+
+    /// A timer is never early, and late by no more than a busy machine makes it.
+    bool isAbout(qint64 milliseconds) const
+    {
+        return m_elapsed >= milliseconds - 20 && m_elapsed < milliseconds + 1900;
+    }
+
+    QByteArray shown() const { return QByteArray::number(m_elapsed) + " ms"; }
+
+private:
+    QElapsedTimer m_clock;
+    qint64 m_elapsed = -1;
+    LogHook m_hook;
+};
+
+/// The PC half of a run over both chips has just ended well; the OTG interface is not there.
+struct PcHalfDone : PhaseStage {
+    explicit PcHalfDone(DeviceModel model)
+        : PhaseStage(UpgradePlan::Both, model)
+    {
+        panel->m_otgFirmwareDownloaded = false;
+        finishDownloads();
+        for (QTimer *pcAction : panel->findChildren<QTimer *>()) {
+            if (pcAction->isSingleShot() && pcAction != panel->m_dfuTimeoutTimer)
+                pcAction->stop();
+        }
+        sandbox.writeProgress("success 1");
+        panel->onReadFirmwareTxt();
+        log.clear();
+    }
+};
+
+} // namespace
+
+class TestDelays : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void pcFlashingStartsAfterItsDelay_data();
+    void pcFlashingStartsAfterItsDelay();
+    void pcFlashingShowsCardAndNotes();
+    void pcFlashingLooksAtTheBusFirst();
+    void pcFlashingStartsWhateverHappenedMeanwhile_data();
+    void pcFlashingStartsWhateverHappenedMeanwhile();
+    void choosesThePcProductId_data();
+    void choosesThePcProductId();
+    void handsTheImageToTheTool_data();
+    void handsTheImageToTheTool();
+    void otgFlashingStartsAfterItsDelay_data();
+    void otgFlashingStartsAfterItsDelay();
+    void otgFlashingStartsOnce();
+    void otgFlashingChoosesTheProductId_data();
+    void otgFlashingChoosesTheProductId();
+    void otgFlashingIsDroppedWhenNobodyWantsIt_data();
+    void otgFlashingIsDroppedWhenNobodyWantsIt();
+    void readsTheVersionsBackAfterSuccess();
+};
+
+void TestDelays::pcFlashingStartsAfterItsDelay_data()
+{
+    QTest::addColumn<UpgradePlan>("plan");
+    QTest::addColumn<DeviceModel>("model");
+    QTest::addColumn<QString>("start");
+    QTest::newRow("PcOnly, R2") << UpgradePlan::PcOnly << DeviceModel::R2 << ToolStarts::kR2PcNormal;
+    QTest::newRow("PcOnly, R1") << UpgradePlan::PcOnly << DeviceModel::R1 << ToolStarts::kR1PcNormal;
+    QTest::newRow("Both, R2") << UpgradePlan::Both << DeviceModel::R2 << ToolStarts::kR2PcNormal;
+    QTest::newRow("Both, R1") << UpgradePlan::Both << DeviceModel::R1 << ToolStarts::kR1PcNormal;
+}
+
+void TestDelays::pcFlashingStartsAfterItsDelay()
+{
+    QFETCH(UpgradePlan, plan);
+    QFETCH(DeviceModel, model);
+    QFETCH(QString, start);
+    PhaseStage stage(plan, model);
+    const TimeBetween delay(u"all firmware has downlaod well"_qs, u"startUpgradeWithExternalTool"_qs);
+    stage.finishDownloads();
+    QTRY_VERIFY_WITH_TIMEOUT(delay.isOver(), kLongEnough);
+    QVERIFY2(delay.isAbout(6000), delay.shown().constData());
+    QCOMPARE(stage.toolStarts(), QStringList{start});
+}
+
+void TestDelays::pcFlashingShowsCardAndNotes()
+{
+    PhaseStage stage(UpgradePlan::PcOnly);
+    stage.finishDownloads();
+    const VisibilityRecorder recorder(*stage.panel);
+    QTRY_VERIFY_WITH_TIMEOUT(!stage.toolStarts().isEmpty(), kLongEnough);
+    QCOMPARE(
+        recorder.changes,
+        (QStringList{u"-tipMoiveLb"_qs, u"-m_detectingUsbLb"_qs, u"-m_connectHintLb"_qs, u"+verCompLb"_qs,
+                     u"+m_notesEdit"_qs, u"+m_notesIconLb"_qs, u"+m_notesTitleLb"_qs, u"+m_notesLineLb"_qs}));
+    QCOMPARE(stage.panel->m_tipMovie->state(), QMovie::NotRunning);
+}
+
+void TestDelays::pcFlashingLooksAtTheBusFirst()
+{
+    PhaseStage stage(UpgradePlan::PcOnly);
+    stage.finishDownloads();
+    stage.log.clear();
+    bool hintHidden = false;
+    {
+        const LogHook hook(u"hid? getOrvikHIDListPath()"_qs,
+                           [&](const QString &) { hintHidden = stage.panel->tipMoiveLb->isHidden(); });
+        QTRY_VERIFY_WITH_TIMEOUT(!stage.toolStarts().isEmpty(), kLongEnough);
+    }
+    const QStringList lines = stage.log.lines();
+    const auto listed = lines.indexOf(u"hid? getOrvikHIDListPath() = 0"_qs);
+    QVERIFY(listed >= 0);
+    QVERIFY(lines.value(listed + 1).startsWith(u"[ConnectingR2] START"_qs));
+    QVERIFY(hintHidden);
+}
+
+void TestDelays::pcFlashingStartsWhateverHappenedMeanwhile_data()
+{
+    using Event = std::function<void(FirmwareUpgradeWidget &)>;
+    QTest::addColumn<UpgradePlan>("plan");
+    QTest::addColumn<Event>("event");
+    const Event failure = [](FirmwareUpgradeWidget &panel) { panel.showUpgradeFailureUI(); };
+    const Event otherPlan = [](FirmwareUpgradeWidget &panel) { panel.m_upgradePlan = UpgradePlan::None; };
+    QTest::newRow("PcOnly, failed") << UpgradePlan::PcOnly << failure;
+    QTest::newRow("Both, failed") << UpgradePlan::Both << failure;
+    QTest::newRow("PcOnly, another plan") << UpgradePlan::PcOnly << otherPlan;
+}
+
+void TestDelays::pcFlashingStartsWhateverHappenedMeanwhile()
+{
+    QFETCH(UpgradePlan, plan);
+    QFETCH(std::function<void(FirmwareUpgradeWidget &)>, event);
+    PhaseStage stage(plan);
+    stage.finishDownloads();
+    event(*stage.panel);
+    QTRY_COMPARE_WITH_TIMEOUT(stage.toolStarts().size(), 1, kLongEnough);
+}
+
+void TestDelays::choosesThePcProductId_data()
+{
+    QTest::addColumn<DeviceModel>("model");
+    QTest::addColumn<int>("seen");
+    QTest::addColumn<int>("plugged");
+    QTest::addColumn<bool>("recovering");
+    QTest::addColumn<QString>("start");
+    QTest::newRow("R1, none seen, recovering")
+        << DeviceModel::R1 << 0 << 0 << true << ToolStarts::kR1PcBootLoader;
+    QTest::newRow("R2, none seen, recovering")
+        << DeviceModel::R2 << 0 << 0 << true << ToolStarts::kR2PcBootLoader;
+    QTest::newRow("R2, boot loader seen and gone")
+        << DeviceModel::R2 << 0xFF << 0 << false << ToolStarts::kR2PcBootLoader;
+    QTest::newRow("R2, normal mode seen, recovering")
+        << DeviceModel::R2 << 0x0E << 0 << true << ToolStarts::kR2PcNormal;
+    QTest::newRow("R2, boot loader there now")
+        << DeviceModel::R2 << 0x0E << 0xFF << false << ToolStarts::kR2PcBootLoader;
+    QTest::newRow("R2, whatever was seen")
+        << DeviceModel::R2 << 0x10 << 0 << false << ToolStarts::kR1PcBootLoader;
+}
+
+void TestDelays::choosesThePcProductId()
+{
+    QFETCH(DeviceModel, model);
+    QFETCH(int, seen);
+    QFETCH(int, plugged);
+    QFETCH(bool, recovering);
+    QFETCH(QString, start);
+    PhaseStage stage(UpgradePlan::PcOnly, model);
+    stage.finishDownloads();
+    stage.panel->lastDetectedPcPid = seen;
+    stage.panel->m_autoRecoverRunning = recovering;
+    if (plugged != 0)
+        PanelStage::bus().plug(plugged);
+    QTRY_VERIFY_WITH_TIMEOUT(!stage.toolStarts().isEmpty(), kLongEnough);
+    QCOMPARE(stage.toolStarts(), QStringList{start});
+}
+
+void TestDelays::handsTheImageToTheTool_data()
+{
+    QTest::addColumn<UpgradePlan>("plan");
+    QTest::addColumn<int>("plugged");
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QStringList>("options");
+    QTest::newRow("PC image, normal mode")
+        << UpgradePlan::PcOnly << 0x0E << u"pc.bin"_qs << QStringList{u"--pid"_qs, u"000e"_qs};
+    QTest::newRow("PC image, boot loader") << UpgradePlan::PcOnly << 0xFF << u"pc.bin"_qs
+                                           << QStringList{u"--pid"_qs, u"00ff"_qs, u"--already-in-dfu"_qs};
+    QTest::newRow("OTG image, normal mode")
+        << UpgradePlan::OtgOnly << 0x1F << u"otg.bin"_qs << QStringList{u"--pid"_qs, u"001f"_qs};
+    QTest::newRow("OTG image, boot loader") << UpgradePlan::OtgOnly << 0x65 << u"otg.bin"_qs
+                                            << QStringList{u"--pid"_qs, u"0065"_qs, u"--already-in-dfu"_qs};
+}
+
+void TestDelays::handsTheImageToTheTool()
+{
+    QFETCH(UpgradePlan, plan);
+    QFETCH(int, plugged);
+    QFETCH(QString, file);
+    QFETCH(QStringList, options);
+    PhaseStage stage(plan);
+    FakeFlashingTool tool;
+    tool.obeys("write 5%\nhang");
+    PanelStage::bus().plug(plugged);
+    stage.finishDownloads();
+    QTRY_COMPARE_WITH_TIMEOUT(FakeFlashingTool::runs().size(), 1, kLongEnough);
+    QCOMPARE(FakeFlashingTool::runs().first().arguments, QStringList{stage.image(file)} + options);
+}
+
+void TestDelays::otgFlashingStartsAfterItsDelay_data()
+{
+    QTest::addColumn<DeviceModel>("model");
+    QTest::addColumn<int>("plugged");
+    QTest::addColumn<int>("delay");
+    QTest::addColumn<QString>("start");
+    QTest::newRow("R1") << DeviceModel::R1 << 0x12 << 8000 << ToolStarts::kR1Otg;
+    QTest::newRow("R2") << DeviceModel::R2 << 0x1F << 6000 << ToolStarts::kR2OtgNormal;
+    QTest::newRow("any other model") << DeviceModel(2) << 0x1F << 6000 << ToolStarts::kR2OtgNormal;
+}
+
+void TestDelays::otgFlashingStartsAfterItsDelay()
+{
+    QFETCH(DeviceModel, model);
+    QFETCH(int, plugged);
+    QFETCH(int, delay);
+    QFETCH(QString, start);
+    const PcHalfDone stage(model);
+    QVERIFY(stage.panel->pcUpgradeCompleted);
+    const TimeBetween passed(kOtgReady, kDelayedStart);
+    PanelStage::bus().plug(plugged);
+    QTRY_VERIFY(stage.log.contains(kOtgReady));
+    QCOMPARE(stage.receiversOfOtgConnected(), 0);
+    QTRY_VERIFY_WITH_TIMEOUT(passed.isOver(), kLongEnough);
+    QVERIFY2(passed.isAbout(delay), passed.shown().constData());
+    QCOMPARE(stage.toolStarts(), QStringList{start});
+}
+
+void TestDelays::otgFlashingStartsOnce()
+{
+    const PcHalfDone stage(DeviceModel::R2);
+    Q_EMIT stage.panel->r2otgConnected();
+    Q_EMIT stage.panel->r2otgConnected();
+    PanelStage::bus().plug(0x1F);
+    QTRY_VERIFY_WITH_TIMEOUT(stage.log.contains(kDelayedStart), kLongEnough);
+    PanelStage::bus().plug(0x1F, 1);
+    QTest::qWait(9000);
+    QCOMPARE(stage.log.count(kOtgReady), 1);
+    QCOMPARE(stage.toolStarts().size(), 1);
+}
+
+void TestDelays::otgFlashingChoosesTheProductId_data()
+{
+    QTest::addColumn<int>("seen");
+    QTest::addColumn<QString>("start");
+    QTest::newRow("none seen") << 0 << ToolStarts::kR2OtgNormal;
+    QTest::newRow("boot loader seen") << 0x65 << ToolStarts::kR2OtgBootLoader;
+}
+
+void TestDelays::otgFlashingChoosesTheProductId()
+{
+    QFETCH(int, seen);
+    QFETCH(QString, start);
+    const PcHalfDone stage(DeviceModel::R2);
+    Q_EMIT stage.panel->r2otgConnected();
+    stage.panel->lastDetectedOtgPid = seen;
+    QTRY_COMPARE_WITH_TIMEOUT(stage.toolStarts(), QStringList{start}, kLongEnough);
+}
+
+void TestDelays::otgFlashingIsDroppedWhenNobodyWantsIt_data()
+{
+    QTest::addColumn<bool>("upgrading");
+    QTest::addColumn<bool>("pcDone");
+    QTest::newRow("the run has ended") << false << true;
+    QTest::newRow("a new run has begun") << true << false;
+    QTest::newRow("neither flag is set") << false << false;
+}
+
+void TestDelays::otgFlashingIsDroppedWhenNobodyWantsIt()
+{
+    QFETCH(bool, upgrading);
+    QFETCH(bool, pcDone);
+    const PcHalfDone stage(DeviceModel::R2);
+    Q_EMIT stage.panel->r2otgConnected();
+    QTRY_VERIFY(stage.log.contains(kOtgReady));
+    stage.panel->m_isUpgrading = upgrading;
+    stage.panel->pcUpgradeCompleted = pcDone;
+    QTest::qWait(8000);
+    QCOMPARE(stage.toolStarts(), QStringList());
+    QVERIFY(!stage.log.contains(kDelayedStart));
+}
+
+void TestDelays::readsTheVersionsBackAfterSuccess()
+{
+    PhaseStage stage(UpgradePlan::PcOnly);
+    FirmwareUpgradeWidget &panel = *stage.panel;
+    QTest::qWait(600);
+    panel.m_devicePcVersion = u"1.2.0"_qs;
+    panel.m_deviceOtgVersion = u"1.2.0"_qs;
+    stage.sandbox.writeProgress("success 1");
+    stage.log.clear();
+    const TimeBetween passed(u"[VersionRead] 清空版本号"_qs, kModeQuery);
+    panel.onReadFirmwareTxt();
+    QTRY_VERIFY_WITH_TIMEOUT(passed.isOver(), kLongEnough);
+    QVERIFY2(passed.isAbout(2400), passed.shown().constData());
+    const QStringList lines = stage.log.lines();
+    const auto listed = lines.lastIndexOf(u"hid? getOrvikHIDListPath() = 0"_qs);
+    QVERIFY(listed > lines.indexOf(u"[VersionRead] 清空版本号，准备重新读取"_qs));
+    QVERIFY(lines.value(listed + 1).startsWith(u"[ConnectingR2] START"_qs));
+    QVERIFY(lines.lastIndexOf(kModeQuery) > listed);
+    QVERIFY(panel.m_postUpgradeWaiting);
+    QVERIFY(panel.m_doneLb->isVisible());
+}
+
+QTEST_MAIN(TestDelays)
+#include "tst_delays.moc"

@@ -1,0 +1,333 @@
+// How a panel goes down: its steps and their order, the time it may take, the tool that runs, the library's
+// link.
+#include "tests/panel/PanelStage.h"
+#include "tests/support/DeviceReplies.h"
+#include "tests/support/FakeFlashingTool.h"
+#include "tests/support/HidCalls.h"
+#include "tests/support/LogHook.h"
+#include "widgets/ClickableProgressBar.h"
+
+#include <HIDCommunicator/OrvikHIDManager.h>
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QPointer>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
+
+#include <csignal>
+#include <optional>
+#include <utility>
+
+using HIDCommunicator::OrvikHIDManager;
+using namespace std::chrono_literals;
+
+namespace {
+const QString kFirstLine = u"[Destructor] Starting cleanup..."_qs;
+const QString kLastLine = u"[Destructor] Cleanup completed"_qs;
+
+/// Two passes of 100 ms, 300 ms and 500 ms for the tool, and what a loaded machine adds.
+constexpr qint64 kLimit = 1300;
+
+/// Posts itself an event for every one that it gets.
+class EndlessPoster : public QObject {
+public:
+    EndlessPoster() { post(); }
+    int delivered = 0;
+
+protected:
+    void customEvent(QEvent *) override
+    {
+        ++delivered;
+        post();
+    }
+
+private:
+    void post() { QCoreApplication::postEvent(this, new QEvent(QEvent::User)); }
+};
+} // namespace
+
+class DestructionTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void linesAndReleaseStandInOrder();
+    void pendingEventsAreDeliveredBeforeTheRelease();
+    void eventsOfTheReleaseAreDeliveredBeforeTheEnd();
+    void eventsWithoutEndDoNotHoldItUp();
+    void childrenAreStillThereWhileEventsAreDelivered();
+
+    void nothingReachesADyingPanel_data();
+    void nothingReachesADyingPanel();
+    void aPendingReportDoesNotMakeItWaitForTheServer();
+    void runningTimersStop_data();
+    void runningTimersStop();
+
+    void runningToolEnds_data();
+    void runningToolEnds();
+    void toolThatHasEndedIsLeftAlone();
+
+    void openDeviceIsClosed();
+    void theOtherPanelKeepsTheDevice();
+    void missingPartsAreNoProblem_data();
+    void missingPartsAreNoProblem();
+
+private:
+    FirmwareUpgradeWidget &panel() { return *m_stage->panel; }
+    /// Deletes the panel; how many milliseconds that took.
+    qint64 deletePanel();
+
+    std::unique_ptr<PanelStage> m_stage;
+};
+
+void DestructionTest::init()
+{
+    m_stage = std::make_unique<PanelStage>();
+}
+
+void DestructionTest::cleanup()
+{
+    m_stage.reset();
+}
+
+qint64 DestructionTest::deletePanel()
+{
+    QElapsedTimer timer;
+    timer.start();
+    m_stage->panel.reset();
+    return timer.elapsed();
+}
+
+void DestructionTest::linesAndReleaseStandInOrder()
+{
+    m_stage->log.clear();
+    deletePanel();
+
+    QCOMPARE(m_stage->log.lines(), QStringList({kFirstLine, u"hid: release()"_qs, kLastLine}));
+}
+
+void DestructionTest::pendingEventsAreDeliveredBeforeTheRelease()
+{
+    QStringList order;
+    HidCalls::after(u"release"_qs, [&order] { order.append(u"released"_qs); });
+    QMetaObject::invokeMethod(
+        this, [&order] { order.append(u"delivered"_qs); }, Qt::QueuedConnection);
+
+    deletePanel();
+    QCOMPARE(order, QStringList({u"delivered"_qs, u"released"_qs}));
+}
+
+void DestructionTest::eventsOfTheReleaseAreDeliveredBeforeTheEnd()
+{
+    bool isDelivered = false;
+    std::optional<bool> deliveredAtTheEnd;
+    HidCalls::after(u"release"_qs, [&] {
+        QMetaObject::invokeMethod(
+            this, [&isDelivered] { isDelivered = true; }, Qt::QueuedConnection);
+    });
+    const LogHook atTheEnd(kLastLine, [&](const QString &) { deliveredAtTheEnd = isDelivered; });
+
+    deletePanel();
+    QCOMPARE(deliveredAtTheEnd, std::optional<bool>(true));
+}
+
+void DestructionTest::eventsWithoutEndDoNotHoldItUp()
+{
+    const EndlessPoster poster;
+
+    const qint64 elapsed = deletePanel();
+    QVERIFY2(elapsed < 600, qPrintable(QString::number(elapsed))); // two passes of at most 100 ms
+    QVERIFY(poster.delivered > 0);
+}
+
+void DestructionTest::childrenAreStillThereWhileEventsAreDelivered()
+{
+    const QPointer<QObject> child = panel().findChild<QObject *>(u"m_closeBtn"_qs);
+    QVERIFY(child);
+    int deliveredWithChild = 0;
+    const auto look = [&] { deliveredWithChild += child ? 1 : 0; };
+    QMetaObject::invokeMethod(this, look, Qt::QueuedConnection);
+    HidCalls::after(u"release"_qs, [&] { QMetaObject::invokeMethod(this, look, Qt::QueuedConnection); });
+
+    deletePanel();
+    QCOMPARE(deliveredWithChild, 2);
+    QVERIFY(!child);
+}
+
+void DestructionTest::nothingReachesADyingPanel_data()
+{
+    using Action = std::function<void()>;
+    QTest::addColumn<Action>("emitSignal");
+    QTest::addColumn<QString>("reaction");
+    QTest::newRow("the library announces devices")
+        << Action([] { Q_EMIT OrvikHIDManager::instance()->deviceListChanged({}, {}); })
+        << u"[ConnectingR2]"_qs;
+    QTest::newRow("the library hands over a report")
+        << Action([] { Q_EMIT OrvikHIDManager::instance()->blockReceiveData(DeviceReplies::mode(0)); })
+        << u"[HID接收]"_qs;
+    QTest::newRow("the library tells of a connection")
+        << Action([] { Q_EMIT OrvikHIDManager::instance()->blockHidConnetStatus(0); }) << u"[状态]"_qs;
+    QTest::newRow("a download ends") << Action([] {
+        Q_EMIT networking_class::getInstance()->network_finish_download();
+    }) << u"========####enter onFirmwareDownloaded"_qs;
+}
+
+void DestructionTest::nothingReachesADyingPanel()
+{
+    QFETCH(std::function<void()>, emitSignal);
+    QFETCH(QString, reaction);
+    connect(networking_class::getInstance(), &networking_class::network_finish_download, &panel(),
+            &FirmwareUpgradeWidget::onFirmwareDownloaded);
+    const auto reactions = [&] { return m_stage->log.startingWith(reaction).size(); };
+    emitSignal();
+    QTRY_VERIFY(reactions() > 0); // it reaches a living panel
+    m_stage->log.clear();
+
+    HidCalls::after(u"release"_qs, emitSignal);
+    const LogHook atTheStart(kFirstLine, [&](const QString &) {
+        QMetaObject::invokeMethod(this, emitSignal, Qt::QueuedConnection);
+    });
+    deletePanel();
+    QCOMPARE(reactions(), 0);
+}
+
+void DestructionTest::aPendingReportDoesNotMakeItWaitForTheServer()
+{
+    m_stage->server.answer(ServerPaths::kR2PcVersion, ScriptedHttpServer::silence());
+    Q_EMIT OrvikHIDManager::instance()->blockReceiveData(DeviceReplies::pcVersion({1, 2, 3}));
+
+    const qint64 elapsed = deletePanel();
+    QVERIFY2(elapsed < kLimit, qPrintable(QString::number(elapsed)));
+}
+
+void DestructionTest::runningTimersStop_data()
+{
+    QTest::addColumn<bool>("isPoll");
+    QTest::newRow("the poll") << true;
+    QTest::newRow("the watchdog") << false;
+}
+
+void DestructionTest::runningTimersStop()
+{
+    QFETCH(bool, isPoll);
+    QTimer *timer = isPoll ? panel().m_progressTimer : panel().m_dfuTimeoutTimer;
+    QSignalSpy timeouts(timer, &QTimer::timeout);
+    std::optional<bool> runsAtRelease;
+    timer->start(1ms);
+    HidCalls::after(u"release"_qs, [&] { runsAtRelease = timer->isActive(); });
+    m_stage->log.clear();
+
+    deletePanel();
+    QCOMPARE(runsAtRelease, std::optional<bool>(false));
+    QCOMPARE(m_stage->log.startingWith(u"[状态]"_qs), QStringList());
+}
+
+void DestructionTest::runningToolEnds_data()
+{
+    QTest::addColumn<QByteArray>("script");
+    QTest::addColumn<int>("signalNumber");
+    QTest::addColumn<int>("atLeast");
+    QTest::newRow("a tool that ends when asked is asked") << QByteArray("write 1%\nhang") << SIGTERM << 0;
+    QTest::newRow("a tool that does not hear is given 300 ms, then killed")
+        << QByteArray("ignore-terminate\nwrite 1%\nhang") << SIGKILL << 290;
+    QTest::newRow("a tool that talks all the time")
+        << QByteArray("ignore-terminate\nwrite 1%\nchatter 1000000\nhang") << SIGKILL << 290;
+}
+
+void DestructionTest::runningToolEnds()
+{
+    QFETCH(QByteArray, script);
+    QFETCH(int, atLeast);
+    FakeFlashingTool tool;
+    tool.obeys(script);
+    QDir().mkpath(QFileInfo(m_stage->sandbox.progressFile()).path());
+    panel().m_dfuProcess->start(FakeFlashingTool::path(), {});
+    QTRY_VERIFY(QFileInfo::exists(
+        m_stage->sandbox.progressFile())); // it has come as far as the script's first report
+    const qint64 processId = panel().m_dfuProcess->processId();
+    QSignalSpy finished(panel().m_dfuProcess, &QProcess::finished);
+
+    const qint64 elapsed = deletePanel();
+    QVERIFY2(elapsed >= atLeast && elapsed < kLimit, qPrintable(QString::number(elapsed)));
+    QCOMPARE(finished.count(), 1);
+    QTEST(finished.at(0).at(0).toInt(), "signalNumber");
+    QVERIFY2(!QFileInfo::exists(u"/proc/%1"_qs.arg(processId)), "the tool is still there");
+    QVERIFY(m_stage->log.startingWith(u"QProcess: Destroyed while process"_qs)
+                .isEmpty()); // it was the panel's doing
+}
+
+void DestructionTest::toolThatHasEndedIsLeftAlone()
+{
+    FakeFlashingTool tool;
+    tool.obeys("exit 0");
+    panel().m_dfuProcess->start(FakeFlashingTool::path(), {});
+    QVERIFY(panel().m_dfuProcess->waitForFinished());
+
+    const qint64 elapsed = deletePanel();
+    QVERIFY2(elapsed < 290, qPrintable(QString::number(elapsed)));
+}
+
+void DestructionTest::openDeviceIsClosed()
+{
+    const QString path = PanelStage::bus().plug(0x000E);
+    panel().ConnectingR2({path}, {0x000E});
+    QCOMPARE(PanelStage::bus().openConnections(), 1);
+
+    deletePanel();
+    QTRY_COMPARE(PanelStage::bus().openConnections(), 0); // the threads may need a moment to let go of it
+    QVERIFY(!OrvikHIDManager::instance()->getConnected());
+}
+
+void DestructionTest::theOtherPanelKeepsTheDevice()
+{
+    const FirmwareUpgradeWidget other;
+    const QString path = PanelStage::bus().plug(0x000E);
+    panel().ConnectingR2({path}, {0x000E});
+
+    deletePanel();
+    QCOMPARE(PanelStage::bus().openConnections(), 1);
+    m_stage->log.clear();
+    PanelStage::bus().setResponder(DeviceReplies::device({1, 2, 3}, {1, 2, 4}));
+    QTRY_COMPARE(other.m_deviceOtgVersion, u"1.2.4"_qs); // its query of half a second gets through
+}
+
+void DestructionTest::missingPartsAreNoProblem_data()
+{
+    using Removal = std::function<void(FirmwareUpgradeWidget &)>;
+    QTest::addColumn<Removal>("removePart");
+    QTest::addColumn<int>("releases");
+    QTest::newRow("library") << Removal([](auto &panel) {
+        panel.m_hidManager->release();
+        panel.m_hidManager = nullptr;
+    }) << 0;
+    QTest::newRow("bar") << Removal([](auto &panel) { delete std::exchange(panel.m_progressBar, nullptr); })
+                         << 1;
+    QTest::newRow("poll") << Removal([](auto &panel) {
+        delete std::exchange(panel.m_progressTimer, nullptr);
+    }) << 1;
+    QTest::newRow("watchdog") << Removal([](auto &panel) {
+        delete std::exchange(panel.m_dfuTimeoutTimer, nullptr);
+    }) << 1;
+    QTest::newRow("process") << Removal([](auto &panel) {
+        delete std::exchange(panel.m_dfuProcess, nullptr);
+    }) << 1;
+}
+
+void DestructionTest::missingPartsAreNoProblem()
+{
+    QFETCH(std::function<void(FirmwareUpgradeWidget &)>, removePart);
+    removePart(panel());
+    m_stage->log.clear();
+
+    deletePanel();
+    QTEST(m_stage->log.count(u"hid: release()"_qs), "releases");
+    QVERIFY(m_stage->log.contains(kLastLine));
+}
+
+QTEST_MAIN(DestructionTest)
+#include "tst_destruction.moc"

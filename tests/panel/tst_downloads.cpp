@@ -1,0 +1,307 @@
+#include "tests/panel/ReadyToUpgrade.h"
+
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QTimer>
+
+namespace {
+
+using Server = ScriptedHttpServer;
+
+const QString kEntered = QStringLiteral("========####enter onFirmwareDownloaded");
+const QString kWaiting = QStringLiteral("waitting for all firmware download well.");
+const QString kAllDownloaded = QStringLiteral("all firmware has downlaod well, start upgrade...");
+
+Server::Answer held(const QByteArray &body)
+{
+    Server::Answer answer = Server::page(body);
+    answer.holdAfter = 0;
+    return answer;
+}
+
+} // namespace
+
+class TestDownloads : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void choosesNamesAndAddresses_data();
+    void choosesNamesAndAddresses();
+    void downloadsBothImagesOneAfterTheOther_data();
+    void downloadsBothImagesOneAfterTheOther();
+    void deletesStaleImagesFirst();
+    void waitsWhenThePcImageIsMissing_data();
+    void waitsWhenThePcImageIsMissing();
+    void waitsWhenTheOtgImageIsEmpty();
+    void takesAnErrorPageForAnImage();
+    void waitsWhenTheFolderCannotBeMade();
+    void countsWhatIsOnDisk_data();
+    void countsWhatIsOnDisk();
+    void hearsOfEachDownloadOnce();
+    void stopsListeningWhenBothAreThere();
+    void survivesItsEnd_data();
+    void survivesItsEnd();
+};
+
+void TestDownloads::choosesNamesAndAddresses_data()
+{
+    QTest::addColumn<DeviceModel>("model");
+    QTest::addColumn<QStringList>("files");
+    QTest::addColumn<QStringList>("addresses");
+    const QStringList r2Files{u"/R2_PC1.2.3.bin"_qs, u"/R2_OTG1.0.4.bin"_qs};
+    const QStringList r2Addresses{ServerPaths::kR2PcImage, ServerPaths::kR2OtgImage};
+    QTest::newRow("R1") << DeviceModel::R1 << QStringList{u"/R1_PC1.2.3.bin"_qs, u"/R1_OTG1.0.4.bin"_qs}
+                        << QStringList{ServerPaths::kR1PcImage, ServerPaths::kR1OtgImage};
+    QTest::newRow("R2") << DeviceModel::R2 << r2Files << r2Addresses;
+    QTest::newRow("any other model") << DeviceModel(3) << r2Files << r2Addresses;
+}
+
+void TestDownloads::choosesNamesAndAddresses()
+{
+    QFETCH(DeviceModel, model);
+    QFETCH(QStringList, files);
+    QFETCH(QStringList, addresses);
+    ReadyToUpgrade stage(model);
+    const FirmwareUpgradeWidget &panel = *stage.panel;
+    stage.server.answer(addresses.first(), Server::silence());
+    QVERIFY(!QDir(stage.sandbox.downloadFolder()).exists());
+    stage.click();
+    QVERIFY(QDir(stage.sandbox.downloadFolder()).exists());
+    const QString folder = qEnvironmentVariable("ALLUSERSPROFILE") + u"/Orvik/Orvik Link/orvikExe"_qs;
+    QCOMPARE(panel.m_pcFirmwarePath, folder + files.first());
+    QCOMPARE(panel.m_otgFirmwarePath, folder + files.last());
+    const QString host = QLatin1String(QUILLON_UPDATE_SERVER);
+    QCOMPARE(panel.m_pcDownloadUrl, host + addresses.first());
+    QCOMPARE(panel.m_otgDownloadUrl, host + addresses.last());
+}
+
+void TestDownloads::downloadsBothImagesOneAfterTheOther_data()
+{
+    QTest::addColumn<DeviceModel>("model");
+    QTest::addColumn<UpgradePlan>("plan");
+    QTest::addColumn<QString>("model name");
+    QTest::newRow("R1") << DeviceModel::R1 << UpgradePlan::None << u"R1"_qs;
+    QTest::newRow("R2") << DeviceModel::R2 << UpgradePlan::None << u"R2"_qs;
+    QTest::newRow("R2, PC only") << DeviceModel::R2 << UpgradePlan::PcOnly << u"R2"_qs;
+    QTest::newRow("R2, OTG only") << DeviceModel::R2 << UpgradePlan::OtgOnly << u"R2"_qs;
+    QTest::newRow("R2, both") << DeviceModel::R2 << UpgradePlan::Both << u"R2"_qs;
+}
+
+void TestDownloads::downloadsBothImagesOneAfterTheOther()
+{
+    QFETCH(DeviceModel, model);
+    QFETCH(UpgradePlan, plan);
+    const bool r1 = model == DeviceModel::R1;
+    const QString pcPath = r1 ? ServerPaths::kR1PcImage : ServerPaths::kR2PcImage;
+    const QString otgPath = r1 ? ServerPaths::kR1OtgImage : ServerPaths::kR2OtgImage;
+    ReadyToUpgrade stage(model);
+    const FirmwareUpgradeWidget &panel = *stage.panel;
+    stage.panel->m_upgradePlan = plan;
+    stage.server.answer(pcPath, held(kPcImage));
+    stage.click();
+    QTRY_COMPARE(stage.server.paths(), QStringList{pcPath});
+    stage.server.release(pcPath);
+    QTRY_VERIFY(stage.log.contains(kAllDownloaded));
+    QCOMPARE(stage.server.paths(), (QStringList{pcPath, otgPath}));
+    QCOMPARE(contentOf(panel.m_pcFirmwarePath), QByteArray(kPcImage));
+    QCOMPARE(contentOf(panel.m_otgFirmwarePath), QByteArray(kOtgImage));
+    QVERIFY(panel.m_pcFirmwareDownloaded && panel.m_otgFirmwareDownloaded);
+
+    const QStringList expected{kEntered,
+                               u"PC firmware download well, this path is: "_qs + panel.m_pcFirmwarePath,
+                               u"Starting OTG firmware download..."_qs,
+                               kEntered,
+                               u"OTG firmware download well, this path is: "_qs + panel.m_otgFirmwarePath,
+                               kAllDownloaded};
+    QStringList lines;
+    for (const QString &line : stage.log.lines()) {
+        if (expected.contains(line))
+            lines.append(line);
+    }
+    QCOMPARE(lines, expected);
+}
+
+void TestDownloads::deletesStaleImagesFirst()
+{
+    ReadyToUpgrade stage;
+    const QString pc = stage.image(u"R2_PC1.2.3.bin"_qs);
+    const QString otg = stage.image(u"R2_OTG1.0.4.bin"_qs);
+    const QString other = stage.image(u"R2_OTG1.0.3.bin"_qs);
+    for (const QString &path : {pc, otg, other})
+        writeFile(path, "stale");
+    stage.server.answer(ServerPaths::kR2PcImage, Server::silence());
+    stage.click();
+    QCOMPARE(contentOf(pc), QByteArray());
+    QVERIFY(!QFile::exists(otg));
+    QVERIFY(QFile::exists(other));
+}
+
+void TestDownloads::waitsWhenThePcImageIsMissing_data()
+{
+    QTest::addColumn<Server::Answer>("answer");
+    QTest::newRow("an empty image") << Server::page("");
+    QTest::newRow("a connection that breaks") << Server::hangUp();
+}
+
+void TestDownloads::waitsWhenThePcImageIsMissing()
+{
+    QFETCH(Server::Answer, answer);
+    ReadyToUpgrade stage;
+    stage.panel->m_upgradePlan = UpgradePlan::Both;
+    stage.server.answer(ServerPaths::kR2PcImage, answer);
+    stage.click();
+    QTRY_VERIFY(stage.log.contains(kWaiting));
+    QCOMPARE(stage.log.count(kEntered), 1);
+    QVERIFY(!stage.server.paths().contains(ServerPaths::kR2OtgImage));
+    QVERIFY(stage.panel->m_isUpgrading);
+    QVERIFY(!stage.panel->m_inFailureRetry);
+    QVERIFY(!stage.panel->m_pcFirmwareDownloaded);
+}
+
+void TestDownloads::waitsWhenTheOtgImageIsEmpty()
+{
+    ReadyToUpgrade stage;
+    stage.server.answer(ServerPaths::kR2OtgImage, Server::page(""));
+    stage.click();
+    QTRY_VERIFY(stage.log.contains(kWaiting));
+    QVERIFY(stage.panel->m_pcFirmwareDownloaded);
+    QVERIFY(!stage.panel->m_otgFirmwareDownloaded);
+    QVERIFY(stage.panel->m_isUpgrading);
+    QVERIFY(!stage.log.contains(kAllDownloaded));
+}
+
+void TestDownloads::takesAnErrorPageForAnImage()
+{
+    ReadyToUpgrade stage;
+    stage.server.answer(ServerPaths::kR2PcImage, Server::page("not found", 404));
+    stage.click();
+    QTRY_VERIFY(stage.log.contains(kAllDownloaded));
+    QCOMPARE(contentOf(stage.image(u"R2_PC1.2.3.bin"_qs)), QByteArrayLiteral("not found"));
+}
+
+void TestDownloads::waitsWhenTheFolderCannotBeMade()
+{
+    const ReadyToUpgrade stage;
+    writeFile(stage.sandbox.downloadFolder(), "a file where the folder should be");
+    stage.click();
+    QTest::qWait(0);
+    QCOMPARE(stage.server.paths(), QStringList());
+    QVERIFY(stage.panel->m_isUpgrading);
+    QVERIFY(!stage.log.contains(kEntered));
+}
+
+void TestDownloads::countsWhatIsOnDisk_data()
+{
+    QTest::addColumn<QByteArray>("pc");
+    QTest::addColumn<QByteArray>("otg");
+    QTest::addColumn<bool>("pcMarked");
+    QTest::addColumn<QStringList>("lines");
+    QTest::addColumn<QStringList>("asked");
+    const QString pcThere = u"PC firmware download well, this path is: "_qs;
+    const QString otgThere = u"OTG firmware download well, this path is: "_qs;
+    const QString next = u"Starting OTG firmware download..."_qs;
+    const QByteArray none;
+    const QByteArray image("image");
+    QTest::newRow("nothing there") << none << none << false << QStringList{kWaiting} << QStringList();
+    QTest::newRow("the PC image there")
+        << image << none << false << QStringList{pcThere, next} << QStringList{ServerPaths::kR2OtgImage};
+    QTest::newRow("both there, none marked")
+        << image << image << false << QStringList{pcThere, next} << QStringList{ServerPaths::kR2OtgImage};
+    QTest::newRow("only the OTG image there")
+        << none << image << false << QStringList{otgThere, kWaiting} << QStringList();
+    QTest::newRow("the PC image marked, nothing more")
+        << image << none << true << QStringList{kWaiting} << QStringList();
+    QTest::newRow("the PC image marked, the OTG image there")
+        << image << image << true << QStringList{otgThere, kAllDownloaded, u"[Upgrade] 当前无需升级"_qs}
+        << QStringList();
+}
+
+void TestDownloads::countsWhatIsOnDisk()
+{
+    QFETCH(QByteArray, pc);
+    QFETCH(QByteArray, otg);
+    QFETCH(bool, pcMarked);
+    QFETCH(QStringList, lines);
+    QFETCH(QStringList, asked);
+    ReadyToUpgrade stage;
+    FirmwareUpgradeWidget &panel = *stage.panel;
+    panel.m_pcFirmwarePath = stage.image(u"pc.bin"_qs);
+    panel.m_otgFirmwarePath = stage.image(u"otg.bin"_qs);
+    panel.m_otgDownloadUrl = QLatin1String(QUILLON_UPDATE_SERVER) + ServerPaths::kR2OtgImage;
+    if (!pc.isEmpty())
+        writeFile(panel.m_pcFirmwarePath, pc);
+    if (!otg.isEmpty())
+        writeFile(panel.m_otgFirmwarePath, otg);
+    panel.m_pcFirmwareDownloaded = pcMarked;
+    stage.log.clear();
+    panel.onFirmwareDownloaded();
+    QStringList logged = stage.log.lines();
+    QCOMPARE(logged.takeFirst(), kEntered);
+    for (QString &line : logged) {
+        line.remove(panel.m_pcFirmwarePath);
+        line.remove(panel.m_otgFirmwarePath);
+    }
+    logged.removeAll(u"ggxxxxxxxxx"_qs);
+    QCOMPARE(logged, lines);
+    QTRY_COMPARE(stage.server.paths(), asked);
+}
+
+/// A run that waits is started again: the signal of the client must not be heard twice.
+void TestDownloads::hearsOfEachDownloadOnce()
+{
+    ReadyToUpgrade stage;
+    stage.server.answer(ServerPaths::kR2PcImage, Server::page(""));
+    stage.panel->startDownloadAndUpgrade();
+    QTRY_VERIFY(stage.log.contains(kWaiting));
+    stage.server.answer(ServerPaths::kR2PcImage, Server::page(kPcImage));
+    stage.log.clear();
+    stage.panel->startDownloadAndUpgrade();
+    QTRY_VERIFY(stage.log.contains(kAllDownloaded));
+    QCOMPARE(stage.log.count(kEntered), 2);
+}
+
+void TestDownloads::stopsListeningWhenBothAreThere()
+{
+    ReadyToUpgrade stage;
+    stage.click();
+    QTRY_VERIFY(stage.log.contains(kAllDownloaded));
+    stage.log.clear();
+    Q_EMIT networking_class::getInstance()->network_finish_download();
+    QVERIFY(!stage.log.contains(kEntered));
+}
+
+void TestDownloads::survivesItsEnd_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("while it asks for the PC version") << ServerPaths::kR2PcVersion;
+    QTest::newRow("while it asks for the OTG version") << ServerPaths::kR2OtgVersion;
+    QTest::newRow("while the PC image arrives") << ServerPaths::kR2PcImage;
+    QTest::newRow("while the OTG image arrives") << ServerPaths::kR2OtgImage;
+}
+
+void TestDownloads::survivesItsEnd()
+{
+    QFETCH(QString, path);
+    ReadyToUpgrade stage;
+    stage.panel->m_remotePcVersion.clear();
+    Server::Answer late = Server::version("1.2.3");
+    late.delay = std::chrono::milliseconds(200);
+    stage.server.answer(path, late);
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, this, [&] {
+        if (stage.server.paths().contains(path)) {
+            timer.stop();
+            stage.panel.reset();
+        }
+    });
+    timer.start(5);
+    stage.click();
+    QTRY_VERIFY(!stage.panel);
+    QTRY_VERIFY(stage.server.bytesSent(path) > 0);
+    const auto replies
+        = [] { return networking_class::getInstance()->manager->findChildren<QNetworkReply *>().size(); };
+    QTRY_COMPARE(replies(), 0);
+}
+
+QTEST_MAIN(TestDownloads)
+#include "tst_downloads.moc"

@@ -1,0 +1,286 @@
+#include "tests/panel/PanelStage.h"
+#include "tests/support/LogHook.h"
+
+#include <QLabel>
+#include <QTest>
+
+using QuillonFirmwareUpgrade::getCurrentLanguage;
+using QuillonFirmwareUpgrade::setLanguage;
+
+namespace {
+
+const QString kChineseLine = QStringLiteral("QuillonCustomLibrary: Using Chinese (source language)");
+const QString kEnglishLine = QStringLiteral("QuillonCustomLibrary: English translation loaded");
+
+QString translatedByTheApplication()
+{
+    return QCoreApplication::translate("QuillonFirmwareUpgrade::FirmwareUpgradeWidget", "升级完成");
+}
+
+/// Writes down which windows are told that the language changed, in order.
+class LanguageEvents : public QObject {
+public:
+    LanguageEvents() { qApp->installEventFilter(this); }
+
+    QList<const QWidget *> windows;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::LanguageChange && watched->isWidgetType()) {
+            const auto *widget = static_cast<const QWidget *>(watched);
+            if (widget->isWindow())
+                windows.append(widget);
+        }
+        return QObject::eventFilter(watched, event);
+    }
+};
+
+} // namespace
+
+class TestLanguage : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void isChineseBeforeAnybodyAsks();
+    void remembersAndLogs_data();
+    void remembersAndLogs();
+    void leavesOneTranslatorAtMost();
+    void changesTheFontOfTheApplication_data();
+    void changesTheFontOfTheApplication();
+    void logsAfterTheFontAndBeforeThePanels_data();
+    void logsAfterTheFontAndBeforeThePanels();
+    void tellsEveryWindowInTheApplicationsOrder();
+    void changesEveryPanelBeforeItReturns();
+    void reloadsTheLanguageThatIsActive();
+    void retranslatesOnLanguageChangeOnly_data();
+    void retranslatesOnLanguageChangeOnly();
+    void aNewPanelFollowsTheActiveLanguage();
+    void saysWhichLanguageThePanelSwitchedTo_data();
+    void saysWhichLanguageThePanelSwitchedTo();
+    void keepsChineseTextsWithoutACatalogue();
+};
+
+void TestLanguage::isChineseBeforeAnybodyAsks()
+{
+    QCOMPARE(getCurrentLanguage(), Language::Chinese);
+    QCOMPARE(translatedByTheApplication(), u"升级完成"_qs);
+}
+
+void TestLanguage::remembersAndLogs_data()
+{
+    QTest::addColumn<int>("language");
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("Chinese") << 0 << kChineseLine << u"升级完成"_qs;
+    QTest::newRow("English") << 1 << kEnglishLine << u"Update Completed"_qs;
+    QTest::newRow("any other value is English") << 2 << kEnglishLine << u"Update Completed"_qs;
+    QTest::newRow("a negative value is English") << -1 << kEnglishLine << u"Update Completed"_qs;
+}
+
+void TestLanguage::remembersAndLogs()
+{
+    QFETCH(int, language);
+    QFETCH(QString, line);
+    QFETCH(QString, text);
+    const PanelStage stage;
+    setLanguage(Language(language));
+    QCOMPARE(int(getCurrentLanguage()), language);
+    QCOMPARE(stage.log.startingWith(u"QuillonCustomLibrary"_qs), QStringList{line});
+    QCOMPARE(translatedByTheApplication(), text);
+    QCOMPARE(stage.panel->m_doneLb->text(), text);
+    QCOMPARE(stage.panel->isChinese, language == 0);
+}
+
+void TestLanguage::leavesOneTranslatorAtMost()
+{
+    for (int i = 0; i < 5; ++i)
+        setLanguage(Language::English);
+    setLanguage(Language::Chinese);
+    QCOMPARE(translatedByTheApplication(), u"升级完成"_qs);
+}
+
+void TestLanguage::changesTheFontOfTheApplication_data()
+{
+    QTest::addColumn<int>("language");
+    QTest::addColumn<QString>("family");
+    QTest::newRow("Chinese") << 0 << u"Microsoft YaHei"_qs;
+    QTest::newRow("English") << 1 << u"Segoe UI"_qs;
+    QTest::newRow("any other value") << 7 << u"Segoe UI"_qs;
+}
+
+void TestLanguage::changesTheFontOfTheApplication()
+{
+    QFETCH(int, language);
+    QFETCH(QString, family);
+    const PanelStage stage;
+    QApplication::setFont(QFont(u"Sans"_qs, 31, QFont::Black, true));
+    setLanguage(Language(language));
+    const QFont expected(family);
+    QCOMPARE(QApplication::font().family(), family);
+    QCOMPARE(QApplication::font().pointSize(), expected.pointSize());
+    QCOMPARE(QApplication::font().weight(), expected.weight());
+    QVERIFY(!QApplication::font().italic());
+}
+
+void TestLanguage::logsAfterTheFontAndBeforeThePanels_data()
+{
+    QTest::addColumn<int>("language");
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("family");
+    QTest::addColumn<QString>("formerText");
+    QTest::addColumn<QString>("translation");
+    QTest::newRow("to Chinese") << 0 << kChineseLine << u"Microsoft YaHei"_qs << u"Update Completed"_qs
+                                << u"升级完成"_qs;
+    QTest::newRow("to English") << 1 << kEnglishLine << u"Segoe UI"_qs << u"升级完成"_qs
+                                << u"Update Completed"_qs;
+}
+
+void TestLanguage::logsAfterTheFontAndBeforeThePanels()
+{
+    QFETCH(int, language);
+    QFETCH(QString, line);
+    QFETCH(QString, family);
+    QFETCH(QString, formerText);
+    QFETCH(QString, translation);
+    const PanelStage stage;
+    setLanguage(Language(1 - language));
+    int stored = -1;
+    QString font;
+    QString text;
+    QString translated;
+    {
+        const LogHook hook(line, [&](const QString &) {
+            stored = int(getCurrentLanguage());
+            font = QApplication::font().family();
+            text = stage.panel->m_doneLb->text();
+            translated = translatedByTheApplication();
+        });
+        setLanguage(Language(language));
+    }
+    QCOMPARE(stored, language);
+    QCOMPARE(font, family);
+    QCOMPARE(text, formerText);
+    QCOMPARE(translated, translation);
+}
+
+void TestLanguage::tellsEveryWindowInTheApplicationsOrder()
+{
+    const PanelStage stage;
+    const FirmwareUpgradeWidget secondPanel;
+    const QWidget hostWindow;
+    const QWidget hostDialog;
+    QList<const QWidget *> expected;
+    const auto widgets = QApplication::allWidgets();
+    for (const QWidget *widget : widgets) {
+        if (widget->isWindow())
+            expected.append(widget);
+    }
+    QVERIFY(expected.size() >= 4);
+    const LanguageEvents events;
+    setLanguage(Language::English);
+    QCOMPARE(events.windows, expected);
+}
+
+void TestLanguage::changesEveryPanelBeforeItReturns()
+{
+    const PanelStage stage;
+    QWidget host;
+    const FirmwareUpgradeWidget embedded(&host);
+    setLanguage(Language::English);
+    QCOMPARE(stage.panel->m_titleLabel->text(), u"Firmware Update"_qs);
+    QCOMPARE(embedded.m_titleLabel->text(), u"Firmware Update"_qs);
+    setLanguage(Language::Chinese);
+    QCOMPARE(stage.panel->m_titleLabel->text(), u"固件升级"_qs);
+    QCOMPARE(embedded.m_titleLabel->text(), u"固件升级"_qs);
+}
+
+void TestLanguage::reloadsTheLanguageThatIsActive()
+{
+    PanelStage stage;
+    setLanguage(Language::English);
+    stage.panel->m_titleLabel->setText(u"changed by somebody else"_qs);
+    stage.log.clear();
+    setLanguage(Language::English);
+    QCOMPARE(stage.log.count(kEnglishLine), 1);
+    QCOMPARE(stage.panel->m_titleLabel->text(), u"Firmware Update"_qs);
+}
+
+void TestLanguage::retranslatesOnLanguageChangeOnly_data()
+{
+    QTest::addColumn<QEvent::Type>("type");
+    QTest::addColumn<int>("times");
+    QTest::newRow("the language") << QEvent::LanguageChange << 1;
+    QTest::newRow("the font") << QEvent::FontChange << 0;
+    QTest::newRow("the style") << QEvent::StyleChange << 0;
+    QTest::newRow("the locale") << QEvent::LocaleChange << 0;
+    QTest::newRow("the window's title") << QEvent::WindowTitleChange << 0;
+}
+
+void TestLanguage::retranslatesOnLanguageChangeOnly()
+{
+    QFETCH(QEvent::Type, type);
+    QFETCH(int, times);
+    PanelStage stage;
+    stage.log.clear();
+    QEvent event(type);
+    stage.panel->changeEvent(&event);
+    QCOMPARE(stage.log.startingWith(u"Detected language switch."_qs).size(), times);
+}
+
+void TestLanguage::aNewPanelFollowsTheActiveLanguage()
+{
+    const PanelStage stage;
+    setLanguage(Language::English);
+    const FirmwareUpgradeWidget panel;
+    QCOMPARE(panel.isChinese, false);
+    QCOMPARE(panel.windowTitle(), u"Firmware Update"_qs);
+    QCOMPARE(panel.m_titleLabel->text(), u"Firmware Update"_qs);
+    QCOMPARE(panel.m_curVerTitleLb->geometry(), QRect(207, 16, 110, 19));
+    QVERIFY(panel.m_curVerLb->styleSheet().contains(u"\"Segoe UI\""_qs));
+}
+
+void TestLanguage::saysWhichLanguageThePanelSwitchedTo_data()
+{
+    QTest::addColumn<int>("language");
+    QTest::addColumn<QString>("name");
+    QTest::newRow("Chinese") << 0 << u"Chinese"_qs;
+    QTest::newRow("English") << 1 << u"English"_qs;
+    QTest::newRow("any other value") << 2 << u"English"_qs;
+}
+
+void TestLanguage::saysWhichLanguageThePanelSwitchedTo()
+{
+    QFETCH(int, language);
+    QFETCH(QString, name);
+    PanelStage stage;
+    stage.log.clear();
+    setLanguage(Language(language));
+    const QStringList lines = stage.log.startingWith(u"Detected language switch."_qs);
+    QVERIFY(!lines.isEmpty());
+    for (const QString &line : lines)
+        QCOMPARE(line, u"Detected language switch. The language after switching is: "_qs + name);
+}
+
+void TestLanguage::keepsChineseTextsWithoutACatalogue()
+{
+    Q_CLEANUP_RESOURCE(quillon_translations);
+    {
+        const PanelStage stage;
+        QTest::ignoreMessage(QtWarningMsg, "QuillonCustomLibrary: Failed to load English translation");
+        setLanguage(Language::English);
+        QVERIFY(!stage.log.contains(kEnglishLine));
+        QCOMPARE(getCurrentLanguage(), Language::English);
+        QCOMPARE(QApplication::font().family(), u"Segoe UI"_qs);
+        QCOMPARE(stage.panel->isChinese, false);
+        QCOMPARE(stage.panel->m_doneLb->text(), u"升级完成"_qs);
+        QCOMPARE(stage.panel->m_doneLb->geometry(), QRect(149, 13, 142, 21));
+    }
+    Q_INIT_RESOURCE(quillon_translations);
+    setLanguage(Language::English);
+    QCOMPARE(translatedByTheApplication(), u"Update Completed"_qs);
+    setLanguage(Language::Chinese);
+}
+
+QTEST_MAIN(TestLanguage)
+#include "tst_language.moc"

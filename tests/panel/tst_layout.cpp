@@ -1,0 +1,239 @@
+#include "tests/panel/WidgetTable.h"
+
+#include <QIcon>
+#include <QMovie>
+#include <QTest>
+
+using WidgetTable::Row;
+using WidgetTable::rows;
+
+namespace {
+
+/// The widgets of a panel before it was translated for the first time: setupUI() creates a second set.
+class FreshWidgets : public PanelStage {
+public:
+    explicit FreshWidgets(DeviceModel model = DeviceModel::R2)
+        : formerChildren(panel->children())
+        , formerCard(panel->verCompLb)
+    {
+        panel->m_deviceModel = model;
+        panel->setupUI();
+    }
+
+    const QObjectList formerChildren;
+    const QWidget *formerCard;
+};
+
+} // namespace
+
+class TestLayout : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void window();
+    void createsWidget_data();
+    void createsWidget();
+    void createsNothingElseAndInOrder();
+    void hasNoLayouts();
+    void notesCannotBeEdited();
+    void barRunsToAHundred();
+    void offlineToolIconHasAFixedSize();
+    void offlineToolLinkOpensABrowser();
+    void showsHowToConnect_data();
+    void showsHowToConnect();
+    void scalesTheAnimation();
+    void showsOnlyCardNotesAndBarAtFirst();
+    void closes();
+    void connectsTheTwoButtonsOnly();
+};
+
+void TestLayout::window()
+{
+    const PanelStage stage;
+    const FirmwareUpgradeWidget &panel = *stage.panel;
+    QCOMPARE(panel.minimumSize(), QSize(472, 418));
+    QCOMPARE(panel.maximumSize(), QSize(472, 418));
+    QCOMPARE(panel.windowFlags() & ~Qt::WindowFlags(Qt::WindowType_Mask), Qt::FramelessWindowHint);
+    QCOMPARE(panel.windowModality(), Qt::ApplicationModal);
+    QVERIFY(panel.testAttribute(Qt::WA_StyledBackground));
+    QCOMPARE(panel.objectName(), u"FirmwareUpgradeWidget"_qs);
+    QCOMPARE(
+        panel.styleSheet(),
+        u"#FirmwareUpgradeWidget {  border: 1px solid rgba(69, 70, 83, 1);  border-radius: 4px;  background-color: rgba(31, 32, 40, 1);}"_qs);
+    QCOMPARE(panel.windowTitle(), u"固件升级"_qs);
+}
+
+void TestLayout::createsWidget_data()
+{
+    QTest::addColumn<Row>("row");
+    for (const Row &row : rows())
+        QTest::newRow(row.name) << row;
+}
+
+void TestLayout::createsWidget()
+{
+    QFETCH(Row, row);
+    const FreshWidgets fresh;
+    const QWidget *widget = row.find(*fresh.panel);
+    QVERIFY(widget);
+    QCOMPARE(widget->metaObject()->className(), row.className);
+    QCOMPARE(widget->parentWidget()->objectName(), row.parent);
+    if (row.parent == WidgetTable::kCard)
+        QCOMPARE(widget->parentWidget(), fresh.panel->verCompLb);
+    QCOMPARE(widget->objectName(), QLatin1String(row.name));
+    if (row.place != WidgetTable::kPlacedLater)
+        QCOMPARE(widget->geometry(), row.place);
+    QCOMPARE(widget->styleSheet(), row.style);
+    QCOMPARE(!widget->isVisibleTo(widget->parentWidget()), row.hidden);
+
+    if (const auto *edit = qobject_cast<const QTextEdit *>(widget))
+        QCOMPARE(edit->toPlainText(), row.text);
+    const auto *label = qobject_cast<const QLabel *>(widget);
+    if (!label)
+        return;
+    QCOMPARE(label->text(), row.text);
+    QCOMPARE(label->alignment(), row.alignment);
+    QCOMPARE(label->wordWrap(), row.wraps);
+    QCOMPARE(label->pixmap().isNull(), row.picture.isEmpty());
+    if (row.picture.isEmpty())
+        return;
+    QCOMPARE(label->pixmap().toImage(), QIcon(row.picture).pixmap(row.pictureSize).toImage());
+    const QSize artwork = QImage(row.picture).size();
+    QCOMPARE(label->pixmap().size(), artwork.scaled(row.pictureSize, Qt::KeepAspectRatio));
+}
+
+void TestLayout::createsNothingElseAndInOrder()
+{
+    const FreshWidgets fresh;
+    const FirmwareUpgradeWidget &panel = *fresh.panel;
+    QHash<const QObject *, QList<const QObject *>> created{
+        {&panel, {}}, {panel.verCompLb, {}}, {panel.m_progressBar, {}}};
+    for (const Row &row : rows()) {
+        const QWidget *widget = row.find(panel);
+        created[widget->parentWidget()].append(widget);
+    }
+    const auto childrenOf = [](const QObject *parent, const QObjectList &former) {
+        QList<const QObject *> children;
+        for (const QObject *child : parent->children()) {
+            if (child->isWidgetType() && !former.contains(child))
+                children.append(child);
+        }
+        return children;
+    };
+    QCOMPARE(childrenOf(&panel, fresh.formerChildren), created.value(&panel));
+    QCOMPARE(childrenOf(panel.verCompLb, {}), created.value(panel.verCompLb));
+    QCOMPARE(childrenOf(panel.m_progressBar, {}), created.value(panel.m_progressBar));
+}
+
+void TestLayout::hasNoLayouts()
+{
+    const FreshWidgets fresh;
+    QVERIFY(!fresh.panel->layout());
+    for (const Row &row : rows())
+        QVERIFY2(!row.find(*fresh.panel)->layout(), row.name);
+}
+
+void TestLayout::notesCannotBeEdited()
+{
+    const FreshWidgets fresh;
+    QVERIFY(fresh.panel->m_notesEdit->isReadOnly());
+}
+
+void TestLayout::barRunsToAHundred()
+{
+    const FreshWidgets fresh;
+    const ClickableProgressBar *bar = fresh.panel->m_progressBar;
+    QCOMPARE(bar->minimum(), 0);
+    QCOMPARE(bar->maximum(), 100);
+    QCOMPARE(bar->value(), 0);
+    QVERIFY(bar->isTextVisible());
+    QVERIFY(bar->isClickable());
+}
+
+void TestLayout::offlineToolIconHasAFixedSize()
+{
+    const FreshWidgets fresh;
+    QCOMPARE(fresh.panel->m_offlineToolIconLb->minimumSize(), QSize(24, 24));
+    QCOMPARE(fresh.panel->m_offlineToolIconLb->maximumSize(), QSize(24, 24));
+}
+
+void TestLayout::offlineToolLinkOpensABrowser()
+{
+    const FreshWidgets fresh;
+    const QLabel *link = fresh.panel->m_offlineToolLinkLb;
+    QCOMPARE(link->textFormat(), Qt::RichText);
+    QVERIFY(link->openExternalLinks());
+    QCOMPARE(link->cursor().shape(), Qt::PointingHandCursor);
+    QCOMPARE(link->size(), link->sizeHint());
+    QVERIFY(link->width() > 0);
+}
+
+void TestLayout::showsHowToConnect_data()
+{
+    QTest::addColumn<DeviceModel>("model");
+    QTest::addColumn<QString>("movie");
+    QTest::addColumn<QString>("hint");
+    QTest::newRow("R2") << DeviceModel::R2 << u":/new/prefix1/image/dc5v_pc.gif"_qs
+                        << u"请使用配件附带USB线接入图示DC-5V和USB-C口，\n开始固件升级。"_qs;
+    QTest::newRow("R1") << DeviceModel::R1 << u":/new/prefix1/image/pc.gif"_qs
+                        << u"请使用USB线连接图示USB口和电脑，\n接入后自动完成升级。"_qs;
+    QTest::newRow("any other model is R2")
+        << DeviceModel(2) << u":/new/prefix1/image/dc5v_pc.gif"_qs
+        << u"请使用配件附带USB线接入图示DC-5V和USB-C口，\n开始固件升级。"_qs;
+}
+
+void TestLayout::showsHowToConnect()
+{
+    QFETCH(DeviceModel, model);
+    QFETCH(QString, movie);
+    QFETCH(QString, hint);
+    const FreshWidgets fresh(model);
+    const FirmwareUpgradeWidget &panel = *fresh.panel;
+    QCOMPARE(panel.m_tipMovie->fileName(), movie);
+    QVERIFY(panel.m_tipMovie->isValid());
+    QCOMPARE(panel.m_tipMovie->parent(), panel.tipMoiveLb);
+    QCOMPARE(panel.m_tipMovie->state(), QMovie::NotRunning);
+    QCOMPARE(panel.tipMoiveLb->movie(), panel.m_tipMovie);
+    QCOMPARE(panel.m_connectHintLb->text(), hint);
+}
+
+void TestLayout::scalesTheAnimation()
+{
+    const FreshWidgets fresh;
+    QVERIFY(fresh.panel->tipMoiveLb->hasScaledContents());
+}
+
+void TestLayout::showsOnlyCardNotesAndBarAtFirst()
+{
+    const PanelStage stage;
+    stage.panel->show();
+    QStringList visible;
+    for (const Row &row : rows()) {
+        if (row.find(*stage.panel)->isVisible())
+            visible.append(QLatin1String(row.name));
+    }
+    QCOMPARE(visible,
+             (QStringList{u"m_titleLabel"_qs, u"m_closeBtn"_qs, u"verCompLb"_qs, u"cardAccentLb"_qs,
+                          u"cardDividerLb"_qs, u"m_curVerTitleLb"_qs, u"m_curVerLb"_qs, u"m_notesIconLb"_qs,
+                          u"m_notesTitleLb"_qs, u"m_notesLineLb"_qs, u"m_notesEdit"_qs, u"m_progressBar"_qs,
+                          u"upgradeProgDisPlay"_qs}));
+    QVERIFY(stage.panel->upgradeProgDisPlay->text().isEmpty());
+}
+
+void TestLayout::closes()
+{
+    const PanelStage stage;
+    stage.panel->show();
+    QTest::mouseClick(stage.panel->m_closeBtn, Qt::LeftButton);
+    QVERIFY(stage.panel->isHidden());
+}
+
+void TestLayout::connectsTheTwoButtonsOnly()
+{
+    const PanelStage stage;
+    QCOMPARE(stage.panel->m_closeBtn->receivers(SIGNAL(clicked(bool))), 1);
+    QCOMPARE(stage.panel->m_progressBar->receivers(SIGNAL(clicked())), 1);
+}
+
+QTEST_MAIN(TestLayout)
+#include "tst_layout.moc"

@@ -1,0 +1,406 @@
+#include "tests/panel/PhaseStage.h"
+#include "tests/support/PanelState.h"
+
+#include <QLabel>
+#include <QMovie>
+#include <QSignalSpy>
+#include <QTextEdit>
+
+namespace {
+
+const QString kImmediateStart
+    = QStringLiteral("Detect the OTG connected to R2, start upgrade otg firmware...");
+const QString kOtgReady = QStringLiteral("[OTG] OTG设备已就绪，延迟后启动OTG升级");
+
+/// What the waiting screen of one port tells the user; for the PC port the texts are those that stand there.
+struct Waiting {
+    QString movie;
+    QString detecting;
+    QString hint;
+};
+
+const QString kFormer = QStringLiteral("what stood there");
+
+Waiting pcWaiting(DeviceModel model)
+{
+    return {model == DeviceModel::R1 ? u":/new/prefix1/image/pc.gif"_qs
+                                     : u":/new/prefix1/image/dc5v_pc.gif"_qs,
+            {},
+            {}};
+}
+
+Waiting otgWaiting(DeviceModel model)
+{
+    if (model == DeviceModel::R1) {
+        return {u":/new/prefix1/image/pc_otg.gif"_qs, u"正在检测OTG接入..."_qs,
+                u"请使用配件附带的USB线，接入并保持USB-C和OTG口\n与电脑的连接。"_qs};
+    }
+    return {u":/new/prefix1/image/dc5v_otg.gif"_qs, u"正在检测OTG接入..."_qs,
+            u"请使用配件附带USB线接入图示DC-5V和OTG口,\n继续完成升级。"_qs};
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Waiting)
+
+class TestPhases : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void logsThePhase_data();
+    void logsThePhase();
+    void noPlanChangesNothing_data();
+    void noPlanChangesNothing();
+    void showsTheWaitingScreen_data();
+    void showsTheWaitingScreen();
+    void waitingScreenChangesInOrder_data();
+    void waitingScreenChangesInOrder();
+    void waitingScreenFollowsTheLanguage();
+    void waitingScreenReplacesTheAnimation();
+    void pcOnlyStartsAtZero();
+    void waitsForTheOtgInterface_data();
+    void waitsForTheOtgInterface();
+    void bothForgetsFormerReceivers();
+    void otgOnlyKeepsFormerReceivers();
+    void otgOnlyStartsAtOnceWhenTheInterfaceIsThere();
+    void otgOnlyStartsOnlyAfterTheScanHasReturned();
+    void otgOnlyStartsWhenTheInterfaceComes();
+    void otgOnlyShowsCardAndNotesWhenItStarts();
+    void otgOnlyStartsWhateverTheFlagsSay();
+    void choosesTheOtgProductId_data();
+    void choosesTheOtgProductId();
+    void startsOncePerPhase_data();
+    void startsOncePerPhase();
+    void bothDoesNotStartOtgBeforePcIsDone();
+    void retryOfTheOtgHalfFlashesOtgOnly();
+};
+
+void TestPhases::logsThePhase_data()
+{
+    QTest::addColumn<UpgradePlan>("plan");
+    QTest::addColumn<QString>("line");
+    QTest::newRow("None") << UpgradePlan::None << u"[Upgrade] 当前无需升级"_qs;
+    QTest::newRow("PcOnly") << UpgradePlan::PcOnly << u"[Upgrade] 开始执行 PC 固件升级流程"_qs;
+    QTest::newRow("OtgOnly") << UpgradePlan::OtgOnly << u"[Upgrade] 开始执行 OTG 固件升级流程"_qs;
+    QTest::newRow("Both") << UpgradePlan::Both << u"[Upgrade] 先升 PC 再升 OTG"_qs;
+}
+
+void TestPhases::logsThePhase()
+{
+    QFETCH(UpgradePlan, plan);
+    QFETCH(QString, line);
+    PhaseStage stage(plan);
+    stage.finishDownloads();
+    const QStringList lines = stage.log.lines();
+    const auto last = lines.indexOf(u"all firmware has downlaod well, start upgrade..."_qs);
+    QVERIFY(last >= 0);
+    QCOMPARE(lines.value(last + 1), line);
+    QCOMPARE(stage.log.startingWith(u"[Upgrade]"_qs), QStringList{line});
+}
+
+void TestPhases::noPlanChangesNothing_data()
+{
+    QTest::addColumn<UpgradePlan>("plan");
+    QTest::newRow("None") << UpgradePlan::None;
+    QTest::newRow("no plan of ours") << UpgradePlan(4);
+}
+
+void TestPhases::noPlanChangesNothing()
+{
+    QFETCH(UpgradePlan, plan);
+    PhaseStage stage(plan);
+    FirmwareUpgradeWidget &panel = *stage.panel;
+    panel.m_otgFirmwareDownloaded = true;
+    const QStringList screen = Screen::everything(panel);
+    const QStringList state = panelState(panel);
+    stage.finishDownloads();
+    QCOMPARE(Screen::everything(panel), screen);
+    QCOMPARE(panelState(panel), state);
+    QCOMPARE(stage.receiversOfOtgConnected(), 0);
+    QCOMPARE(stage.log.startingWith(u"[ConnectingR2]"_qs), QStringList());
+}
+
+void TestPhases::showsTheWaitingScreen_data()
+{
+    QTest::addColumn<UpgradePlan>("plan");
+    QTest::addColumn<DeviceModel>("model");
+    QTest::addColumn<Waiting>("waiting");
+    for (const DeviceModel model : {DeviceModel::R1, DeviceModel::R2, DeviceModel(6)}) {
+        const char *name = model == DeviceModel::R1 ? "R1"
+            : model == DeviceModel::R2              ? "R2"
+                                                    : "any other model";
+        QTest::addRow("PcOnly, %s", name) << UpgradePlan::PcOnly << model << pcWaiting(model);
+        QTest::addRow("OtgOnly, %s", name) << UpgradePlan::OtgOnly << model << otgWaiting(model);
+        QTest::addRow("Both, %s", name) << UpgradePlan::Both << model << pcWaiting(model);
+    }
+}
+
+void TestPhases::showsTheWaitingScreen()
+{
+    QFETCH(UpgradePlan, plan);
+    QFETCH(DeviceModel, model);
+    QFETCH(Waiting, waiting);
+    PhaseStage stage(plan, model);
+    FirmwareUpgradeWidget &panel = *stage.panel;
+    panel.m_isWaitingForUSB = false;
+    panel.m_detectingUsbLb->setText(kFormer);
+    panel.m_connectHintLb->setText(kFormer);
+    panel.m_progressBar->setBackgroundColor(Qt::red);
+    panel.m_upgradingLb->setText(kFormer);
+    stage.finishDownloads();
+    QCOMPARE(panel.m_tipMovie->fileName(), waiting.movie);
+    QCOMPARE(panel.m_tipMovie->state(), QMovie::Running);
+    QCOMPARE(panel.m_tipMovie->parent(), panel.tipMoiveLb);
+    QCOMPARE(panel.tipMoiveLb->movie(), panel.m_tipMovie);
+    if (!waiting.hint.isEmpty()) {
+        QCOMPARE(panel.m_detectingUsbLb->text(), waiting.detecting);
+        QCOMPARE(panel.m_connectHintLb->text(), waiting.hint);
+    }
+    QCOMPARE(panel.m_progressBar->m_backgroundColor, QColor(48, 49, 60, 255));
+    QVERIFY(panel.m_isWaitingForUSB);
+    QCOMPARE(panel.m_upgradingLb->text(), u"待USB线接入图示口..."_qs);
+    QCOMPARE(panel.m_upgradingLb->geometry(), QRect(140, 13, 159, 21));
+    QCOMPARE(panel.m_waitingIconLb->geometry(), QRect(108, 12, 24, 24));
+}
+
+void TestPhases::waitingScreenChangesInOrder_data()
+{
+    QTest::addColumn<UpgradePlan>("plan");
+    QTest::newRow("PcOnly") << UpgradePlan::PcOnly;
+    QTest::newRow("OtgOnly") << UpgradePlan::OtgOnly;
+    QTest::newRow("Both") << UpgradePlan::Both;
+}
+
+void TestPhases::waitingScreenChangesInOrder()
+{
+    QFETCH(UpgradePlan, plan);
+    PhaseStage stage(plan);
+    Screen::showOnly(*stage.panel,
+                     {u"m_progressBar"_qs, u"verCompLb"_qs, u"m_notesEdit"_qs, u"m_notesIconLb"_qs,
+                      u"m_notesTitleLb"_qs, u"m_notesLineLb"_qs, u"m_rocketLb"_qs, u"m_upgradeTextLb"_qs,
+                      u"m_failTextLb"_qs});
+    const VisibilityRecorder recorder(*stage.panel);
+    stage.finishDownloads();
+    QCOMPARE(recorder.changes,
+             (QStringList{u"-verCompLb"_qs, u"-m_notesEdit"_qs, u"-m_notesIconLb"_qs, u"-m_notesTitleLb"_qs,
+                          u"-m_notesLineLb"_qs, u"+tipMoiveLb"_qs, u"+m_detectingUsbLb"_qs,
+                          u"+m_connectHintLb"_qs, u"-m_rocketLb"_qs, u"-m_upgradeTextLb"_qs,
+                          u"+m_waitingIconLb"_qs, u"+m_upgradingLb"_qs}));
+}
+
+void TestPhases::waitingScreenFollowsTheLanguage()
+{
+    PhaseStage stage(UpgradePlan::OtgOnly);
+    QuillonFirmwareUpgrade::setLanguage(Language::English);
+    stage.finishDownloads();
+    QCOMPARE(stage.panel->m_detectingUsbLb->text(), u"Detecting OTG connection..."_qs);
+    QCOMPARE(
+        stage.panel->m_connectHintLb->text(),
+        u"To continue and complete the update, use the provided\nUSB cables to connect the DC-5V and OTG ports as\nshown."_qs);
+    QCOMPARE(stage.panel->m_upgradingLb->text(), u"Connect to the indicated USB ports. "_qs);
+    QCOMPARE(stage.panel->m_upgradingLb->geometry(), QRect(83, 13, 290, 21));
+}
+
+void TestPhases::waitingScreenReplacesTheAnimation()
+{
+    PhaseStage stage(UpgradePlan::PcOnly);
+    const QMovie *former = stage.panel->m_tipMovie;
+    stage.finishDownloads();
+    QVERIFY(stage.panel->m_tipMovie != former);
+}
+
+void TestPhases::pcOnlyStartsAtZero()
+{
+    PhaseStage stage(UpgradePlan::PcOnly);
+    stage.panel->m_progressBar->setValue(42);
+    stage.finishDownloads();
+    QCOMPARE(stage.panel->m_progressBar->value(), 0);
+}
+
+void TestPhases::waitsForTheOtgInterface_data()
+{
+    QTest::addColumn<UpgradePlan>("plan");
+    QTest::addColumn<int>("receivers");
+    QTest::addColumn<int>("scans");
+    QTest::newRow("PcOnly") << UpgradePlan::PcOnly << 0 << 0;
+    QTest::newRow("OtgOnly") << UpgradePlan::OtgOnly << 1 << 1;
+    QTest::newRow("Both") << UpgradePlan::Both << 1 << 1;
+}
+
+void TestPhases::waitsForTheOtgInterface()
+{
+    QFETCH(UpgradePlan, plan);
+    QFETCH(int, receivers);
+    QFETCH(int, scans);
+    PhaseStage stage(plan);
+    stage.log.clear();
+    stage.finishDownloads();
+    QCOMPARE(stage.receiversOfOtgConnected(), receivers);
+    QCOMPARE(stage.log.startingWith(u"[ConnectingR2] START"_qs).size(), scans);
+    QCOMPARE(stage.toolStarts(), QStringList());
+}
+
+void TestPhases::bothForgetsFormerReceivers()
+{
+    PhaseStage stage(UpgradePlan::Both);
+    const QSignalSpy host(stage.panel.get(), &FirmwareUpgradeWidget::r2otgConnected);
+    stage.finishDownloads();
+    Q_EMIT stage.panel->r2otgConnected();
+    QCOMPARE(host.size(), 0);
+}
+
+void TestPhases::otgOnlyKeepsFormerReceivers()
+{
+    PhaseStage stage(UpgradePlan::OtgOnly);
+    const QSignalSpy host(stage.panel.get(), &FirmwareUpgradeWidget::r2otgConnected);
+    stage.finishDownloads();
+    Q_EMIT stage.panel->r2otgConnected();
+    QCOMPARE(host.size(), 1);
+    QTRY_COMPARE(stage.log.count(kImmediateStart), 1);
+    Q_EMIT stage.panel->r2otgConnected();
+    QCOMPARE(host.size(), 1);
+}
+
+void TestPhases::otgOnlyStartsAtOnceWhenTheInterfaceIsThere()
+{
+    PhaseStage stage(UpgradePlan::OtgOnly);
+    PanelStage::bus().plug(0x001F);
+    QTRY_COMPARE(stage.panel->lastDetectedOtgPid, 0x1F);
+    stage.panel->lastDetectedOtgPid = 0;
+    stage.finishDownloads();
+    QTRY_COMPARE(stage.toolStarts(), QStringList{ToolStarts::kR2OtgNormal});
+    const QStringList lines = stage.log.lines();
+    QVERIFY(lines.lastIndexOf(u"OTG already present, trigger OTG upgrade directly"_qs)
+            < lines.indexOf(kImmediateStart));
+    QCOMPARE(stage.receiversOfOtgConnected(), 0);
+}
+
+void TestPhases::otgOnlyStartsOnlyAfterTheScanHasReturned()
+{
+    PhaseStage stage(UpgradePlan::OtgOnly);
+    stage.finishDownloads();
+    stage.panel->ConnectingR2({ScriptedBus::pathFor(0x001F)}, {0x001F});
+    QVERIFY(!stage.log.contains(kImmediateStart));
+    QTRY_VERIFY(stage.log.contains(kImmediateStart));
+}
+
+void TestPhases::otgOnlyStartsWhenTheInterfaceComes()
+{
+    PhaseStage stage(UpgradePlan::OtgOnly);
+    stage.finishDownloads();
+    QVERIFY(stage.log.contains(u"OTG ready phase, but OTG device not found yet"_qs));
+    PanelStage::bus().plug(0x0065);
+    QTRY_COMPARE(stage.toolStarts(), QStringList{ToolStarts::kR2OtgBootLoader});
+}
+
+void TestPhases::otgOnlyShowsCardAndNotesWhenItStarts()
+{
+    PhaseStage stage(UpgradePlan::OtgOnly);
+    FirmwareUpgradeWidget &panel = *stage.panel;
+    stage.finishDownloads();
+    const VisibilityRecorder recorder(panel);
+    Q_EMIT panel.r2otgConnected();
+    QTRY_VERIFY(!stage.toolStarts().isEmpty());
+    QCOMPARE(panel.m_tipMovie->state(), QMovie::NotRunning);
+    QCOMPARE(
+        recorder.changes,
+        (QStringList{u"-tipMoiveLb"_qs, u"-m_detectingUsbLb"_qs, u"-m_connectHintLb"_qs, u"+verCompLb"_qs,
+                     u"+m_notesEdit"_qs, u"+m_notesIconLb"_qs, u"+m_notesTitleLb"_qs, u"+m_notesLineLb"_qs}));
+}
+
+void TestPhases::otgOnlyStartsWhateverTheFlagsSay()
+{
+    PhaseStage stage(UpgradePlan::OtgOnly);
+    stage.finishDownloads();
+    stage.panel->m_isUpgrading = false;
+    stage.panel->m_upgradePlan = UpgradePlan::None;
+    Q_EMIT stage.panel->r2otgConnected();
+    QTRY_COMPARE(stage.toolStarts().size(), 1);
+}
+
+void TestPhases::choosesTheOtgProductId_data()
+{
+    QTest::addColumn<DeviceModel>("model");
+    QTest::addColumn<int>("seen");
+    QTest::addColumn<bool>("recovering");
+    QTest::addColumn<QString>("start");
+    QTest::newRow("R1, none seen") << DeviceModel::R1 << 0 << false << ToolStarts::kR1Otg;
+    QTest::newRow("R2, none seen") << DeviceModel::R2 << 0 << false << ToolStarts::kR2OtgNormal;
+    QTest::newRow("R2, none seen, recovering") << DeviceModel::R2 << 0 << true << ToolStarts::kR2OtgNormal;
+    QTest::newRow("R2, boot loader seen") << DeviceModel::R2 << 0x65 << false << ToolStarts::kR2OtgBootLoader;
+    QTest::newRow("R2, whatever was seen") << DeviceModel::R2 << 0x12 << false << ToolStarts::kR1Otg;
+}
+
+void TestPhases::choosesTheOtgProductId()
+{
+    QFETCH(DeviceModel, model);
+    QFETCH(int, seen);
+    QFETCH(bool, recovering);
+    QFETCH(QString, start);
+    PhaseStage stage(UpgradePlan::OtgOnly, model);
+    stage.finishDownloads();
+    stage.panel->lastDetectedOtgPid = seen;
+    stage.panel->m_autoRecoverRunning = recovering;
+    Q_EMIT stage.panel->r2otgConnected();
+    QTRY_COMPARE(stage.toolStarts(), QStringList{start});
+}
+
+void TestPhases::startsOncePerPhase_data()
+{
+    QTest::addColumn<UpgradePlan>("plan");
+    QTest::addColumn<QString>("line");
+    QTest::newRow("OtgOnly") << UpgradePlan::OtgOnly << kImmediateStart;
+    QTest::newRow("Both") << UpgradePlan::Both << kOtgReady;
+}
+
+/// Discovery may see the interface several times before the event loop turns.
+void TestPhases::startsOncePerPhase()
+{
+    QFETCH(UpgradePlan, plan);
+    QFETCH(QString, line);
+    PhaseStage stage(plan);
+    stage.finishDownloads();
+    stage.panel->pcUpgradeCompleted = true;
+    const QStringList interface {
+        ScriptedBus::pathFor(0x001F)
+    };
+    stage.panel->ConnectingR2(interface, {0x001F});
+    stage.panel->ConnectingR2(interface, {0x001F});
+    Q_EMIT stage.panel->r2otgConnected();
+    QTRY_VERIFY(stage.log.contains(line));
+    stage.panel->ConnectingR2(interface, {0x001F});
+    QCoreApplication::processEvents();
+    QCOMPARE(stage.log.count(line), 1);
+    QCOMPARE(stage.toolStarts().size(), plan == UpgradePlan::OtgOnly ? 1 : 0);
+}
+
+void TestPhases::bothDoesNotStartOtgBeforePcIsDone()
+{
+    PhaseStage stage(UpgradePlan::Both);
+    PanelStage::bus().plug(0x001F);
+    stage.finishDownloads();
+    QTRY_COMPARE(stage.panel->lastDetectedOtgPid, 0x1F);
+    QVERIFY(stage.log.contains(u"find r2 otg device, but not ready for OTG upgrade yet"_qs));
+    QCoreApplication::processEvents();
+    QVERIFY(!stage.log.contains(kOtgReady));
+    QCOMPARE(stage.receiversOfOtgConnected(), 1);
+}
+
+void TestPhases::retryOfTheOtgHalfFlashesOtgOnly()
+{
+    PhaseStage stage(UpgradePlan::Both);
+    FirmwareUpgradeWidget &panel = *stage.panel;
+    panel.pcUpgradeCompleted = true;
+    panel.showUpgradeFailureUI();
+    QCOMPARE(panel.m_upgradePlan, UpgradePlan::OtgOnly);
+    PanelStage::bus().plug(0x001F);
+    stage.click();
+    QTRY_COMPARE(stage.toolStarts(), QStringList{ToolStarts::kR2OtgNormal});
+    QCOMPARE(stage.server.paths(), (QStringList{ServerPaths::kR2PcImage, ServerPaths::kR2OtgImage}));
+    QCOMPARE(contentOf(panel.m_pcFirmwarePath), QByteArray(kPcImage));
+    QCOMPARE(contentOf(panel.m_otgFirmwarePath), QByteArray(kOtgImage));
+    QCOMPARE(panel.m_upgradePlan, UpgradePlan::OtgOnly);
+}
+
+QTEST_MAIN(TestPhases)
+#include "tst_phases.moc"

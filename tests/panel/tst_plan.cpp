@@ -1,0 +1,165 @@
+// From four versions to a plan and its announcement, and the device that is too old for it.
+#include "tests/panel/PanelStage.h"
+#include "tests/support/PanelState.h"
+#include "widgets/ClickableProgressBar.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+namespace {
+const QString kTooOldLine = u"[VersionCheck] firmware too old, upgrade blocked. PC:%1 OTG:%2"_qs;
+constexpr QColor kFailureRed{248, 74, 75};
+} // namespace
+
+class PlanTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void decision_data();
+    void decision();
+    void decisionIsNotStored();
+
+    void tooOldIsBlocked_data();
+    void tooOldIsBlocked();
+
+private:
+    FirmwareUpgradeWidget &panel() { return *m_stage->panel; }
+
+    std::unique_ptr<PanelStage> m_stage;
+};
+
+void PlanTest::init()
+{
+    m_stage = std::make_unique<PanelStage>();
+    m_stage->log.clear();
+}
+
+void PlanTest::cleanup()
+{
+    m_stage.reset();
+}
+
+void PlanTest::decision_data()
+{
+    QTest::addColumn<QString>("devicePc");
+    QTest::addColumn<QString>("remotePc");
+    QTest::addColumn<QString>("deviceOtg");
+    QTest::addColumn<QString>("remoteOtg");
+    QTest::addColumn<UpgradePlan>("plan");
+    QTest::addColumn<QString>("shown");
+    const QString old = u"1.2.0"_qs;
+    const QString current = u"1.3.0"_qs;
+    const QString none;
+    constexpr auto None = UpgradePlan::None;
+    constexpr auto PcOnly = UpgradePlan::PcOnly;
+    constexpr auto OtgOnly = UpgradePlan::OtgOnly;
+    constexpr auto Both = UpgradePlan::Both;
+
+    QTest::newRow("both up to date") << current << current << current << current << None << current;
+    QTest::newRow("PC older") << old << current << current << current << PcOnly << current;
+    QTest::newRow("OTG older") << current << current << old << current << OtgOnly << current;
+    QTest::newRow("both older") << old << current << old << current << Both << current;
+    QTest::newRow("both newer are never downgraded") << current << old << current << old << None << current;
+    QTest::newRow("PC newer, OTG older: the device's PC version is shown")
+        << current << old << old << current << OtgOnly << current;
+    QTest::newRow("PC older, OTG newer") << old << current << current << old << PcOnly << current;
+    QTest::newRow("2.0.0 on the device, 1.9.9 on the server")
+        << u"2.0.0"_qs << u"1.9.9"_qs << none << none << None << u"2.0.0"_qs;
+    QTest::newRow("1.2 equals 1.2.0") << u"1.2"_qs << u"1.2.0"_qs << none << none << None << u"1.2"_qs;
+    QTest::newRow("1.0.9 needs 1.1.0, blocked or not")
+        << u"1.0.9"_qs << u"1.1.0"_qs << none << none << PcOnly << u"1.1.0"_qs;
+
+    QTest::newRow("nothing known") << none << none << none << none << None << none;
+    QTest::newRow("only the server's versions known")
+        << none << current << none << current << None << current;
+    QTest::newRow("only the device's versions known") << old << none << old << none << None << old;
+    QTest::newRow("only the PC version of the device") << old << none << none << none << None << old;
+    QTest::newRow("only the PC version of the server") << none << current << none << none << None << current;
+    QTest::newRow("only the OTG version of the device") << none << none << old << none << None << none;
+    QTest::newRow("only the OTG version of the server") << none << none << none << current << None << none;
+    QTest::newRow("OTG older, PC not known: nothing is shown")
+        << none << none << old << current << OtgOnly << none;
+    QTest::newRow("OTG older, PC of the device known") << old << none << old << current << OtgOnly << old;
+    QTest::newRow("PC older, OTG of the device not known")
+        << old << current << none << current << PcOnly << current;
+    QTest::newRow("PC older, OTG of the server not known")
+        << old << current << old << none << PcOnly << current;
+    QTest::newRow("no working firmware: 0.0.0")
+        << u"0.0.0"_qs << current << u"0.0.0"_qs << current << Both << current;
+}
+
+void PlanTest::decision()
+{
+    QFETCH(QString, devicePc);
+    QFETCH(QString, remotePc);
+    QFETCH(QString, deviceOtg);
+    QFETCH(QString, remoteOtg);
+    QFETCH(UpgradePlan, plan);
+    QFETCH(QString, shown);
+    setVersions(panel(), devicePc, remotePc, deviceOtg, remoteOtg);
+    QSignalSpy announced(&panel(), &FirmwareUpgradeWidget::upgradeDisplayMsg);
+
+    QCOMPARE(panel().decideUpgradePlan(), plan);
+    QCOMPARE(announced.count(), 1);
+    QCOMPARE(announced.at(0).at(0).toString(), shown);
+    QCOMPARE(announced.at(0).at(1).toBool(), plan != UpgradePlan::None);
+}
+
+void PlanTest::decisionIsNotStored()
+{
+    setVersions(panel(), u"1.2.0"_qs, u"1.3.0"_qs, u"1.2.0"_qs, u"1.3.0"_qs);
+    const QStringList before = panelState(panel());
+
+    QCOMPARE(panel().decideUpgradePlan(), UpgradePlan::Both);
+    QCOMPARE(panelState(panel()), before);
+}
+
+void PlanTest::tooOldIsBlocked_data()
+{
+    QTest::addColumn<QString>("devicePc");
+    QTest::addColumn<QString>("deviceOtg");
+    QTest::addColumn<UpgradePlan>("plan");
+    QTest::addColumn<bool>("isRecovering");
+    QTest::addColumn<bool>("isBlocked");
+    const QString old = u"1.0.9"_qs;
+    const QString good = u"1.2.0"_qs;
+    QTest::newRow("PC too old") << old << good << UpgradePlan::PcOnly << false << true;
+    QTest::newRow("OTG too old") << good << old << UpgradePlan::OtgOnly << false << true;
+    QTest::newRow("both too old") << old << old << UpgradePlan::Both << false << true;
+    QTest::newRow("PC too old, only the OTG chip to upgrade")
+        << old << good << UpgradePlan::OtgOnly << false << true;
+    QTest::newRow("OTG too old, only the PC chip to upgrade")
+        << good << old << UpgradePlan::PcOnly << false << true;
+    QTest::newRow("1.1.0 is too old") << u"1.1.0"_qs << good << UpgradePlan::PcOnly << false << true;
+    QTest::newRow("1.1.1 is not") << u"1.1.1"_qs << u"1.1.1"_qs << UpgradePlan::Both << false << false;
+    QTest::newRow("unknown OTG version") << u"1.1.1"_qs << QString() << UpgradePlan::PcOnly << false << false;
+    QTest::newRow("unknown PC version") << QString() << u"1.1.1"_qs << UpgradePlan::OtgOnly << false << false;
+    QTest::newRow("unknown PC version, OTG too old")
+        << QString() << old << UpgradePlan::OtgOnly << false << true;
+    QTest::newRow("neither version known") << QString() << QString() << UpgradePlan::Both << false << false;
+    QTest::newRow("a recovery is not blocked") << old << old << UpgradePlan::Both << true << false;
+    QTest::newRow("nothing to upgrade") << old << old << UpgradePlan::None << false << false;
+}
+
+void PlanTest::tooOldIsBlocked()
+{
+    QFETCH(QString, devicePc);
+    QFETCH(QString, deviceOtg);
+    QFETCH(UpgradePlan, plan);
+    QFETCH(bool, isRecovering);
+    QFETCH(bool, isBlocked);
+    setVersions(panel(), devicePc, u"1.3.0"_qs, deviceOtg, u"1.3.0"_qs);
+    panel().m_upgradePlan = plan;
+    panel().m_autoRecoverRunning = isRecovering;
+
+    panel().updateUIByUpgradeState();
+    QCOMPARE(m_stage->log.count(kTooOldLine.arg(devicePc, deviceOtg)), isBlocked ? 1 : 0);
+    QCOMPARE(panel().m_progressBar->isClickable(), !isBlocked);
+    QCOMPARE(panel().m_progressBar->m_backgroundColor == kFailureRed, isBlocked);
+}
+
+QTEST_MAIN(PlanTest)
+#include "tst_plan.moc"

@@ -1,0 +1,213 @@
+// When the versions that came in may change the plan, and what the user sees of it.
+#include "tests/panel/PanelStage.h"
+#include "tests/support/DeviceReplies.h"
+#include "tests/support/PanelState.h"
+
+#include <QLabel>
+#include <QSignalSpy>
+#include <QTest>
+
+namespace {
+/// Reads nothing and asks nothing, but is followed by the plan step.
+const QByteArray kOtherReply = DeviceReplies::version(0x0033, {1, 1, 1});
+
+const QString kWaitingLine = u"[VersionRead] 升级后等待期，跳过UI刷新 PC:%1 OTG:%2"_qs;
+const QString kKeptLine = u"[Upgrade] 升级进行中，保持当前升级计划: %1 PC版本:%2 OTG版本:%3"_qs;
+} // namespace
+
+class PlanStepTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void planStepNeedsItsVersions_data();
+    void planStepNeedsItsVersions();
+    void idlePanelTakesThePlan_data();
+    void idlePanelTakesThePlan();
+    void screenIsRefreshedBeforeThePlanIsLogged();
+    void runningUpgradeKeepsThePlan_data();
+    void runningUpgradeKeepsThePlan();
+
+    void waitAfterAnUpgradeIsSilent_data();
+    void waitAfterAnUpgradeIsSilent();
+    void waitComesBeforeARunningUpgrade();
+    void nextReadAfterTheWaitIsLoud();
+
+private:
+    FirmwareUpgradeWidget &panel() { return *m_stage->panel; }
+    QString shownNumber() const { return m_stage->panel->m_newVerLb->text(); }
+
+    std::unique_ptr<PanelStage> m_stage;
+};
+
+void PlanStepTest::init()
+{
+    m_stage = std::make_unique<PanelStage>();
+    m_stage->log.clear();
+}
+
+void PlanStepTest::cleanup()
+{
+    m_stage.reset();
+}
+
+void PlanStepTest::planStepNeedsItsVersions_data()
+{
+    QTest::addColumn<QStringList>("versions"); // PC of device and server, OTG of device and server
+    QTest::addColumn<bool>("isTaken");
+    const QString old = u"1.2.0"_qs;
+    const QString current = u"1.3.0"_qs;
+    const QString failed = u"104"_qs;
+    QTest::newRow("all four known") << QStringList{old, current, current, current} << true;
+    QTest::newRow("PC query failed") << QStringList{old, failed, old, current} << false;
+    QTest::newRow("OTG query failed") << QStringList{old, current, old, failed} << false;
+    QTest::newRow("both queries failed") << QStringList{old, failed, old, failed} << false;
+    QTest::newRow("PC version of the device not known")
+        << QStringList{QString(), current, old, current} << false;
+    QTest::newRow("OTG version of the device not known")
+        << QStringList{old, current, QString(), current} << false;
+    QTest::newRow("OTG version of the server never fetched")
+        << QStringList{old, current, old, QString()} << true;
+    QTest::newRow("PC version of the server came back empty")
+        << QStringList{old, QString(), old, current} << true;
+    QTest::newRow("a device of version 104 is no failure")
+        << QStringList{failed, current, failed, current} << true;
+    QTest::newRow("a server version that begins with 104 is no failure")
+        << QStringList{old, u"104.0.0"_qs, old, current} << true;
+}
+
+void PlanStepTest::planStepNeedsItsVersions()
+{
+    QFETCH(QStringList, versions);
+    QFETCH(bool, isTaken);
+    setVersions(panel(), versions.at(0), versions.at(1), versions.at(2), versions.at(3));
+    panel().m_upgradePlan = static_cast<UpgradePlan>(42); // of an earlier read, and recognisable
+    QSignalSpy announced(&panel(), &FirmwareUpgradeWidget::upgradeDisplayMsg);
+
+    panel().onReceiveHIDdata(kOtherReply);
+    QCOMPARE(announced.count(), isTaken ? 1 : 0);
+    QCOMPARE(int(panel().m_upgradePlan) != 42, isTaken);
+}
+
+void PlanStepTest::idlePanelTakesThePlan_data()
+{
+    QTest::addColumn<QString>("devicePc");
+    QTest::addColumn<QString>("deviceOtg");
+    QTest::addColumn<UpgradePlan>("plan");
+    QTest::addColumn<QString>("line");
+    QTest::newRow("None") << u"1.3.0"_qs << u"1.3.0"_qs << UpgradePlan::None << u"[Upgrade] 不需要升级"_qs;
+    QTest::newRow("PcOnly") << u"1.2.0"_qs << u"1.3.0"_qs << UpgradePlan::PcOnly
+                            << u"[Upgrade] 需要升级 PC 固件。device=1.2.0remote=1.3.0"_qs;
+    QTest::newRow("OtgOnly") << u"1.3.0"_qs << u"1.2.0"_qs << UpgradePlan::OtgOnly
+                             << u"[Upgrade] 需要升级 OTG 固件"_qs;
+    QTest::newRow("Both") << u"1.2.0"_qs << u"1.2.0"_qs << UpgradePlan::Both
+                          << u"[Upgrade] PC + OTG 都需要升级 （先升级PC再升级OTG）"_qs;
+}
+
+void PlanStepTest::idlePanelTakesThePlan()
+{
+    QFETCH(QString, devicePc);
+    QFETCH(QString, deviceOtg);
+    QFETCH(QString, line);
+    setVersions(panel(), devicePc, u"1.3.0"_qs, deviceOtg, u"1.3.0"_qs);
+
+    panel().onReceiveHIDdata(kOtherReply);
+    QTEST(panel().m_upgradePlan, "plan");
+    QCOMPARE(m_stage->log.startingWith(u"[Upgrade]"_qs), QStringList(line));
+    QCOMPARE(shownNumber(), u"V1.3.0"_qs); // the screen is refreshed
+}
+
+void PlanStepTest::screenIsRefreshedBeforeThePlanIsLogged()
+{
+    setVersions(panel(), u"1.2.0"_qs, u"1.3.0"_qs, u"1.3.0"_qs, u"1.3.0"_qs);
+
+    panel().onReceiveHIDdata(kOtherReply);
+    const QString notesLine = m_stage->log.startingWith(u"######22222 isChinese is: "_qs).value(0);
+    QVERIFY(!notesLine.isEmpty());
+    QCOMPARE(m_stage->log.lines().constLast(), u"[Upgrade] 需要升级 PC 固件。device=1.2.0remote=1.3.0"_qs);
+}
+
+void PlanStepTest::runningUpgradeKeepsThePlan_data()
+{
+    QTest::addColumn<int>("plan");
+    QTest::addColumn<QString>("name");
+    QTest::newRow("None reads OtgOnly") << 0 << u"OtgOnly"_qs;
+    QTest::newRow("PcOnly") << 1 << u"PcOnly"_qs;
+    QTest::newRow("OtgOnly") << 2 << u"OtgOnly"_qs;
+    QTest::newRow("Both") << 3 << u"Both"_qs;
+}
+
+void PlanStepTest::runningUpgradeKeepsThePlan()
+{
+    QFETCH(int, plan);
+    QFETCH(QString, name);
+    setVersions(panel(), u"1.2.0"_qs, u"1.3.0"_qs, u"1.2.4"_qs, u"1.2.4"_qs);
+    panel().m_isUpgrading = true;
+    panel().m_upgradePlan = static_cast<UpgradePlan>(plan);
+    const QStringList before = panelState(panel());
+    const QStringList screen = Screen::everything(panel());
+    QSignalSpy announced(&panel(), &FirmwareUpgradeWidget::upgradeDisplayMsg);
+
+    panel().onReceiveHIDdata(kOtherReply);
+    QCOMPARE(m_stage->log.lines().mid(1), QStringList(kKeptLine.arg(name, u"1.2.0"_qs, u"1.2.4"_qs)));
+    QCOMPARE(panelState(panel()), before);
+    QCOMPARE(Screen::everything(panel()), screen);
+    QCOMPARE(announced.count(), 0);
+}
+
+void PlanStepTest::waitAfterAnUpgradeIsSilent_data()
+{
+    QTest::addColumn<QString>("devicePc");
+    QTest::addColumn<UpgradePlan>("plan");
+    QTest::newRow("the new version is there") << u"1.3.0"_qs << UpgradePlan::None;
+    QTest::newRow("the device still has the old one") << u"1.2.0"_qs << UpgradePlan::PcOnly;
+}
+
+void PlanStepTest::waitAfterAnUpgradeIsSilent()
+{
+    QFETCH(QString, devicePc);
+    QFETCH(UpgradePlan, plan);
+    setVersions(panel(), devicePc, u"1.3.0"_qs, u"1.2.4"_qs, u"1.2.4"_qs);
+    panel().m_postUpgradeWaiting = true;
+    panel().m_zeroVersionCount = 3;
+    panel().m_upgradePlan = UpgradePlan::Both;
+    const QStringList screen = Screen::everything(panel());
+    QSignalSpy announced(&panel(), &FirmwareUpgradeWidget::upgradeDisplayMsg);
+
+    panel().onReceiveHIDdata(kOtherReply);
+    QCOMPARE(m_stage->log.lines().mid(1), QStringList(kWaitingLine.arg(devicePc, u"1.2.4"_qs)));
+    QVERIFY(!panel().m_postUpgradeWaiting);
+    QCOMPARE(panel().m_zeroVersionCount, 0);
+    QCOMPARE(panel().m_upgradePlan, plan);
+    QCOMPARE(announced.count(), 1);
+    QCOMPARE(Screen::everything(panel()), screen);
+    QCOMPARE(m_stage->server.paths(), QStringList());
+}
+
+void PlanStepTest::waitComesBeforeARunningUpgrade()
+{
+    setVersions(panel(), u"1.3.0"_qs, u"1.3.0"_qs, u"1.2.4"_qs, u"1.2.4"_qs);
+    panel().m_postUpgradeWaiting = panel().m_isUpgrading = true;
+    panel().m_upgradePlan = UpgradePlan::Both;
+
+    panel().onReceiveHIDdata(kOtherReply);
+    QVERIFY(!panel().m_postUpgradeWaiting);
+    QCOMPARE(panel().m_upgradePlan, UpgradePlan::None);
+    QCOMPARE(m_stage->log.startingWith(u"[Upgrade]"_qs), QStringList());
+}
+
+void PlanStepTest::nextReadAfterTheWaitIsLoud()
+{
+    setVersions(panel(), u"1.3.0"_qs, u"1.3.0"_qs, u"1.2.4"_qs, u"1.2.4"_qs);
+    panel().m_postUpgradeWaiting = true;
+    panel().onReceiveHIDdata(kOtherReply);
+
+    panel().onReceiveHIDdata(kOtherReply);
+    QCOMPARE(m_stage->log.startingWith(u"[Upgrade]"_qs), QStringList(u"[Upgrade] 不需要升级"_qs));
+    QCOMPARE(shownNumber(), u"V1.3.0"_qs);
+}
+
+QTEST_MAIN(PlanStepTest)
+#include "tst_plan_step.moc"

@@ -1,0 +1,183 @@
+#include "tests/panel/PanelStage.h"
+#include "widgets/ClickableProgressBar.h"
+
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <utility>
+
+namespace {
+
+const QString kExhausted = QStringLiteral("[Refresh] version refresh retries exhausted");
+const QString kUpToDate = QStringLiteral("[Refresh] versions are up-to-date, refresh UI");
+const QString kModeQuery = QStringLiteral("hid: DC_AddSendData(65: 51 c4 09 00 00 04 08 10 17 ff)");
+
+/// Four known versions; the plan and the screen are of another time, so that a refresh shows.
+struct Known : PanelStage {
+    explicit Known(const QStringList &versions = {u"1.2.0"_qs, u"1.2.3"_qs, u"1.0.4"_qs, u"1.0.4"_qs})
+    {
+        // The query that every panel sends shortly after its start is not one of a refresh.
+        const auto queries = [this] { return log.count(kModeQuery); };
+        const bool sent = QTest::qWaitFor([&queries] { return queries() == 1; });
+        Q_ASSERT(sent);
+        Q_UNUSED(sent)
+        panel->m_devicePcVersion = versions.value(0);
+        panel->m_remotePcVersion = versions.value(1);
+        panel->m_deviceOtgVersion = versions.value(2);
+        panel->m_remoteOtgVersion = versions.value(3);
+        panel->m_upgradePlan = UpgradePlan::OtgOnly;
+        panel->m_progressBar->setBackgroundColor(Qt::black);
+        panel->show();
+        log.clear();
+    }
+
+    int queries() const { return log.count(kModeQuery); }
+    bool isRepainted() const { return panel->m_progressBar->m_backgroundColor != QColor(Qt::black); }
+};
+
+} // namespace
+
+class TestRefresh : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void endsAtOnceWithoutAttempts_data();
+    void endsAtOnceWithoutAttempts();
+    void endsSilentlyWithoutTheLibrary();
+    void endsWhenBothSidesAreUpToDate_data();
+    void endsWhenBothSidesAreUpToDate();
+    void triesAgainUntilNothingIsLeft();
+    void logsWhatItSees();
+    void seesWhatHasArrivedMeanwhile();
+    void asksBeforeItWaits();
+    void endsWithThePanel();
+};
+
+void TestRefresh::endsAtOnceWithoutAttempts_data()
+{
+    QTest::addColumn<int>("retries");
+    QTest::newRow("none left") << 0;
+    QTest::newRow("fewer than none") << -3;
+}
+
+void TestRefresh::endsAtOnceWithoutAttempts()
+{
+    QFETCH(int, retries);
+    const Known stage;
+    const QSignalSpy decided(stage.panel.get(), &FirmwareUpgradeWidget::upgradeDisplayMsg);
+    stage.panel->requestVersionRefreshWithRetry(retries);
+    QCOMPARE(stage.log.startingWith(u"[Refresh]"_qs), QStringList{kExhausted});
+    QCOMPARE(stage.panel->m_upgradePlan, UpgradePlan::PcOnly);
+    QVERIFY(stage.isRepainted());
+    QCOMPARE(decided.size(), 1);
+    QCOMPARE(stage.queries(), 0);
+}
+
+void TestRefresh::endsSilentlyWithoutTheLibrary()
+{
+    const Known stage;
+    auto *library = std::exchange(stage.panel->m_hidManager, nullptr);
+    stage.panel->requestVersionRefreshWithRetry(3);
+    QTest::qWait(700);
+    QCOMPARE(stage.log.startingWith(u"[Refresh]"_qs), QStringList());
+    QCOMPARE(stage.panel->m_upgradePlan, UpgradePlan::OtgOnly);
+    QVERIFY(!stage.isRepainted());
+    stage.panel->m_hidManager = library;
+}
+
+void TestRefresh::endsWhenBothSidesAreUpToDate_data()
+{
+    QTest::addColumn<QStringList>("versions");
+    QTest::addColumn<bool>("upToDate");
+    const auto row = [](const char *name, const QStringList &versions, bool upToDate) {
+        QTest::newRow(name) << versions << upToDate;
+    };
+    row("all equal", {u"1.2.3"_qs, u"1.2.3"_qs, u"1.0.4"_qs, u"1.0.4"_qs}, true);
+    row("the device is newer", {u"1.3.0"_qs, u"1.2.3"_qs, u"2.0"_qs, u"1.0.4"_qs}, true);
+    row("equal in other words", {u"1.2"_qs, u"1.2.0"_qs, u"1.0.4"_qs, u"1.0.4"_qs}, true);
+    row("PC is older", {u"1.2.2"_qs, u"1.2.3"_qs, u"1.0.4"_qs, u"1.0.4"_qs}, false);
+    row("OTG is older", {u"1.2.3"_qs, u"1.2.3"_qs, u"1.0.3"_qs, u"1.0.4"_qs}, false);
+    row("the device's PC version is unknown", {QString(), u"1.2.3"_qs, u"1.0.4"_qs, u"1.0.4"_qs}, false);
+    row("the server's PC version is unknown", {u"1.2.3"_qs, QString(), u"1.0.4"_qs, u"1.0.4"_qs}, false);
+    row("the device's OTG version is unknown", {u"1.2.3"_qs, u"1.2.3"_qs, QString(), u"1.0.4"_qs}, false);
+    row("the server's OTG version is unknown", {u"1.2.3"_qs, u"1.2.3"_qs, u"1.0.4"_qs, QString()}, false);
+    row("nothing is known", {}, false);
+}
+
+void TestRefresh::endsWhenBothSidesAreUpToDate()
+{
+    QFETCH(QStringList, versions);
+    QFETCH(bool, upToDate);
+    const Known stage(versions);
+    stage.panel->requestVersionRefreshWithRetry(2);
+    QCOMPARE(stage.queries(), 1);
+    QVERIFY(!stage.isRepainted());
+    QTRY_VERIFY(!stage.log.startingWith(u"[Refresh]"_qs).isEmpty());
+    QCOMPARE(stage.log.contains(kUpToDate), upToDate);
+    QCOMPARE(stage.isRepainted(), upToDate);
+    QCOMPARE(stage.panel->m_upgradePlan, upToDate ? UpgradePlan::None : UpgradePlan::OtgOnly);
+    QCOMPARE(stage.queries(), upToDate ? 1 : 2);
+    if (upToDate) {
+        QTest::qWait(700);
+        QCOMPARE(stage.log.startingWith(u"[Refresh]"_qs), QStringList{kUpToDate});
+    }
+}
+
+void TestRefresh::triesAgainUntilNothingIsLeft()
+{
+    const Known stage;
+    QElapsedTimer clock;
+    clock.start();
+    stage.panel->requestVersionRefreshWithRetry(3);
+    QTRY_VERIFY(stage.log.contains(kExhausted));
+    QVERIFY2(clock.elapsed() >= 3 * 490, "half a second between two attempts");
+    const QString seen = u"pc=1.2.0/1.2.3otg=1.0.4/1.0.4"_qs;
+    QCOMPARE(stage.log.startingWith(u"[Refresh]"_qs),
+             (QStringList{u"[Refresh] not ready yet, retry left:2"_qs + seen,
+                          u"[Refresh] not ready yet, retry left:1"_qs + seen,
+                          u"[Refresh] not ready yet, retry left:0"_qs + seen, kExhausted}));
+    QCOMPARE(stage.queries(), 3);
+    QCOMPARE(stage.panel->m_upgradePlan, UpgradePlan::PcOnly);
+    QVERIFY(stage.isRepainted());
+}
+
+void TestRefresh::logsWhatItSees()
+{
+    const Known stage({u"1.2.0"_qs, QString(), u"0.0.0"_qs, u"104"_qs});
+    stage.panel->requestVersionRefreshWithRetry(1);
+    QTRY_VERIFY(stage.log.contains(u"[Refresh] not ready yet, retry left:0pc=1.2.0/otg=0.0.0/104"_qs));
+}
+
+void TestRefresh::seesWhatHasArrivedMeanwhile()
+{
+    const Known stage;
+    stage.panel->requestVersionRefreshWithRetry(5);
+    QTRY_COMPARE(stage.log.startingWith(u"[Refresh] not ready yet"_qs).size(), 1);
+    stage.panel->m_devicePcVersion = u"1.2.3"_qs;
+    QTRY_VERIFY(stage.log.contains(kUpToDate));
+    QCOMPARE(stage.log.startingWith(u"[Refresh] not ready yet"_qs).size(), 1);
+    QCOMPARE(stage.queries(), 2);
+}
+
+void TestRefresh::asksBeforeItWaits()
+{
+    const Known stage;
+    stage.panel->requestVersionRefreshWithRetry(1);
+    QCOMPARE(stage.queries(), 1);
+    QCOMPARE(stage.log.startingWith(u"[Refresh]"_qs), QStringList());
+}
+
+void TestRefresh::endsWithThePanel()
+{
+    Known stage;
+    stage.panel->requestVersionRefreshWithRetry(5);
+    stage.panel.reset();
+    stage.log.clear();
+    QTest::qWait(700);
+    QCOMPARE(stage.log.startingWith(u"[Refresh]"_qs), QStringList());
+}
+
+QTEST_MAIN(TestRefresh)
+#include "tst_refresh.moc"

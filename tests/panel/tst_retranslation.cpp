@@ -1,0 +1,239 @@
+#include "tests/panel/PanelStage.h"
+#include "tests/support/LogHook.h"
+#include "widgets/ClickableProgressBar.h"
+
+#include <QLabel>
+#include <QTest>
+#include <QTextEdit>
+
+using QuillonFirmwareUpgrade::setLanguage;
+
+namespace {
+
+using Label = QLabel *FirmwareUpgradeWidget::*;
+
+/// A label in one language; an empty text or style is not looked at.
+struct Translated {
+    Label label;
+    QRect place;
+    QString text;
+    QString style;
+};
+
+struct LabelRow {
+    const char *name;
+    Translated chinese;
+    Translated english;
+};
+
+QString labelStyle(const char *properties, const char *family)
+{
+    return QString::fromUtf8(properties).arg(QLatin1String(family));
+}
+
+LabelRow row(const char *name, Label label, const QRect &chinese, const QRect &english,
+             const char *chineseText = "", const char *englishText = "", const char *style = nullptr)
+{
+    return {
+        name,
+        {label, chinese, QString::fromUtf8(chineseText),
+         style ? labelStyle(style, "Microsoft YaHei") : QString()},
+        {label, english, QString::fromUtf8(englishText), style ? labelStyle(style, "Segoe UI") : QString()}};
+}
+
+#define LABEL(name) #name, &FirmwareUpgradeWidget::name
+
+constexpr char kNewVersion[]
+    = "QLabel{border:0px; color:rgba(47,212,179,1); font-family:\"%1\"; font-size:20px; font-weight:700;}";
+constexpr char kCurrentVersion[]
+    = "QLabel{border:0px; color:rgba(255,255,255,1); font-family:\"%1\"; font-size:14px; "
+      "font-weight:400; letter-spacing:0px; text-align:left;}";
+constexpr char kTooOld[]
+    = "QLabel{border:0px; color:rgba(255,255,255,1); font-family:\"%1\"; font-size:16px; font-weight:700;}";
+constexpr char kOfflineTip[]
+    = "QLabel{border:0px; color:rgba(255,255,255,1); font-family:\"%1\"; font-size:14px; font-weight:700;}";
+constexpr char kOfflineLink[] = "QLabel{border:0px; font-family:\"%1\"; font-size:14px;}";
+constexpr char kNotes[]
+    = "QTextEdit {  border: none;  background: transparent;  color: rgba(255, 255, 255, 0.7);  font-family: "
+      "'%1';  font-size: 14px;  font-weight: 400;  letter-spacing: 0px;}QScrollBar:vertical {  background: "
+      "transparent;  width: 5px;  margin: 0px;  border: none;}QScrollBar::handle:vertical {  background: "
+      "rgba(255,255,255,0.15);  width: 5px;  min-height: 60px;  max-height: 60px;  border-radius: 2.4px;  "
+      "border: none;}QScrollBar::handle:vertical:hover {  background: "
+      "rgba(255,255,255,0.5);}QScrollBar::handle:vertical:pressed {  background: "
+      "rgba(255,255,255,0.7);}QScrollBar::add-line:vertical {  height: 0px;  border: "
+      "none;}QScrollBar::sub-line:vertical {  height: 0px;  border: none;}QScrollBar::add-page:vertical, "
+      "QScrollBar::sub-page:vertical {  background: transparent;  border: none;}";
+
+const char kChineseLink[]
+    = "<a style='color:rgba(87,110,246,1); text-decoration:none; font-weight:700;' "
+      "href='" QUILLON_DOWNLOAD_HOST "/limit/R1_R2%20Firmware%20Upgrade%20Tool.exe'>前往官网下载>></a>";
+const char kEnglishLink[]
+    = "<a style='color:rgba(87,110,246,1); text-decoration:none; font-weight:700;' "
+      "href='" QUILLON_DOWNLOAD_HOST "/limit/R1_R2%20Firmware%20Upgrade%20Tool.exe'>Download>></a>";
+
+const QList<LabelRow> &labelRows()
+{
+    static const QList<LabelRow> rows{
+        row(LABEL(m_titleLabel), {24, 16, 130, 19}, {24, 16, 130, 19}, "固件升级", "Firmware Update"),
+        row(LABEL(m_newVerTitleLb), {24, 16, 42, 19}, {24, 16, 90, 19}, "新版本", "New Version"),
+        row(LABEL(m_curVerTitleLb), {207, 16, 56, 19}, {207, 16, 110, 19}, "当前版本", "Current Version"),
+        row(LABEL(m_newVerLb), {39, 38, 80, 26}, {39, 38, 80, 26}, "", "", kNewVersion),
+        row(LABEL(m_curVerLb), {208, 42, 55, 19}, {208, 42, 55, 19}, "", "", kCurrentVersion),
+        row(LABEL(m_notesTitleLb), {60, 159, 64, 21}, {60, 159, 100, 21}, "新版概述", "What's New"),
+        row(LABEL(m_noNewFirmwareLb), {24, 29, 150, 21}, {24, 19, 150, 42}, "无新版固件",
+            "Firmware is up to \ndate"),
+        row(LABEL(m_rocketLb), {158, 14, 20, 20}, {142, 14, 20, 20}),
+        row(LABEL(m_upgradeTextLb), {172, 13, 64, 21}, {156, 13, 105, 21}, "立即升级", "Update Now"),
+        row(LABEL(m_tooOldLb), {0, 0, 408, 48}, {0, 0, 408, 48}, "固件版本过低，无法升级",
+            "Firmware version is too low to update.", kTooOld),
+        row(LABEL(m_doneIconLb), {156, 12, 24, 24}, {117, 12, 24, 24}),
+        row(LABEL(m_doneLb), {188, 13, 64, 21}, {149, 13, 142, 21}, "升级完成", "Update Completed"),
+        row(LABEL(m_failIconLb), {95, 317, 24, 24}, {32, 317, 24, 24}),
+        row(LABEL(m_failTextLb), {122, 319, 256, 19}, {58, 319, 364, 19},
+            "升级失败！请拔插设备后重新开始升级", "Update failed. Please replug the device and try again."),
+        row(LABEL(m_offlineToolTipLb), {}, {}, "需使用离线升级工具进行更新，",
+            "Update requires offline tool ,", kOfflineTip),
+        row(LABEL(m_offlineToolLinkLb), {}, {}, kChineseLink, kEnglishLink, kOfflineLink),
+        row(LABEL(m_detectingUsbLb), {122, 203, 229, 21}, {122, 203, 229, 21}, "正在检测USB接入...",
+            "Detecting USB connection..."),
+        row(LABEL(m_waitingIconLb), {108, 12, 24, 24}, {51, 12, 24, 24}),
+        row(LABEL(m_upgradingLb), {140, 13, 159, 21}, {83, 13, 290, 21}, "待USB线接入图示口...",
+            "Connect to the indicated USB ports. "),
+    };
+    return rows;
+}
+
+void compareLabel(const FirmwareUpgradeWidget &panel, const Translated &expected)
+{
+    const QLabel *label = panel.*expected.label;
+    if (!expected.place.isNull())
+        QCOMPARE(label->geometry(), expected.place);
+    if (!expected.text.isEmpty())
+        QCOMPARE(label->text(), expected.text);
+    if (!expected.style.isEmpty())
+        QCOMPARE(label->styleSheet(), expected.style);
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(LabelRow)
+
+class TestRetranslation : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void label_data();
+    void label();
+    void sizesTheOfflineToolLineToItsTexts();
+    void centresTheOfflineToolLineWhenItShows_data();
+    void centresTheOfflineToolLineWhenItShows();
+    void leavesAHiddenOfflineToolLineWhereItIs();
+    void stylesTheNotes();
+    void logsBetweenItsSteps();
+};
+
+void TestRetranslation::label_data()
+{
+    QTest::addColumn<LabelRow>("row");
+    for (const LabelRow &row : labelRows())
+        QTest::newRow(row.name) << row;
+}
+
+void TestRetranslation::label()
+{
+    QFETCH(LabelRow, row);
+    const PanelStage stage;
+    compareLabel(*stage.panel, row.chinese);
+    setLanguage(Language::English);
+    compareLabel(*stage.panel, row.english);
+    setLanguage(Language::Chinese);
+    compareLabel(*stage.panel, row.chinese);
+}
+
+void TestRetranslation::sizesTheOfflineToolLineToItsTexts()
+{
+    const PanelStage stage;
+    for (const Language language : {Language::English, Language::Chinese}) {
+        setLanguage(language);
+        QCOMPARE(stage.panel->m_offlineToolTipLb->size(), stage.panel->m_offlineToolTipLb->sizeHint());
+        QCOMPARE(stage.panel->m_offlineToolLinkLb->size(), stage.panel->m_offlineToolLinkLb->sizeHint());
+    }
+}
+
+void TestRetranslation::centresTheOfflineToolLineWhenItShows_data()
+{
+    QTest::addColumn<Language>("language");
+    QTest::newRow("English") << Language::English;
+    QTest::newRow("Chinese") << Language::Chinese;
+}
+
+void TestRetranslation::centresTheOfflineToolLineWhenItShows()
+{
+    QFETCH(Language, language);
+    const PanelStage stage;
+    const QLabel *icon = stage.panel->m_offlineToolIconLb;
+    QLabel *tip = stage.panel->m_offlineToolTipLb;
+    const QLabel *link = stage.panel->m_offlineToolLinkLb;
+    stage.panel->show();
+    tip->show();
+    setLanguage(language);
+    const int start = (380 - link->width() - tip->width()) / 2 + 32;
+    QCOMPARE(tip->pos(), QPoint(start + 28, 319));
+    QCOMPARE(link->pos(), QPoint(start + 28 + tip->width(), 319));
+    QCOMPARE(icon->pos(), QPoint(start, (tip->height() - 24) / 2 + 319));
+}
+
+void TestRetranslation::leavesAHiddenOfflineToolLineWhereItIs()
+{
+    const PanelStage stage;
+    stage.panel->show();
+    stage.panel->m_offlineToolTipLb->move(1, 2);
+    stage.panel->m_offlineToolLinkLb->move(3, 4);
+    stage.panel->m_offlineToolIconLb->move(5, 6);
+    setLanguage(Language::English);
+    QCOMPARE(stage.panel->m_offlineToolTipLb->pos(), QPoint(1, 2));
+    QCOMPARE(stage.panel->m_offlineToolLinkLb->pos(), QPoint(3, 4));
+    QCOMPARE(stage.panel->m_offlineToolIconLb->pos(), QPoint(5, 6));
+}
+
+void TestRetranslation::stylesTheNotes()
+{
+    const PanelStage stage;
+    QCOMPARE(stage.panel->m_notesEdit->styleSheet(), labelStyle(kNotes, "Microsoft YaHei"));
+    setLanguage(Language::English);
+    QCOMPARE(stage.panel->m_notesEdit->styleSheet(), labelStyle(kNotes, "Segoe UI"));
+    setLanguage(Language::Chinese);
+    QCOMPARE(stage.panel->m_notesEdit->styleSheet(), labelStyle(kNotes, "Microsoft YaHei"));
+}
+
+void TestRetranslation::logsBetweenItsSteps()
+{
+    const PanelStage stage;
+    const FirmwareUpgradeWidget &panel = *stage.panel;
+    QStringList atTheLanguageLine;
+    QStringList atThePlanLine;
+    {
+        const LogHook hook(u"Detected language switch."_qs, [&](const QString &) {
+            if (atTheLanguageLine.isEmpty())
+                atTheLanguageLine
+                    = {panel.isChinese ? u"Chinese"_qs : u"English"_qs, panel.m_titleLabel->text()};
+        });
+        setLanguage(Language::English);
+    }
+    {
+        const LogHook hook(u" ####retranslateUI"_qs, [&](const QString &) {
+            if (atThePlanLine.isEmpty())
+                atThePlanLine
+                    = {panel.m_titleLabel->text(), panel.m_tooOldLb->text(), panel.m_offlineToolTipLb->text(),
+                       panel.m_newVerTitleLb->text(), panel.m_doneLb->text()};
+        });
+        setLanguage(Language::Chinese);
+    }
+    QCOMPARE(atTheLanguageLine, (QStringList{u"English"_qs, u"固件升级"_qs}));
+    QCOMPARE(atThePlanLine,
+             (QStringList{u"固件升级"_qs, u"固件版本过低，无法升级"_qs, u"需使用离线升级工具进行更新，"_qs,
+                          u"New Version"_qs, u"Update Completed"_qs}));
+}
+
+QTEST_MAIN(TestRetranslation)
+#include "tst_retranslation.moc"

@@ -1,0 +1,273 @@
+#include "tests/panel/PanelStage.h"
+
+#include <QLabel>
+#include <QTest>
+#include <QTextEdit>
+
+using QuillonFirmwareUpgrade::setLanguage;
+
+namespace {
+
+constexpr char kRetry[]
+    = "QLabel{border:0px; color:rgba(47,212,179,1);font-family:\"%1\";font-size:16px; font-weight:700; "
+      "letter-spacing:0px; text-align:center;}";
+
+QString retryStyle(const char *family)
+{
+    return QString::fromLatin1(kRetry).arg(QLatin1String(family));
+}
+
+/// The retry is offered: what the failure screen sets.
+void offerRetry(FirmwareUpgradeWidget &panel)
+{
+    panel.m_inFailureRetry = true;
+    panel.m_autoRecoverRunning = true;
+    panel.m_isUpgrading = false;
+}
+
+} // namespace
+
+/// What a change of the language makes of texts and places that depend on the state of the panel.
+class TestTextsByState : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void saysWhetherAnUpgradeIsPlanned_data();
+    void saysWhetherAnUpgradeIsPlanned();
+    void placesTheUpgradeText_data();
+    void placesTheUpgradeText();
+    void leavesTheStyleOfTheUpgradeText();
+    void fillsTheNotes_data();
+    void fillsTheNotes();
+    void asksNoServer();
+    void tellsWhereToConnect_data();
+    void tellsWhereToConnect();
+    void laysOutTheWaitingLine();
+};
+
+void TestTextsByState::saysWhetherAnUpgradeIsPlanned_data()
+{
+    QTest::addColumn<int>("plan");
+    QTest::addColumn<QString>("line");
+    QTest::newRow("None") << 0 << u" ####retranslateUI isNeedUpgrade is: false"_qs;
+    QTest::newRow("PcOnly") << 1 << u" ####retranslateUI isNeedUpgrade is: true"_qs;
+    QTest::newRow("OtgOnly") << 2 << u" ####retranslateUI isNeedUpgrade is: true"_qs;
+    QTest::newRow("Both") << 3 << u" ####retranslateUI isNeedUpgrade is: true"_qs;
+    QTest::newRow("no plan of ours") << 4 << u" ####retranslateUI isNeedUpgrade is: false"_qs;
+}
+
+void TestTextsByState::saysWhetherAnUpgradeIsPlanned()
+{
+    QFETCH(int, plan);
+    QFETCH(QString, line);
+    PanelStage stage;
+    stage.panel->m_upgradePlan = UpgradePlan(plan);
+    stage.log.clear();
+    stage.panel->retranslateUI();
+    QCOMPARE(stage.log.lines(),
+             (QStringList{u"Detected language switch. The language after switching is: Chinese"_qs, line}));
+}
+
+void TestTextsByState::placesTheUpgradeText_data()
+{
+    QTest::addColumn<int>("plan");
+    QTest::addColumn<bool>("failureRetry");
+    QTest::addColumn<bool>("autoRecover");
+    QTest::addColumn<bool>("upgrading");
+    QTest::addColumn<QRect>("chinese");
+    QTest::addColumn<QRect>("english");
+    QTest::addColumn<bool>("retry");
+
+    const QRect retryChinese(116, 13, 176, 21);
+    const QRect retryEnglish(46, 13, 317, 21);
+    const QRect readyChinese(186, 13, 64, 21);
+    const QRect readyEnglish(170, 13, 105, 21);
+    const QRect idleChinese(172, 13, 64, 21);
+    const QRect idleEnglish(156, 13, 105, 21);
+    QTest::newRow("nothing planned") << 0 << false << false << false << idleChinese << idleEnglish << false;
+    QTest::newRow("PC planned") << 1 << false << false << false << readyChinese << readyEnglish << false;
+    QTest::newRow("OTG planned") << 2 << false << false << false << readyChinese << readyEnglish << false;
+    QTest::newRow("both planned") << 3 << false << false << false << readyChinese << readyEnglish << false;
+    QTest::newRow("no plan of ours") << 4 << false << false << false << idleChinese << idleEnglish << false;
+    QTest::newRow("retry offered, nothing planned")
+        << 0 << true << true << false << retryChinese << retryEnglish << true;
+    QTest::newRow("retry offered, PC planned")
+        << 1 << true << true << false << retryChinese << retryEnglish << true;
+    QTest::newRow("retry offered, OTG planned")
+        << 2 << true << true << false << retryChinese << retryEnglish << true;
+    QTest::newRow("failed but not armed")
+        << 3 << true << false << false << readyChinese << readyEnglish << false;
+    QTest::newRow("armed but not failed")
+        << 3 << false << true << false << readyChinese << readyEnglish << false;
+    QTest::newRow("failed, armed and upgrading again")
+        << 3 << true << true << true << readyChinese << readyEnglish << false;
+    QTest::newRow("upgrading") << 3 << false << false << true << readyChinese << readyEnglish << false;
+}
+
+void TestTextsByState::placesTheUpgradeText()
+{
+    QFETCH(int, plan);
+    QFETCH(bool, failureRetry);
+    QFETCH(bool, autoRecover);
+    QFETCH(bool, upgrading);
+    QFETCH(bool, retry);
+    QFETCH(QRect, chinese);
+    QFETCH(QRect, english);
+    const PanelStage stage;
+    FirmwareUpgradeWidget &panel = *stage.panel;
+    panel.m_upgradePlan = UpgradePlan(plan);
+    panel.m_inFailureRetry = failureRetry;
+    panel.m_autoRecoverRunning = autoRecover;
+    panel.m_isUpgrading = upgrading;
+
+    const QString formerStyle = panel.m_upgradeTextLb->styleSheet();
+    const QLabel &label = *panel.m_upgradeTextLb;
+    setLanguage(Language::English);
+    QCOMPARE(label.geometry(), english);
+    QCOMPARE(label.text(), retry ? u"I've replugged the device. Restart update."_qs : u"Update Now"_qs);
+    QCOMPARE(label.styleSheet(), retry ? retryStyle("Segoe UI") : formerStyle);
+    setLanguage(Language::Chinese);
+    QCOMPARE(label.geometry(), chinese);
+    QCOMPARE(label.text(), retry ? u"我已拔插设备，重新升级"_qs : u"立即升级"_qs);
+    QCOMPARE(label.styleSheet(), retry ? retryStyle("Microsoft YaHei") : formerStyle);
+}
+
+void TestTextsByState::leavesTheStyleOfTheUpgradeText()
+{
+    const PanelStage stage;
+    const QString style = u"QLabel{color:rgba(1,2,3,1);}"_qs;
+    stage.panel->m_upgradeTextLb->setStyleSheet(style);
+    setLanguage(Language::English);
+    QCOMPARE(stage.panel->m_upgradeTextLb->styleSheet(), style);
+    offerRetry(*stage.panel);
+    setLanguage(Language::English);
+    QVERIFY(stage.panel->m_upgradeTextLb->styleSheet() != style);
+}
+
+void TestTextsByState::fillsTheNotes_data()
+{
+    QTest::addColumn<Language>("language");
+    QTest::addColumn<int>("plan");
+    QTest::addColumn<QString>("chineseNotes");
+    QTest::addColumn<QString>("englishNotes");
+    QTest::addColumn<QString>("shown");
+    const auto row = [](const char *name, Language language, int plan, const QString &notes,
+                        const QString &englishNotes, const QString &shown) {
+        QTest::newRow(name) << language << plan << notes << englishNotes << shown;
+    };
+    const QString chinese = u"1. 修复若干问题\n2. 提升稳定性"_qs;
+    const QString english = u"1. Fixes\n2. Stability"_qs;
+    const QString former = u"what stood there"_qs;
+    row("Chinese notes of a planned PC upgrade", Language::Chinese, 1, chinese, english, chinese);
+    row("Chinese notes of a planned OTG upgrade", Language::Chinese, 2, chinese, english, chinese);
+    row("English notes of a planned upgrade of both", Language::English, 3, chinese, english, english);
+    row("a dash when nothing is planned", Language::Chinese, 0, chinese, english, u"--"_qs);
+    row("a dash in English too", Language::English, 0, chinese, english, u"--"_qs);
+    row("no Chinese notes: the box keeps its text", Language::Chinese, 3, {}, english, former);
+    row("no English notes: the box keeps its text", Language::English, 3, chinese, {}, former);
+    row("no notes and nothing planned: the box keeps its text", Language::English, 0, chinese, {}, former);
+    row("only English notes are needed in English", Language::English, 1, {}, english, english);
+}
+
+void TestTextsByState::fillsTheNotes()
+{
+    QFETCH(Language, language);
+    QFETCH(int, plan);
+    QFETCH(QString, chineseNotes);
+    QFETCH(QString, englishNotes);
+    QFETCH(QString, shown);
+    const PanelStage stage;
+    stage.panel->m_notesEdit->setPlainText(u"what stood there"_qs);
+    stage.panel->m_upgradePlan = UpgradePlan(plan);
+    networking_class::getInstance()->f_remark = chineseNotes;
+    networking_class::getInstance()->f_remark_en = englishNotes;
+    setLanguage(language);
+    QCOMPARE(stage.panel->m_notesEdit->toPlainText(), shown);
+}
+
+void TestTextsByState::asksNoServer()
+{
+    const PanelStage stage;
+    stage.panel->m_upgradePlan = UpgradePlan::Both;
+    stage.panel->m_devicePcVersion = u"1.1.1"_qs;
+    networking_class::getInstance()->f_remark_en = u"notes"_qs;
+    setLanguage(Language::English);
+    QCoreApplication::processEvents();
+    QCOMPARE(stage.server.paths(), QStringList());
+}
+
+void TestTextsByState::tellsWhereToConnect_data()
+{
+    QTest::addColumn<int>("plan");
+    QTest::addColumn<bool>("pcDone");
+    QTest::addColumn<DeviceModel>("model");
+    QTest::addColumn<QStringList>("chinese");
+    QTest::addColumn<QStringList>("english");
+
+    const QString usb = u"正在检测USB接入..."_qs;
+    const QString otg = u"正在检测OTG接入..."_qs;
+    const QString usbEnglish = u"Detecting USB connection..."_qs;
+    const QString otgEnglish = u"Detecting OTG connection..."_qs;
+    const QStringList r1Usb{usb, u"请使用USB线连接图示USB口和电脑，\n接入后自动完成升级。"_qs};
+    const QStringList r1UsbEnglish{
+        usbEnglish,
+        u"Please use a USB cable to connect the illustrated \nUSB port to the computer. The "
+        "upgrade will be\n completed automatically upon connection."_qs};
+    const QStringList r2Usb{usb, u"请使用配件附带USB线接入图示DC-5V和USB-C口，\n开始固件升级。"_qs};
+    const QStringList r2UsbEnglish{
+        usbEnglish,
+        u"To start the firmware update, use the provided USB\n cables to connect the "
+        "DC-5V and USB-C ports as\nshown."_qs};
+    const QStringList r1Otg{otg, u"请使用配件附带的USB线，接入并保持USB-C和OTG口\n与电脑的连接。"_qs};
+    const QStringList r1OtgEnglish{
+        otgEnglish,
+        u"Please use the USB cable provided with the \naccessory to connect and maintain the "
+        "connection\n between the USB-C and OTG port to the computer."_qs};
+    const QStringList r2Otg{otg, u"请使用配件附带USB线接入图示DC-5V和OTG口,\n继续完成升级。"_qs};
+    const QStringList r2OtgEnglish{otgEnglish,
+                                   u"To continue and complete the update, use the provided\nUSB cables to "
+                                   "connect the DC-5V and OTG ports as\nshown."_qs};
+
+    QTest::newRow("R1, nothing planned") << 0 << false << DeviceModel::R1 << r1Usb << r1UsbEnglish;
+    QTest::newRow("R2, nothing planned") << 0 << false << DeviceModel::R2 << r2Usb << r2UsbEnglish;
+    QTest::newRow("R1, PC only") << 1 << false << DeviceModel::R1 << r1Usb << r1UsbEnglish;
+    QTest::newRow("R2, PC only, however far") << 1 << true << DeviceModel::R2 << r2Usb << r2UsbEnglish;
+    QTest::newRow("R1, OTG only") << 2 << false << DeviceModel::R1 << r1Otg << r1OtgEnglish;
+    QTest::newRow("R2, OTG only") << 2 << false << DeviceModel::R2 << r2Otg << r2OtgEnglish;
+    QTest::newRow("R1, both, PC not done") << 3 << false << DeviceModel::R1 << r1Usb << r1UsbEnglish;
+    QTest::newRow("R2, both, PC not done") << 3 << false << DeviceModel::R2 << r2Usb << r2UsbEnglish;
+    QTest::newRow("R1, both, PC done") << 3 << true << DeviceModel::R1 << r1Otg << r1OtgEnglish;
+    QTest::newRow("R2, both, PC done") << 3 << true << DeviceModel::R2 << r2Otg << r2OtgEnglish;
+    QTest::newRow("any other model is R2") << 2 << false << DeviceModel(5) << r2Otg << r2OtgEnglish;
+}
+
+void TestTextsByState::tellsWhereToConnect()
+{
+    QFETCH(int, plan);
+    QFETCH(bool, pcDone);
+    QFETCH(DeviceModel, model);
+    QFETCH(QStringList, chinese);
+    QFETCH(QStringList, english);
+    const PanelStage stage;
+    FirmwareUpgradeWidget &panel = *stage.panel;
+    panel.m_upgradePlan = UpgradePlan(plan);
+    panel.pcUpgradeCompleted = pcDone;
+    panel.m_deviceModel = model;
+    setLanguage(Language::English);
+    QCOMPARE((QStringList{panel.m_detectingUsbLb->text(), panel.m_connectHintLb->text()}), english);
+    setLanguage(Language::Chinese);
+    QCOMPARE((QStringList{panel.m_detectingUsbLb->text(), panel.m_connectHintLb->text()}), chinese);
+}
+
+void TestTextsByState::laysOutTheWaitingLine()
+{
+    const PanelStage stage;
+    stage.panel->m_isWaitingForUSB = false;
+    setLanguage(Language::English);
+    QCOMPARE(stage.panel->m_upgradingLb->text(), u"Updating... Do not turn off the device."_qs);
+    QCOMPARE(stage.panel->m_upgradingLb->geometry(), QRect(76, 13, 310, 21));
+    QCOMPARE(stage.panel->m_waitingIconLb->geometry(), QRect(44, 12, 24, 24));
+}
+
+QTEST_MAIN(TestTextsByState)
+#include "tst_texts_by_state.moc"

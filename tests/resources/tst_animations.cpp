@@ -1,0 +1,245 @@
+#include <QFile>
+#include <QImage>
+#include <QImageReader>
+#include <QResource>
+#include <QSet>
+#include <QTest>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+
+using namespace std::chrono_literals;
+
+namespace {
+constexpr QRgb kPanel = qRgb(31, 32, 40);
+constexpr QRgb kBlue = qRgb(87, 110, 246);
+constexpr QRgb kTeal = qRgb(47, 212, 179);
+constexpr QRgb kAmber = qRgb(246, 180, 54);
+constexpr QSize kPixels{1224, 384};
+constexpr int kMostBytes = 150'000;
+
+struct Movie {
+    QList<QImage> frames;
+    QList<std::chrono::milliseconds> delays;
+    int loopCount = 0;
+};
+
+QString pathOf(const QString &name)
+{
+    return u":/new/prefix1/image/"_qs + name;
+}
+
+Movie read(const QString &name)
+{
+    QImageReader reader(pathOf(name));
+    Movie movie;
+    while (reader.canRead()) {
+        movie.frames.append(reader.read().convertToFormat(QImage::Format_ARGB32));
+        movie.delays.append(std::chrono::milliseconds(reader.nextImageDelay()));
+    }
+    movie.loopCount = reader.loopCount();
+    return movie;
+}
+
+int largestDifference(QRgb a, QRgb b)
+{
+    return std::max(
+        {std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)), std::abs(qBlue(a) - qBlue(b))});
+}
+
+/// How many pixels differ visibly, optionally inside a part only.
+int changedPixels(const QImage &a, const QImage &b, QRect part = {})
+{
+    if (part.isNull())
+        part = a.rect();
+    int count = 0;
+    for (int y = part.top(); y <= part.bottom(); ++y) {
+        const auto *first = reinterpret_cast<const QRgb *>(a.constScanLine(y));
+        const auto *second = reinterpret_cast<const QRgb *>(b.constScanLine(y));
+        for (int x = part.left(); x <= part.right(); ++x)
+            count += largestDifference(first[x], second[x]) > 16;
+    }
+    return count;
+}
+
+int pixelsOf(const QImage &image, QRgb colour)
+{
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        const auto *line = reinterpret_cast<const QRgb *>(image.constScanLine(y));
+        count += int(std::count(line, line + image.width(), colour));
+    }
+    return count;
+}
+
+/// Runs of one or two pixels that leave a colour and come straight back to it: what dithering is made of.
+int specks(const QImage &image)
+{
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        const auto *line = reinterpret_cast<const QRgb *>(image.constScanLine(y));
+        for (int x = 1; x + 1 < image.width(); ++x)
+            count += line[x] != line[x - 1] && line[x - 1] == line[x + 1];
+    }
+    return count;
+}
+} // namespace
+
+/// The connection pictures, frame by frame.
+class TestAnimations : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void isSmallAndStoredPlain_data();
+    void isSmallAndStoredPlain();
+    void runsSmoothlyAndForever_data() { isSmallAndStoredPlain_data(); }
+    void runsSmoothlyAndForever();
+    void closesItsLoop_data() { isSmallAndStoredPlain_data(); }
+    void closesItsLoop();
+    void standsOnThePanel_data() { isSmallAndStoredPlain_data(); }
+    void standsOnThePanel();
+    void hasNoNoise_data() { isSmallAndStoredPlain_data(); }
+    void hasNoNoise();
+    void lightsUpWhenConnected_data();
+    void lightsUpWhenConnected();
+    void showsTheSameDeviceInBothPhases_data();
+    void showsTheSameDeviceInBothPhases();
+    void tellsTheDevicesApart();
+};
+
+void TestAnimations::isSmallAndStoredPlain_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const char *name : {"pc.gif", "dc5v_pc.gif", "pc_otg.gif", "dc5v_otg.gif"})
+        QTest::newRow(name) << QString::fromLatin1(name);
+}
+
+void TestAnimations::isSmallAndStoredPlain()
+{
+    QFETCH(QString, name);
+    const QResource resource(pathOf(name));
+    QVERIFY(resource.isValid());
+    QCOMPARE(resource.compressionAlgorithm(), QResource::NoCompression);
+    QVERIFY2(resource.size() < kMostBytes, qPrintable(QString::number(resource.size())));
+}
+
+void TestAnimations::runsSmoothlyAndForever()
+{
+    QFETCH(QString, name);
+    const Movie movie = read(name);
+    QVERIFY2(movie.frames.size() > 20, qPrintable(QString::number(movie.frames.size())));
+    QCOMPARE(movie.loopCount, -1);
+    std::chrono::milliseconds total{};
+    for (int i = 0; i < movie.frames.size(); ++i) {
+        QCOMPARE(movie.frames.at(i).size(), kPixels);
+        // Browsers slow down anything below 20 ms; above 66 ms there are fewer than 15 frames in a second.
+        QVERIFY2(movie.delays.at(i) >= 20ms && movie.delays.at(i) <= 66ms,
+                 qPrintable(QString::number(movie.delays.at(i).count())));
+        total += movie.delays.at(i);
+    }
+    QVERIFY2(total >= 2s && total <= 4s, qPrintable(QString::number(total.count())));
+}
+
+void TestAnimations::closesItsLoop()
+{
+    QFETCH(QString, name);
+    const QList<QImage> frames = read(name).frames;
+    const int seam = changedPixels(frames.last(), frames.first());
+    int largestStep = 0;
+    int farthest = 0;
+    for (int i = 1; i < frames.size(); ++i) {
+        largestStep = std::max(largestStep, changedPixels(frames.at(i - 1), frames.at(i)));
+        farthest = std::max(farthest, changedPixels(frames.first(), frames.at(i)));
+    }
+    const QByteArray found = QByteArray::number(seam) + " of " + QByteArray::number(largestStep);
+    QVERIFY2(seam < kPixels.width() * kPixels.height() / 100, found.constData());
+    QVERIFY2(seam < largestStep, found.constData());
+    QVERIFY2(farthest > 4 * seam, "there is no story between the first frame and the last");
+}
+
+void TestAnimations::standsOnThePanel()
+{
+    QFETCH(QString, name);
+    const QList<QImage> frames = read(name).frames;
+    for (int i = 0; i < frames.size(); ++i) {
+        const QImage &frame = frames.at(i);
+        const QRect inside = frame.rect().adjusted(1, 1, -1, -1);
+        for (int y = 0; y < frame.height(); ++y) {
+            for (int x = 0; x < frame.width(); ++x) {
+                if (!inside.contains(x, y) && frame.pixel(x, y) != kPanel)
+                    QFAIL(qPrintable(u"frame %1 is cut at %2,%3"_qs.arg(i).arg(x).arg(y)));
+            }
+        }
+    }
+}
+
+void TestAnimations::hasNoNoise()
+{
+    QFETCH(QString, name);
+    const QList<QImage> frames = read(name).frames;
+    for (int i = 0; i < frames.size(); i += 5) {
+        const int found = specks(frames.at(i));
+        QVERIFY2(found < 2500, qPrintable(u"frame %1: %2"_qs.arg(i).arg(found)));
+        QVERIFY2(pixelsOf(frames.at(i), kPanel) > kPixels.width() * kPixels.height() / 2,
+                 "the ground is not even");
+    }
+}
+
+void TestAnimations::lightsUpWhenConnected_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("power");
+    QTest::newRow("pc.gif") << u"pc.gif"_qs << false;
+    QTest::newRow("pc_otg.gif") << u"pc_otg.gif"_qs << false;
+    QTest::newRow("dc5v_pc.gif") << u"dc5v_pc.gif"_qs << true;
+    QTest::newRow("dc5v_otg.gif") << u"dc5v_otg.gif"_qs << true;
+}
+
+void TestAnimations::lightsUpWhenConnected()
+{
+    QFETCH(QString, name);
+    QFETCH(bool, power);
+    const QList<QImage> frames = read(name).frames;
+    const QImage &before = frames.first();
+    const QImage &after = frames.at(frames.size() * 4 / 5);
+    QVERIFY(pixelsOf(before, kBlue) > 100);
+    QVERIFY2(pixelsOf(after, kTeal) > 1.5 * pixelsOf(before, kTeal) + 300,
+             "nothing says that it is connected");
+    QCOMPARE(pixelsOf(before, kAmber) > 100, power);
+    QVERIFY(!power || pixelsOf(after, kAmber) > pixelsOf(before, kAmber));
+}
+
+void TestAnimations::showsTheSameDeviceInBothPhases_data()
+{
+    QTest::addColumn<QString>("first");
+    QTest::addColumn<QString>("second");
+    QTest::addColumn<QRect>("untouched");
+    // Where neither story moves anything: the left of the device, up to its first port in use.
+    QTest::newRow("R1") << u"pc.gif"_qs << u"pc_otg.gif"_qs << QRect(0, 0, 370, 384);
+    QTest::newRow("R2") << u"dc5v_pc.gif"_qs << u"dc5v_otg.gif"_qs << QRect(0, 0, 210, 384);
+}
+
+void TestAnimations::showsTheSameDeviceInBothPhases()
+{
+    QFETCH(QString, first);
+    QFETCH(QString, second);
+    QFETCH(QRect, untouched);
+    const QImage one = read(first).frames.first();
+    QVERIFY2(pixelsOf(one.copy(untouched), kPanel) < untouched.width() * untouched.height() * 4 / 5,
+             "no device");
+    // Each file has a palette of its own, which may show here and there on an edge.
+    const int different = changedPixels(one, read(second).frames.first(), untouched);
+    QVERIFY2(different < untouched.width() * untouched.height() / 1000, qPrintable(QString::number(different)));
+}
+
+void TestAnimations::tellsTheDevicesApart()
+{
+    const QRect device(0, 0, 720, 384);
+    const int different
+        = changedPixels(read(u"pc.gif"_qs).frames.first(), read(u"dc5v_pc.gif"_qs).frames.first(), device);
+    QVERIFY2(different > device.width() * device.height() / 10, qPrintable(QString::number(different)));
+}
+
+QTEST_MAIN(TestAnimations)
+#include "tst_animations.moc"

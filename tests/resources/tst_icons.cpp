@@ -1,0 +1,203 @@
+#include <QIcon>
+#include <QImage>
+#include <QPainter>
+#include <QResource>
+#include <QTest>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace {
+const QColor kPanel(31, 32, 40);
+
+QString pathOf(const QString &name)
+{
+    return u":/new/prefix1/image/"_qs + name;
+}
+
+/// The icon as a label of that size shows it on the panel.
+QImage shown(const QString &name, int size)
+{
+    QImage image(size, size, QImage::Format_RGB32);
+    image.fill(kPanel);
+    QPainter painter(&image);
+    QIcon(pathOf(name)).paint(&painter, image.rect());
+    return image;
+}
+
+int largestDifference(QRgb a, QRgb b)
+{
+    return std::max(
+        {std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)), std::abs(qBlue(a) - qBlue(b))});
+}
+
+/// How many pixels stand out from the panel.
+int visiblePixels(const QImage &image)
+{
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            count += largestDifference(image.pixel(x, y), kPanel.rgb()) > 60;
+    }
+    return count;
+}
+
+/// How many pixels of a row are neither ground nor stroke.
+int pixelsBetween(const QImage &image, int y, int low, int high)
+{
+    int count = 0;
+    for (int x = 0; x < image.width(); ++x) {
+        const int value = qRed(image.pixel(x, y));
+        count += value > low && value < high;
+    }
+    return count;
+}
+} // namespace
+
+/// The still pictures, read as the panel reads them.
+class TestIcons : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void keepClearOfTheirBorder_data();
+    void keepClearOfTheirBorder();
+    void haveTransparentGround_data() { keepClearOfTheirBorder_data(); }
+    void haveTransparentGround();
+    void haveOneOpticalWeight_data();
+    void haveOneOpticalWeight();
+    void fallOnWholePixels();
+    void answerThePointer();
+    void keepTheCrossInPlaceUnderThePointer();
+    void fadeAroundTheWheel();
+    void fitTheCardsCorners();
+    void areStoredPlain_data() { keepClearOfTheirBorder_data(); }
+    void areStoredPlain();
+    void storeTheBarSmall();
+};
+
+void TestIcons::keepClearOfTheirBorder_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const char *name : {"rocket.png", "green_circle.png", "waitting.png", "check_mark.png", "book.png",
+                             "close.png", "close_h.png", "exclamation_mark.png"})
+        QTest::newRow(name) << QString::fromLatin1(name);
+}
+
+void TestIcons::keepClearOfTheirBorder()
+{
+    QFETCH(QString, name);
+    const QImage image(pathOf(name));
+    QVERIFY(!image.isNull());
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const bool atBorder = x == 0 || y == 0 || x == image.width() - 1 || y == image.height() - 1;
+            if (atBorder && qAlpha(image.pixel(x, y)) > 0)
+                QFAIL(qPrintable(u"cut at %1,%2"_qs.arg(x).arg(y)));
+        }
+    }
+}
+
+void TestIcons::haveTransparentGround()
+{
+    QFETCH(QString, name);
+    const QImage image(pathOf(name));
+    QVERIFY(image.hasAlphaChannel());
+    QVERIFY(visiblePixels(shown(name, 72)) > 0);
+}
+
+void TestIcons::haveOneOpticalWeight_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("size");
+    QTest::newRow("rocket.png") << u"rocket.png"_qs << 20;
+    QTest::newRow("book.png") << u"book.png"_qs << 20;
+    QTest::newRow("waitting.png") << u"waitting.png"_qs << 24;
+    QTest::newRow("check_mark.png") << u"check_mark.png"_qs << 24;
+    QTest::newRow("exclamation_mark.png") << u"exclamation_mark.png"_qs << 24;
+}
+
+void TestIcons::haveOneOpticalWeight()
+{
+    QFETCH(QString, name);
+    QFETCH(int, size);
+    const int pixels = visiblePixels(shown(name, size));
+    QVERIFY2(pixels > 60 && pixels < 190, qPrintable(QString::number(pixels)));
+}
+
+void TestIcons::fallOnWholePixels()
+{
+    const QImage book = shown(u"book.png"_qs, 20);
+    // Halfway down there are three upright strokes of two pixels each: none of them may smear over three.
+    QVERIFY2(pixelsBetween(book, 10, 90, 215) <= 1, "the strokes of the book are blurred");
+    const QImage exclamation = shown(u"exclamation_mark.png"_qs, 24);
+    const int middle = pixelsBetween(exclamation.copy(8, 0, 8, 24), 9, 90, 215);
+    QVERIFY2(middle == 0, "the exclamation mark is blurred");
+}
+
+void TestIcons::answerThePointer()
+{
+    const QImage idle = shown(u"close.png"_qs, 24);
+    const QImage hovered = shown(u"close_h.png"_qs, 24);
+    int changed = 0;
+    for (int y = 0; y < 24; ++y) {
+        for (int x = 0; x < 24; ++x)
+            changed += largestDifference(idle.pixel(x, y), hovered.pixel(x, y)) > 30;
+    }
+    QVERIFY2(changed > 24 * 24 / 2, qPrintable(QString::number(changed)));
+}
+
+void TestIcons::keepTheCrossInPlaceUnderThePointer()
+{
+    const QImage idle(pathOf(u"close.png"_qs));
+    const QImage hovered(pathOf(u"close_h.png"_qs));
+    for (int y = 0; y < idle.height(); ++y) {
+        for (int x = 0; x < idle.width(); ++x) {
+            if (qAlpha(idle.pixel(x, y)) > 160)
+                QVERIFY2(qRed(hovered.pixel(x, y)) > 200, qPrintable(u"jumps at %1,%2"_qs.arg(x).arg(y)));
+        }
+    }
+}
+
+void TestIcons::fadeAroundTheWheel()
+{
+    const QImage wheel(pathOf(u"waitting.png"_qs));
+    // Against the clock from the top: where a spoke is in the middle of its length.
+    const QPoint spokes[] = {{36, 12}, {19, 19}, {12, 36}, {19, 52}, {36, 59}, {52, 52}, {59, 36}, {52, 19}};
+    int former = 300;
+    for (const QPoint &spoke : spokes) {
+        const int alpha = qAlpha(wheel.pixel(spoke));
+        QVERIFY2(alpha > 30 && alpha < former - 10, qPrintable(u"%1 after %2"_qs.arg(alpha).arg(former)));
+        former = alpha;
+    }
+}
+
+void TestIcons::fitTheCardsCorners()
+{
+    const QImage bar(pathOf(u"blue_rect.png"_qs));
+    const QRgb blue = qRgb(87, 110, 246);
+    QCOMPARE(bar.pixel(0, 120), blue);
+    QCOMPARE(bar.pixel(11, 120), blue);
+    // It runs to the edges of its label; only the card's round corners on the left stay free.
+    for (int y : {0, 239}) {
+        QCOMPARE(qAlpha(bar.pixel(0, y)), 0);
+        QVERIFY(qAlpha(bar.pixel(11, y)) > 200);
+    }
+}
+
+void TestIcons::areStoredPlain()
+{
+    QFETCH(QString, name);
+    const QResource resource(pathOf(name));
+    QVERIFY(resource.isValid());
+    QCOMPARE(resource.compressionAlgorithm(), QResource::NoCompression);
+}
+
+void TestIcons::storeTheBarSmall()
+{
+    const QResource bar(pathOf(u"blue_rect.png"_qs));
+    QCOMPARE(bar.compressionAlgorithm(), QResource::ZlibCompression);
+    QVERIFY2(bar.size() * 10 < bar.uncompressedSize(), qPrintable(QString::number(bar.size())));
+}
+
+QTEST_MAIN(TestIcons)
+#include "tst_icons.moc"

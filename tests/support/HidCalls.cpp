@@ -1,0 +1,170 @@
+#include "tests/support/HidCalls.h"
+
+#include <HIDCommunicator/OrvikHIDManager.h>
+
+#include <QDebug>
+#include <QHash>
+
+#include <dlfcn.h>
+
+#include <utility>
+
+using HIDCommunicator::OrvikHIDManager;
+
+// The functions below take the place of the library's own: a program's definition wins over a shared
+// library's. The library's are then reached by their linker names, with "this" as the first argument.
+
+namespace {
+
+QHash<QString, std::function<void()>> pendingActions;
+thread_local bool insideLibrary = false;
+
+class LibraryCall {
+public:
+    LibraryCall()
+        : m_outermost(!std::exchange(insideLibrary, true))
+    {
+    }
+    ~LibraryCall()
+    {
+        if (m_outermost)
+            insideLibrary = false;
+    }
+    bool isOutermost() const { return m_outermost; }
+
+private:
+    bool m_outermost;
+};
+
+void write(const QString &line)
+{
+    qDebug().noquote() << line;
+}
+
+void runPendingAction(const QString &function)
+{
+    if (const auto action = pendingActions.take(function))
+        action();
+}
+
+template <typename Result, typename... Arguments>
+Result callLibrary(const char *linkerName, Arguments... arguments)
+{
+    void *symbol = dlsym(RTLD_NEXT, linkerName);
+    if (!symbol)
+        qFatal("the HID library does not have %s", linkerName);
+    return reinterpret_cast<Result (*)(Arguments...)>(symbol)(std::forward<Arguments>(arguments)...);
+}
+
+template <typename... Arguments>
+void command(const QString &function, const QString &shownArguments, const char *linkerName,
+             Arguments... arguments)
+{
+    {
+        const LibraryCall call;
+        if (call.isOutermost())
+            write(u"hid: %1(%2)"_qs.arg(function, shownArguments));
+        callLibrary<void, Arguments...>(linkerName, std::forward<Arguments>(arguments)...);
+        if (!call.isOutermost())
+            return;
+    }
+    runPendingAction(function);
+}
+
+QString id(int number)
+{
+    return u"0x%1"_qs.arg(number, 4, 16, QLatin1Char('0'));
+}
+
+QString shown(const QByteArray &report)
+{
+    qsizetype used = report.size();
+    while (used > 0 && report.at(used - 1) == 0)
+        --used;
+    return u"%1: %2"_qs.arg(report.size()).arg(QString::fromLatin1(report.left(used).toHex(' ')));
+}
+
+} // namespace
+
+void HidCalls::after(const QString &function, std::function<void()> action)
+{
+    pendingActions.insert(function, std::move(action));
+}
+
+#define QUILLON_HID(name) "_ZN15HIDCommunicator15OrvikHIDManager" name
+
+namespace HIDCommunicator {
+
+void OrvikHIDManager::acquire()
+{
+    command(u"acquire"_qs, {}, QUILLON_HID("7acquireEv"), this);
+}
+
+void OrvikHIDManager::release()
+{
+    command(u"release"_qs, {}, QUILLON_HID("7releaseEv"), this);
+}
+
+void OrvikHIDManager::createOrvikSendDataThread()
+{
+    command(u"createOrvikSendDataThread"_qs, {}, QUILLON_HID("25createOrvikSendDataThreadEv"), this);
+}
+
+void OrvikHIDManager::createOrvikReceiveDataThread()
+{
+    command(u"createOrvikReceiveDataThread"_qs, {}, QUILLON_HID("28createOrvikReceiveDataThreadEv"), this);
+}
+
+void OrvikHIDManager::closeOrvikSendDataThread()
+{
+    command(u"closeOrvikSendDataThread"_qs, {}, QUILLON_HID("24closeOrvikSendDataThreadEv"), this);
+}
+
+void OrvikHIDManager::closeOrvikReceiveDataThread()
+{
+    command(u"closeOrvikReceiveDataThread"_qs, {}, QUILLON_HID("27closeOrvikReceiveDataThreadEv"), this);
+}
+
+void OrvikHIDManager::DC_AddSendData(QByteArray report)
+{
+    command<OrvikHIDManager *, QByteArray>(u"DC_AddSendData"_qs, shown(report),
+                                           QUILLON_HID("14DC_AddSendDataE10QByteArray"), this, report);
+}
+
+bool OrvikHIDManager::openHIDHandle(const QString &path, int vendorId, int productId, int mode)
+{
+    const LibraryCall call;
+    if (call.isOutermost())
+        write(u"hid: openHIDHandle(%1, %2, %3, %4)"_qs.arg(path, id(vendorId), id(productId)).arg(mode));
+    return callLibrary<bool, OrvikHIDManager *, const QString &, int, int, int>(
+        QUILLON_HID("13openHIDHandleERK7QStringiii"), this, path, vendorId, productId, mode);
+}
+
+bool OrvikHIDManager::disconnectDevice(int mode)
+{
+    const LibraryCall call;
+    if (call.isOutermost())
+        write(u"hid: disconnectDevice(%1)"_qs.arg(mode));
+    return callLibrary<bool, OrvikHIDManager *, int>(QUILLON_HID("16disconnectDeviceEi"), this, mode);
+}
+
+bool OrvikHIDManager::getConnected() const
+{
+    const LibraryCall call;
+    const bool connected = callLibrary<bool, const OrvikHIDManager *>(
+        "_ZNK15HIDCommunicator15OrvikHIDManager12getConnectedEv", this);
+    if (call.isOutermost())
+        write(u"hid? getConnected() = %1"_qs.arg(connected ? u"true"_qs : u"false"_qs));
+    return connected;
+}
+
+void OrvikHIDManager::getOrvikHIDListPath(QStringList &paths, QList<int> &productIds)
+{
+    const LibraryCall call;
+    callLibrary<void, OrvikHIDManager *, QStringList &, QList<int> &>(
+        QUILLON_HID("19getOrvikHIDListPathER5QListI7QStringERS1_IiE"), this, paths, productIds);
+    if (call.isOutermost())
+        write(u"hid? getOrvikHIDListPath() = %1"_qs.arg(paths.size()));
+}
+
+} // namespace HIDCommunicator

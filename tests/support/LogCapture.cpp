@@ -1,0 +1,53 @@
+#include "tests/support/LogCapture.h"
+
+#include <QMutex>
+#include <QMutexLocker>
+
+namespace {
+QMutex mutex;
+QStringList captured;
+QtMessageHandler former = nullptr;
+
+void capture(QtMsgType type, const QMessageLogContext &context, const QString &line)
+{
+    {
+        const QMutexLocker lock(&mutex);
+        captured.append(line);
+    }
+    if (former)
+        former(type, context, line);
+}
+} // namespace
+
+LogCapture::LogCapture()
+{
+    clear();
+    former = qInstallMessageHandler(capture);
+}
+
+LogCapture::~LogCapture()
+{
+    qInstallMessageHandler(former);
+}
+
+QStringList LogCapture::lines() const
+{
+    const QMutexLocker lock(&mutex);
+    return captured;
+}
+
+QStringList LogCapture::startingWith(const QString &prefix) const
+{
+    QStringList found;
+    for (const QString &line : lines()) {
+        if (line.startsWith(prefix))
+            found.append(line);
+    }
+    return found;
+}
+
+void LogCapture::clear()
+{
+    const QMutexLocker lock(&mutex);
+    captured.clear();
+}

@@ -1,0 +1,79 @@
+#include "tests/support/Screen.h"
+
+#include <QEvent>
+#include <QLabel>
+#include <QTextEdit>
+#include <QWidget>
+
+namespace {
+QString textOf(const QWidget *widget)
+{
+    if (const auto *label = qobject_cast<const QLabel *>(widget))
+        return label->text();
+    if (const auto *edit = qobject_cast<const QTextEdit *>(widget))
+        return edit->toPlainText();
+    return {};
+}
+
+QString placeOf(const QRect &place)
+{
+    return u"(%1, %2, %3, %4)"_qs.arg(place.x()).arg(place.y()).arg(place.width()).arg(place.height());
+}
+
+QList<QWidget *> namedWidgets(const QWidget &window)
+{
+    QList<QWidget *> named;
+    const auto children = window.findChildren<QWidget *>();
+    for (QWidget *child : children) {
+        if (!child->objectName().isEmpty() && !child->objectName().startsWith(u"qt_"))
+            named.append(child);
+    }
+    return named;
+}
+} // namespace
+
+QStringList Screen::visibleWidgets(const QWidget &window)
+{
+    QStringList names;
+    const auto children = namedWidgets(window);
+    for (const QWidget *child : children) {
+        if (child->isVisibleTo(&window))
+            names.append(child->objectName());
+    }
+    names.sort();
+    return names;
+}
+
+QStringList Screen::everything(const QWidget &window)
+{
+    QStringList lines;
+    const auto children = namedWidgets(window);
+    for (const QWidget *child : children) {
+        lines.append(child->objectName() + (child->isHidden() ? u" hidden "_qs : u" shown "_qs)
+                     + placeOf(child->geometry()) + u' ' + child->styleSheet() + u' ' + textOf(child));
+    }
+    return lines;
+}
+
+void Screen::showOnly(QWidget &window, const QStringList &names)
+{
+    const auto children = namedWidgets(window);
+    for (QWidget *child : children)
+        child->setVisible(names.contains(child->objectName()));
+}
+
+VisibilityRecorder::VisibilityRecorder(const QWidget &window)
+{
+    const auto children = namedWidgets(window);
+    for (QWidget *child : children)
+        child->installEventFilter(this);
+}
+
+bool VisibilityRecorder::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::ShowToParent)
+        changes.append(u'+' + watched->objectName());
+    else if (event->type() == QEvent::HideToParent)
+        changes.append(u'-' + watched->objectName());
+    return QObject::eventFilter(watched, event);
+}

@@ -1,0 +1,231 @@
+#include "widgets/ClickableProgressBar.h"
+
+#include <QEnterEvent>
+#include <QMetaMethod>
+#include <QMouseEvent>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <type_traits>
+
+namespace {
+
+constexpr QSize kSize{408, 48};
+
+template <typename Event> using Handler = void (ClickableProgressBar::*)(Event *);
+static_assert(std::is_same_v<decltype(&ClickableProgressBar::mousePressEvent), Handler<QMouseEvent>>);
+static_assert(std::is_same_v<decltype(&ClickableProgressBar::enterEvent), Handler<QEnterEvent>>);
+static_assert(std::is_same_v<decltype(&ClickableProgressBar::leaveEvent), Handler<QEvent>>);
+static_assert(std::is_same_v<decltype(&ClickableProgressBar::paintEvent), Handler<QPaintEvent>>);
+static_assert(std::is_base_of_v<QProgressBar, ClickableProgressBar>);
+
+void enter(QWidget &widget)
+{
+    QEnterEvent event(QPointF(5, 5), QPointF(5, 5), QPointF(5, 5));
+    QCoreApplication::sendEvent(&widget, &event);
+}
+
+void leave(QWidget &widget)
+{
+    QEvent event(QEvent::Leave);
+    QCoreApplication::sendEvent(&widget, &event);
+}
+
+QString shown(const QColor &colour)
+{
+    return u"%1,%2,%3,%4"_qs.arg(colour.red()).arg(colour.green()).arg(colour.blue()).arg(colour.alpha());
+}
+
+/// Counts the paint events of one widget.
+class PaintCounter : public QObject {
+public:
+    explicit PaintCounter(QWidget *widget)
+        : QObject(widget)
+    {
+        widget->installEventFilter(this);
+    }
+
+    int count = 0;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint)
+            ++count;
+        return QObject::eventFilter(watched, event);
+    }
+};
+
+class PressTaker : public QWidget {
+public:
+    int presses = 0;
+
+protected:
+    void mousePressEvent(QMouseEvent *) override { ++presses; }
+};
+
+} // namespace
+
+class TestProgressBar : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void startsClickableGreyAndWithoutBorder();
+    void keepsItsFieldsInOrder();
+    void hasOneSignalAndNothingElse();
+    void repaintsAfter_data();
+    void repaintsAfter();
+    void doesNotRepaintForClickability();
+    void clicksOnPress_data();
+    void clicksOnPress();
+    void leavesPressesToItsParentWhileNotClickable_data();
+    void leavesPressesToItsParentWhileNotClickable();
+    void survivesItsDeletionInTheClick();
+};
+
+void TestProgressBar::startsClickableGreyAndWithoutBorder()
+{
+    QWidget parent;
+    const ClickableProgressBar bar(&parent);
+    QCOMPARE(bar.parentWidget(), &parent);
+    QCOMPARE(bar.m_clickable, true);
+    QVERIFY(bar.isClickable());
+    QCOMPARE(shown(bar.m_backgroundColor), u"48,49,60,255"_qs);
+    QCOMPARE(shown(bar.m_progressColor), u"73,74,86,255"_qs);
+    QCOMPARE(bar.m_borderColor, QColor(Qt::transparent));
+    QCOMPARE(bar.m_borderWidth, 0.0);
+    QCOMPARE(bar.m_hovered, false);
+}
+
+void TestProgressBar::keepsItsFieldsInOrder()
+{
+    const ClickableProgressBar bar(nullptr);
+    const QList<const void *> fields{&bar.m_clickable,   &bar.m_backgroundColor, &bar.m_progressColor,
+                                     &bar.m_borderColor, &bar.m_borderWidth,     &bar.m_hovered};
+    QVERIFY(std::is_sorted(fields.begin(), fields.end(), std::less<>()));
+}
+
+void TestProgressBar::hasOneSignalAndNothingElse()
+{
+    const QMetaObject &meta = ClickableProgressBar::staticMetaObject;
+    QCOMPARE(meta.className(), "ClickableProgressBar");
+    QCOMPARE(meta.superClass(), &QProgressBar::staticMetaObject);
+    QCOMPARE(meta.methodCount() - meta.methodOffset(), 1);
+    const QMetaMethod method = meta.method(meta.methodOffset());
+    QCOMPARE(method.methodType(), QMetaMethod::Signal);
+    QCOMPARE(method.methodSignature(), QByteArrayLiteral("clicked()"));
+    QCOMPARE(meta.propertyCount() - meta.propertyOffset(), 0);
+}
+
+void TestProgressBar::repaintsAfter_data()
+{
+    using Change = std::function<void(ClickableProgressBar &)>;
+    QTest::addColumn<Change>("change");
+    QTest::newRow("a background colour")
+        << Change([](ClickableProgressBar &bar) { bar.setBackgroundColor(Qt::red); });
+    QTest::newRow("a progress colour")
+        << Change([](ClickableProgressBar &bar) { bar.setProgressColor(Qt::red); });
+    QTest::newRow("a border colour") << Change(
+        [](ClickableProgressBar &bar) { bar.setBorderColor(Qt::red); });
+    QTest::newRow("a border width") << Change([](ClickableProgressBar &bar) { bar.setBorderWidth(2.0); });
+    QTest::newRow("a cleared border") << Change([](ClickableProgressBar &bar) { bar.clearBorder(); });
+    QTest::newRow("the pointer's coming") << Change([](ClickableProgressBar &bar) { enter(bar); });
+    QTest::newRow("the pointer's leaving") << Change([](ClickableProgressBar &bar) { leave(bar); });
+}
+
+void TestProgressBar::repaintsAfter()
+{
+    QFETCH(std::function<void(ClickableProgressBar &)>, change);
+    ClickableProgressBar bar(nullptr);
+    bar.resize(kSize);
+    bar.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&bar));
+    auto *paints = new PaintCounter(&bar);
+    bar.repaint();
+    const int before = paints->count;
+    change(bar);
+    QTRY_COMPARE_GT(paints->count, before);
+}
+
+void TestProgressBar::doesNotRepaintForClickability()
+{
+    QWidget window;
+    window.resize(500, 200);
+    ClickableProgressBar bar(&window);
+    bar.setGeometry(0, 0, 408, 48);
+    QWidget neighbour(&window);
+    neighbour.setGeometry(0, 100, 50, 50);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    window.repaint();
+    auto *paints = new PaintCounter(&bar);
+    auto *neighbourPaints = new PaintCounter(&neighbour);
+
+    bar.setClickable(false);
+    // A window paints all that is due at once: when the neighbour is painted, the bar would have been too.
+    neighbour.update();
+    QTRY_COMPARE(neighbourPaints->count, 1);
+    QCOMPARE(paints->count, 0);
+    QVERIFY(!bar.isClickable());
+}
+
+void TestProgressBar::clicksOnPress_data()
+{
+    QTest::addColumn<Qt::MouseButton>("button");
+    QTest::newRow("left button") << Qt::LeftButton;
+    QTest::newRow("right button") << Qt::RightButton;
+    QTest::newRow("middle button") << Qt::MiddleButton;
+}
+
+void TestProgressBar::clicksOnPress()
+{
+    QFETCH(Qt::MouseButton, button);
+    ClickableProgressBar bar(nullptr);
+    bar.resize(kSize);
+    QSignalSpy clicks(&bar, &ClickableProgressBar::clicked);
+    QTest::mousePress(&bar, button);
+    QCOMPARE(clicks.size(), 1);
+    QTest::mouseRelease(&bar, button);
+    QCOMPARE(clicks.size(), 1);
+}
+
+void TestProgressBar::leavesPressesToItsParentWhileNotClickable_data()
+{
+    clicksOnPress_data();
+}
+
+void TestProgressBar::leavesPressesToItsParentWhileNotClickable()
+{
+    QFETCH(Qt::MouseButton, button);
+    PressTaker parent;
+    auto *bar = new ClickableProgressBar(&parent);
+    bar->resize(kSize);
+    QSignalSpy clicks(bar, &ClickableProgressBar::clicked);
+    bar->setClickable(false);
+    QMouseEvent press(QEvent::MouseButtonPress, QPointF(9, 9), QPointF(9, 9), button, button, Qt::NoModifier);
+    bar->mousePressEvent(&press);
+    QVERIFY(!press.isAccepted());
+    QTest::mousePress(bar, button);
+    QCOMPARE(parent.presses, 1);
+    QCOMPARE(clicks.size(), 0);
+
+    bar->setClickable(true);
+    QTest::mousePress(bar, button);
+    QCOMPARE(clicks.size(), 1);
+}
+
+void TestProgressBar::survivesItsDeletionInTheClick()
+{
+    PressTaker parent;
+    auto bar = std::make_unique<ClickableProgressBar>(&parent);
+    bar->resize(kSize);
+    QObject::connect(bar.get(), &ClickableProgressBar::clicked, &parent, [&bar] { bar.reset(); });
+    QTest::mousePress(bar.get(), Qt::LeftButton);
+    QVERIFY(!bar);
+}
+
+QTEST_MAIN(TestProgressBar)
+#include "tst_progress_bar.moc"
