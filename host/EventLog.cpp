@@ -48,10 +48,11 @@ void EventLog::record(const QString &source, const QString &text)
 {
     QString oneLine = text;
     oneLine.replace(QLatin1Char('\n'), QLatin1Char(' '));
-    const QString line
-        = now() + QStringLiteral("  ") + source.leftJustified(kSourceWidth) + QLatin1Char(' ') + oneLine;
+    QString line;
     {
+        // The time is taken inside the lock, so that the lines of several threads stand in its order.
         const QMutexLocker lock(&m_mutex);
+        line = now() + QStringLiteral("  ") + source.leftJustified(kSourceWidth) + QLatin1Char(' ') + oneLine;
         if (m_file.isOpen()) {
             m_file.write(line.toUtf8() + '\n');
             // A log is read most eagerly after a crash.

@@ -36,16 +36,28 @@ QString ManagerTest::connectDevice(int productId)
     return path;
 }
 
-Recorder &ManagerTest::listen(Qt::ConnectionType type)
+std::unique_ptr<Recorder> ManagerTest::makeRecorder(Qt::ConnectionType type, Recorder::Hooks hooks)
+{
+    if (type != Qt::DirectConnection)
+        return std::make_unique<Recorder>(type, std::move(hooks));
+    // Qt hands a new connection over to a running thread in code that the thread sanitizer does not see into.
+    // A thread that starts later is handed everything.
+    manager().release();
+    auto recorder = std::make_unique<Recorder>(type, std::move(hooks));
+    manager().acquire();
+    return recorder;
+}
+
+Recorder &ManagerTest::listen(Qt::ConnectionType type, Recorder::Hooks hooks)
 {
     silenceRecorders();
-    s_recorders.push_back(std::make_unique<Recorder>(type));
+    s_recorders.push_back(makeRecorder(type, std::move(hooks)));
     return recorder();
 }
 
 Recorder &ManagerTest::alsoListen(Qt::ConnectionType type)
 {
-    return **s_recorders.insert(s_recorders.begin(), std::make_unique<Recorder>(type));
+    return **s_recorders.insert(s_recorders.begin(), makeRecorder(type, {}));
 }
 
 void ManagerTest::silenceRecorders()

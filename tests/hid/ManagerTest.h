@@ -30,9 +30,10 @@ protected:
     static void startThreads();
     /// Plugs a device in, opens it and starts both threads; its path, or nothing when that failed.
     static QString connectDevice(int productId = kProductId);
-    /// Lets recorder() be a new one, which listens in another way.
-    static Recorder &listen(Qt::ConnectionType type);
-    /// One more recorder, until the end of the test function.
+    /// Lets recorder() be a new one, which listens in another way. A direct one begins as a new user does,
+    /// with the library's threads started and the list of devices announced after it is there.
+    static Recorder &listen(Qt::ConnectionType type, Recorder::Hooks hooks = {});
+    /// One more recorder, until the end of the test function; a direct one begins as in listen().
     static Recorder &alsoListen(Qt::ConnectionType type);
 
     static QByteArray report(char mark,
@@ -44,6 +45,7 @@ private Q_SLOTS:
 
 private:
     static void silenceRecorders();
+    static std::unique_ptr<Recorder> makeRecorder(Qt::ConnectionType type, Recorder::Hooks hooks);
 
     /// Kept until the threads have ended: one of them may just be calling a slot of any of these.
     static inline std::vector<std::unique_ptr<Recorder>> s_recorders;

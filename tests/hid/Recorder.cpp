@@ -6,7 +6,8 @@
 
 using HIDCommunicator::OrvikHIDManager;
 
-Recorder::Recorder(Qt::ConnectionType type)
+Recorder::Recorder(Qt::ConnectionType type, Hooks hooks)
+    : m_hooks(std::move(hooks))
 {
     OrvikHIDManager *const manager = OrvikHIDManager::instance();
     connect(manager, &OrvikHIDManager::deviceListChanged, this, &Recorder::hearList, type);
@@ -72,8 +73,8 @@ template <typename Work> void Recorder::unlessSilent(Work work)
 void Recorder::hearList(const QStringList &paths, const QList<int> &productIds)
 {
     unlessSilent([&] {
-        if (onList)
-            onList(paths);
+        if (m_hooks.onList)
+            m_hooks.onList(paths);
         const std::lock_guard lock(m_mutex);
         m_lists.append(paths);
         m_productIds.append(productIds);
@@ -84,8 +85,8 @@ void Recorder::hearList(const QStringList &paths, const QList<int> &productIds)
 void Recorder::hearStatus(int status)
 {
     unlessSilent([&] {
-        if (onStatus)
-            onStatus(status);
+        if (m_hooks.onStatus)
+            m_hooks.onStatus(status);
         const std::lock_guard lock(m_mutex);
         m_statuses.append(status);
     });
@@ -94,8 +95,8 @@ void Recorder::hearStatus(int status)
 void Recorder::hearReport(const QByteArray &report)
 {
     unlessSilent([&] {
-        if (onReport)
-            onReport(report);
+        if (m_hooks.onReport)
+            m_hooks.onReport(report);
         const std::lock_guard lock(m_mutex);
         m_reports.append(report);
     });

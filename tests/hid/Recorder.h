@@ -16,7 +16,14 @@ class Recorder : public QObject {
 public:
     using Clock = std::chrono::steady_clock;
 
-    explicit Recorder(Qt::ConnectionType type = Qt::QueuedConnection);
+    /// What to do inside a slot; an empty hook does nothing.
+    struct Hooks {
+        std::function<void(const QStringList &paths)> onList;
+        std::function<void(int status)> onStatus;
+        std::function<void(const QByteArray &report)> onReport;
+    };
+
+    explicit Recorder(Qt::ConnectionType type = Qt::QueuedConnection, Hooks hooks = {});
 
     QList<QStringList> lists() const;
     QList<QList<int>> productIds() const;
@@ -30,11 +37,6 @@ public:
     /// The object itself must outlive the library's threads where it listens directly.
     void silence();
 
-    /// Set before the manager can emit; an empty hook does nothing.
-    std::function<void(const QStringList &paths)> onList;
-    std::function<void(int status)> onStatus;
-    std::function<void(const QByteArray &report)> onReport;
-
 private:
     void hearList(const QStringList &paths, const QList<int> &productIds);
     void hearStatus(int status);
@@ -42,6 +44,7 @@ private:
 
     template <typename Work> void unlessSilent(Work work);
 
+    const Hooks m_hooks;
     std::atomic<bool> m_silent{false};
     std::atomic<int> m_running{0};
     mutable std::mutex m_mutex;

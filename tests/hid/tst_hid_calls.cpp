@@ -155,10 +155,8 @@ void TestHidCalls::anyCallFromInsideASlot()
     QFETCH(Signal, signal);
     QFETCH(int, call);
 
-    listen(connection);
     std::atomic<int> made{0};
     std::atomic<bool> returned{false};
-    const HookGuard guard(recorder());
     // Once: an acquire() in a slot of the scan that it brings about would go on for ever.
     const auto make = [&] {
         if (made++ > 0)
@@ -167,15 +165,17 @@ void TestHidCalls::anyCallFromInsideASlot()
         kCalls.at(call).make(manager());
         returned = true;
     };
-    const QString path = bus().plug(kProductId);
+    Recorder::Hooks hooks;
     if (signal == Signal::List)
-        recorder().onList = [&](const QStringList &) { make(); };
-    recorder().onStatus = [&](int status) {
+        hooks.onList = [&](const QStringList &) { make(); };
+    hooks.onStatus = [&](int status) {
         if ((signal == Signal::Status0 && status == 0) || (signal == Signal::Status1 && status == 1))
             make();
     };
     if (signal == Signal::Report)
-        recorder().onReport = [&](const QByteArray &) { make(); };
+        hooks.onReport = [&](const QByteArray &) { make(); };
+    const QString path = bus().plug(kProductId);
+    const HookGuard guard(listen(connection, hooks));
 
     manager().openHIDHandle(path, kVendorId, kProductId, 0);
     startThreads();
@@ -208,9 +208,10 @@ void TestHidCalls::noCallIsSlow()
     // The stated limit, and as much again and more for a busy machine to come back to us.
     constexpr qint64 kLimitMs = 250;
     Hang hang;
-    const HookGuard guard(listen(Qt::DirectConnection));
-    recorder().onReport = [&](const QByteArray &) { hang.passBy(); };
-    recorder().onStatus = [&](int) { hang.passBy(); };
+    Recorder::Hooks hooks;
+    hooks.onReport = [&](const QByteArray &) { hang.passBy(); };
+    hooks.onStatus = [&](int) { hang.passBy(); };
+    const HookGuard guard(listen(Qt::DirectConnection, hooks));
     bus().setResponder([&](const QByteArray &) {
         hang.passBy();
         return QList<QByteArray>();
@@ -282,15 +283,15 @@ void TestHidCalls::lastReleaseLeavesNoThread()
 
 void TestHidCalls::restartFromInsideASlot()
 {
-    listen(Qt::DirectConnection);
     std::atomic<int> restarts{0};
-    const HookGuard guard(recorder());
-    recorder().onList = [&](const QStringList &) {
+    Recorder::Hooks hooks;
+    hooks.onList = [&](const QStringList &) {
         if (restarts++ >= 5)
             return;
         manager().release();
         manager().acquire();
     };
+    const HookGuard guard(listen(Qt::DirectConnection, hooks));
     QTRY_VERIFY(restarts >= 6);
     listen(Qt::QueuedConnection);
     restore();

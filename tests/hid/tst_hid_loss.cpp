@@ -36,16 +36,18 @@ void TestHidLoss::checkRoundTrip()
 /// The recorder does what a panel does: opens what it finds, closes the threads of what has gone.
 void TestHidLoss::answerAsAPanel()
 {
-    recorder().onList = [](const QStringList &paths) {
+    Recorder::Hooks hooks;
+    hooks.onList = [](const QStringList &paths) {
         if (!paths.isEmpty() && !manager().getConnected() && open(paths.last()))
             startThreads();
     };
-    recorder().onStatus = [](int status) {
+    hooks.onStatus = [](int status) {
         if (status != 1)
             return;
         manager().closeOrvikSendDataThread();
         manager().closeOrvikReceiveDataThread();
     };
+    listen(Qt::QueuedConnection, hooks);
 }
 
 void TestHidLoss::deviceThatLeavesBeforeItIsOpenIsNotOpened_data()
@@ -200,13 +202,13 @@ void TestHidLoss::disconnectedDeviceLeavingIsNoLoss()
 
 void TestHidLoss::connectedIsFalseWhenTheLossIsAnnounced()
 {
-    listen(Qt::DirectConnection);
     std::atomic<int> connectedAtLoss{-1};
-    const HookGuard guard(recorder());
-    recorder().onStatus = [&](int status) {
+    Recorder::Hooks hooks;
+    hooks.onStatus = [&](int status) {
         if (status == 1)
             connectedAtLoss = manager().getConnected();
     };
+    const HookGuard guard(listen(Qt::DirectConnection, hooks));
     QVERIFY(!connectDevice().isEmpty());
     bus().unplugAll();
     QTRY_COMPARE(connectedAtLoss.load(), 0);
@@ -223,9 +225,9 @@ static bool waitWithoutEventLoop(const std::function<bool()> &happened)
 
 void TestHidLoss::nothingOpensBeforeTheLossIsDelivered()
 {
+    const Recorder &direct = alsoListen(Qt::DirectConnection);
     const QString path = connectDevice();
     QTRY_COMPARE(recorder().count(0), 1);
-    const Recorder &direct = alsoListen(Qt::DirectConnection);
     bus().unplugAll();
     QVERIFY(waitWithoutEventLoop([&] { return direct.count(1) == 1; }));
     bus().plug(kProductId);
@@ -241,10 +243,11 @@ void TestHidLoss::nothingOpensBeforeTheLossIsDelivered()
 void TestHidLoss::panelThatWasBusyKeepsItsThreads()
 {
     answerAsAPanel();
+    Recorder &direct = alsoListen(Qt::DirectConnection);
     bus().plug(kProductId);
     QTRY_VERIFY(manager().getConnected());
     QTRY_COMPARE(recorder().count(0), 1);
-    const Recorder &direct = alsoListen(Qt::DirectConnection);
+    direct.clear();
 
     // Scans, loss and return all wait in the panel's event queue, the list with the device before the loss.
     bus().plug(kOtherProductId);

@@ -79,11 +79,12 @@ void TestHidOpen::refusedDeviceOpensLater()
 {
     bus().refuseOpen(true);
     const QString path = bus().plug(kProductId);
-    recorder().onList = [this](const QStringList &paths) {
+    Recorder::Hooks hooks;
+    hooks.onList = [](const QStringList &paths) {
         if (!manager().getConnected() && !paths.isEmpty() && open(paths.first()))
             startThreads();
     };
-    recorder().clear();
+    listen(Qt::QueuedConnection, hooks);
     QTRY_VERIFY(recorder().lists().size() >= 2);
     QVERIFY(!manager().getConnected());
     QVERIFY(recorder().statuses().isEmpty());

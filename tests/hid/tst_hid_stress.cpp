@@ -19,13 +19,14 @@ private Q_SLOTS:
     void severalThreadsCallEverything();
 
 private:
-    static void answerAsAPanel(Recorder &panel);
+    static void answerAsAPanel();
     static bool comesToServe(int productId);
 };
 
 /// Opens what it finds, asks, and closes the threads of what has gone.
-void TestHidStress::answerAsAPanel(Recorder &panel)
+void TestHidStress::answerAsAPanel()
 {
+    Recorder::Hooks panel;
     panel.onList = [](const QStringList &paths) {
         if (paths.isEmpty() || manager().getConnected() || !open(paths.last()))
             return;
@@ -39,6 +40,7 @@ void TestHidStress::answerAsAPanel(Recorder &panel)
         manager().closeOrvikReceiveDataThread();
     };
     panel.onReport = [](const QByteArray &) { manager().DC_AddSendData(report(2)); };
+    listen(Qt::QueuedConnection, panel);
 }
 
 /// Whether the device that is attached now ends up open and answers.
@@ -71,7 +73,7 @@ void TestHidStress::deviceComesAndGoesAtRandomMoments()
     QFETCH(unsigned, seed);
 
     constexpr int kCycles = 250;
-    answerAsAPanel(recorder());
+    answerAsAPanel();
     QEventLoop loop;
     std::thread cable([&] {
         std::mt19937 random(seed);
@@ -148,7 +150,7 @@ void TestHidStress::severalThreadsCallEverything()
     QVERIFY(!manager().getConnected());
     QTRY_COMPARE(bus().openConnections(), 0);
     manager().acquire();
-    answerAsAPanel(recorder());
+    answerAsAPanel();
     QVERIFY(comesToServe(kProductId));
 }
 
