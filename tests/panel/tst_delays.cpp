@@ -320,7 +320,8 @@ void TestDelays::readsTheVersionsBackAfterSuccess()
 {
     PhaseStage stage(UpgradePlan::PcOnly);
     FirmwareUpgradeWidget &panel = *stage.panel;
-    QTest::qWait(600);
+    // The query that every new panel makes must not be taken for the one that is measured.
+    QTRY_VERIFY_WITH_TIMEOUT(stage.log.contains(kModeQuery), kLongEnough);
     panel.m_devicePcVersion = u"1.2.0"_qs;
     panel.m_deviceOtgVersion = u"1.2.0"_qs;
     stage.sandbox.writeProgress("success 1");
