@@ -1,6 +1,5 @@
 #include <HIDCommunicator/OrvikHIDManager.h>
 
-#include "DefaultTransport.h"
 #include "ManagerCore.h"
 
 #include <HIDCommunicator/HidTransport.h>

@@ -57,6 +57,10 @@ public:
     virtual void interruptHotplugWait() = 0;
 };
 
+/// The system's own HID bus, which the library uses unless another one is installed. For transports that stand
+/// in front of it. Never null; may be called from any thread.
+HIDCOMMUNICATOR_EXPORT std::unique_ptr<HidTransport> makeDefaultTransport();
+
 /// Replaces the default transport. Call it before OrvikHIDManager::instance() is first used; later calls are
 /// refused (false) and \a transport is destroyed.
 HIDCOMMUNICATOR_EXPORT bool installTransport(std::unique_ptr<HidTransport> transport);

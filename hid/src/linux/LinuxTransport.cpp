@@ -1,6 +1,5 @@
 #include "LinuxTransport.h"
 
-#include "DefaultTransport.h"
 #include "HidrawConnection.h"
 #include "HidrawNodes.h"
 
