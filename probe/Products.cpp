@@ -1,0 +1,36 @@
+#include "probe/Products.h"
+
+#include "device/ModelTable.h"
+
+namespace probe {
+
+using QuillonFirmwareUpgrade::DeviceModel;
+using QuillonFirmwareUpgrade::identifiersOf;
+using QuillonFirmwareUpgrade::ModelIdentifiers;
+
+Product productOf(int productId)
+{
+    for (const DeviceModel model : {DeviceModel::R1, DeviceModel::R2}) {
+        const ModelIdentifiers &ids = identifiersOf(model);
+        const QString name(ids.code);
+        if (productId == ids.pcNormalPid)
+            return {name, QStringLiteral("PC interface"), true};
+        if (productId == ids.pcDfuPid)
+            return {name, QStringLiteral("PC chip in its boot loader"), false};
+        if (productId == ids.otgNormalPid)
+            return {name,
+                    ids.otgNormalPid == ids.otgDfuPid ? QStringLiteral("OTG interface, or its boot loader")
+                                                      : QStringLiteral("OTG interface"),
+                    false};
+        if (productId == ids.otgDfuPid)
+            return {name, QStringLiteral("OTG chip in its boot loader"), false};
+    }
+    return {QStringLiteral("?"), QStringLiteral("unknown product of the family"), false};
+}
+
+QString idText(int id)
+{
+    return QString::number(id, 16).rightJustified(4, u'0');
+}
+
+} // namespace probe
