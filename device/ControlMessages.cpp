@@ -10,7 +10,6 @@ namespace {
 constexpr int kReportSize = 65;
 constexpr char kReportId = 0x51;
 constexpr char kStartMark = char(0xC4);
-constexpr int kLengthOffset = 2;
 constexpr int kHeaderSize = 6; // report ID, start mark, length, two zeros, operation
 constexpr int kChecksumSize = 2;
 
