@@ -64,7 +64,7 @@ private:
     void acceptAll()
     {
         while (QLocalSocket *socket = m_server.nextPendingConnection()) {
-            auto *session = new BootLoaderSession(socket, m_device, m_faults, m_journal);
+            auto *session = new BootLoaderSession(socket, m_port, m_device, m_faults, m_journal);
             session->setParent(this);
             connect(session, &BootLoaderSession::greeted, this, [this, session] { begin(*session); });
             connect(session, &BootLoaderSession::ended, this, [this, session] { end(session->run()); });
@@ -100,6 +100,7 @@ BootLoaderPort::BootLoaderPort(RigThread &thread, SimulatedDevice &device, Fault
                                Journal &journal)
     : m_log(std::make_shared<Log>())
     , m_thread(thread)
+    , m_bootLoaders{{{device, faults, Chip::Pc}, {device, faults, Chip::Otg}}}
 {
     m_thread.runAndWait([&] { m_listener = new Listener(*this, device, faults, journal); });
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "rig/BootLoader.h"
 #include "rig/FaultBoard.h"
 #include "rig/Journal.h"
 #include "rig/RigThread.h"
@@ -9,6 +10,7 @@
 #include <QObject>
 #include <QStringList>
 
+#include <array>
 #include <chrono>
 #include <memory>
 
@@ -40,6 +42,8 @@ public:
     /// Opens the socket and names it in the environment. False when no socket could be had.
     bool start();
 
+    BootLoader &at(Chip chip) { return m_bootLoaders[std::size_t(chip)]; }
+
     QList<ToolRun> runs() const; ///< in the order they started, since the last forgetRuns()
     bool isFlashing() const; ///< a tool is connected right now
     void forgetRuns(); ///< keeps those that are still running
@@ -54,6 +58,7 @@ private:
     struct Log;
     std::shared_ptr<Log> m_log;
     RigThread &m_thread;
+    std::array<BootLoader, 2> m_bootLoaders;
     Listener *m_listener; // lives on the rig's thread
 };
 

@@ -1,6 +1,5 @@
 #include "rig/BootLoaderSession.h"
 
-#include "rig/FirmwareImage.h"
 #include "rig/ToolWire.h"
 
 #include <QTimer>
@@ -10,25 +9,12 @@
 
 namespace rig {
 
-using std::chrono::milliseconds;
-
 namespace {
-
-constexpr milliseconds kEraseTime{800};
 
 int productIdIn(const QStringList &arguments)
 {
     const qsizetype option = arguments.indexOf(QStringLiteral("--pid"));
     return arguments.value(option < 0 ? arguments.size() : option + 1).toInt(nullptr, 16);
-}
-
-const ChipIdentity *identityWith(int productId)
-{
-    const QList<ChipIdentity> &all = allIdentities();
-    const auto found = std::find_if(all.begin(), all.end(), [productId](const ChipIdentity &identity) {
-        return identity.normalPid == productId || identity.bootLoaderPid == productId;
-    });
-    return found == all.end() ? nullptr : &*found;
 }
 
 } // namespace
@@ -50,9 +36,11 @@ const QList<BootLoaderSession::Message> &BootLoaderSession::messages()
     return table;
 }
 
-BootLoaderSession::BootLoaderSession(QLocalSocket *socket, SimulatedDevice &device, FaultBoard &faults,
+BootLoaderSession::BootLoaderSession(QLocalSocket *socket, BootLoaderPort &port,
+                                     const SimulatedDevice &device, FaultBoard &faults,
                                      const Journal &journal)
     : m_socket(socket)
+    , m_port(port)
     , m_device(device)
     , m_faults(faults)
     , m_journal(journal)
@@ -97,6 +85,7 @@ bool BootLoaderSession::handleLine(const QByteArray &line)
 void BootLoaderSession::close()
 {
     m_run.running = false;
+    m_run.finished = m_greeted && chip().restarts() > m_restartsBefore;
     m_run.ended = m_journal.now();
     Q_EMIT ended();
     deleteLater();
@@ -112,6 +101,8 @@ void BootLoaderSession::hello(const QStringList &words)
         m_run.model = identity->model;
         m_run.chip = identity->chip;
     }
+    m_greeted = true;
+    m_restartsBefore = chip().restarts();
     QStringList answer{QLatin1StringView(wire::kFaults)};
     for (const Fault fault : m_faults.strikesOf(FaultPlace::Tool, m_run.chip))
         answer.append(nameOf(fault));
@@ -131,33 +122,20 @@ void BootLoaderSession::find(const QStringList &words)
     reply(isOnBus(words.at(1).toInt(nullptr, 16)));
 }
 
-// A running firmware is asked into the boot loader. Told that the chip is there already, a tool does not ask;
-// only where both share a product ID does the firmware understand the boot loader's own greeting.
 void BootLoaderSession::attach(const QStringList &words)
 {
-    const bool saidToBeReady = words.at(2) == u"1";
-    const bool isReady = m_device.state(m_run.chip) == ChipState::BootLoader;
-    const ChipIdentity &identity = identityOf(m_device.model(), m_run.chip);
-    const bool sharedId = identity.normalPid == identity.bootLoaderPid;
-    if (!isOnBus(words.at(1).toInt(nullptr, 16)) || (isReady != saidToBeReady && !sharedId))
-        reply(false);
-    else
-        reply(isReady || m_device.enterBootLoader(m_run.chip));
+    reply(isOnBus(words.at(1).toInt(nullptr, 16)) && chip().enter(words.at(2) == u"1"));
 }
 
 void BootLoaderSession::ready(const QStringList &)
 {
-    reply(m_device.state(m_run.chip) == ChipState::BootLoader
-          && isOnBus(identityOf(m_device.model(), m_run.chip).bootLoaderPid));
+    reply(chip().isReady());
 }
 
 void BootLoaderSession::erase(const QStringList &words)
 {
-    m_imageSize = words.at(1).toInt();
-    const bool erased = m_device.erase(m_run.chip);
-    if (erased && m_faults.strikes(Fault::DevicePulledAtErase, m_run.chip))
-        m_device.unplug(m_run.chip);
-    QTimer::singleShot(kEraseTime, this, [this, erased] { reply(erased); });
+    const bool erased = chip().erase(words.at(1).toInt());
+    QTimer::singleShot(BootLoader::kEraseTime, this, [this, erased] { reply(erased); });
 }
 
 void BootLoaderSession::beginBlock(const QStringList &words)
@@ -170,23 +148,22 @@ void BootLoaderSession::beginBlock(const QStringList &words)
 
 void BootLoaderSession::endBlock(const QByteArray &block)
 {
-    const bool half = m_blockOffset + block.size() >= m_imageSize / 2;
-    if (half && m_faults.strikes(Fault::DevicePulledAtHalf, m_run.chip))
-        m_device.unplug(m_run.chip);
-    reply(m_device.write(m_run.chip, m_blockOffset, block));
+    reply(chip().write(m_blockOffset, block));
 }
 
 void BootLoaderSession::digest(const QStringList &)
 {
-    reply({QLatin1StringView(wire::kDigest), QString::fromLatin1(sha256(m_device.flash(m_run.chip)))});
+    reply({QLatin1StringView(wire::kDigest), QString::fromLatin1(chip().digest())});
 }
 
 void BootLoaderSession::restart(const QStringList &)
 {
-    m_run.finished = m_device.restart(m_run.chip);
-    if (m_run.finished && m_faults.strikes(Fault::DevicePulledAtRestart, m_run.chip))
-        m_device.unplug(m_run.chip);
-    reply(m_run.finished);
+    reply(chip().restart());
+}
+
+BootLoader &BootLoaderSession::chip()
+{
+    return m_port.at(m_run.chip);
 }
 
 void BootLoaderSession::reply(bool yes)

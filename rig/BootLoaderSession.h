@@ -13,8 +13,8 @@ class BootLoaderSession : public QObject {
 
 public:
     /// Takes \a socket over.
-    BootLoaderSession(QLocalSocket *socket, SimulatedDevice &device, FaultBoard &faults,
-                      const Journal &journal);
+    BootLoaderSession(QLocalSocket *socket, BootLoaderPort &port, const SimulatedDevice &device,
+                      FaultBoard &faults, const Journal &journal);
 
     const ToolRun &run() const { return m_run; }
 
@@ -43,13 +43,16 @@ private:
     void reply(bool yes);
     void reply(const QStringList &words);
     bool isOnBus(int productId) const;
+    BootLoader &chip(); // that the tool was started for
 
     QLocalSocket *m_socket;
-    SimulatedDevice &m_device;
+    BootLoaderPort &m_port;
+    const SimulatedDevice &m_device;
     FaultBoard &m_faults;
     const Journal &m_journal;
     ToolRun m_run;
-    int m_imageSize = 0;
+    bool m_greeted = false;
+    int m_restartsBefore = 0; // the chip's, when the tool reported
     int m_blockOffset = 0;
     int m_blockSize = 0; // above 0: bytes of a block are awaited in place of a line
 };

@@ -1,5 +1,7 @@
 #include "rig/Identity.h"
 
+#include <algorithm>
+
 namespace rig {
 
 const QList<ChipIdentity> &allIdentities()
@@ -18,6 +20,15 @@ const QList<ChipIdentity> &allIdentities()
 const ChipIdentity &identityOf(Model model, Chip chip)
 {
     return allIdentities().at(int(model) * 2 + int(chip));
+}
+
+const ChipIdentity *identityWith(int productId)
+{
+    const QList<ChipIdentity> &all = allIdentities();
+    const auto found = std::find_if(all.begin(), all.end(), [productId](const ChipIdentity &identity) {
+        return identity.normalPid == productId || identity.bootLoaderPid == productId;
+    });
+    return found == all.end() ? nullptr : &*found;
 }
 
 QString nameOf(Model model)

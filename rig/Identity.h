@@ -30,6 +30,7 @@ struct ChipIdentity {
 
 const QList<ChipIdentity> &allIdentities();
 const ChipIdentity &identityOf(Model model, Chip chip);
+const ChipIdentity *identityWith(int productId); ///< in either state; null when nobody has it
 
 QString nameOf(Model model); ///< "R1" or "R2"
 QString nameOf(Chip chip); ///< "pc" or "otg"

@@ -7,10 +7,19 @@
 #include "rig/SimulatedDevice.h"
 #include "rig/ToolFile.h"
 #include "rig/UpdateServer.h"
+#include "rig/usb/UsbBus.h"
 
 #include <QString>
 
+#include <memory>
+
 namespace rig {
+
+/// How the device meets the panel.
+enum class Bus {
+    Installed, ///< as a transport of the HID library, in this process
+    Usb ///< as a device on this machine's USB, which the library finds by itself
+};
 
 /// All of the simulated side, wired together:
 ///
@@ -27,9 +36,9 @@ public:
     Rig(const Rig &) = delete;
     Rig &operator=(const Rig &) = delete;
 
-    /// Installs the bus in the HID library, starts the server and makes it the application's proxy, opens the
-    /// boot loader's socket. False, with one English line in \a error, when something could not be had.
-    bool start(QString *error = nullptr);
+    /// Lays out the bus, starts the server and makes it the application's proxy, opens the boot loader's
+    /// socket. False, with one English line in \a error, when something could not be had.
+    bool start(QString *error = nullptr, Bus bus = Bus::Installed);
 
     Journal &journal() { return m_journal; }
     FaultBoard &faults() { return m_faults; }
@@ -39,6 +48,8 @@ public:
     ToolFile &toolFile() { return m_toolFile; }
 
 private:
+    bool startBus(Bus bus, QString *error);
+
     Journal m_journal;
     FaultBoard m_faults;
     RigThread m_thread;
@@ -46,6 +57,7 @@ private:
     UpdateServer m_server;
     BootLoaderPort m_bootLoader;
     ToolFile m_toolFile;
+    std::unique_ptr<UsbBus> m_usb; // goes before the device does
 };
 
 } // namespace rig

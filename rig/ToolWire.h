@@ -8,6 +8,11 @@ namespace rig::wire {
 /// The environment variable that names the boot loader's socket to the flashing tool.
 constexpr char kSocketVariable[] = "QUILLON_RIG_SOCKET";
 
+/// Set to kUsb when the chips are on the machine's own USB: the tool then takes its image there, with the
+/// reports of BootLoaderReports.h. Over the socket it only says that it is there.
+constexpr char kBusVariable[] = "QUILLON_RIG_BUS";
+constexpr char kUsb[] = "usb";
+
 // What the tool says, one message a line, and what it is answered. Unless stated, the answer is kYes or kNo.
 constexpr char kHello[]
     = "hello"; ///< process ID, then the command line; answer: kFaults and the names of the tool's faults

@@ -1,25 +1,28 @@
 #pragma once
 
+#include "rig/tool/ChipLink.h"
+
 #include <QByteArray>
 #include <QLocalSocket>
 #include <QStringList>
 
 namespace tool {
 
-/// The tool's connection to the boot loaders. Every call waits for its answer, a few seconds at most; after a
-/// failed one the connection is of no further use.
-class BootLoaderLink {
+/// The tool's connection to the rig, which leads to the boot loaders too. After a failed call it is of no
+/// further use.
+class BootLoaderLink : public ChipLink {
 public:
     bool connectToRig();
 
     QStringList greet(const QStringList &arguments); ///< the names of this run's faults
-    bool find(int productId);
-    bool attach(int productId, bool alreadyInBootLoader);
-    bool isReady();
-    bool erase(qsizetype imageSize);
-    bool write(qsizetype offset, const QByteArray &block);
-    QByteArray digest(); ///< SHA-256 of what the flash holds, hexadecimal
-    bool restart();
+
+    bool find(int productId) override;
+    bool attach(int productId, bool alreadyInBootLoader) override;
+    bool isReady() override;
+    bool erase(qsizetype imageSize) override;
+    bool write(qsizetype offset, const QByteArray &block) override;
+    QByteArray digest() override;
+    bool restart() override;
 
     void waitForEnd(); ///< returns when the other side has gone
 

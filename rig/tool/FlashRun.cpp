@@ -1,5 +1,8 @@
 #include "rig/tool/FlashRun.h"
 
+#include "rig/ToolWire.h"
+#include "rig/tool/UsbChipLink.h"
+
 #include <QCryptographicHash>
 #include <QDeadlineTimer>
 #include <QFile>
@@ -87,6 +90,8 @@ std::optional<ToolOptions> ToolOptions::from(const QStringList &arguments)
 FlashRun::FlashRun(const ToolOptions &options, const QStringList &arguments)
     : m_options(options)
     , m_arguments(arguments)
+    , m_usb(qgetenv(rig::wire::kBusVariable) == rig::wire::kUsb ? makeUsbChipLink() : nullptr)
+    , m_chip(m_usb ? *m_usb : m_link)
 {
 }
 
@@ -128,14 +133,14 @@ FlashRun::ExitCode FlashRun::fake()
 
 bool FlashRun::reachBootLoader()
 {
-    return eventually([this] { return m_link.find(m_options.productId); })
-        && m_link.attach(m_options.productId, m_options.alreadyInBootLoader)
-        && eventually([this] { return m_link.isReady(); });
+    return eventually([this] { return m_chip.find(m_options.productId); })
+        && m_chip.attach(m_options.productId, m_options.alreadyInBootLoader)
+        && eventually([this] { return m_chip.isReady(); });
 }
 
 bool FlashRun::program(const QByteArray &image)
 {
-    if (!m_link.erase(image.size()))
+    if (!m_chip.erase(image.size()))
         return false;
     for (int percent = 1; percent <= 100; ++percent) {
         if (percent == m_behaviour.failsAt || !programPercent(image, percent))
@@ -143,14 +148,14 @@ bool FlashRun::program(const QByteArray &image)
     }
     pause(kVerifyTime);
     const QByteArray wanted = QCryptographicHash::hash(image, QCryptographicHash::Sha256).toHex();
-    return m_link.digest() == wanted && m_link.restart();
+    return m_chip.digest() == wanted && m_chip.restart();
 }
 
 bool FlashRun::programPercent(const QByteArray &image, int percent)
 {
     const qsizetype from = image.size() * (percent - 1) / 100;
     const qsizetype to = image.size() * percent / 100;
-    if (to > from && !m_link.write(from, image.mid(from, to - from)))
+    if (to > from && !m_chip.write(from, image.mid(from, to - from)))
         return false;
     pause(kPercentPause);
     if (percent < 100 || m_behaviour.standsAt != 100)

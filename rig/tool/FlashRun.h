@@ -8,6 +8,7 @@
 #include <QString>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
 namespace tool {
@@ -43,6 +44,8 @@ private:
     ToolOptions m_options;
     QStringList m_arguments;
     BootLoaderLink m_link;
+    std::unique_ptr<ChipLink> m_usb;
+    ChipLink &m_chip; // one of the two
     ProgressFile m_progress;
     ToolBehaviour m_behaviour;
 };
