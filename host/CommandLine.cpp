@@ -9,6 +9,7 @@ namespace {
 const QString kModel = QStringLiteral("model");
 const QString kLanguage = QStringLiteral("language");
 const QString kSimulate = QStringLiteral("simulate");
+const QString kUsb = QStringLiteral("usb");
 const QString kScenario = QStringLiteral("scenario");
 const QString kHeadless = QStringLiteral("headless");
 const QString kRecord = QStringLiteral("record");
@@ -25,6 +26,9 @@ QList<QCommandLineOption> optionTable()
         {kSimulate,
          QStringLiteral(
              "Put a simulated device, update server and flashing tool in place of the real ones.")},
+        {kUsb,
+         QStringLiteral("Put the simulated device on this machine's own USB; needs --simulate, root and two "
+                        "controllers of Linux's dummy_hcd.")},
         {kScenario, QStringLiteral("Play this scenario and end with it; needs --simulate."),
          QStringLiteral("file")},
         {kHeadless, QStringLiteral("Show nothing and print the progress instead; needs --scenario.")},
@@ -70,10 +74,12 @@ public:
         readModel(options);
         readLanguage(options);
         options.simulate = m_parser.isSet(kSimulate);
+        options.usb = m_parser.isSet(kUsb);
         options.headless = m_parser.isSet(kHeadless);
         options.scenario = readPlace(kScenario, QStringLiteral("a file"));
         options.recordFolder = readPlace(kRecord, QStringLiteral("a folder"));
         readFaults(options);
+        require(kUsb, kSimulate);
         require(kScenario, kSimulate);
         require(kFault, kSimulate);
         require(kHeadless, kScenario);

@@ -14,6 +14,7 @@ struct Options {
     rig::Model model = rig::Model::R2;
     bool english = false;
     bool simulate = false;
+    bool usb = false; ///< the simulated device is on this machine's USB
     bool headless = false;
     QString scenario; ///< a file; empty: none
     QString recordFolder; ///< empty: nothing is recorded

@@ -77,7 +77,7 @@ bool Session::startSimulation(QString *error)
     if (!m_options.simulate)
         return true;
     m_rig = std::make_unique<rig::Rig>();
-    if (!m_rig->start(error))
+    if (!m_rig->start(error, m_options.usb ? rig::Bus::Usb : rig::Bus::Installed))
         return false;
     watchRig();
     m_rig->device().setModel(m_options.model);
