@@ -11,6 +11,7 @@
 #include <QStringList>
 
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <memory>
 
@@ -42,6 +43,10 @@ public:
     /// Opens the socket and names it in the environment. False when no socket could be had.
     bool start();
 
+    /// From now on tools only say over the socket that they are there; the chips are reached by another way.
+    void takeGreetingsOnly() { m_greetingsOnly = true; }
+    bool takesGreetingsOnly() const { return m_greetingsOnly; }
+
     BootLoader &at(Chip chip) { return m_bootLoaders[std::size_t(chip)]; }
 
     QList<ToolRun> runs() const; ///< in the order they started, since the last forgetRuns()
@@ -59,6 +64,7 @@ private:
     std::shared_ptr<Log> m_log;
     RigThread &m_thread;
     std::array<BootLoader, 2> m_bootLoaders;
+    std::atomic<bool> m_greetingsOnly{false};
     Listener *m_listener; // lives on the rig's thread
 };
 

@@ -73,6 +73,8 @@ void BootLoaderSession::receive()
 bool BootLoaderSession::handleLine(const QByteArray &line)
 {
     const QStringList words = wire::decode(line);
+    if (m_greeted && m_port.takesGreetingsOnly())
+        return false;
     for (const Message &message : messages()) {
         if (words.first() == QLatin1StringView(message.name) && words.size() >= message.words) {
             (this->*message.handle)(words);

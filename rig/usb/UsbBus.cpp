@@ -101,6 +101,7 @@ public:
             if (!port->create(error))
                 return false;
         }
+        m_bootLoaders.takeGreetingsOnly();
         return true;
     }
 

@@ -15,6 +15,7 @@ private Q_SLOTS:
     void helpNamesEveryOptionAndFault();
     void aFolderThatCannotBeMadeIsRefused();
     void withoutADisplayAWindowIsRefused();
+    void withoutControllersTheDeviceIsNotPutOnUsb();
 };
 
 void HostOptionsTest::aWrongCommandLineIsRefused_data()
@@ -42,6 +43,7 @@ void HostOptionsTest::aWrongCommandLineIsRefused_data()
         << u"--fault: there is no fault \"tool-sings\"; --help lists them"_qs;
     QTest::newRow("a fault on real hardware")
         << QStringList{u"--fault"_qs, u"tool-missing"_qs} << u"--fault needs --simulate"_qs;
+    QTest::newRow("real hardware on USB") << QStringList{u"--usb"_qs} << u"--usb needs --simulate"_qs;
     QTest::newRow("a scenario on real hardware")
         << QStringList{scenario, u"x.scn"_qs} << u"--scenario needs --simulate"_qs;
     QTest::newRow("headless with nothing to play")
@@ -72,7 +74,7 @@ void HostOptionsTest::helpNamesEveryOptionAndFault()
     QCOMPARE(run.status, 0);
     QCOMPARE(run.errors, QString());
     for (const char *option :
-         {"--model", "--language", "--simulate", "--scenario", "--headless", "--record", "--fault"})
+         {"--model", "--language", "--simulate", "--usb", "--scenario", "--headless", "--record", "--fault"})
         QVERIFY2(run.output.contains(QLatin1StringView(option)), option);
     for (const rig::FaultInfo &fault : rig::faultTable())
         QVERIFY2(run.output.contains(QLatin1StringView(fault.name)), fault.name);
@@ -103,6 +105,21 @@ void HostOptionsTest::withoutADisplayAWindowIsRefused()
     const HostRun run = HostRun::with({u"--simulate"_qs}, bare);
     QCOMPARE(run.status, 2);
     QCOMPARE(run.errors, u"quillon-host: there is no display; play a scenario with --headless\n"_qs);
+}
+
+void HostOptionsTest::withoutControllersTheDeviceIsNotPutOnUsb()
+{
+    if (QFile::exists(u"/sys/class/udc/dummy_udc.0"_qs))
+        QSKIP("this machine has USB device controllers");
+    QTemporaryDir folder;
+    QFile scenario(folder.filePath(u"x.scn"_qs));
+    QVERIFY(scenario.open(QIODevice::WriteOnly));
+    scenario.write("expect screen searching\n");
+    scenario.close();
+    const HostRun run = HostRun::with(
+        {u"--simulate"_qs, u"--usb"_qs, u"--headless"_qs, u"--scenario"_qs, scenario.fileName()});
+    QCOMPARE(run.status, 2);
+    QVERIFY2(run.errors.contains(u"USB device"), qPrintable(run.errors));
 }
 
 QTEST_GUILESS_MAIN(HostOptionsTest)

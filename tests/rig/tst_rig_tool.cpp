@@ -67,6 +67,7 @@ private Q_SLOTS:
     void aFaultForOneChipSparesTheOther();
     void pullingTheCableEndsInFailure_data();
     void pullingTheCableEndsInFailure();
+    void aToolThatShouldUseUsbIsHungUpOn();
     void nonsenseOnTheSocketIsHungUpOn_data();
     void nonsenseOnTheSocketIsHungUpOn();
 
@@ -482,6 +483,16 @@ void ToolTest::pullingTheCableEndsInFailure()
     m_device->plug(Chip::Pc);
     QTRY_COMPARE_WITH_TIMEOUT(m_device->interfaces().size(), 2, kPatience);
     QTEST(m_device->interfaces().first().productId, "productId");
+}
+
+void ToolTest::aToolThatShouldUseUsbIsHungUpOn()
+{
+    m_port->takeGreetingsOnly();
+    startFlashing(Chip::Pc);
+    waitForEnd();
+    QCOMPARE(progress(), QByteArray("0%\nsuccess 0\n"));
+    QCOMPARE(m_port->runs().size(), 1);
+    QCOMPARE(m_device->state(Chip::Pc), ChipState::Running);
 }
 
 void ToolTest::nonsenseOnTheSocketIsHungUpOn_data()
