@@ -6,6 +6,7 @@
 #     TIMEOUT seconds        in real time, default 60
 #     ARGUMENTS word...      passed to the test
 #     ENVIRONMENT NAME=value...
+#     MOCK_BUS               sees the devices of tests/support/MockBus.h instead of this machine's
 #     WHITE_BOX              may look at private members)
 find_program(QUILLON_FAKETIME faketime)
 
@@ -26,8 +27,19 @@ function(quillon_fast_clock factor result)
     set(${result} ${CMAKE_COMMAND} -E env "LD_PRELOAD=${sanitizer}:${clock}" "FAKETIME=+0 x${factor}" PARENT_SCOPE)
 endfunction()
 
+# The command prefix for a program that shows itself mock devices.
+function(quillon_mock_bus result)
+    if(QUILLON_SANITIZE MATCHES "address")
+        execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=libasan.so
+            OUTPUT_VARIABLE sanitizer OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+        set(${result} ${CMAKE_COMMAND} -E env "LD_PRELOAD=${sanitizer}:libumockdev-preload.so.0" PARENT_SCOPE)
+    else()
+        set(${result} umockdev-wrapper PARENT_SCOPE)
+    endif()
+endfunction()
+
 function(quillon_add_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "WHITE_BOX" "SPEED;TIMEOUT" "SOURCES;LIBRARIES;LABELS;ARGUMENTS;ENVIRONMENT")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "MOCK_BUS;WHITE_BOX" "SPEED;TIMEOUT" "SOURCES;LIBRARIES;LABELS;ARGUMENTS;ENVIRONMENT")
     if(NOT arg_SOURCES)
         set(arg_SOURCES tst_${name}.cpp)
     endif()
@@ -44,6 +56,9 @@ function(quillon_add_test name)
     set(command tst_${name} ${arg_ARGUMENTS})
     if(arg_SPEED)
         quillon_fast_clock(${arg_SPEED} prefix)
+        set(command ${prefix} $<TARGET_FILE:tst_${name}> ${arg_ARGUMENTS})
+    elseif(arg_MOCK_BUS)
+        quillon_mock_bus(prefix)
         set(command ${prefix} $<TARGET_FILE:tst_${name}> ${arg_ARGUMENTS})
     endif()
     add_test(NAME ${name} COMMAND ${command})

@@ -6,8 +6,14 @@ packages=(build-essential cmake ninja-build pkg-config
     libgl1-mesa-dev libhidapi-dev libudev-dev
     # The panel's texts have fixed places: these fonts fit them.
     fonts-noto-cjk fonts-open-sans
+    # Tests plug in devices of their own making.
+    umockdev libumockdev-dev
     # Tests run on a faster clock, and draw the pictures again from their sources.
     faketime librsvg2-bin imagemagick gifsicle python3)
+
+# What ./check --vm needs besides: an emulated machine, and what its file system is made with.
+# shellcheck disable=SC2034
+vm_packages=(qemu-system-x86 cpio kmod)
 
 is_installed() {
     [ "$(dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]

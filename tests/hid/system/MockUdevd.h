@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QByteArray>
+
+/// What the HID library sees of the system's device manager, whatever runs on this machine. To be told before
+/// OrvikHIDManager::instance().
+namespace MockUdevd {
+
+void setRunning(bool running); ///< not running at first
+bool running();
+void setNodesSettled(bool settled); ///< whether it has given every node its owner and mode; at first it has
+QByteArray monitoredGroup(); ///< whose events the library asked for: "udev" or "kernel"
+
+} // namespace MockUdevd

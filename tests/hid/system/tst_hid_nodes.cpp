@@ -1,0 +1,158 @@
+// Which nodes the library lists, which it opens, and when it tries again.
+#include "MockBusTest.h"
+#include "MockUdevd.h"
+
+#include <QtTest>
+
+#include <linux/capability.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace {
+
+/// Takes root's privilege to open any file from the calling thread.
+class WithoutPrivilege {
+public:
+    WithoutPrivilege()
+    {
+        syscall(SYS_capget, &m_header, m_data);
+        __user_cap_data_struct reduced[] = {m_data[0], m_data[1]};
+        reduced[0].effective &= ~(CAP_TO_MASK(CAP_DAC_OVERRIDE) | CAP_TO_MASK(CAP_DAC_READ_SEARCH));
+        syscall(SYS_capset, &m_header, reduced);
+    }
+    ~WithoutPrivilege() { syscall(SYS_capset, &m_header, m_data); }
+    WithoutPrivilege(const WithoutPrivilege &) = delete;
+    WithoutPrivilege &operator=(const WithoutPrivilege &) = delete;
+
+private:
+    __user_cap_header_struct m_header{_LINUX_CAPABILITY_VERSION_3, 0};
+    __user_cap_data_struct m_data[_LINUX_CAPABILITY_U32S_3] = {};
+};
+
+} // namespace
+
+class TestHidNodes : public MockBusTest {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void identityIsListedAndOpens_data();
+    void identityIsListedAndOpens();
+    void foreignDeviceIsIgnored_data();
+    void foreignDeviceIsIgnored();
+    void nodeWithoutTheReportIdIsListedAndNotOpened();
+    void refusedNodeIsOpenedByALaterScan_data();
+    void refusedNodeIsOpenedByALaterScan();
+    void unsettledNodeIsOpenedOnceUdevdIsDone();
+};
+
+void TestHidNodes::identityIsListedAndOpens_data()
+{
+    QTest::addColumn<int>("productId");
+    QTest::newRow("R1, PC") << 0x0001;
+    QTest::newRow("R1, PC boot loader") << 0x0010;
+    QTest::newRow("R1, OTG and its boot loader") << 0x0012;
+    QTest::newRow("R2, PC") << 0x000E;
+    QTest::newRow("R2, PC boot loader") << 0x00FF;
+    QTest::newRow("R2, OTG") << 0x001F;
+    QTest::newRow("R2, OTG boot loader") << 0x0065;
+}
+
+void TestHidNodes::identityIsListedAndOpens()
+{
+    QFETCH(int, productId);
+
+    const auto device = bus().plug({0x352F, productId});
+    QTRY_VERIFY_WITH_TIMEOUT(lastScanFound({device->path()}), kPatienceMs);
+    QCOMPARE(recorder().productIds().last(), QList<int>{productId});
+    QVERIFY(open(*device, productId));
+    startThreads();
+    QVERIFY(isServed(*device));
+}
+
+void TestHidNodes::foreignDeviceIsIgnored_data()
+{
+    QTest::addColumn<int>("vendorId");
+    QTest::newRow("another vendor") << 0x046D;
+    QTest::newRow("the vendor before") << 0x352E;
+    QTest::newRow("the vendor after") << 0x3530;
+    QTest::newRow("no vendor") << 0;
+}
+
+void TestHidNodes::foreignDeviceIsIgnored()
+{
+    QFETCH(int, vendorId);
+
+    const auto foreign = bus().plug({vendorId, 0x000E});
+    const auto device = bus().plug();
+    QTRY_VERIFY_WITH_TIMEOUT(lastScanFound({device->path()}), kPatienceMs);
+    QVERIFY(!manager().openHIDHandle(foreign->path(), vendorId, 0x000E, 0));
+    QVERIFY(!open(*foreign));
+    QCOMPARE(foreign->openHandles(), 0);
+}
+
+void TestHidNodes::nodeWithoutTheReportIdIsListedAndNotOpened()
+{
+    const auto consumerControl = bus().plug({0x352F, 0x000E, 0x01});
+    QTRY_VERIFY_WITH_TIMEOUT(lastScanFound({consumerControl->path()}), kPatienceMs);
+    QVERIFY(!open(*consumerControl));
+
+    // Listed behind it although it is younger, so that whoever opens the last one gets one that opens.
+    answerAsAPanel();
+    const auto device = bus().plug();
+    const auto keyboard = bus().plug({0x352F, 0x000E, 0x02});
+    const QStringList usableLast{consumerControl->path(), keyboard->path(), device->path()};
+    QTRY_VERIFY_WITH_TIMEOUT(lastScanFound(usableLast), kPatienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(manager().getConnected(), kPatienceMs);
+    QVERIFY(isServed(*device));
+    QCOMPARE(consumerControl->openHandles() + keyboard->openHandles(), 0);
+}
+
+using Change = void (MockDevice::*)(bool);
+
+void TestHidNodes::refusedNodeIsOpenedByALaterScan_data()
+{
+    QTest::addColumn<Change>("change");
+    QTest::addColumn<bool>("listed");
+    QTest::newRow("may not be opened yet") << &MockDevice::setPermitted << true;
+    QTest::newRow("does not answer as a hidraw node yet") << &MockDevice::setReady << true;
+    QTest::newRow("has no device file yet") << &MockDevice::setNodePresent << false;
+}
+
+/// No event tells of the change: the periodic scan has to find it.
+void TestHidNodes::refusedNodeIsOpenedByALaterScan()
+{
+    QFETCH(Change, change);
+    QFETCH(bool, listed);
+
+    const WithoutPrivilege guard;
+    answerAsAPanel();
+    const auto device = bus().plug({}, [change](MockDevice &unseen) { (unseen.*change)(false); });
+    const QStringList expected = listed ? QStringList{device->path()} : QStringList();
+    QTRY_VERIFY_WITH_TIMEOUT(recorder().lists().count(expected) >= 2, kPatienceMs);
+    QVERIFY(!open(*device));
+    QVERIFY(!manager().getConnected());
+    QVERIFY(recorder().statuses().isEmpty());
+    QCOMPARE(device->openHandles(), 0);
+
+    ((*device).*change)(true);
+    QTRY_VERIFY_WITH_TIMEOUT(manager().getConnected(), kPatienceMs);
+    QVERIFY(isServed(*device));
+    QCOMPARE(recorder().statuses(), QList<int>{0});
+}
+
+void TestHidNodes::unsettledNodeIsOpenedOnceUdevdIsDone()
+{
+    const bool udevdRuns = MockUdevd::running();
+    MockUdevd::setNodesSettled(false);
+    const auto device = bus().plug();
+    QTRY_VERIFY_WITH_TIMEOUT(lastScanFound({device->path()}), kPatienceMs);
+    // Without udevd nobody would ever settle it.
+    QCOMPARE(open(*device), !udevdRuns);
+    MockUdevd::setNodesSettled(true);
+    QVERIFY(open(*device));
+    startThreads();
+    QVERIFY(isServed(*device));
+}
+
+QTEST_GUILESS_MAIN(TestHidNodes)
+#include "tst_hid_nodes.moc"
