@@ -6,6 +6,8 @@
 
 #include <array>
 #include <atomic>
+#include <limits>
+#include <optional>
 
 namespace {
 
@@ -68,6 +70,7 @@ private Q_SLOTS:
 
 private:
     void restore();
+    std::optional<qint64> timeOf(const Call &call, const QString &trouble);
 };
 
 /// Whatever was called before: one user, a device, and a round trip.
@@ -200,13 +203,9 @@ void TestHidCalls::noCallIsSlow_data()
     }
 }
 
-void TestHidCalls::noCallIsSlow()
+/// How long \a call keeps its caller while \a trouble lasts; nothing when the trouble could not be made.
+std::optional<qint64> TestHidCalls::timeOf(const Call &call, const QString &trouble)
 {
-    QFETCH(QString, trouble);
-    QFETCH(int, call);
-
-    // The stated limit, and as much again and more for a busy machine to come back to us.
-    constexpr qint64 kLimitMs = 250;
     Hang hang;
     Recorder::Hooks hooks;
     hooks.onReport = [&](const QByteArray &) { hang.passBy(); };
@@ -216,8 +215,8 @@ void TestHidCalls::noCallIsSlow()
         hang.passBy();
         return QList<QByteArray>();
     });
-    QVERIFY(!connectDevice().isEmpty());
-    QTRY_COMPARE(recorder().count(0), 1);
+    if (connectDevice().isEmpty() || !QTest::qWaitFor([] { return recorder().count(0) == 1; }))
+        return std::nullopt;
 
     hang.arm();
     if (trouble == QLatin1String("a write hangs"))
@@ -228,16 +227,34 @@ void TestHidCalls::noCallIsSlow()
         bus().unplugAll();
     else
         hang.disarm();
-    QTRY_VERIFY(hang.isAsExpected());
+    if (!QTest::qWaitFor([&] { return hang.isAsExpected(); }))
+        return std::nullopt;
 
     QElapsedTimer timer;
     timer.start();
-    kCalls.at(call).make(manager());
+    call.make(manager());
     const qint64 took = timer.elapsed();
     hang.disarm();
-    QVERIFY2(took < kLimitMs, qPrintable(QString::number(took)));
     listen(Qt::QueuedConnection);
     restore();
+    return took;
+}
+
+void TestHidCalls::noCallIsSlow()
+{
+    QFETCH(QString, trouble);
+    QFETCH(int, call);
+
+    // A busy machine may take its time to come back to us, but not every time.
+    constexpr qint64 kLimitMs = 100;
+    constexpr int kAttempts = 10;
+    qint64 shortest = std::numeric_limits<qint64>::max();
+    for (int attempt = 0; attempt < kAttempts && shortest >= kLimitMs; ++attempt) {
+        const auto took = timeOf(kCalls.at(call), trouble);
+        QVERIFY(took.has_value());
+        shortest = qMin(shortest, *took);
+    }
+    QVERIFY2(shortest < kLimitMs, qPrintable(QString::number(shortest)));
 }
 
 void TestHidCalls::usersAreCounted()
@@ -274,9 +291,10 @@ void TestHidCalls::lastReleaseLeavesNoThread()
         manager().acquire();
         QVERIFY(open(bus().plug(kProductId)));
         startThreads();
-        QVERIFY(threadsOfThisProcess() == before + 3);
+        QTRY_COMPARE(threadsOfThisProcess(), before + 3);
         manager().release();
-        QCOMPARE(threadsOfThisProcess(), before);
+        // The system lists a thread for a moment longer than it takes to be joined.
+        QTRY_COMPARE(threadsOfThisProcess(), before);
         bus().unplugAll();
     }
 }
