@@ -1,6 +1,6 @@
 # Sourced by tests/vm/run, which sets root, build and cache. Puts together what the virtual machine boots: Debian's own
 # kernel and udevd, unpacked and not installed, and the shipping libraries with everything they load.
-# shellcheck shell=bash
+# shellcheck shell=bash disable=SC2154
 
 # What the guest's kernel needs besides what is built into it: the bus, HID, and controllers without hardware behind
 # them through which a program can be a USB device.
@@ -82,10 +82,10 @@ copy_program() {
 copy_modules() {
     local version module file
     version=$(basename "$cache"/system/lib/modules/*)
-    depmod -b "$cache/system" "$version" 2>/dev/null
+    depmod -b "$cache/system" "$version"
     mkdir -p "$guest/modules"
     for module in "${kernel_modules[@]}"; do
-        modprobe -d "$cache/system" -S "$version" --show-depends "$module"
+        modprobe -C /dev/null -d "$cache/system" -S "$version" --show-depends "$module"
     done | awk '$1 == "insmod" && !seen[$2]++ { print $2 }' >"$cache/order"
     while read -r file; do
         cp "$file" "$guest/modules/"
@@ -102,8 +102,19 @@ copy_host() {
     for plugin in platforms/libqoffscreen.so imageformats/libqgif.so; do
         copy_program "$plugins/$plugin" "/plugins/$plugin"
     done
+    copy_fonts
+}
+
+# The one family that stands in for the panel's English font; a glyph more would be time spent on looking for it.
+copy_fonts() {
+    local family
+    family=$(sed -n 's/.*{"Segoe UI", "\(.*\)"}.*/\1/p' "$root/host/Fonts.cpp")
     mkdir -p "$guest/usr/share/fonts" "$guest/etc/fonts" "$guest/var/cache/fontconfig"
-    cp /usr/share/fonts/truetype/open-sans/OpenSans-{Regular,Semibold,Bold}.ttf "$guest/usr/share/fonts/"
+    find /usr/share/fonts -name "${family// /}-*.ttf" ! -name '*Italic*' -exec cp -t "$guest/usr/share/fonts" {} +
+    if [ -z "$(ls "$guest/usr/share/fonts")" ]; then
+        echo "There is no font \"$family\" here." >&2
+        return 1
+    fi
     cp -L /etc/fonts/fonts.conf "$guest/etc/fonts/"
 }
 
