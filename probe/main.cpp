@@ -17,7 +17,10 @@ std::optional<Bus> chooseBus(const Options &options, QString *error)
     if (options.replayFile.isEmpty())
         return Bus{HIDCommunicator::makeDefaultTransport(), DeviceAccess::isDenied};
     const auto trace = Trace::load(options.replayFile, error);
-    return trace ? std::optional(replay(*trace)) : std::nullopt;
+    if (!trace)
+        return std::nullopt;
+    const bool asksNothing = options.command == Options::Command::Watch || options.listen;
+    return replay(*trace, asksNothing ? Pace::AsRecorded : Pace::WaitsForQuestions);
 }
 
 /// Shared with the HID library's threads, one of which may outlive the run when it hangs in the system.

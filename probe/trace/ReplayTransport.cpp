@@ -23,8 +23,10 @@ using HIDCommunicator::HidTransport;
 using std::chrono::milliseconds;
 using Kind = TraceEvent::Kind;
 
-/// How long an open device stays longer than it did, when it was not asked everything yet.
-constexpr milliseconds kPatience = 3s;
+/// How long a device stays longer than it did, when it was not asked everything yet.
+constexpr milliseconds kPatience = 10s;
+/// How long it stays at least after its last answer, so that the answer is heard.
+constexpr milliseconds kFarewell = 300ms;
 
 QString pathOf(const ReplayDevice &device)
 {
@@ -39,16 +41,16 @@ struct Player {
     ReplayDevice device;
     QString path;
     bool attached = false;
-    int handles = 0;
     qsizetype attempts = 0; ///< to open it
     qsizetype asked = 0; ///< exchanges that are behind us
+    milliseconds answered{0}; ///< when its last answer comes, on the clock of the play
 
     Kind nextOpening() const
     {
         const QList<Kind> &openings = device.openings;
         return openings.isEmpty() ? Kind::Open : openings.at(std::min(attempts, openings.size() - 1));
     }
-    bool hasMoreToSay() const { return handles > 0 && asked < device.exchanges.size(); }
+    bool hasMoreToSay() const { return asked < device.exchanges.size(); }
 };
 
 /// A plug or an unplug.
@@ -67,7 +69,8 @@ struct DueReport {
 /// up. Functions named ...Locked are called with the mutex held.
 class Stage {
 public:
-    explicit Stage(const Trace &trace)
+    Stage(const Trace &trace, Pace pace)
+        : m_pace(pace)
     {
         for (const ReplayDevice &device : devicesOf(trace)) {
             m_turns.append({device.plugged, m_players.size(), true});
@@ -130,6 +133,30 @@ public:
     /// The answers to \a request: the next exchange that asks the same, else the last one that did.
     QList<ReplayAnswer> answerLocked(Player &player, const QByteArray &request)
     {
+        const QList<ReplayAnswer> answers = findAnswersLocked(player, request);
+        for (const ReplayAnswer &answer : answers)
+            player.answered = std::max(player.answered, nowLocked() + answer.delay);
+        return answers;
+    }
+
+    QMutex m_mutex;
+    QWaitCondition m_news;
+    int m_hotplugs = 0;
+    bool m_interrupted = false;
+
+private:
+    milliseconds dueLocked() const
+    {
+        const Turn &turn = m_turns.at(m_played);
+        const Player &player = m_players.at(turn.player);
+        const milliseconds due = m_reached + (turn.time - m_traceTime);
+        if (turn.attaches || m_pace == Pace::AsRecorded)
+            return due;
+        return player.hasMoreToSay() ? due + kPatience : std::max(due, player.answered + kFarewell);
+    }
+
+    QList<ReplayAnswer> findAnswersLocked(Player &player, const QByteArray &request)
+    {
         const QList<ReplayExchange> &exchanges = player.device.exchanges;
         const auto asksTheSame
             = [&](const ReplayExchange &exchange) { return sameReport(exchange.request, request); };
@@ -143,19 +170,6 @@ public:
         return behind == exchanges.rend() ? QList<ReplayAnswer>() : behind->answers;
     }
 
-    QMutex m_mutex;
-    QWaitCondition m_news;
-    int m_hotplugs = 0;
-    bool m_interrupted = false;
-
-private:
-    milliseconds dueLocked() const
-    {
-        const Turn &turn = m_turns.at(m_played);
-        const bool waits = !turn.attaches && m_players.at(turn.player).hasMoreToSay();
-        return m_reached + (turn.time - m_traceTime) + (waits ? kPatience : 0ms);
-    }
-
     /// From here on, times count from \a traceTime.
     void reachLocked(milliseconds traceTime, milliseconds now)
     {
@@ -165,6 +179,7 @@ private:
         m_reached = now;
     }
 
+    Pace m_pace;
     QList<Player> m_players;
     QList<Turn> m_turns;
     qsizetype m_played = 0;
@@ -176,19 +191,11 @@ private:
 class ReplayConnection : public HidConnection {
 public:
     /// The caller holds the lock.
-    ReplayConnection(std::shared_ptr<Stage> stage, Player &player)
+    ReplayConnection(std::shared_ptr<Stage> stage, const Player &player)
         : m_stage(std::move(stage))
         , m_path(player.path)
     {
-        ++player.handles;
         queueLocked(player.device.greetings);
-    }
-
-    ~ReplayConnection() override
-    {
-        const QMutexLocker lock(&m_stage->m_mutex);
-        if (Player *const player = m_stage->attachedAtLocked(m_path))
-            --player->handles;
     }
 
     ReadResult read(QByteArray &report, milliseconds timeout) override
@@ -206,7 +213,7 @@ public:
             }
             if (deadline.hasExpired())
                 return ReadResult::Timeout;
-            milliseconds wait(deadline.remainingTime());
+            milliseconds wait = std::min(milliseconds(deadline.remainingTime()), m_stage->untilTurnLocked());
             if (!m_reports.isEmpty())
                 wait = std::min(wait, m_reports.head().due - now);
             m_stage->m_news.wait(&m_stage->m_mutex, QDeadlineTimer(wait));
@@ -298,9 +305,9 @@ private:
 
 } // namespace
 
-Bus replay(const Trace &trace)
+Bus replay(const Trace &trace, Pace pace)
 {
-    const auto stage = std::make_shared<Stage>(trace);
+    const auto stage = std::make_shared<Stage>(trace, pace);
     const auto isDenied = [stage](const QString &path) {
         const QMutexLocker lock(&stage->m_mutex);
         stage->advanceLocked();

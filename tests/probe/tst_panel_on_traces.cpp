@@ -1,0 +1,106 @@
+// The panel on devices that traces play: what a customer sends with a bug report becomes a row here.
+#include "panel/FirmwareUpgradeWidget.h"
+#include "tests/probe/TraceBus.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/Sandbox.h"
+#include "tests/support/ScriptedHttpServer.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QTest>
+#include <QTimer>
+
+using QuillonFirmwareUpgrade::DeviceModel;
+using QuillonFirmwareUpgrade::FirmwareUpgradeWidget;
+using namespace std::chrono_literals;
+
+class PanelOnTracesTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void versionsAreRead_data();
+    void versionsAreRead();
+    void aDevicePulledInTheMiddleLeavesNoVersion();
+    void upgradeModeIsToldAndNoVersionRead();
+};
+
+namespace {
+QString traceFile(const QString &name)
+{
+    return QStringLiteral(QUILLON_TRACES "/%1.trace").arg(name);
+}
+} // namespace
+
+void PanelOnTracesTest::initTestCase()
+{
+    QApplication::setQuitOnLastWindowClosed(false);
+}
+
+void PanelOnTracesTest::versionsAreRead_data()
+{
+    QTest::addColumn<QString>("trace");
+    QTest::addColumn<int>("model");
+    QTest::addColumn<QString>("pcVersion");
+    QTest::addColumn<QString>("otgVersion");
+    const auto row = [](const char *name, const QString &trace, DeviceModel model, const QString &pc,
+                        const QString &otg) { QTest::newRow(name) << trace << int(model) << pc << otg; };
+    row("an R2", u"r2"_qs, DeviceModel::R2, u"1.1.1"_qs, u"1.4.2"_qs);
+    row("an R1", u"r1"_qs, DeviceModel::R1, u"1.2.0"_qs, u"0.9.9"_qs);
+    row("a checksum is not looked at", u"wrong-checksum"_qs, DeviceModel::R2, u"1.2.3"_qs, u"1.2.4"_qs);
+    row("half an answer is none", u"malformed-reply"_qs, DeviceModel::R2, QString(), u"1.4.2"_qs);
+}
+
+void PanelOnTracesTest::versionsAreRead()
+{
+    QFETCH(QString, trace);
+    QFETCH(int, model);
+    QFETCH(QString, otgVersion);
+    const Sandbox sandbox;
+    const ScriptedHttpServer server;
+    TraceBus::play(traceFile(trace));
+    FirmwareUpgradeWidget panel;
+    panel.m_deviceModel = static_cast<DeviceModel>(model);
+
+    // The OTG chip's answer is the last one of each trace.
+    QTRY_COMPARE(panel.m_deviceOtgVersion, otgVersion);
+    QTEST(panel.m_devicePcVersion, "pcVersion");
+}
+
+void PanelOnTracesTest::aDevicePulledInTheMiddleLeavesNoVersion()
+{
+    const Sandbox sandbox;
+    const ScriptedHttpServer server;
+    LogCapture log;
+    TraceBus::play(traceFile(u"pulled"_qs));
+    FirmwareUpgradeWidget panel;
+
+    QTRY_COMPARE(log.count(u"\n[状态] 设备已断开！定时器应该切换到1秒快速扫描"_qs), 1);
+    QCOMPARE(log.count(u" receive dfu mode is: off"_qs), 1);
+    QCOMPARE(panel.m_devicePcVersion, QString());
+    QCOMPARE(panel.m_deviceOtgVersion, QString());
+}
+
+void PanelOnTracesTest::upgradeModeIsToldAndNoVersionRead()
+{
+    const Sandbox sandbox;
+    const ScriptedHttpServer server;
+    TraceBus::play(traceFile(u"upgrade-mode"_qs));
+    FirmwareUpgradeWidget panel;
+    // The box keeps whoever delivered the report, this test included, until it is answered.
+    int boxes = 0;
+    QTimer user;
+    connect(&user, &QTimer::timeout, this, [&] {
+        if (auto *const box = panel.findChild<QMessageBox *>()) {
+            box->accept();
+            ++boxes;
+        }
+    });
+    user.start(20ms);
+
+    QTRY_COMPARE(boxes, 1);
+    QCOMPARE(panel.m_devicePcVersion, QString());
+}
+
+QTEST_MAIN(PanelOnTracesTest)
+#include "tst_panel_on_traces.moc"
