@@ -1,5 +1,7 @@
 #include "host/Session.h"
 
+#include "hid/access/DenialWatch.h"
+#include "hid/access/DeviceAccess.h"
 #include "host/HostWindow.h"
 #include "host/PictureFolder.h"
 #include "host/Terminal.h"
@@ -47,6 +49,7 @@ bool Session::start(QString *error)
     if (m_rig && !m_options.headless)
         showWindow();
     m_holder.create();
+    watchPermissions();
     if (m_scenario)
         play();
     else if (m_rig)
@@ -129,6 +132,15 @@ void Session::watchScreens()
         if (percent % kPercentStep == 0)
             tellStep(QStringLiteral("%1 %").arg(percent));
     });
+}
+
+// The panel finds such a device and cannot open it, and has no words for that.
+void Session::watchPermissions()
+{
+    if (m_options.simulate && !m_options.usb)
+        return;
+    m_denials = std::make_unique<DenialWatch>(DeviceAccess::isDenied,
+                                              [](const QString &hint) { Terminal::complain(hint); });
 }
 
 void Session::showWindow()

@@ -12,6 +12,8 @@
 #include <memory>
 #include <optional>
 
+class DenialWatch;
+
 namespace rig {
 class Rig;
 class ScenarioPlayer;
@@ -44,6 +46,7 @@ private:
     void layOutDevice();
     void watchRig();
     void watchScreens();
+    void watchPermissions();
     void showWindow();
     void play();
     void setEnglish(bool english);
@@ -66,6 +69,7 @@ private:
     PanelHolder m_holder;
     ScreenWatch m_screens;
     std::unique_ptr<HostWindow> m_window;
+    std::unique_ptr<DenialWatch> m_denials;
     std::unique_ptr<rig::ScenarioPlayer> m_player;
 };
 
