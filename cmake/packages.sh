@@ -11,6 +11,10 @@ packages=(build-essential cmake ninja-build pkg-config
     # Tests run on a faster clock, and draw the pictures again from their sources.
     faketime librsvg2-bin imagemagick gifsicle python3)
 
+# What the fuzz targets are built with.
+# shellcheck disable=SC2034
+fuzz_packages=(clang-14 libclang-rt-14-dev)
+
 # What ./check --vm needs besides: an emulated machine, and what its file system is made with.
 # shellcheck disable=SC2034
 vm_packages=(qemu-system-x86 cpio kmod)
