@@ -1,0 +1,117 @@
+// A cable that is pulled at random moments: no crash, no lost device, no thread or handle left. The same as
+// tst_hid_stress, with libudev and hidapi underneath.
+#include "MockBusTest.h"
+
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QFile>
+#include <QtTest>
+
+#include <atomic>
+#include <random>
+#include <thread>
+
+namespace {
+
+enum Moment { BeforeOpening, JustOpened, BeforeReply, InBurstOut, InBurstIn, WhileIdle, MomentCount };
+
+struct Traffic {
+    int questions; ///< asked at once
+    int heard; ///< how many of them the device has heard when the cable is pulled
+    int answers; ///< to each
+};
+
+constexpr Traffic kTraffic[MomentCount]
+    = {{0, 0, 0}, {0, 0, 0}, {1, 1, 0}, {40, 7, 1}, {1, 1, 60}, {0, 0, 0}};
+
+/// Those of the library and of the test; GLib keeps a few more, and ends them when it likes.
+int threadsOfThisProgram()
+{
+    int count = 0;
+    const QDir tasks(QStringLiteral("/proc/self/task"));
+    for (const QString &task : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        QFile name(tasks.filePath(task + QStringLiteral("/comm")));
+        count += name.open(QIODevice::ReadOnly) && name.readAll().startsWith("tst_hid_replug");
+    }
+    return count;
+}
+
+bool waitUntil(const std::function<bool()> &happened)
+{
+    const QDeadlineTimer patience(20000);
+    while (!happened() && !patience.hasExpired())
+        std::this_thread::sleep_for(std::chrono::microseconds(200));
+    return happened();
+}
+
+} // namespace
+
+class TestHidReplug : public MockBusTest {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cableIsPulledAtRandomMoments();
+
+private:
+    bool pullsTheCable(Moment moment, std::mt19937 &random);
+};
+
+/// One device from plug to unplug; whether it was found, and served until its moment had come.
+bool TestHidReplug::pullsTheCable(Moment moment, std::mt19937 &random)
+{
+    const Traffic traffic = kTraffic[moment];
+    std::atomic<int> heard{0};
+    const auto device = bus().plug({}, [&](MockDevice &unseen) {
+        unseen.setResponder([&heard, traffic](const QByteArray &asked) {
+            ++heard;
+            return QList<QByteArray>(traffic.answers, asked);
+        });
+    });
+    bool served = true;
+    if (moment != BeforeOpening)
+        served = waitUntil([] { return manager().getConnected(); });
+    for (int question = 0; question < traffic.questions; ++question)
+        manager().DC_AddSendData(report(question));
+    served = served && waitUntil([&] { return heard >= traffic.heard; });
+    if (moment != JustOpened)
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % 5000));
+    device->unplug();
+    device->setResponder({});
+    return served && waitUntil([] { return !manager().getConnected(); })
+        && waitUntil([&] { return device->openHandles() == 0; });
+}
+
+void TestHidReplug::cableIsPulledAtRandomMoments()
+{
+    constexpr int kCycles = 100;
+    manager().release();
+    const int threads = threadsOfThisProgram();
+    const int deviceFiles = openDeviceFiles();
+    manager().acquire();
+    answerAsAPanel();
+
+    QEventLoop loop;
+    int served = 0;
+    std::thread cable([&] {
+        std::mt19937 random(1);
+        while (served < kCycles && pullsTheCable(Moment(random() % MomentCount), random))
+            ++served;
+        QCoreApplication::postEvent(&loop, new QEvent(QEvent::Quit));
+    });
+    loop.exec();
+    cable.join();
+    QCOMPARE(served, kCycles);
+
+    const auto device = bus().plug();
+    QTRY_VERIFY_WITH_TIMEOUT(manager().getConnected(), kPatienceMs);
+    QVERIFY(isServed(*device));
+    device->unplug();
+    manager().release();
+    QTRY_COMPARE(device->openHandles(), 0);
+    QTRY_COMPARE(threadsOfThisProgram(), threads);
+    QTRY_COMPARE(openDeviceFiles(), deviceFiles + 1); // the last device's own
+    manager().acquire();
+}
+
+QTEST_GUILESS_MAIN(TestHidReplug)
+#include "tst_hid_replug.moc"
