@@ -5,7 +5,7 @@ packages=(build-essential cmake ninja-build pkg-config
     qt6-base-dev qt6-base-dev-tools qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools
     libgl1-mesa-dev libhidapi-dev libudev-dev
     # The panel's texts have fixed places: these fonts fit them.
-    fonts-noto-cjk fonts-open-sans
+    fonts-noto-cjk fonts-roboto-unhinted
     # Tests plug in devices of their own making.
     umockdev libumockdev-dev
     # Tests run on a faster clock, and draw the pictures again from their sources.

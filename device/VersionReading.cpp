@@ -6,6 +6,7 @@
 #include "net/networking_class.h"
 #include "panel/FirmwareUpgradeWidget.h"
 #include "panel/Log.h"
+#include "panel/Styles.h"
 
 #include <HIDCommunicator/OrvikHIDManager.h>
 
@@ -81,6 +82,7 @@ void FirmwareUpgradeWidget::answerDeviceMode(bool upgradeMode)
         // Not on the stack: the panel may be deleted while the box is open, and its children with it.
         const QPointer<QMessageBox> box
             = new QMessageBox(QMessageBox::Warning, tr("提示"), tr("当前设备是固件升级模式"), QMessageBox::Ok, this);
+        box->setStyleSheet(Styles::kWarningBox);
         box->exec();
         delete box;
         return;

@@ -2,6 +2,7 @@
 
 #include <QFont>
 #include <QFontDatabase>
+#include <QStringList>
 
 namespace host {
 
@@ -11,19 +12,22 @@ struct Substitution {
     const char *substitute;
 };
 
-// Metrics near enough that the panel's fixed places hold.
+// Metrics near enough that the panel's fixed places hold: other Latin fonts of the kind are wider and cut its
+// longest texts.
 constexpr Substitution kSubstitutions[]{
-    {"Microsoft YaHei", "Noto Sans CJK SC"},
-    {"Segoe UI", "Open Sans"},
+    {"Microsoft YaHei", "Roboto"},
+    {"Segoe UI", "Roboto"},
 };
+/// Writes what those cannot.
+constexpr char kChinese[] = "Noto Sans CJK SC";
 } // namespace
 
 void substituteMissingFonts()
 {
     for (const Substitution &row : kSubstitutions) {
-        const QString family = QLatin1StringView(row.family);
+        const QString family = QLatin1String(row.family);
         if (!QFontDatabase::hasFamily(family))
-            QFont::insertSubstitution(family, QLatin1StringView(row.substitute));
+            QFont::insertSubstitutions(family, {QLatin1String(row.substitute), QLatin1String(kChinese)});
     }
 }
 

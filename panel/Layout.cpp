@@ -1,12 +1,13 @@
-// Creates the panel's children, once, at fixed positions. Screens only show, hide, move and re-text them afterwards.
-// Positions here are those of the source language; retranslateUI() moves what another language needs elsewhere.
-// Every child carries the name of its member as object name. Called by the constructor.
+// Creates the panel's children, once, at fixed positions. Screens only show, hide, move and re-text them
+// afterwards. Positions here are those of the source language; retranslateUI() moves what another language
+// needs elsewhere. Every child carries the name of its member as object name. Called by the constructor.
 
 #include "panel/Colours.h"
 #include "panel/FirmwareUpgradeWidget.h"
 #include "panel/Styles.h"
 #include "panel/Texts.h"
 #include "panel/Visibility.h"
+#include "widgets/WholeLinesEdit.h"
 
 #include <QIcon>
 #include <QLabel>
@@ -17,6 +18,9 @@
 namespace QuillonFirmwareUpgrade {
 
 namespace {
+/// The advice to replug or to use another tool lies over the last pixels of the notes.
+constexpr int kNotesClear = 6;
+
 QLabel *addLabel(QWidget *parent, const char *name, const QRect &geometry, const QString &style = {},
                  const QString &text = {})
 {
@@ -32,7 +36,8 @@ QLabel *addPicture(QWidget *parent, const char *name, const char *file, const QR
                    const QString &style = Styles::kTransparent)
 {
     QLabel *label = addLabel(parent, name, geometry, style);
-    label->setPixmap(QIcon(QStringLiteral(":/new/prefix1/image/") + QLatin1String(file)).pixmap(geometry.size()));
+    label->setPixmap(
+        QIcon(QStringLiteral(":/new/prefix1/image/") + QLatin1String(file)).pixmap(geometry.size()));
     return label;
 }
 } // namespace
@@ -50,7 +55,8 @@ void FirmwareUpgradeWidget::setupUI()
 
 void FirmwareUpgradeWidget::createTitleBar()
 {
-    m_titleLabel = addLabel(this, "m_titleLabel", {24, 16, 130, 19}, Styles::label(Styles::kTitle), tr(Texts::kTitle));
+    m_titleLabel
+        = addLabel(this, "m_titleLabel", {24, 16, 130, 19}, Styles::label(Styles::kTitle), tr(Texts::kTitle));
 
     m_closeBtn = new QPushButton(this);
     m_closeBtn->setObjectName(QStringLiteral("m_closeBtn"));
@@ -66,17 +72,18 @@ void FirmwareUpgradeWidget::createVersionCard()
     addPicture(verCompLb, "cardAccentLb", "blue_rect.png", {0, 0, 4, 80});
     addLabel(verCompLb, "cardDividerLb", {187, 20, 1, 40}, Styles::kLine);
 
-    m_noNewFirmwareLb = addLabel(verCompLb, "m_noNewFirmwareLb", {24, 29, 150, 21}, label(Styles::kNoNewFirmware),
-                                 tr(Texts::kUpToDate));
+    m_noNewFirmwareLb = addLabel(verCompLb, "m_noNewFirmwareLb", {24, 29, 150, 21},
+                                 label(Styles::kNoNewFirmware), tr(Texts::kUpToDate));
     m_noNewFirmwareLb->setWordWrap(true);
-    m_newVerTitleLb = addLabel(verCompLb, "m_newVerTitleLb", {24, 16, 42, 19}, label(Styles::kNewVersionTitle),
-                               tr(Texts::kNewVersion));
+    m_newVerTitleLb = addLabel(verCompLb, "m_newVerTitleLb", {24, 16, 42, 19},
+                               label(Styles::kNewVersionTitle), tr(Texts::kNewVersion));
     m_newVerDotLb = addPicture(verCompLb, "m_newVerDotLb", "green_circle.png", {24, 47, 9, 9}, QString());
-    m_newVerLb = addLabel(verCompLb, "m_newVerLb", {39, 38, 80, 26}, label(Styles::kNewVersion), tr(Texts::kUnknown));
+    m_newVerLb = addLabel(verCompLb, "m_newVerLb", {39, 38, 80, 26}, label(Styles::kNewVersion),
+                          tr(Texts::kUnknown));
     m_curVerTitleLb = addLabel(verCompLb, "m_curVerTitleLb", {207, 16, 56, 19}, label(Styles::kCurrentTitle),
                                tr(Texts::kCurrentVersion));
-    m_curVerLb
-        = addLabel(verCompLb, "m_curVerLb", {208, 42, 55, 19}, label(Styles::kCurrentVersion), tr(Texts::kUnknown));
+    m_curVerLb = addLabel(verCompLb, "m_curVerLb", {208, 42, 55, 19}, label(Styles::kCurrentVersion),
+                          tr(Texts::kUnknown));
     // Versions come from the server and the device: they are shown as text, whatever they contain.
     m_newVerLb->setTextFormat(Qt::PlainText);
     m_curVerLb->setTextFormat(Qt::PlainText);
@@ -90,9 +97,8 @@ void FirmwareUpgradeWidget::createNotes()
                               tr(Texts::kNotesTitle));
     m_notesLineLb = addLabel(this, "m_notesLineLb", {32, 192, 408, 1}, Styles::kLine);
 
-    m_notesEdit = new QTextEdit(this);
+    m_notesEdit = new WholeLinesEdit(this, kNotesClear);
     m_notesEdit->setObjectName(QStringLiteral("m_notesEdit"));
-    m_notesEdit->setReadOnly(true);
     m_notesEdit->setGeometry(32, 204, 428, 119);
     m_notesEdit->setStyleSheet(Styles::notes(Styles::kChineseFamily));
     m_notesEdit->setPlainText(QStringLiteral("--"));
@@ -110,8 +116,8 @@ void FirmwareUpgradeWidget::createBar()
     connect(m_progressBar, &ClickableProgressBar::clicked, this, [this] { onUpgradeClicked(); });
 
     m_rocketLb = addPicture(m_progressBar, "m_rocketLb", "rocket.png", {158, 14, 20, 20});
-    m_upgradeTextLb = addLabel(m_progressBar, "m_upgradeTextLb", {186, 13, 64, 21}, label(Styles::kBarAtStart),
-                               tr(Texts::kUpgradeNow));
+    m_upgradeTextLb = addLabel(m_progressBar, "m_upgradeTextLb", {186, 13, 64, 21},
+                               label(Styles::kBarAtStart), tr(Texts::kUpgradeNow));
     m_tooOldLb
         = addLabel(m_progressBar, "m_tooOldLb", {0, 0, 408, 48}, label(Styles::kTooOld), tr(Texts::kTooOld));
     m_tooOldLb->setAlignment(Qt::AlignCenter);
@@ -121,7 +127,8 @@ void FirmwareUpgradeWidget::createBar()
                              tr(Texts::kUpgrading));
     m_doneIconLb = addPicture(m_progressBar, "m_doneIconLb", "check_mark.png", {156, 12, 24, 24});
     m_doneLb = addLabel(m_progressBar, "m_doneLb", {188, 13, 64, 21}, label(Styles::kDone), tr(Texts::kDone));
-    hideAll({m_rocketLb, m_upgradeTextLb, m_tooOldLb, m_waitingIconLb, m_upgradingLb, m_doneIconLb, m_doneLb});
+    hideAll(
+        {m_rocketLb, m_upgradeTextLb, m_tooOldLb, m_waitingIconLb, m_upgradingLb, m_doneIconLb, m_doneLb});
 }
 
 void FirmwareUpgradeWidget::createConnectionHint()
@@ -129,11 +136,11 @@ void FirmwareUpgradeWidget::createConnectionHint()
     tipMoiveLb = addLabel(this, "tipMoiveLb", {32, 59, 408, 128}, Styles::kTransparent);
     tipMoiveLb->setScaledContents(true);
     loadTipMovie(Port::Pc);
-    m_detectingUsbLb = addLabel(this, "m_detectingUsbLb", {122, 203, 229, 21}, Styles::label(Styles::kDetecting),
-                                tr(Texts::kDetectingUsb));
+    m_detectingUsbLb = addLabel(this, "m_detectingUsbLb", {122, 203, 229, 21},
+                                Styles::label(Styles::kDetecting), tr(Texts::kDetectingUsb));
     m_detectingUsbLb->setAlignment(Qt::AlignCenter);
-    m_connectHintLb = addLabel(this, "m_connectHintLb", {59, 232, 352, 57}, Styles::label(Styles::kConnectHint),
-                               connectionHint(Port::Pc));
+    m_connectHintLb = addLabel(this, "m_connectHintLb", {59, 232, 352, 57},
+                               Styles::label(Styles::kConnectHint), connectionHint(Port::Pc));
     m_connectHintLb->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
     m_connectHintLb->setWordWrap(true);
     hideAll({tipMoiveLb, m_detectingUsbLb, m_connectHintLb});
@@ -142,20 +149,20 @@ void FirmwareUpgradeWidget::createConnectionHint()
 void FirmwareUpgradeWidget::createFailureLine()
 {
     m_failIconLb = addPicture(this, "m_failIconLb", "exclamation_mark.png", {95, 317, 24, 24});
-    m_failTextLb
-        = addLabel(this, "m_failTextLb", {122, 319, 256, 19}, Styles::label(Styles::kFailure), tr(Texts::kFailed));
+    m_failTextLb = addLabel(this, "m_failTextLb", {122, 319, 256, 19}, Styles::label(Styles::kFailure),
+                            tr(Texts::kFailed));
     m_failTextLb->setAlignment(Qt::AlignCenter);
     hideAll({m_failIconLb, m_failTextLb});
 }
 
 void FirmwareUpgradeWidget::createOfflineToolLine()
 {
-    m_offlineToolTipLb
-        = addLabel(this, "m_offlineToolTipLb", {}, Styles::label(Styles::kOfflineTool), tr(Texts::kUseOfflineTool));
+    m_offlineToolTipLb = addLabel(this, "m_offlineToolTipLb", {}, Styles::label(Styles::kOfflineTool),
+                                  tr(Texts::kUseOfflineTool));
     m_offlineToolIconLb = addPicture(this, "m_offlineToolIconLb", "exclamation_mark.png", {0, 0, 24, 24});
     m_offlineToolIconLb->setFixedSize(24, 24);
-    m_offlineToolLinkLb = addLabel(this, "m_offlineToolLinkLb", {}, Styles::offlineToolLink(Styles::kChineseFamily),
-                                   offlineToolLink(false));
+    m_offlineToolLinkLb = addLabel(this, "m_offlineToolLinkLb", {},
+                                   Styles::offlineToolLink(Styles::kChineseFamily), offlineToolLink(false));
     m_offlineToolLinkLb->setTextFormat(Qt::RichText);
     m_offlineToolLinkLb->setOpenExternalLinks(true);
     m_offlineToolLinkLb->setCursor(Qt::PointingHandCursor);

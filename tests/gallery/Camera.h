@@ -1,0 +1,32 @@
+#pragma once
+
+#include "tests/gallery/Views.h"
+
+#include <QSet>
+#include <QString>
+
+QT_BEGIN_NAMESPACE
+class QWidget;
+QT_END_NAMESPACE
+
+/// Takes the pictures of a tour, each at a moment in which nothing else happens, with the animation at a
+/// fixed frame. GUI thread.
+class Camera {
+public:
+    /// Pictures go into the gallery in \a folder, as those of \a view.
+    Camera(const QString &folder, const Gallery::View &view);
+
+    /// Pictures \a panel as \a screen.
+    void take(QWidget &panel, const QString &screen);
+
+    /// Writes the texts beside the pictures. False: a screen was not pictured, or something could not be
+    /// written.
+    bool finish();
+
+private:
+    QString m_folder;
+    Gallery::View m_view;
+    QSet<QString> m_taken;
+    QString m_widgets; // of every screen, as text
+    bool m_isWritten = true;
+};

@@ -1,0 +1,58 @@
+#include "tests/gallery/Views.h"
+
+namespace Gallery {
+
+const QList<Screen> &screens()
+{
+    static const QList<Screen> all{
+        {"searching", "Searching"},
+        {"up-to-date", "Up to date"},
+        {"upgrade-available", "Upgrade available"},
+        {"too-old", "Too old"},
+        {"waiting-pc", "Waiting for the PC cable"},
+        {"flashing-pc", "PC flashing"},
+        {"waiting-otg", "Waiting for the OTG cable"},
+        {"flashing-otg", "OTG flashing"},
+        {"completed", "Completed"},
+        {"failure", "Failure"},
+        {"retry", "Retry after replug, pointed at"},
+        {"recovering", "Recovery"},
+        {"warning", "Warning box"},
+    };
+    return all;
+}
+
+QString View::folder() const
+{
+    const QString name = model + u'-' + language;
+    return scale == 1 ? name : name + u"@%1x"_qs.arg(scale);
+}
+
+QList<View> views()
+{
+    QList<View> all;
+    for (const QString &model : {u"R1"_qs, u"R2"_qs}) {
+        for (const QString &language : {u"en"_qs, u"zh"_qs}) {
+            for (const int scale : {1, 2})
+                all.append({model, language, scale});
+        }
+    }
+    return all;
+}
+
+QString picturePath(const View &view, const QString &screen)
+{
+    return u"pictures/"_qs + view.folder() + u'/' + screen + u".png"_qs;
+}
+
+QString widgetsPath(const View &view)
+{
+    return u"pictures/"_qs + view.folder() + u"/widgets.txt"_qs;
+}
+
+QString factsPath(const View &view, const QString &screen)
+{
+    return u"facts/"_qs + view.folder() + u'/' + screen + u".json"_qs;
+}
+
+} // namespace Gallery

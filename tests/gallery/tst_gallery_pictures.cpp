@@ -1,0 +1,137 @@
+#include "tests/gallery/PictureFile.h"
+#include "tests/gallery/Views.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QSet>
+#include <QTest>
+
+using Gallery::View;
+
+namespace {
+const QString kGallery = QStringLiteral(QUILLON_GALLERY "/");
+const QString kReference = QStringLiteral(QUILLON_GALLERY_REFERENCE "/");
+const QString kDifferences = QStringLiteral(QUILLON_GALLERY "/differences/");
+
+QStringList linesOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).split(u'\n') : QStringList();
+}
+
+QSet<QString> filesIn(const QString &folder)
+{
+    QSet<QString> names;
+    QDirIterator files(folder, QDir::Files, QDirIterator::Subdirectories);
+    while (files.hasNext())
+        names.insert(QDir(folder).relativeFilePath(files.next()));
+    return names;
+}
+} // namespace
+
+/// Every screen looks as it did when somebody last looked at it and kept it. "ninja gallery-references" keeps
+/// the new look.
+class GalleryPicturesTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyScreenLooksAsKept_data();
+    void everyScreenLooksAsKept();
+    void everyWidgetSaysAndStandsAsKept_data();
+    void everyWidgetSaysAndStandsAsKept();
+    void nothingIsKeptThatIsNoLongerPictured();
+    void aDifferenceIsSeen_data();
+    void aDifferenceIsSeen();
+};
+
+void GalleryPicturesTest::everyScreenLooksAsKept_data()
+{
+    QTest::addColumn<QString>("picture");
+    for (const View &view : Gallery::views()) {
+        for (const Gallery::Screen &screen : Gallery::screens()) {
+            const QString picture = Gallery::picturePath(view, QLatin1StringView(screen.name));
+            QTest::newRow(qPrintable(view.folder() + u' ' + QLatin1StringView(screen.name))) << picture;
+        }
+    }
+}
+
+void GalleryPicturesTest::everyScreenLooksAsKept()
+{
+    QFETCH(QString, picture);
+    const QImage kept(kReference + picture);
+    const QImage taken(kGallery + picture);
+    QVERIFY2(!taken.isNull(), qPrintable(kGallery + picture + u" is missing"_qs));
+    const PictureFile::Difference difference = PictureFile::compare(kept, taken);
+    QVERIFY2(difference.sameSize, qPrintable(kReference + picture + u" is missing or of another size"_qs));
+    if (difference.pixels <= PictureFile::kToleratedPixels)
+        return;
+    const QString shown = kDifferences + QString(picture).remove(u"pictures/"_qs);
+    PictureFile::save(difference.shown, shown);
+    QFAIL(qPrintable(u"%1 pixels differ, by %2 at most: see %3"_qs.arg(difference.pixels)
+                         .arg(difference.largest)
+                         .arg(shown)));
+}
+
+void GalleryPicturesTest::everyWidgetSaysAndStandsAsKept_data()
+{
+    QTest::addColumn<QString>("widgets");
+    for (const View &view : Gallery::views())
+        QTest::newRow(qPrintable(view.folder())) << Gallery::widgetsPath(view);
+}
+
+void GalleryPicturesTest::everyWidgetSaysAndStandsAsKept()
+{
+    QFETCH(QString, widgets);
+    const QStringList kept = linesOf(kReference + widgets);
+    const QStringList taken = linesOf(kGallery + widgets);
+    QVERIFY(taken.size() > Gallery::screens().size());
+    QString screen;
+    for (qsizetype i = 0; i < std::min(kept.size(), taken.size()); ++i) {
+        if (taken.at(i).startsWith(u"== "))
+            screen = taken.at(i);
+        QVERIFY2(taken.at(i) == kept.at(i),
+                 qPrintable(u"%1, line %2\n  kept:  %3\n  taken: %4"_qs.arg(screen).arg(i + 1).arg(
+                     kept.at(i), taken.at(i))));
+    }
+    QCOMPARE(taken.size(), kept.size());
+}
+
+void GalleryPicturesTest::nothingIsKeptThatIsNoLongerPictured()
+{
+    QCOMPARE(filesIn(kReference + u"pictures"_qs), filesIn(kGallery + u"pictures"_qs));
+}
+
+void GalleryPicturesTest::aDifferenceIsSeen_data()
+{
+    QTest::addColumn<QRect>("changed");
+    QTest::addColumn<int>("by");
+    QTest::addColumn<bool>("seen");
+    QTest::newRow("nothing") << QRect() << 0 << false;
+    QTest::newRow("an edge rounded differently") << QRect(10, 10, 30, 1) << PictureFile::kTolerance << false;
+    QTest::newRow("a few specks") << QRect(10, 10, PictureFile::kToleratedPixels, 1) << 200 << false;
+    QTest::newRow("a shade") << QRect(10, 10, 80, 20) << PictureFile::kTolerance + 1 << true;
+    QTest::newRow("a letter") << QRect(10, 10, 6, 8) << 200 << true;
+}
+
+void GalleryPicturesTest::aDifferenceIsSeen()
+{
+    QFETCH(QRect, changed);
+    QFETCH(int, by);
+    QFETCH(bool, seen);
+    QImage kept(100, 60, QImage::Format_RGB32);
+    kept.fill(qRgb(31, 32, 40));
+    QImage taken = kept;
+    for (int y = changed.top(); y <= changed.bottom(); ++y) {
+        for (int x = changed.left(); x <= changed.right(); ++x)
+            taken.setPixel(x, y, qRgb(31, 32 + by, 40));
+    }
+    const PictureFile::Difference difference = PictureFile::compare(kept, taken);
+    QVERIFY(difference.sameSize);
+    QCOMPARE(difference.pixels > PictureFile::kToleratedPixels, seen);
+    QVERIFY(!PictureFile::compare(kept, taken.copy(0, 0, 99, 60)).sameSize);
+    QVERIFY(!PictureFile::compare(kept, QImage()).sameSize);
+}
+
+QTEST_GUILESS_MAIN(GalleryPicturesTest)
+#include "tst_gallery_pictures.moc"

@@ -1,0 +1,97 @@
+#include "widgets/WholeLinesEdit.h"
+
+#include <QAbstractTextDocumentLayout>
+#include <QScrollBar>
+#include <QTest>
+#include <QTextBlock>
+
+namespace {
+constexpr int kHeight = 119;
+constexpr int kClear = 6;
+
+/// The lines of the text that a box of this height shows a part of, but not all.
+int cutLines(const WholeLinesEdit &edit)
+{
+    int cut = 0;
+    const double bottom = edit.viewport()->height() + edit.verticalScrollBar()->value();
+    for (QTextBlock block = edit.document()->begin(); block.isValid(); block = block.next()) {
+        const double top = edit.document()->documentLayout()->blockBoundingRect(block).top();
+        for (int i = 0; i < block.layout()->lineCount(); ++i) {
+            const QRectF line = block.layout()->lineAt(i).rect().translated(0, top);
+            cut += line.top() + 1 < bottom && line.bottom() > bottom;
+        }
+    }
+    return cut;
+}
+
+QString lines(int count)
+{
+    return QStringList(count, u"a line of text"_qs).join(u'\n');
+}
+} // namespace
+
+/// The release notes' box.
+class WholeLinesEditTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void noLineIsCut_data();
+    void noLineIsCut();
+    void aTextThatFitsHasTheWholeBox();
+    void aTallerLineThanTheBoxIsStillShown();
+};
+
+void WholeLinesEditTest::noLineIsCut_data()
+{
+    QTest::addColumn<int>("count");
+    QTest::addColumn<int>("size");
+    for (const int count : {1, 5, 6, 7, 8, 40}) {
+        for (const int size : {11, 14, 16, 21})
+            QTest::addRow("%d lines of %d pixels", count, size) << count << size;
+    }
+}
+
+void WholeLinesEditTest::noLineIsCut()
+{
+    QFETCH(int, count);
+    QFETCH(int, size);
+    QWidget window;
+    WholeLinesEdit edit(&window, kClear);
+    edit.setGeometry(0, 0, 428, kHeight);
+    window.show();
+    edit.setPlainText(lines(count));
+    // The style comes after the text when the language changes.
+    edit.setStyleSheet(u"QTextEdit { border: none; font-size: %1px; }"_qs.arg(size));
+    QCoreApplication::processEvents();
+    QCOMPARE(cutLines(edit), 0);
+    const bool isTooLong = edit.document()->size().height() > kHeight;
+    QVERIFY(!isTooLong || edit.viewport()->height() <= kHeight - kClear);
+    QVERIFY(!isTooLong || edit.verticalScrollBar()->maximum() > 0);
+}
+
+void WholeLinesEditTest::aTextThatFitsHasTheWholeBox()
+{
+    QWidget window;
+    WholeLinesEdit edit(&window, kClear);
+    edit.setStyleSheet(u"QTextEdit { border: none; }"_qs);
+    edit.setGeometry(0, 0, 428, kHeight);
+    window.show();
+    edit.setPlainText(lines(40));
+    QVERIFY(edit.viewport()->height() < kHeight);
+    edit.setPlainText(lines(1));
+    QCOMPARE(edit.viewport()->height(), kHeight);
+}
+
+void WholeLinesEditTest::aTallerLineThanTheBoxIsStillShown()
+{
+    QWidget window;
+    WholeLinesEdit edit(&window, kClear);
+    edit.setStyleSheet(u"QTextEdit { border: none; font-size: 300px; }"_qs);
+    edit.setGeometry(0, 0, 428, kHeight);
+    window.show();
+    edit.setPlainText(lines(1));
+    QCOMPARE(edit.viewport()->height(), kHeight);
+}
+
+QTEST_MAIN(WholeLinesEditTest)
+#include "tst_whole_lines_edit.moc"

@@ -1,0 +1,50 @@
+#include "widgets/WholeLinesEdit.h"
+
+#include <QAbstractTextDocumentLayout>
+#include <QTextBlock>
+#include <QTextLayout>
+
+#include <cmath>
+
+namespace {
+/// How far down the last line reaches that ends within \a height.
+double endOfWholeLines(const QTextDocument &document, double height)
+{
+    double end = 0;
+    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+        const double top = document.documentLayout()->blockBoundingRect(block).top();
+        for (int i = 0; i < block.layout()->lineCount(); ++i) {
+            const double bottom = top + block.layout()->lineAt(i).rect().bottom();
+            if (bottom > height)
+                return end;
+            end = bottom;
+        }
+    }
+    return end;
+}
+} // namespace
+
+WholeLinesEdit::WholeLinesEdit(QWidget *parent, int clear)
+    : QTextEdit(parent)
+    , m_clear(clear)
+{
+    setReadOnly(true);
+    connect(document()->documentLayout(), &QAbstractTextDocumentLayout::documentSizeChanged, this,
+            [this] { endBelowWholeLine(); });
+}
+
+void WholeLinesEdit::resizeEvent(QResizeEvent *event)
+{
+    QTextEdit::resizeEvent(event);
+    endBelowWholeLine();
+}
+
+void WholeLinesEdit::endBelowWholeLine()
+{
+    const int room = contentsRect().height() - m_clear;
+    const bool isTooLong = document()->size().height() > room;
+    const int end = isTooLong ? int(std::ceil(endOfWholeLines(*document(), room))) : 0;
+    const int margin = end > 0 ? contentsRect().height() - end : 0;
+    if (margin != viewportMargins().bottom())
+        setViewportMargins(0, 0, 0, margin);
+}
