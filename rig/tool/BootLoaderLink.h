@@ -16,6 +16,7 @@ public:
 
     QStringList greet(const QStringList &arguments); ///< the names of this run's faults
 
+    std::chrono::milliseconds patience() const override { return std::chrono::seconds(4); }
     bool find(int productId) override;
     bool attach(int productId, bool alreadyInBootLoader) override;
     bool isReady() override;

@@ -2,12 +2,17 @@
 
 #include <QByteArray>
 
+#include <chrono>
+
 namespace tool {
 
 /// The way to one chip. Every call waits for its answer, a few seconds at most.
 class ChipLink {
 public:
     virtual ~ChipLink() = default;
+
+    /// How long a chip may take to be found, and to show itself in its boot loader.
+    virtual std::chrono::milliseconds patience() const = 0;
 
     virtual bool find(int productId) = 0; ///< is it on the bus?
     virtual bool attach(int productId, bool alreadyInBootLoader) = 0; ///< talk to this chip

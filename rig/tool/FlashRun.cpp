@@ -21,8 +21,6 @@ using std::chrono::milliseconds;
 
 namespace {
 
-constexpr milliseconds kPatienceForDevice{
-    4000}; // for the product ID to be found, and for the boot loader to answer
 constexpr milliseconds kPollPause{100};
 constexpr milliseconds kPercentPause{60};
 constexpr milliseconds kVerifyTime{300};
@@ -34,9 +32,9 @@ void pause(milliseconds time)
     QThread::msleep(time.count());
 }
 
-bool eventually(const std::function<bool()> &holds)
+bool eventually(milliseconds patience, const std::function<bool()> &holds)
 {
-    const QDeadlineTimer deadline(kPatienceForDevice);
+    const QDeadlineTimer deadline(patience);
     while (!holds()) {
         if (deadline.hasExpired())
             return false;
@@ -133,9 +131,9 @@ FlashRun::ExitCode FlashRun::fake()
 
 bool FlashRun::reachBootLoader()
 {
-    return eventually([this] { return m_chip.find(m_options.productId); })
+    return eventually(m_chip.patience(), [this] { return m_chip.find(m_options.productId); })
         && m_chip.attach(m_options.productId, m_options.alreadyInBootLoader)
-        && eventually([this] { return m_chip.isReady(); });
+        && eventually(m_chip.patience(), [this] { return m_chip.isReady(); });
 }
 
 bool FlashRun::program(const QByteArray &image)

@@ -53,6 +53,9 @@ QByteArray deviceFile(int productId)
 
 class UsbChipLink : public ChipLink {
 public:
+    // An emulated or busy machine is slow to enumerate a device.
+    std::chrono::milliseconds patience() const override { return std::chrono::seconds(12); }
+
     bool find(int productId) override { return !deviceFile(productId).isEmpty(); }
 
     bool attach(int productId, bool alreadyInBootLoader) override
