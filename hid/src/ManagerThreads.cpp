@@ -71,8 +71,8 @@ void ManagerCore::sendReports(const Stopped &stopped, DeviceLink &link)
 
 void ManagerCore::receiveReports(const Stopped &stopped, DeviceLink &link)
 {
+    QByteArray report;
     while (!stopped) {
-        QByteArray report;
         const HidConnection::ReadResult result = link.connection().read(report, kReadSlice);
         if (result == HidConnection::ReadResult::Gone) {
             loseLink(link);
