@@ -200,6 +200,10 @@ private:
     void createFailureLine();
     void createOfflineToolLine();
 
+    // ---- Keyboard and screen readers: panel/Access.cpp --------------------------------------------------------
+    void makeAccessible();
+    void nameForScreenReaders();
+
     // ---- Language: panel/Language.cpp -------------------------------------------------------------------------
     void retranslateUI();
     void retranslateOfflineTool();
@@ -234,6 +238,7 @@ private:
     void resetStallDetector();
 
     // ---- Window: panel/Interaction.cpp ------------------------------------------------------------------------
+    QString offlineToolAddress() const;
     QString offlineToolLink(bool underlined) const;
 
     // ---- State ------------------------------------------------------------------------------------------------

@@ -56,13 +56,17 @@ bool FirmwareUpgradeWidget::eventFilter(QObject *watched, QEvent *event)
     return QWidget::eventFilter(watched, event);
 }
 
+QString FirmwareUpgradeWidget::offlineToolAddress() const
+{
+    return offlineToolHost() + QStringLiteral("/limit/R1_R2%20Firmware%20Upgrade%20Tool.exe");
+}
+
 QString FirmwareUpgradeWidget::offlineToolLink(bool underlined) const
 {
     const QString decoration = underlined ? QStringLiteral("underline") : QStringLiteral("none");
     return QStringLiteral("<a style='color:rgba(87,110,246,1); text-decoration:") + decoration
-        + QStringLiteral("; font-weight:700;' href='") + offlineToolHost()
-        + QStringLiteral("/limit/R1_R2%20Firmware%20Upgrade%20Tool.exe'>") + tr(Texts::kDownloadOfflineTool)
-        + QStringLiteral("</a>");
+        + QStringLiteral("; font-weight:700;' href='") + offlineToolAddress() + QStringLiteral("'>")
+        + tr(Texts::kDownloadOfflineTool) + QStringLiteral("</a>");
 }
 
 } // namespace QuillonFirmwareUpgrade

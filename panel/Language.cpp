@@ -105,6 +105,7 @@ void FirmwareUpgradeWidget::retranslateUI()
     m_doneLb->setText(tr(Texts::kDone));
     m_failTextLb->setText(tr(Texts::kFailed));
     updateWaitingLabelLayout();
+    nameForScreenReaders();
 }
 
 void FirmwareUpgradeWidget::retranslateOfflineTool()

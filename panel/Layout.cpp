@@ -51,6 +51,7 @@ void FirmwareUpgradeWidget::setupUI()
     createConnectionHint();
     createFailureLine();
     createOfflineToolLine();
+    makeAccessible();
 }
 
 void FirmwareUpgradeWidget::createTitleBar()

@@ -234,6 +234,9 @@ void FirmwareUpgradeWidget::hideConnectionHint()
 
 void FirmwareUpgradeWidget::showCardAndNotes(bool visible)
 {
+    // Left to itself, the focus would go on to the bar, where the next key press counts.
+    if (m_notesEdit && !visible)
+        m_notesEdit->clearFocus();
     setAllVisible(visible, {verCompLb, m_notesEdit, m_notesIconLb, m_notesTitleLb, m_notesLineLb});
 }
 

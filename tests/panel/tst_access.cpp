@@ -1,0 +1,301 @@
+#include "tests/panel/PanelStage.h"
+#include "widgets/ClickableProgressBar.h"
+
+#include <QAccessible>
+#include <QDesktopServices>
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTextEdit>
+#include <QUrl>
+
+namespace {
+QString nameOf(QWidget *widget)
+{
+    return QAccessible::queryAccessibleInterface(widget)->text(QAccessible::Name);
+}
+
+QImage pictureOf(QWidget &widget)
+{
+    return widget.grab().toImage();
+}
+
+/// Takes keys that nobody below it wanted.
+class Host : public QWidget {
+public:
+    int keys = 0;
+
+protected:
+    void keyPressEvent(QKeyEvent *) override { ++keys; }
+};
+
+/// Stands in for the browser.
+class UrlHandler : public QObject {
+    Q_OBJECT
+
+public:
+    QList<QUrl> opened;
+
+public Q_SLOTS:
+    void open(const QUrl &url) { opened.append(url); }
+};
+} // namespace
+
+/// The panel without a mouse and without a look at it.
+class TestAccess : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup() { m_stage.reset(); }
+
+    void aKeyPressesTheBar_data();
+    void aKeyPressesTheBar();
+    void noKeyPressesABarThatIsNotClickable_data() { aKeyPressesTheBar_data(); }
+    void noKeyPressesABarThatIsNotClickable();
+    void aPressMayDeleteTheBar();
+    void aKeyOpensTheLink();
+    void tabGoesThroughTheControls_data();
+    void tabGoesThroughTheControls();
+    void theWindowDoesNotBeginAtAButton();
+    void theBarGetsNoFocusUnasked();
+    void theFocusIsSeenAfterTabOnly_data();
+    void theFocusIsSeenAfterTabOnly();
+    void controlsHaveNames_data();
+    void controlsHaveNames();
+    void theBarIsCalledByItsWords_data();
+    void theBarIsCalledByItsWords();
+    void aScreenReaderPressesTheBar();
+
+private:
+    FirmwareUpgradeWidget &panel() const { return *m_stage->panel; }
+    /// Shows the panel and gives it the focus, with the bar replaced in its doings: nothing is upgraded here.
+    void show() const;
+
+    std::unique_ptr<PanelStage> m_stage;
+};
+
+void TestAccess::init()
+{
+    m_stage = std::make_unique<PanelStage>();
+    disconnect(panel().m_progressBar, &ClickableProgressBar::clicked, nullptr, nullptr);
+}
+
+void TestAccess::show() const
+{
+    panel().show();
+    panel().activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&panel()));
+}
+
+void TestAccess::aKeyPressesTheBar_data()
+{
+    QTest::addColumn<Qt::Key>("key");
+    QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+    QTest::addColumn<int>("presses");
+    const Qt::KeyboardModifiers none;
+    QTest::newRow("Return") << Qt::Key_Return << none << 1;
+    QTest::newRow("Enter") << Qt::Key_Enter << Qt::KeyboardModifiers(Qt::KeypadModifier) << 1;
+    QTest::newRow("Space") << Qt::Key_Space << none << 1;
+    QTest::newRow("Control and Return") << Qt::Key_Return << Qt::KeyboardModifiers(Qt::ControlModifier) << 0;
+    QTest::newRow("a letter") << Qt::Key_U << none << 0;
+}
+
+void TestAccess::aKeyPressesTheBar()
+{
+    QFETCH(Qt::Key, key);
+    QFETCH(Qt::KeyboardModifiers, modifiers);
+    QFETCH(int, presses);
+    ClickableProgressBar *bar = panel().m_progressBar;
+    QSignalSpy clicked(bar, &ClickableProgressBar::clicked);
+    QTest::keyClick(bar, key, modifiers);
+    QCOMPARE(clicked.count(), presses);
+    QKeyEvent held(QEvent::KeyPress, key, modifiers, QString(), true);
+    QCoreApplication::sendEvent(bar, &held);
+    QCOMPARE(clicked.count(), presses);
+}
+
+void TestAccess::noKeyPressesABarThatIsNotClickable()
+{
+    QFETCH(Qt::Key, key);
+    QFETCH(Qt::KeyboardModifiers, modifiers);
+    QFETCH(int, presses);
+    auto *host = new Host;
+    panel().setParent(host);
+    ClickableProgressBar *bar = panel().m_progressBar;
+    bar->setClickable(false);
+    QSignalSpy clicked(bar, &ClickableProgressBar::clicked);
+    QKeyEvent press(QEvent::KeyPress, key, modifiers);
+    QCoreApplication::sendEvent(bar, &press);
+    const int passedOn = host->keys;
+    panel().setParent(nullptr);
+    delete host;
+    QCOMPARE(clicked.count(), 0);
+    // A dialog around the panel would take Return for its own button.
+    QCOMPARE(passedOn, 1 - presses);
+}
+
+void TestAccess::aPressMayDeleteTheBar()
+{
+    ClickableProgressBar *bar = panel().m_progressBar;
+    connect(bar, &ClickableProgressBar::clicked, this, [this] { m_stage->panel.reset(); });
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+    QCoreApplication::sendEvent(bar, &press);
+    QVERIFY(!m_stage->panel);
+}
+
+void TestAccess::aKeyOpensTheLink()
+{
+    UrlHandler handler;
+    QDesktopServices::setUrlHandler(u"http"_qs, &handler, "open");
+    QTest::keyClick(panel().m_offlineToolLinkLb, Qt::Key_Return);
+    QDesktopServices::unsetUrlHandler(u"http"_qs);
+    QCOMPARE(handler.opened, QList<QUrl>{QUrl(panel().offlineToolAddress())});
+    QVERIFY(panel().m_offlineToolLinkLb->text().contains(panel().offlineToolAddress()));
+}
+
+void TestAccess::tabGoesThroughTheControls_data()
+{
+    QTest::addColumn<bool>("tooOld");
+    QTest::addColumn<QStringList>("controls");
+    QTest::newRow("most screens") << false
+                                  << QStringList{u"m_notesEdit"_qs, u"m_progressBar"_qs, u"m_closeBtn"_qs};
+    QTest::newRow("with the link") << true
+                                   << QStringList{u"m_notesEdit"_qs, u"m_offlineToolLinkLb"_qs,
+                                                  u"m_progressBar"_qs, u"m_closeBtn"_qs};
+}
+
+void TestAccess::tabGoesThroughTheControls()
+{
+    QFETCH(bool, tooOld);
+    QFETCH(QStringList, controls);
+    panel().m_offlineToolLinkLb->setVisible(tooOld);
+    show();
+    panel().m_notesEdit->setFocus();
+    QStringList reached;
+    for (qsizetype i = 0; i < controls.size(); ++i) {
+        reached.append(panel().focusWidget()->objectName());
+        QTest::keyClick(panel().focusWidget(), Qt::Key_Tab);
+    }
+    QCOMPARE(reached, controls);
+    QCOMPARE(panel().focusWidget()->objectName(), controls.first());
+}
+
+void TestAccess::theWindowDoesNotBeginAtAButton()
+{
+    show();
+    QCOMPARE(panel().focusWidget(), panel().m_notesEdit);
+}
+
+void TestAccess::theBarGetsNoFocusUnasked()
+{
+    show();
+    panel().showWaitingScreen(FirmwareUpgradeWidget::Port::Pc);
+    QVERIFY(!panel().m_progressBar->hasFocus());
+    panel().showUpgradeFailureUI();
+    QVERIFY(!panel().m_progressBar->hasFocus());
+}
+
+void TestAccess::theFocusIsSeenAfterTabOnly_data()
+{
+    QTest::addColumn<QString>("control");
+    QTest::newRow("bar") << u"m_progressBar"_qs;
+    QTest::newRow("close button") << u"m_closeBtn"_qs;
+    QTest::newRow("link") << u"m_offlineToolLinkLb"_qs;
+}
+
+void TestAccess::theFocusIsSeenAfterTabOnly()
+{
+    QFETCH(QString, control);
+    show();
+    auto *widget = panel().findChild<QWidget *>(control);
+    widget->show();
+    const QImage unfocused = pictureOf(*widget);
+    widget->setFocus(Qt::ActiveWindowFocusReason);
+    QCOMPARE(pictureOf(*widget), unfocused);
+    panel().m_notesEdit->setFocus();
+    widget->setFocus(Qt::TabFocusReason);
+    const QImage reached = pictureOf(*widget);
+    QVERIFY(reached != unfocused);
+    QFocusEvent away(QEvent::FocusOut, Qt::ActiveWindowFocusReason);
+    QCoreApplication::sendEvent(widget, &away);
+    QCOMPARE(pictureOf(*widget), reached);
+    panel().m_notesEdit->setFocus();
+    QCOMPARE(pictureOf(*widget), unfocused);
+}
+
+void TestAccess::controlsHaveNames_data()
+{
+    QTest::addColumn<QString>("control");
+    QTest::addColumn<QString>("chinese");
+    QTest::addColumn<QString>("english");
+    QTest::newRow("close button") << u"m_closeBtn"_qs << u"关闭"_qs << u"Close"_qs;
+    QTest::newRow("notes") << u"m_notesEdit"_qs << u"新版概述"_qs << u"What's New"_qs;
+    QTest::newRow("link") << u"m_offlineToolLinkLb"_qs << u"需使用离线升级工具进行更新，前往官网下载>>"_qs
+                          << u"Update requires offline tool ,Download>>"_qs;
+    QTest::newRow("bar without words") << u"m_progressBar"_qs << u"固件升级"_qs << u"Firmware Update"_qs;
+}
+
+void TestAccess::controlsHaveNames()
+{
+    QFETCH(QString, control);
+    QFETCH(QString, chinese);
+    QFETCH(QString, english);
+    auto *widget = panel().findChild<QWidget *>(control);
+    QCOMPARE(nameOf(widget), chinese);
+    QuillonFirmwareUpgrade::setLanguage(Language::English);
+    QCOMPARE(nameOf(widget), english);
+    FirmwareUpgradeWidget second;
+    QCOMPARE(nameOf(second.findChild<QWidget *>(control)), english);
+}
+
+void TestAccess::theBarIsCalledByItsWords_data()
+{
+    QTest::addColumn<QString>("label");
+    QTest::addColumn<QString>("chinese");
+    QTest::addColumn<QString>("english");
+    QTest::newRow("upgrade") << u"m_upgradeTextLb"_qs << u"立即升级"_qs << u"Update Now"_qs;
+    QTest::newRow("too old") << u"m_tooOldLb"_qs << u"固件版本过低，无法升级"_qs
+                             << u"Firmware version is too low to update."_qs;
+    QTest::newRow("waiting") << u"m_upgradingLb"_qs << u"待USB线接入图示口..."_qs
+                             << u"Connect to the indicated USB ports."_qs;
+    QTest::newRow("completed") << u"m_doneLb"_qs << u"升级完成"_qs << u"Update Completed"_qs;
+}
+
+void TestAccess::theBarIsCalledByItsWords()
+{
+    QFETCH(QString, label);
+    QFETCH(QString, chinese);
+    QFETCH(QString, english);
+    panel().m_rocketLb->show();
+    panel().findChild<QLabel *>(label)->show();
+    QCOMPARE(nameOf(panel().m_progressBar), chinese);
+    QuillonFirmwareUpgrade::setLanguage(Language::English);
+    QCOMPARE(nameOf(panel().m_progressBar), english);
+}
+
+void TestAccess::aScreenReaderPressesTheBar()
+{
+    ClickableProgressBar *bar = panel().m_progressBar;
+    QAccessibleInterface *access = QAccessible::queryAccessibleInterface(bar);
+    QSignalSpy clicked(bar, &ClickableProgressBar::clicked);
+    const QString press = QAccessibleActionInterface::pressAction();
+    QCOMPARE(access->role(), QAccessible::Button);
+    QVERIFY(access->actionInterface()->actionNames().contains(press));
+    access->actionInterface()->doAction(press);
+    QCOMPARE(clicked.count(), 1);
+
+    bar->setClickable(false);
+    bar->setValue(42);
+    QCOMPARE(access->role(), QAccessible::ProgressBar);
+    QVERIFY(!access->actionInterface()->actionNames().contains(press));
+    access->actionInterface()->doAction(press);
+    QCOMPARE(clicked.count(), 1);
+    QCOMPARE(access->text(QAccessible::Value), u"42%"_qs);
+    QCOMPARE(access->valueInterface()->currentValue().toInt(), 42);
+    QCOMPARE(access->valueInterface()->maximumValue().toInt(), 100);
+}
+
+QTEST_MAIN(TestAccess)
+#include "tst_access.moc"
