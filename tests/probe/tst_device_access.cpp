@@ -2,6 +2,7 @@
 #include "device/ModelTable.h"
 #include "hid/access/DenialWatch.h"
 #include "hid/access/DeviceAccess.h"
+#include "tests/probe/AsOrdinaryUser.h"
 #include "tests/support/ScriptedTransport.h"
 
 #include <HIDCommunicator/OrvikHIDManager.h>
@@ -12,37 +13,9 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#ifdef Q_OS_LINUX
-#include <sys/syscall.h>
-#include <unistd.h>
-#endif
-
 using HIDCommunicator::OrvikHIDManager;
 
 namespace {
-
-constexpr uint kNobody = 65534;
-
-/// This thread without root's rights, while the object lives: who runs the tests as root may open everything.
-class AsOrdinaryUser {
-public:
-    AsOrdinaryUser()
-        : m_wasRoot(getuid() == 0)
-    {
-        if (m_wasRoot && syscall(SYS_setresuid, kNobody, kNobody, 0) != 0)
-            qFatal("cannot become an ordinary user");
-    }
-    ~AsOrdinaryUser()
-    {
-        if (m_wasRoot && syscall(SYS_setresuid, 0, 0, 0) != 0)
-            qFatal("cannot become root again");
-    }
-    AsOrdinaryUser(const AsOrdinaryUser &) = delete;
-    AsOrdinaryUser &operator=(const AsOrdinaryUser &) = delete;
-
-private:
-    bool m_wasRoot;
-};
 
 /// One "key operator value" of a rules file.
 struct RuleTerm {
