@@ -110,7 +110,7 @@ void moveHome()
 } // namespace
 
 // Fonts that were loaded stay, and are not the panel's.
-extern "C" const char *__lsan_default_suppressions()
+extern "C" Q_DECL_EXPORT const char *__lsan_default_suppressions()
 {
     return "leak:libfontconfig";
 }
