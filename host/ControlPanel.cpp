@@ -33,6 +33,7 @@ const ChipTexts &textsOf(Chip chip)
     return chip == Chip::Pc ? kPc : kOtg;
 }
 
+constexpr int kColumnGap = 18;
 constexpr Chip kChips[]{Chip::Pc, Chip::Otg};
 
 QString nameFor(Chip chip, const char *what)
@@ -51,9 +52,12 @@ ControlPanel::ControlPanel(rig::Rig &rig, PanelHolder &holder, QWidget *parent)
     setAttribute(Qt::WA_StyledBackground);
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
-    for (QWidget *group : {makeDeviceGroup(), makeServerGroup(), makeFaultGroup(), makePanelGroup()})
+    column->addWidget(makeDeviceGroup());
+    for (QWidget *group : {makeServerGroup(), makeFaultGroup()}) {
+        column->addStretch();
         column->addWidget(group);
-    column->addStretch();
+    }
+    m_panelGroup = makePanelGroup();
     connect(&m_rig.device(), &rig::SimulatedDevice::changed, this, &ControlPanel::followDevice,
             Qt::QueuedConnection);
     connect(&m_rig.faults(), &rig::FaultBoard::changed, this, &ControlPanel::followFaults,
@@ -165,18 +169,18 @@ QWidget *ControlPanel::makeFaultGroup()
 
 QWidget *ControlPanel::makePanelGroup()
 {
-    auto *form = new QFormLayout;
+    auto *fields = new QFormLayout;
     m_panelModel = makeModelBox(&ControlPanel::setPanelModel);
     m_panelModel->setObjectName(QStringLiteral("panelModel"));
-    addRow(form, Text::Model, m_panelModel, m_panelModel);
+    addRow(fields, Text::Model, m_panelModel, m_panelModel);
     m_language = new QComboBox(this);
     m_language->setObjectName(QStringLiteral("language"));
     m_language->addItems({QStringLiteral("中文"), QStringLiteral("English")});
-    addRow(form, Text::Language, m_language, m_language);
+    addRow(fields, Text::Language, m_language, m_language);
     connect(m_language, &QComboBox::activated, this,
             [this](int index) { Q_EMIT languageChosen(index == 1); });
 
-    auto *buttons = new QHBoxLayout;
+    auto *buttons = new QVBoxLayout;
     const auto addButton = [&](Text text, const QString &name, auto act) {
         auto *button = new QPushButton(this);
         button->setObjectName(name);
@@ -186,8 +190,11 @@ QWidget *ControlPanel::makePanelGroup()
     };
     addButton(Text::NewPanel, QStringLiteral("newPanel"), [this] { m_holder.create(); });
     addButton(Text::DeletePanel, QStringLiteral("deletePanel"), [this] { m_holder.destroy(); });
-    form->addRow(buttons);
-    return makeGroup(Text::Panel, form);
+    auto *row = new QHBoxLayout;
+    row->addLayout(fields, 1);
+    row->addSpacing(kColumnGap);
+    row->addLayout(buttons, 1);
+    return makeGroup(Text::Panel, row);
 }
 
 void ControlPanel::setEnglish(bool english)

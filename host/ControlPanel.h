@@ -32,6 +32,9 @@ public:
 
     void setEnglish(bool english);
 
+    /// The controls of the panel, for a place beside it; the others are this widget's.
+    QWidget *panelGroup() const { return m_panelGroup; }
+
 Q_SIGNALS:
     void languageChosen(bool english);
 
@@ -66,6 +69,7 @@ private:
     bool m_english = false;
     QList<std::pair<QWidget *, Text>> m_texts; // what says what, in either language
     std::array<ChipControls, 2> m_chips;
+    QWidget *m_panelGroup = nullptr;
     QComboBox *m_deviceModel = nullptr;
     QComboBox *m_panelModel = nullptr;
     QComboBox *m_language = nullptr;

@@ -67,6 +67,7 @@ void HostWindow::arrange()
 {
     auto *left = new QVBoxLayout;
     left->addWidget(m_frame);
+    left->addWidget(m_controls->panelGroup());
     left->addStretch();
     auto *upper = new QHBoxLayout;
     upper->setSpacing(kSpacing);

@@ -1,5 +1,15 @@
 #include "host/Style.h"
 
+#include <QApplication>
+#include <QPalette>
+#include <QStyleFactory>
+
+// A static library's resources have to be asked for, outside of any namespace.
+static void loadImages()
+{
+    Q_INIT_RESOURCE(images);
+}
+
 namespace host {
 
 namespace {
@@ -7,21 +17,25 @@ namespace {
 constexpr char16_t kSheet[] = uR"(
 #HostWindow { background: @background; }
 #side { background: @background; }
-#logTitle { color: @faint; font-size: 13px; }
-#side QWidget { font-size: 13px; }
+#logTitle { color: @faint; font-family: "Microsoft YaHei"; font-size: 13px; }
+QGroupBox, QGroupBox QWidget { font-family: "Microsoft YaHei"; font-size: 13px; }
 QGroupBox { background: @card; border: 1px solid @line; border-radius: 4px; margin-top: 22px; padding: 6px; color: @text; }
 QGroupBox::title { subcontrol-origin: margin; left: 2px; top: 2px; color: @faint; }
-#side QLabel, #side QCheckBox { color: @text; }
+QGroupBox QLabel, QGroupBox QCheckBox { color: @text; }
 QLineEdit, QComboBox, QPlainTextEdit { background: @background; color: @text; border: 1px solid @line; border-radius: 4px;
     padding: 3px 6px; selection-background-color: @blue; }
-QComboBox QAbstractItemView { background: @card; color: @text; selection-background-color: @blue; }
-#side QLineEdit:focus, #side QComboBox:focus, QPlainTextEdit:focus, #side QPushButton:focus, #side QCheckBox:focus
-    { border: 1px solid @teal; }
-#side QCheckBox { border: 1px solid transparent; border-radius: 4px; padding: 2px; }
-#side QCheckBox::indicator { width: 14px; height: 14px; border: 1px solid @faint; border-radius: 3px; background: @background; }
-#side QCheckBox::indicator:checked { background: @teal; border-color: @teal; }
-#side QPushButton { background: @blue; color: @text; border: 1px solid @blue; border-radius: 4px; padding: 4px 10px; }
-#side QPushButton:pressed { background: @line; }
+QComboBox::drop-down { border: none; border-radius: 3px; width: 22px; background: @background; }
+QComboBox::down-arrow { image: url(:/host/down.png); width: 10px; height: 6px; }
+QComboBox QAbstractItemView { background: @card; color: @text; border: 1px solid @line; selection-background-color: @blue; }
+QGroupBox QLineEdit:focus, QGroupBox QComboBox:focus, QPlainTextEdit:focus, QGroupBox QPushButton:focus,
+    QGroupBox QCheckBox:focus { border: 1px solid @teal; }
+QGroupBox QComboBox QLineEdit, QGroupBox QComboBox QLineEdit:focus { border: none; padding: 0; }
+QGroupBox QCheckBox { border: 1px solid transparent; border-radius: 4px; padding: 2px; spacing: 8px; }
+QGroupBox QCheckBox::indicator { width: 14px; height: 14px; border: 1px solid @faint; border-radius: 8px; background: @background; }
+QGroupBox QCheckBox::indicator:checked { border-color: transparent; image: url(:/new/prefix1/image/check_mark.png); }
+QGroupBox QPushButton { background: @line; color: @text; border: 1px solid @line; border-radius: 4px; padding: 4px 10px; }
+QGroupBox QPushButton:hover { background: @faint; }
+QGroupBox QPushButton:pressed { background: @background; }
 #log QScrollBar { background: @background; }
 #log QScrollBar:vertical { width: 8px; }
 #log QScrollBar:horizontal { height: 8px; }
@@ -51,6 +65,19 @@ QString windowStyleSheet()
     for (const Entry &entry : entries)
         sheet.replace(entry.mark, entry.colour.name());
     return sheet;
+}
+
+void makeApplicationDark()
+{
+    loadImages();
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QPalette palette(Colours::kCard, Colours::kBackground);
+    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(role, Colours::kText);
+    palette.setColor(QPalette::Base, Colours::kCard);
+    palette.setColor(QPalette::Highlight, Colours::kBlue);
+    palette.setColor(QPalette::HighlightedText, Colours::kText);
+    QApplication::setPalette(palette);
 }
 
 } // namespace host

@@ -18,4 +18,8 @@ constexpr QColor kTeal{47, 212, 179};
 
 QString windowStyleSheet();
 
+/// What a style sheet does not reach, such as the frames of lists that drop down, is dark as well on every
+/// desktop. Needs the application object.
+void makeApplicationDark();
+
 } // namespace host

@@ -1,6 +1,7 @@
 #include "host/CommandLine.h"
 #include "host/Fonts.h"
 #include "host/Session.h"
+#include "host/Style.h"
 #include "host/Terminal.h"
 
 #include <QApplication>
@@ -28,6 +29,7 @@ int refuse(const QString &message)
 int run(const Options &options, const std::optional<rig::Scenario> &scenario)
 {
     substituteMissingFonts();
+    makeApplicationDark();
     Session session(options, scenario);
     QString error;
     if (!session.start(&error))
