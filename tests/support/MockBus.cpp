@@ -383,6 +383,17 @@ void MockDevice::setNodePresent(bool present)
         qFatal("no device file: %s", std::strerror(errno));
 }
 
+void MockDevice::hangUp()
+{
+    // The pseudo terminal's name goes with it; the node stays.
+    setNodePresent(false);
+    if (symlink("/dev/null", m_state->hostFile().constData()) != 0)
+        qFatal("no device file: %s", std::strerror(errno));
+    const std::lock_guard lock(m_state->mutex);
+    m_state->ready = false;
+    m_state->wire.cut();
+}
+
 void MockDevice::unplug()
 {
     const std::lock_guard busLock(m_state->bus->mutex);

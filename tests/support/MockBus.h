@@ -41,6 +41,7 @@ public:
         bool permitted); ///< a node that is not may not be opened, by root neither without its privilege
     void setNodePresent(bool present); ///< whether the device file is there
 
+    void hangUp(); ///< fails where it is: reads and writes go wrong, and nothing else tells of it
     void unplug();
 
 private:

@@ -15,6 +15,7 @@ private Q_SLOTS:
     void burstKeepsItsOrder();
     void plugAndUnplugAreHeardOf();
     void unplugDuringAPendingReadIsALoss();
+    void failedReadIsALossThoughTheDeviceStays();
     void deviceComesBackUnderAnotherNode();
     void oneOfTwoDevicesIsOpen();
 };
@@ -120,6 +121,18 @@ void TestHidHotplug::unplugDuringAPendingReadIsALoss()
     QTRY_VERIFY_WITH_TIMEOUT(recorder().lists().size() >= 2, kPatienceMs);
     QVERIFY(recorder().statuses().isEmpty());
     QVERIFY(lastScanFound({}));
+}
+
+void TestHidHotplug::failedReadIsALossThoughTheDeviceStays()
+{
+    const auto device = bus().plug();
+    QTRY_VERIFY_WITH_TIMEOUT(open(*device), kPatienceMs);
+    manager().createOrvikReceiveDataThread();
+    device->hangUp();
+    QTRY_COMPARE_WITH_TIMEOUT(recorder().statuses(), (QList<int>{0, 1}), kPatienceMs);
+    QVERIFY(!manager().getConnected());
+    QTRY_COMPARE_WITH_TIMEOUT(device->openHandles(), 0, kPatienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(lastScanFound({device->path()}), kPatienceMs);
 }
 
 void TestHidHotplug::deviceComesBackUnderAnotherNode()
