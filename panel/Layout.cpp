@@ -18,9 +18,6 @@
 namespace QuillonFirmwareUpgrade {
 
 namespace {
-/// The advice to replug or to use another tool lies over the last pixels of the notes.
-constexpr int kNotesClear = 6;
-
 QLabel *addLabel(QWidget *parent, const char *name, const QRect &geometry, const QString &style = {},
                  const QString &text = {})
 {
@@ -51,6 +48,9 @@ void FirmwareUpgradeWidget::setupUI()
     createConnectionHint();
     createFailureLine();
     createOfflineToolLine();
+    // What to do about a failure, or about a firmware that is too old, lies over the last pixels of the notes.
+    for (QLabel *advice : {m_failIconLb, m_offlineToolIconLb})
+        static_cast<WholeLinesEdit *>(m_notesEdit)->keepClearOf(advice);
     makeAccessible();
 }
 
@@ -98,7 +98,7 @@ void FirmwareUpgradeWidget::createNotes()
                               tr(Texts::kNotesTitle));
     m_notesLineLb = addLabel(this, "m_notesLineLb", {32, 192, 408, 1}, Styles::kLine);
 
-    m_notesEdit = new WholeLinesEdit(this, kNotesClear);
+    m_notesEdit = new WholeLinesEdit(this);
     m_notesEdit->setObjectName(QStringLiteral("m_notesEdit"));
     m_notesEdit->setGeometry(32, 204, 428, 119);
     m_notesEdit->setStyleSheet(Styles::notes(Styles::kChineseFamily));

@@ -1,9 +1,11 @@
 #include "widgets/WholeLinesEdit.h"
 
 #include <QAbstractTextDocumentLayout>
+#include <QEvent>
 #include <QTextBlock>
 #include <QTextLayout>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -24,9 +26,8 @@ double endOfWholeLines(const QTextDocument &document, double height)
 }
 } // namespace
 
-WholeLinesEdit::WholeLinesEdit(QWidget *parent, int clear)
+WholeLinesEdit::WholeLinesEdit(QWidget *parent)
     : QTextEdit(parent)
-    , m_clear(clear)
 {
     setReadOnly(true);
     connect(document()->documentLayout(), &QAbstractTextDocumentLayout::documentSizeChanged, this,
@@ -39,11 +40,35 @@ void WholeLinesEdit::resizeEvent(QResizeEvent *event)
     endBelowWholeLine();
 }
 
+void WholeLinesEdit::keepClearOf(QWidget *sibling)
+{
+    m_above.append(sibling);
+    sibling->installEventFilter(this);
+}
+
+bool WholeLinesEdit::eventFilter(QObject *watched, QEvent *event)
+{
+    const auto type = event->type();
+    if (type == QEvent::ShowToParent || type == QEvent::HideToParent || type == QEvent::Move)
+        endBelowWholeLine();
+    return QTextEdit::eventFilter(watched, event);
+}
+
+/// How much of the box's height its text may take.
+int WholeLinesEdit::room() const
+{
+    int end = contentsRect().height();
+    for (const QPointer<QWidget> &sibling : m_above) {
+        if (sibling && !sibling->isHidden())
+            end = std::min(end, sibling->y() - y());
+    }
+    return end;
+}
+
 void WholeLinesEdit::endBelowWholeLine()
 {
-    const int room = contentsRect().height() - m_clear;
-    const bool isTooLong = document()->size().height() > room;
-    const int end = isTooLong ? int(std::ceil(endOfWholeLines(*document(), room))) : 0;
+    const bool isTooLong = document()->size().height() > room();
+    const int end = isTooLong ? int(std::ceil(endOfWholeLines(*document(), room()))) : 0;
     const int margin = end > 0 ? contentsRect().height() - end : 0;
     if (margin != viewportMargins().bottom())
         setViewportMargins(0, 0, 0, margin);

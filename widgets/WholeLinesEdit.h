@@ -1,19 +1,25 @@
 #pragma once
 
+#include <QList>
+#include <QPointer>
 #include <QTextEdit>
 
 /// A read-only text box that ends below a whole line: a text that is longer than the box is scrolled into
 /// view, and no line is seen cut in half while the text stands at its beginning. GUI thread only.
 class WholeLinesEdit : public QTextEdit {
 public:
-    /// Its last \a clear pixels stay free while the text is longer than the box.
-    WholeLinesEdit(QWidget *parent, int clear);
+    explicit WholeLinesEdit(QWidget *parent);
+
+    /// Ends above \a sibling as well while that can be seen and the text is longer than the box.
+    void keepClearOf(QWidget *sibling);
 
 protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:
+    int room() const;
     void endBelowWholeLine();
 
-    const int m_clear;
+    QList<QPointer<QWidget>> m_above;
 };

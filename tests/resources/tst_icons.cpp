@@ -9,6 +9,11 @@
 
 namespace {
 const QColor kPanel(31, 32, 40);
+/// Of an edge's opacity: fainter ones are rounded too coarsely, denser ones may belong to a stroke that is meant so.
+constexpr int kSoftFrom = 24;
+constexpr int kSoftTo = 200;
+constexpr int kDenser = 24;
+constexpr int kSameColour = 24;
 
 QString pathOf(const QString &name)
 {
@@ -42,6 +47,26 @@ int visiblePixels(const QImage &image)
     return count;
 }
 
+/// How far the colour at a place is from the nearest one among its neighbours that are more opaque; 0: none is.
+int distanceToStroke(const QImage &image, int x, int y)
+{
+    const QRgb edge = image.pixel(x, y);
+    int nearest = 255;
+    bool isEdge = false;
+    for (int dy = -2; dy <= 2; ++dy) {
+        for (int dx = -2; dx <= 2; ++dx) {
+            if (!image.valid(x + dx, y + dy))
+                continue;
+            const QRgb other = image.pixel(x + dx, y + dy);
+            if (qAlpha(other) < qAlpha(edge) + kDenser)
+                continue;
+            isEdge = true;
+            nearest = std::min(nearest, largestDifference(edge, other));
+        }
+    }
+    return isEdge ? nearest : 0;
+}
+
 /// How many pixels of a row are neither ground nor stroke.
 int pixelsBetween(const QImage &image, int y, int low, int high)
 {
@@ -63,6 +88,8 @@ private Q_SLOTS:
     void keepClearOfTheirBorder();
     void haveTransparentGround_data() { keepClearOfTheirBorder_data(); }
     void haveTransparentGround();
+    void haveNoFringe_data() { keepClearOfTheirBorder_data(); }
+    void haveNoFringe();
     void haveOneOpticalWeight_data();
     void haveOneOpticalWeight();
     void fallOnWholePixels();
@@ -103,6 +130,24 @@ void TestIcons::haveTransparentGround()
     const QImage image(pathOf(name));
     QVERIFY(image.hasAlphaChannel());
     QVERIFY(visiblePixels(shown(name, 72)) > 0);
+}
+
+/// The colours of soft edges are those of the strokes: what was drawn on another ground would carry a rim of it.
+void TestIcons::haveNoFringe()
+{
+    QFETCH(QString, name);
+    const QImage image = QImage(pathOf(name)).convertToFormat(QImage::Format_ARGB32);
+    int soft = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const QRgb edge = image.pixel(x, y);
+            if (qAlpha(edge) < kSoftFrom || qAlpha(edge) > kSoftTo)
+                continue;
+            ++soft;
+            QVERIFY2(distanceToStroke(image, x, y) <= kSameColour, qPrintable(u"at %1,%2"_qs.arg(x).arg(y)));
+        }
+    }
+    QVERIFY(soft > 0);
 }
 
 void TestIcons::haveOneOpticalWeight_data()

@@ -7,7 +7,7 @@
 
 namespace {
 constexpr int kHeight = 119;
-constexpr int kClear = 6;
+constexpr int kAdviceTop = 113;
 
 /// The lines of the text that a box of this height shows a part of, but not all.
 int cutLines(const WholeLinesEdit &edit)
@@ -37,6 +37,8 @@ class WholeLinesEditTest : public QObject {
 private Q_SLOTS:
     void noLineIsCut_data();
     void noLineIsCut();
+    void adviceIsLeftFree_data() { noLineIsCut_data(); }
+    void adviceIsLeftFree();
     void aTextThatFitsHasTheWholeBox();
     void aTallerLineThanTheBoxIsStillShown();
 };
@@ -56,7 +58,7 @@ void WholeLinesEditTest::noLineIsCut()
     QFETCH(int, count);
     QFETCH(int, size);
     QWidget window;
-    WholeLinesEdit edit(&window, kClear);
+    WholeLinesEdit edit(&window);
     edit.setGeometry(0, 0, 428, kHeight);
     window.show();
     edit.setPlainText(lines(count));
@@ -65,14 +67,35 @@ void WholeLinesEditTest::noLineIsCut()
     QCoreApplication::processEvents();
     QCOMPARE(cutLines(edit), 0);
     const bool isTooLong = edit.document()->size().height() > kHeight;
-    QVERIFY(!isTooLong || edit.viewport()->height() <= kHeight - kClear);
     QVERIFY(!isTooLong || edit.verticalScrollBar()->maximum() > 0);
+}
+
+void WholeLinesEditTest::adviceIsLeftFree()
+{
+    QFETCH(int, count);
+    QFETCH(int, size);
+    QWidget window;
+    WholeLinesEdit edit(&window);
+    edit.setStyleSheet(u"QTextEdit { border: none; font-size: %1px; }"_qs.arg(size));
+    edit.setGeometry(0, 0, 428, kHeight);
+    QWidget advice(&window);
+    advice.setGeometry(0, kAdviceTop, 24, 24);
+    advice.hide();
+    edit.keepClearOf(&advice);
+    window.show();
+    edit.setPlainText(lines(count));
+    const int usual = edit.viewport()->height();
+    advice.show();
+    QVERIFY(edit.viewport()->height() <= kAdviceTop || edit.document()->size().height() <= kAdviceTop);
+    QCOMPARE(cutLines(edit), 0);
+    advice.hide();
+    QCOMPARE(edit.viewport()->height(), usual);
 }
 
 void WholeLinesEditTest::aTextThatFitsHasTheWholeBox()
 {
     QWidget window;
-    WholeLinesEdit edit(&window, kClear);
+    WholeLinesEdit edit(&window);
     edit.setStyleSheet(u"QTextEdit { border: none; }"_qs);
     edit.setGeometry(0, 0, 428, kHeight);
     window.show();
@@ -85,7 +108,7 @@ void WholeLinesEditTest::aTextThatFitsHasTheWholeBox()
 void WholeLinesEditTest::aTallerLineThanTheBoxIsStillShown()
 {
     QWidget window;
-    WholeLinesEdit edit(&window, kClear);
+    WholeLinesEdit edit(&window);
     edit.setStyleSheet(u"QTextEdit { border: none; font-size: 300px; }"_qs);
     edit.setGeometry(0, 0, 428, kHeight);
     window.show();
