@@ -1,0 +1,23 @@
+#include "WindowsTransport.h"
+
+#include "HidCollections.h"
+#include "HidapiConnection.h"
+
+namespace HIDCommunicator {
+
+QList<HidDeviceInfo> WindowsTransport::enumerate(int vendorId)
+{
+    return listHidCollections(vendorId);
+}
+
+std::unique_ptr<HidConnection> WindowsTransport::open(const QString &path)
+{
+    return carriesFamilyReports(path) ? openThroughHidapi(path.toUtf8()) : nullptr;
+}
+
+std::unique_ptr<HidTransport> makeDefaultTransport()
+{
+    return std::make_unique<WindowsTransport>();
+}
+
+} // namespace HIDCommunicator
