@@ -16,7 +16,9 @@ function(quillon_hygiene)
             $<$<CXX_COMPILER_ID:GNU,Clang>:-Wall -Wextra -Wpedantic>
             $<$<AND:$<BOOL:${QUILLON_WARNINGS_AS_ERRORS}>,$<CXX_COMPILER_ID:GNU,Clang>>:-Werror>)
         if(QUILLON_SANITIZE)
-            target_compile_options(${target} PRIVATE -fsanitize=${QUILLON_SANITIZE} -fno-omit-frame-pointer)
+            # Undefined behaviour that is only reported would fail no test.
+            target_compile_options(${target} PRIVATE -fsanitize=${QUILLON_SANITIZE} -fno-sanitize-recover=all
+                -fno-omit-frame-pointer)
             target_link_options(${target} PRIVATE -fsanitize=${QUILLON_SANITIZE})
         endif()
     endforeach()

@@ -8,6 +8,8 @@
 #include <QQueue>
 #include <QWaitCondition>
 
+#include <utility>
+
 namespace rig {
 
 namespace {
@@ -115,10 +117,10 @@ public:
             if (!m_hub->news.wait(&m_hub->mutex, deadline))
                 break;
         }
-        const bool hotplugged = m_seen != m_hub->hotplugs && !m_hub->interrupted;
-        m_hub->interrupted = false;
-        m_seen = m_hub->hotplugs;
-        return hotplugged;
+        // An interruption hides no plug: the next wait tells of it.
+        if (std::exchange(m_hub->interrupted, false))
+            return false;
+        return std::exchange(m_seen, m_hub->hotplugs) != m_hub->hotplugs;
     }
 
     void interruptHotplugWait() override

@@ -44,6 +44,7 @@ private Q_SLOTS:
     void theWatchRemembersWhatItMissed();
     void interruptingEndsTheWait();
     void anEarlyInterruptionEndsTheNextWait();
+    void anInterruptionHidesNoPlug();
     void aBusWithoutItsDeviceIsEmpty();
 
 private:
@@ -233,6 +234,15 @@ void BusTest::anEarlyInterruptionEndsTheNextWait()
     QVERIFY(!m_bus->waitForHotplug(std::chrono::hours(1)));
     m_device->plug(Chip::Pc);
     QVERIFY(m_bus->waitForHotplug(std::chrono::hours(1)));
+}
+
+void BusTest::anInterruptionHidesNoPlug()
+{
+    plug(Chip::Pc);
+    m_bus->interruptHotplugWait();
+    QVERIFY(!m_bus->waitForHotplug(0ms));
+    QVERIFY(m_bus->waitForHotplug(0ms));
+    QVERIFY(!m_bus->waitForHotplug(0ms));
 }
 
 void BusTest::aBusWithoutItsDeviceIsEmpty()
