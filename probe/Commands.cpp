@@ -157,15 +157,18 @@ bool last(const Options &options, const Output &output, const DenialCheck &isDen
 
 int watch(const Options &options, const Output &output, const DenialCheck &isDenied)
 {
+    // Before anything is shown: who reads it may interrupt at once.
+    catchInterrupts();
     HIDCommunicator::OrvikHIDManager *const manager = HIDCommunicator::OrvikHIDManager::instance();
     manager->acquire();
-    last(options, output, isDenied);
+    const bool denied = last(options, output, isDenied);
     manager->release();
-    return kStatusDone;
+    return denied ? kStatusDenied : kStatusDone;
 }
 
 int trace(const Options &options, const Output &output, const DenialCheck &isDenied)
 {
+    catchInterrupts();
     const Follower follower(options.listen ? Follower::Manner::Listening : Follower::Manner::Asking);
     const bool denied = last(options, output, isDenied);
     if (follower.hasOpened())

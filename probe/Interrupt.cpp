@@ -24,10 +24,14 @@ extern "C" void noteInterrupt(int)
 
 } // namespace
 
-void waitForInterrupt(std::optional<std::chrono::milliseconds> limit)
+void catchInterrupts()
 {
     std::signal(SIGINT, noteInterrupt);
     std::signal(SIGTERM, noteInterrupt);
+}
+
+void waitForInterrupt(std::optional<std::chrono::milliseconds> limit)
+{
     const QDeadlineTimer end = limit ? QDeadlineTimer(*limit) : QDeadlineTimer(QDeadlineTimer::Forever);
     QEventLoop loop;
     QTimer look;

@@ -5,8 +5,11 @@
 
 namespace probe {
 
-/// Runs the event loop until Ctrl-C, a request to end, or the end of \a limit. From the first call on,
-/// neither of them ends the program by itself.
+/// From here on neither Ctrl-C nor a request to end ends the program by itself: waitForInterrupt() notices.
+void catchInterrupts();
+
+/// Runs the event loop until an interrupt that was caught, before the call or during it, or the end of \a
+/// limit.
 void waitForInterrupt(std::optional<std::chrono::milliseconds> limit);
 
 } // namespace probe

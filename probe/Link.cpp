@@ -80,7 +80,8 @@ Link::Reach Link::open()
 {
     const QDeadlineTimer settled(kSettleLimit);
     Reach reach = tryToOpen();
-    while (reach == Reach::Refused && !settled.hasExpired()) {
+    // The permission, too, comes a moment after the device.
+    while ((reach == Reach::Refused || reach == Reach::Denied) && !settled.hasExpired()) {
         wait(kSettleStep);
         reach = tryToOpen();
     }

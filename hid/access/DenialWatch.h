@@ -1,12 +1,14 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QStringList>
 
 #include <functional>
 
-/// Notices when the HID library sees a device that the user may not open, and tells it once. The HID library
-/// has to be in use by somebody; without that nothing is scanned. GUI thread.
+/// Notices when the HID library sees a device that the user may not open, and tells it once: not before the
+/// system has had the time to grant the permission of a new device. The HID library has to be in use by
+/// somebody; without that nothing is scanned. GUI thread.
 class DenialWatch : public QObject {
     Q_OBJECT
 
@@ -22,5 +24,6 @@ private:
 
     std::function<bool(const QString &)> m_isDenied;
     std::function<void(const QString &)> m_tell;
+    QElapsedTimer m_denied; // valid since a scan found a denied device, and each one after it
     bool m_told = false;
 };

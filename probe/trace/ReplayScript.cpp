@@ -1,6 +1,7 @@
 #include "probe/trace/ReplayScript.h"
 
 #include <QHash>
+#include <QQueue>
 
 namespace probe {
 
@@ -12,20 +13,37 @@ using Kind = TraceEvent::Kind;
 constexpr qsizetype kSubjectAt = 5;
 constexpr qsizetype kSubjectSize = 3;
 
-bool sameSubject(const QByteArray &request, const QByteArray &answer)
+/// Empty for a report that is too short to be about anything.
+QByteArray subjectOf(const QByteArray &report)
 {
-    return answer.size() >= kSubjectAt + kSubjectSize
-        && request.mid(kSubjectAt, kSubjectSize) == answer.mid(kSubjectAt, kSubjectSize);
+    return report.size() < kSubjectAt + kSubjectSize ? QByteArray() : report.mid(kSubjectAt, kSubjectSize);
 }
 
-ReplayExchange *askedFor(QList<ReplayExchange> &exchanges, const QByteArray &answer)
-{
-    for (ReplayExchange &exchange : exchanges) {
-        if (exchange.answers.isEmpty() && sameSubject(exchange.request, answer))
-            return &exchange;
+/// The questions to one device that have no answer yet, by what they are about.
+class OpenQuestions {
+public:
+    void add(const QByteArray &request, qsizetype exchange)
+    {
+        const QByteArray subject = subjectOf(request);
+        if (!subject.isEmpty())
+            m_bySubject[subject].enqueue(exchange);
     }
-    return exchanges.isEmpty() ? nullptr : &exchanges.last();
-}
+
+    /// Takes the oldest one that \a answer answers; null when there is none.
+    ReplayExchange *take(QList<ReplayExchange> &exchanges, const QByteArray &answer)
+    {
+        const auto open = m_bySubject.find(subjectOf(answer));
+        while (open != m_bySubject.end() && !open->isEmpty()) {
+            ReplayExchange &exchange = exchanges[open->dequeue()];
+            if (exchange.answers.isEmpty())
+                return &exchange;
+        }
+        return nullptr;
+    }
+
+private:
+    QHash<QByteArray, QQueue<qsizetype>> m_bySubject;
+};
 
 class Sorter {
 public:
@@ -70,6 +88,7 @@ private:
             device.openings.append(event.kind);
             return;
         case Kind::Out:
+            m_questions[event.device].add(event.report, device.exchanges.size());
             device.exchanges.append({event.time, event.report, {}});
             return;
         case Kind::In:
@@ -80,7 +99,10 @@ private:
 
     void takeAnswer(const TraceEvent &event, ReplayDevice &device)
     {
-        if (ReplayExchange *const exchange = askedFor(device.exchanges, event.report))
+        ReplayExchange *exchange = m_questions[event.device].take(device.exchanges, event.report);
+        if (!exchange && !device.exchanges.isEmpty())
+            exchange = &device.exchanges.last();
+        if (exchange)
             exchange->answers.append({event.time - exchange->time, event.report});
         else
             device.greetings.append({event.time - m_opened.value(event.device), event.report});
@@ -88,6 +110,7 @@ private:
 
     QList<ReplayDevice> m_devices;
     QHash<int, qsizetype> m_places;
+    QHash<int, OpenQuestions> m_questions;
     QHash<int, std::chrono::milliseconds> m_opened; // the plug, until it was opened first
 };
 

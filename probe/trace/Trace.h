@@ -39,6 +39,11 @@ struct Trace {
     static constexpr qsizetype kLargestFile = 16 * 1024 * 1024;
     static constexpr qsizetype kLongestLine = 16 * 1024;
     static constexpr qsizetype kLongestReport = 4096;
+    /// Of all reports together: a few characters can stand for many bytes.
+    static constexpr qsizetype kMostTraffic = 64 * 1024 * 1024;
+    /// A reader takes no more plugs and no more events than these.
+    static constexpr int kMostDevices = 1000;
+    static constexpr int kMostEvents = 1'000'000;
 
     /// Reads \a file. Nothing when it cannot be read or is no trace; \a error then says "FILE:LINE: what is
     /// wrong" (or "FILE: what is wrong" when it concerns no line). It holds printable characters only,

@@ -130,6 +130,8 @@ private:
 
     QString takeEvent(const QList<QByteArrayView> &words)
     {
+        if (m_events.size() == Trace::kMostEvents)
+            return QStringLiteral("more than %1 events").arg(Trace::kMostEvents);
         if (words.size() < 3)
             return QStringLiteral("a line has a time, a word and the number of a device");
         TraceEvent event;
@@ -180,6 +182,8 @@ private:
         }
         if (m_known.contains(event.device))
             return QStringLiteral("device %1 was plugged in before: give it a new number").arg(event.device);
+        if (m_known.size() == Trace::kMostDevices)
+            return QStringLiteral("more than %1 devices").arg(Trace::kMostDevices);
         event.vendorId = *hexadecimal(words.at(0), 4);
         event.productId = *hexadecimal(words.at(1), 4);
         m_known.insert(event.device);
@@ -187,7 +191,7 @@ private:
         return {};
     }
 
-    static QString takeReport(TraceEvent &event, const QList<QByteArrayView> &words)
+    QString takeReport(TraceEvent &event, const QList<QByteArrayView> &words)
     {
         for (const QByteArrayView word : words) {
             const auto byte = hexadecimal(word.first(std::min<qsizetype>(word.size(), 2)), 2);
@@ -200,12 +204,16 @@ private:
                 return QStringLiteral("a report of more than %1 bytes").arg(Trace::kLongestReport);
             event.report.append(*count, char(*byte));
         }
+        m_traffic += event.report.size();
+        if (m_traffic > Trace::kMostTraffic)
+            return QStringLiteral("more than %1 MiB of reports").arg(Trace::kMostTraffic / 1024 / 1024);
         return event.report.isEmpty() ? QStringLiteral("a report without a byte") : QString();
     }
 
     QList<TraceEvent> &m_events;
     bool m_begun = false;
     std::chrono::milliseconds m_time{0};
+    qsizetype m_traffic = 0; // bytes of all reports
     QSet<int> m_known;
     QSet<int> m_plugged;
 };

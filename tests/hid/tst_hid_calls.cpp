@@ -1,5 +1,6 @@
 #include "Hang.h"
 #include "ManagerTest.h"
+#include "ThisProcess.h"
 
 #include <QElapsedTimer>
 #include <QtTest>
@@ -45,11 +46,6 @@ constexpr std::array kCalls{
     Call{"DC_AddSendData",
          [](OrvikHIDManager &manager) { manager.DC_AddSendData(QByteArray::fromHex("51c409")); }},
 };
-
-int threadsOfThisProcess()
-{
-    return int(QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size());
-}
 
 } // namespace
 
@@ -269,7 +265,7 @@ void TestHidCalls::usersAreCounted()
 
     manager().release();
     QVERIFY(!manager().getConnected());
-    QCOMPARE(bus().openConnections(), 0);
+    QTRY_COMPARE(bus().openConnections(), 0);
     QVERIFY(!open(devicePath()));
     for (int more = 0; more < 3; ++more)
         manager().release();
@@ -286,7 +282,7 @@ void TestHidCalls::usersAreCounted()
 void TestHidCalls::lastReleaseLeavesNoThread()
 {
     manager().release();
-    const int before = threadsOfThisProcess();
+    const int before = settled(threadsOfThisProcess);
     for (int round = 0; round < 20; ++round) {
         manager().acquire();
         QVERIFY(open(bus().plug(kProductId)));

@@ -201,8 +201,8 @@ void TestHidScan::listIsRepeatedWithoutAnyChange()
 {
     const QString path = bus().plug(kProductId);
     waitForQuietBus();
-    QTRY_COMPARE_WITH_TIMEOUT(recorder().lists().size(), 3, kPatienceMs);
-    QCOMPARE(recorder().lists(), (QList<QStringList>{{path}, {path}, {path}}));
+    QTRY_VERIFY_WITH_TIMEOUT(recorder().lists().size() >= 3, kPatienceMs);
+    QCOMPARE(recorder().lists().mid(0, 3), (QList<QStringList>{{path}, {path}, {path}}));
 }
 
 void TestHidScan::noScanAfterTheLastRelease()

@@ -1,11 +1,11 @@
 // What must hold however the device and the callers behave: no crash, no lost device, no thread or handle
 // left.
 #include "ManagerTest.h"
+#include "ThisProcess.h"
 
 #include "tests/support/LogCapture.h"
 
 #include <QDeadlineTimer>
-#include <QDir>
 #include <QtTest>
 
 #include <array>
@@ -28,21 +28,6 @@ enum Moment {
     WhileIdle,
     MomentCount
 };
-
-int entriesOf(const QString &folder)
-{
-    return int(QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::System).size());
-}
-
-int threadsOfThisProcess()
-{
-    return entriesOf(QStringLiteral("/proc/self/task"));
-}
-
-int descriptorsOfThisProcess()
-{
-    return entriesOf(QStringLiteral("/proc/self/fd"));
-}
 
 } // namespace
 
@@ -162,7 +147,7 @@ void TestHidStress::deviceLeavesAtAnyMoment()
 
     constexpr int kCycles = 250;
     manager().release();
-    const int threads = threadsOfThisProcess();
+    const int threads = settled(threadsOfThisProcess);
     const int descriptors = descriptorsOfThisProcess();
     manager().acquire();
     answerAsAPanel();

@@ -100,6 +100,7 @@ void ProbeRunsTest::commands_data()
     row("a busy device", "busy", "versions", 1, "",
         "quillon-probe: the device cannot be opened: it is busy or not ready");
     row("a device that settles", "settling", "read 0x1008", 0, "1008  0000  0\n");
+    row("permission that comes late", "permitted-late", "read 0x1008", 0, "1008  0000  0\n");
     row("no permission: versions", "denied", "versions", 3, "",
         "quillon-probe: no permission to open the device");
     row("no permission: list", "denied", "list", 3,
@@ -230,7 +231,7 @@ void ProbeRunsTest::traceInJson()
 
 void ProbeRunsTest::traceMayListenOnly()
 {
-    const ProbeRun run = ProbeRun::onTrace(u"r2"_qs, words("trace --for 1 --listen"));
+    const ProbeRun run = ProbeRun::onTrace(u"r2"_qs, words("trace --for 3 --listen"));
     QCOMPARE(run.status, 0);
     QVERIFY(run.output.contains(u"opened"_qs));
     QVERIFY(!run.output.contains(u"to the device"_qs));
@@ -248,7 +249,7 @@ void ProbeRunsTest::statusOfATraceWithoutADevice_data()
 void ProbeRunsTest::statusOfATraceWithoutADevice()
 {
     QFETCH(QString, trace);
-    QTEST(ProbeRun::onTrace(trace, words("trace --for 2")).status, "status");
+    QTEST(ProbeRun::onTrace(trace, words("trace --for 4")).status, "status");
 }
 
 void ProbeRunsTest::watchEndsWhenInterrupted()

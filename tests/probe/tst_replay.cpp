@@ -169,11 +169,10 @@ void ReplayTest::devicesComeAndGoAsTheyDid()
     QElapsedTimer time;
     time.start();
     QCOMPARE(productIds(bus), QList<int>({0x0E}));
-    QVERIFY(bus.transport->waitForHotplug(kPatience)); // the plug that was seen already
-    QVERIFY(bus.transport->waitForHotplug(kPatience));
+    while (!productIds(bus).contains(0x1F))
+        QVERIFY(bus.transport->waitForHotplug(kPatience));
     QVERIFY(time.elapsed() >= 300);
-    QVERIFY(productIds(bus).contains(0x1F));
-    if (productIds(bus).contains(0x0E))
+    while (productIds(bus).contains(0x0E))
         QVERIFY(bus.transport->waitForHotplug(kPatience));
     QVERIFY(time.elapsed() >= 600);
     QCOMPARE(productIds(bus), QList<int>({0x1F}));

@@ -11,6 +11,14 @@ using Kind = TraceEvent::Kind;
 namespace {
 const QByteArray kFirst = "quillon-trace 1\n";
 const QByteArray kPlugged = kFirst + "0.000 plug 1 352f 000e\n";
+
+QByteArray plugs(int count)
+{
+    QByteArray lines;
+    for (int device = 1; device <= count; ++device)
+        lines += "0.000 plug " + QByteArray::number(device) + " 352f 000e\n";
+    return lines;
+}
 } // namespace
 
 class TraceFileTest : public QObject {
@@ -157,6 +165,11 @@ void TraceFileTest::whatIsNoTraceIsRefusedWithItsLine_data()
         "x:3: no byte of two hexadecimal digits: \"?\"");
     row("a word as long as a page", kPlugged + "1.000 " + QByteArray(3000, 'a') + " 1\n",
         "x:3: no such event: \"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa...\"");
+    row("more reports than fit", kPlugged + QByteArray("1.000 in 1 00*4096\n").repeated(16 * 1024 + 1),
+        "x:16387: more than 64 MiB of reports");
+    row("more events than fit", kPlugged + QByteArray("1.000 in 1 51\n").repeated(1'000'000),
+        "x:1000002: more than 1000000 events");
+    row("more devices than fit", kFirst + plugs(1001), "x:1002: more than 1000 devices");
     row("a file too large", kFirst + QByteArray(16 * 1024 * 1024, '\n'), "x: larger than 16 MiB");
 }
 

@@ -137,7 +137,7 @@ void TestHidNodes::refusedNodeIsOpenedByALaterScan()
     ((*device).*change)(true);
     QTRY_VERIFY_WITH_TIMEOUT(manager().getConnected(), kPatienceMs);
     QVERIFY(isServed(*device));
-    QCOMPARE(recorder().statuses(), QList<int>{0});
+    QTRY_COMPARE_WITH_TIMEOUT(recorder().statuses(), QList<int>{0}, kPatienceMs);
 }
 
 void TestHidNodes::unsettledNodeIsOpenedOnceUdevdIsDone()
