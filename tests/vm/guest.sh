@@ -129,7 +129,11 @@ build_guest() {
         ln -s busybox "$guest/bin/$applet" 2>/dev/null || true
     done
     copy_program "$cache/system/bin/udevadm" /bin/udevd
-    cp "$root/tests/vm/hidraw.rules" "$guest/etc/udev/rules.d/"
+    cp "$root"/hid/udev/*.rules "$guest/etc/udev/rules.d/"
+    cp "$root/tests/vm/note-node.rules" "$guest/etc/udev/rules.d/99-note-node.rules"
+    install "$root/tests/vm/note-node" "$guest/bin/note-node"
+    # Debian's number of the group that the rules name.
+    printf '%s\n' root:x:0: plugdev:x:46: >"$guest/etc/group"
     copy_modules
     copy_host
     install "$root/tests/vm/init" "$guest/init"
