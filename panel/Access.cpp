@@ -31,6 +31,8 @@ void FirmwareUpgradeWidget::makeAccessible()
             Q_EMIT bar->clicked();
     });
     new PressKeys(m_offlineToolLinkLb, [this] { QDesktopServices::openUrl(QUrl(offlineToolAddress())); });
+    // Outside a dialog a button answers Space only.
+    new PressKeys(m_closeBtn, [button = m_closeBtn] { button->click(); });
     new FocusRing(m_progressBar, kBarRingInset, kBarRingRadius);
     new FocusRing(m_closeBtn, 0, kCornerRadius);
     new FocusRing(m_offlineToolLinkLb, 0, kCornerRadius);
@@ -49,6 +51,14 @@ void FirmwareUpgradeWidget::nameForScreenReaders()
     m_offlineToolLinkLb->setAccessibleName(tr(Texts::kUseOfflineTool) + tr(Texts::kDownloadOfflineTool));
     // For the moments in which there are no words on it.
     m_progressBar->setAccessibleName(tr(Texts::kTitle));
+}
+
+/// For a control that is about to be hidden. Left to itself its focus would go on to the bar, at once or when
+/// the window is next active, and the next key press would count there.
+void FirmwareUpgradeWidget::takeFocusFrom(QWidget *control)
+{
+    if (control && window()->focusWidget() == control)
+        setFocus(Qt::OtherFocusReason);
 }
 
 } // namespace QuillonFirmwareUpgrade

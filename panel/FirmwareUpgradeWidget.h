@@ -203,6 +203,7 @@ private:
     // ---- Keyboard and screen readers: panel/Access.cpp --------------------------------------------------------
     void makeAccessible();
     void nameForScreenReaders();
+    void takeFocusFrom(QWidget *control);
 
     // ---- Language: panel/Language.cpp -------------------------------------------------------------------------
     void retranslateUI();

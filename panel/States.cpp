@@ -1,6 +1,7 @@
-// What the panel shows in each state: a choice of which children are visible, what they say, and how the bar looks and
-// reacts. The failure screen sets m_inFailureRetry and m_autoRecoverRunning and clears m_isUpgrading; the waiting screen
-// sets m_isWaitingForUSB. Called by version reading, the sequence, the recovery, the flashing tool and its monitor.
+// What the panel shows in each state: a choice of which children are visible, what they say, and how the bar
+// looks and reacts. The failure screen sets m_inFailureRetry and m_autoRecoverRunning and clears
+// m_isUpgrading; the waiting screen sets m_isWaitingForUSB. Called by version reading, the sequence, the
+// recovery, the flashing tool and its monitor.
 
 #include "net/networking_class.h"
 #include "panel/Colours.h"
@@ -73,8 +74,9 @@ void FirmwareUpgradeWidget::showUpgradeAvailableScreen()
     m_progressBar->setValue(0);
     m_progressBar->setClickable(true);
     m_progressBar->clearBorder();
+    takeFocusFrom(m_offlineToolLinkLb);
     hideAll({m_tooOldLb, m_offlineToolIconLb, m_offlineToolTipLb, m_offlineToolLinkLb, m_doneIconLb, m_doneLb,
-          m_waitingIconLb, m_upgradingLb, m_failIconLb, m_failTextLb, upgradeProgDisPlay});
+             m_waitingIconLb, m_upgradingLb, m_failIconLb, m_failTextLb, upgradeProgDisPlay});
     m_upgradeTextLb->setText(tr(Texts::kUpgradeNow));
     m_rocketLb->show();
     m_upgradeTextLb->setGeometry(upgradeTextPlace(UpgradeText::BesideRocket));
@@ -93,6 +95,7 @@ void FirmwareUpgradeWidget::showUpgradeAvailableScreen()
 void FirmwareUpgradeWidget::showUpToDateScreen()
 {
     m_progressBar->setBackgroundColor(Colours::kBarIdle);
+    takeFocusFrom(m_offlineToolLinkLb);
     hideAll({m_tooOldLb, m_offlineToolIconLb, m_offlineToolTipLb, m_offlineToolLinkLb});
     m_noNewFirmwareLb->show();
     hideAll({m_newVerTitleLb, m_newVerDotLb, m_newVerLb, m_doneIconLb, m_doneLb, m_rocketLb});
@@ -123,8 +126,8 @@ void FirmwareUpgradeWidget::showServerVersion()
         m_newVerLb->setText(versionText(m_remotePcVersion));
 }
 
-/// Has the update client fetch the notes of the newest PC firmware; blocks for at most about 2 s. False: the panel was
-/// deleted meanwhile.
+/// Has the update client fetch the notes of the newest PC firmware; blocks for at most about 2 s. False: the
+/// panel was deleted meanwhile.
 bool FirmwareUpgradeWidget::fetchReleaseNotes()
 {
     m_notesEdit->show();
@@ -234,13 +237,13 @@ void FirmwareUpgradeWidget::hideConnectionHint()
 
 void FirmwareUpgradeWidget::showCardAndNotes(bool visible)
 {
-    // Left to itself, the focus would go on to the bar, where the next key press counts.
-    if (m_notesEdit && !visible)
-        m_notesEdit->clearFocus();
+    if (!visible)
+        takeFocusFrom(m_notesEdit);
     setAllVisible(visible, {verCompLb, m_notesEdit, m_notesIconLb, m_notesTitleLb, m_notesLineLb});
 }
 
-/// Puts the animation of the port and the model on its label, not yet running. The movie before it stays the label's.
+/// Puts the animation of the port and the model on its label, not yet running. The movie before it stays the
+/// label's.
 void FirmwareUpgradeWidget::loadTipMovie(Port port)
 {
     const bool isR1 = m_deviceModel == DeviceModel::R1;

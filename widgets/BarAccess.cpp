@@ -31,6 +31,12 @@ BarAccess::BarAccess(ClickableProgressBar *bar)
 {
 }
 
+/// A bar that is being destroyed is no bar any more.
+bool BarAccess::isValid() const
+{
+    return bar() && QAccessibleWidget::isValid();
+}
+
 ClickableProgressBar *BarAccess::bar() const
 {
     return qobject_cast<ClickableProgressBar *>(object());
@@ -38,7 +44,7 @@ ClickableProgressBar *BarAccess::bar() const
 
 QAccessible::Role BarAccess::role() const
 {
-    return bar()->isClickable() ? QAccessible::Button : QAccessible::ProgressBar;
+    return isValid() && bar()->isClickable() ? QAccessible::Button : QAccessible::ProgressBar;
 }
 
 /// The labels on the bar that can be seen and say something.
@@ -55,6 +61,8 @@ QString BarAccess::words() const
 
 QString BarAccess::text(QAccessible::Text kind) const
 {
+    if (!isValid())
+        return {};
     if (kind == QAccessible::Value)
         return QString::number(bar()->value()) + u'%';
     const QString shown = kind == QAccessible::Name ? words() : QString();
@@ -71,20 +79,21 @@ void *BarAccess::interface_cast(QAccessible::InterfaceType type)
 QStringList BarAccess::actionNames() const
 {
     const QStringList press{pressAction()};
-    return bar()->isClickable() ? press + QAccessibleWidget::actionNames() : QAccessibleWidget::actionNames();
+    return isValid() && bar()->isClickable() ? press + QAccessibleWidget::actionNames()
+                                             : QAccessibleWidget::actionNames();
 }
 
 void BarAccess::doAction(const QString &name)
 {
     if (name != pressAction())
         return QAccessibleWidget::doAction(name);
-    if (bar()->isClickable())
+    if (isValid() && bar()->isClickable())
         Q_EMIT bar()->clicked();
 }
 
 QVariant BarAccess::currentValue() const
 {
-    return bar()->value();
+    return isValid() ? QVariant(bar()->value()) : QVariant();
 }
 
 /// A progress is told, not set.
@@ -92,12 +101,12 @@ void BarAccess::setCurrentValue(const QVariant &) { }
 
 QVariant BarAccess::maximumValue() const
 {
-    return bar()->maximum();
+    return isValid() ? QVariant(bar()->maximum()) : QVariant();
 }
 
 QVariant BarAccess::minimumValue() const
 {
-    return bar()->minimum();
+    return isValid() ? QVariant(bar()->minimum()) : QVariant();
 }
 
 QVariant BarAccess::minimumStepSize() const

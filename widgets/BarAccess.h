@@ -13,6 +13,7 @@ public:
 
     explicit BarAccess(ClickableProgressBar *bar);
 
+    bool isValid() const override;
     QAccessible::Role role() const override;
     QString text(QAccessible::Text kind) const override;
     void *interface_cast(QAccessible::InterfaceType type) override;

@@ -1,6 +1,6 @@
 // quillon-gallery: pictures every screen of the panel.
-//   quillon-gallery FOLDER                all tours, each in a process of its own, then sheet.png and
-//   index.html quillon-gallery FOLDER VIEW           one tour; VIEW is "R2-en", "R2-zh@2x" and the like
+//   quillon-gallery FOLDER        all tours, each in a process of its own, then sheet.png and index.html
+//   quillon-gallery FOLDER VIEW   one tour; VIEW is "R2-en", "R2-zh@2x" and the like
 
 #include "host/Fonts.h"
 #include "host/Terminal.h"
@@ -22,7 +22,6 @@ using Gallery::View;
 
 namespace {
 const QString kScenario = QStringLiteral(QUILLON_GALLERY_SCENARIOS "/tour-%1.scn");
-constexpr int kAttempts = 3;
 
 /// What a picture must not depend on: the screen, the user's fonts and their settings, the user's style.
 void settleSurroundings(int scale)
@@ -51,9 +50,13 @@ int takeTour(const QString &folder, const View &view)
     return QApplication::exec();
 }
 
-/// Takes a tour for each of \a views, all at once: each waits for its device most of the time. Returns those
-/// that failed.
-QList<View> takeTours(const QString &folder, const QList<View> &views)
+struct Outcome {
+    QList<View> failed;
+    bool crashed = false; ///< one of them did
+};
+
+/// Takes a tour for each of \a views, all at once: each waits for its device most of the time.
+Outcome takeTours(const QString &folder, const QList<View> &views)
 {
     std::vector<std::unique_ptr<QProcess>> tours;
     for (const View &view : views) {
@@ -61,30 +64,35 @@ QList<View> takeTours(const QString &folder, const QList<View> &views)
         tours.back()->setProcessChannelMode(QProcess::ForwardedChannels);
         tours.back()->start(QCoreApplication::applicationFilePath(), {folder, view.folder()});
     }
-    QList<View> failed;
+    Outcome outcome;
     for (std::size_t at = 0; at < tours.size(); ++at) {
         QProcess &tour = *tours.at(at);
         const bool ended = tour.waitForFinished(-1) && tour.exitStatus() == QProcess::NormalExit;
+        outcome.crashed = outcome.crashed || !ended;
         if (!ended || tour.exitCode() != 0)
-            failed.append(views.at(qsizetype(at)));
+            outcome.failed.append(views.at(qsizetype(at)));
     }
-    return failed;
+    return outcome;
 }
 
 /// On a faster clock a busy machine makes the flashing tool look as if it had stalled: such a tour is taken
-/// again.
+/// again. Under sanitizers, whose findings end a program in the same way, it is not.
 bool takeAllTours(const QString &folder)
 {
-    QList<View> views = Gallery::views();
-    for (int attempt = 0; attempt < kAttempts && !views.isEmpty(); ++attempt)
-        views = takeTours(folder, views);
-    return views.isEmpty();
+    Outcome outcome{Gallery::views()};
+    for (int attempt = 0; attempt < QUILLON_GALLERY_ATTEMPTS && !outcome.failed.isEmpty(); ++attempt) {
+        outcome = takeTours(folder, outcome.failed);
+        if (outcome.crashed)
+            return false;
+    }
+    return outcome.failed.isEmpty();
 }
 
 int makeGallery(const QString &folder)
 {
     // Pictures of an earlier run must not stand in for missing ones.
-    QDir(folder).removeRecursively();
+    for (const char *part : {"pictures", "facts", "differences"})
+        QDir(folder + u'/' + QLatin1StringView(part)).removeRecursively();
     if (!takeAllTours(folder))
         return fail(u"a tour failed; its log is in "_qs + folder);
     const QImage sheet = Sheet::contactSheet(folder);

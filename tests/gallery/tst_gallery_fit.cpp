@@ -17,7 +17,8 @@ QStringList cutTexts(const QList<WidgetFacts> &widgets)
 {
     QStringList cut;
     for (const WidgetFacts &widget : widgets) {
-        if (!widget.ink.isNull() && !widget.place.contains(widget.ink))
+        const bool isMissing = widget.isLabel && !widget.text.isEmpty() && widget.ink.isNull();
+        if (isMissing || (!widget.ink.isNull() && !widget.place.contains(widget.ink)))
             cut.append(widget.name);
     }
     return cut;
@@ -100,6 +101,7 @@ void GalleryFitTest::aFlawIsSeen_data()
     QTest::newRow("all fits") << QRect(101, 11, 98, 8) << u"panel"_qs << QStringList();
     QTest::newRow("too wide") << QRect(100, 10, 101, 8) << u"panel"_qs << QStringList{u"b"_qs};
     QTest::newRow("too high") << QRect(101, 9, 20, 8) << u"panel"_qs << QStringList{u"b"_qs};
+    QTest::newRow("nowhere to be seen") << QRect() << u"panel"_qs << QStringList{u"b"_qs};
     QTest::newRow("over its neighbour")
         << QRect(95, 11, 98, 8) << u"panel"_qs << QStringList{u"b"_qs, u"a over b"_qs};
     QTest::newRow("over another's child") << QRect(95, 11, 98, 8) << u"card"_qs << QStringList{u"b"_qs};
@@ -120,6 +122,8 @@ void GalleryFitTest::aFlawIsSeen()
     b.parent = parent;
     b.place = QRect(100, 10, 100, 10);
     b.ink = ink;
+    b.isLabel = true;
+    b.text = u"words"_qs;
     if (flaws.size() < 2)
         a.ink.setRight(90);
     QCOMPARE(flawsOf({a, b}), flaws);

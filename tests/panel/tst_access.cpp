@@ -60,6 +60,12 @@ private Q_SLOTS:
     void tabGoesThroughTheControls();
     void theWindowDoesNotBeginAtAButton();
     void theBarGetsNoFocusUnasked();
+    void theBarGetsNoFocusWithItsWindow();
+    void theBarGetsNoFocusWhileAnotherWindowHasIt();
+    void theBarGetsNoFocusFromTheLink_data();
+    void theBarGetsNoFocusFromTheLink();
+    void aKeyPressesTheCloseButton_data();
+    void aKeyPressesTheCloseButton();
     void theFocusIsSeenAfterTabOnly_data();
     void theFocusIsSeenAfterTabOnly();
     void controlsHaveNames_data();
@@ -195,6 +201,70 @@ void TestAccess::theBarGetsNoFocusUnasked()
     QVERIFY(!panel().m_progressBar->hasFocus());
     panel().showUpgradeFailureUI();
     QVERIFY(!panel().m_progressBar->hasFocus());
+}
+
+void TestAccess::theBarGetsNoFocusWithItsWindow()
+{
+    show();
+    panel().showWaitingScreen(FirmwareUpgradeWidget::Port::Pc);
+    {
+        QWidget other;
+        other.show();
+        other.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&other));
+    }
+    show();
+    QVERIFY(!panel().m_progressBar->hasFocus());
+}
+
+void TestAccess::theBarGetsNoFocusWhileAnotherWindowHasIt()
+{
+    show();
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&other));
+    panel().showWaitingScreen(FirmwareUpgradeWidget::Port::Pc);
+    show();
+    QVERIFY(!panel().m_progressBar->hasFocus());
+}
+
+void TestAccess::theBarGetsNoFocusFromTheLink_data()
+{
+    QTest::addColumn<bool>("upToDate");
+    QTest::newRow("an upgrade on offer") << false;
+    QTest::newRow("up to date") << true;
+}
+
+void TestAccess::theBarGetsNoFocusFromTheLink()
+{
+    QFETCH(bool, upToDate);
+    panel().m_offlineToolLinkLb->show();
+    show();
+    panel().m_offlineToolLinkLb->setFocus(Qt::TabFocusReason);
+    QVERIFY(panel().m_offlineToolLinkLb->hasFocus());
+    if (upToDate)
+        panel().showUpToDateScreen();
+    else
+        panel().showUpgradeAvailableScreen();
+    QVERIFY(!panel().m_offlineToolLinkLb->isVisible());
+    QVERIFY(!panel().m_progressBar->hasFocus());
+}
+
+void TestAccess::aKeyPressesTheCloseButton_data()
+{
+    aKeyPressesTheBar_data();
+}
+
+void TestAccess::aKeyPressesTheCloseButton()
+{
+    QFETCH(Qt::Key, key);
+    QFETCH(Qt::KeyboardModifiers, modifiers);
+    QFETCH(int, presses);
+    panel().m_closeBtn->disconnect();
+    QSignalSpy clicked(panel().m_closeBtn, &QPushButton::clicked);
+    QTest::keyClick(panel().m_closeBtn, key, modifiers);
+    QCOMPARE(clicked.count(), presses);
 }
 
 void TestAccess::theFocusIsSeenAfterTabOnly_data()
