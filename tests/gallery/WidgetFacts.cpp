@@ -120,12 +120,23 @@ QRect inkOf(const QTextEdit &edit)
     return lines.toAlignedRect().translated(edit.viewport()->pos());
 }
 
+/// A button has its text in the middle.
+QRect inkOf(const QAbstractButton &button)
+{
+    if (button.text().isEmpty())
+        return {};
+    return button.fontMetrics().boundingRect(button.rect(), Qt::AlignCenter | Qt::TextShowMnemonic,
+                                             button.text());
+}
+
 QRect inkOf(const QWidget &widget, const QString &text)
 {
     if (const auto *label = qobject_cast<const QLabel *>(&widget))
         return inkOf(*label, text);
     if (const auto *edit = qobject_cast<const QTextEdit *>(&widget))
         return inkOf(*edit);
+    if (const auto *button = qobject_cast<const QAbstractButton *>(&widget))
+        return inkOf(*button);
     return {};
 }
 
