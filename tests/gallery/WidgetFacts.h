@@ -18,7 +18,8 @@ struct WidgetFacts {
     QString text; ///< as shown; empty: none
     QString state; ///< what else can be seen of it: a value, a picture
     QRect ink; ///< where its text's strokes would go if nothing cut them; null: no text
-    bool isBoldAndLarge = false; ///< 16 pixels and bold, or larger
+    int fontSize = 0; ///< in pixels
+    bool isBold = false;
     bool isLabel = false;
 
     QJsonObject toJson() const;

@@ -11,8 +11,8 @@ namespace {
 const QString kGallery = QStringLiteral(QUILLON_GALLERY "/");
 
 constexpr double kReadable = 4.5;
-/// 16 pixels and bold, or larger.
-constexpr double kReadableWhenLarge = 3;
+constexpr double kReadableWhenLarge = 3; // and bold
+constexpr int kLarge = 16; // pixels
 
 /// A text whose fixed colours give it less.
 struct Known {
@@ -41,7 +41,7 @@ QList<View> largeViews()
 
 double needed(const WidgetFacts &widget)
 {
-    return widget.isBoldAndLarge ? kReadableWhenLarge : kReadable;
+    return widget.isBold && widget.fontSize >= kLarge ? kReadableWhenLarge : kReadable;
 }
 
 QRect scaled(const QRect &rect, int scale)

@@ -1,12 +1,31 @@
 #include "tests/gallery/Views.h"
 #include "tests/gallery/WidgetFacts.h"
+#include "tests/gallery/WindowsFonts.h"
 
 #include <QTest>
+
+#include <algorithm>
+#include <cmath>
 
 using Gallery::View;
 
 namespace {
 const QString kGallery = QStringLiteral(QUILLON_GALLERY "/");
+
+/// A label that is as large as its text, in whichever font.
+struct Adapting {
+    const char *widget;
+    const char *reason;
+};
+
+constexpr Adapting kAdapting[]{
+    {"m_offlineToolTipLb", "sized to its contents; see theOfflineToolsLineFitsOnWindows"},
+    {"m_offlineToolLinkLb", "likewise"},
+    {"qt_msgbox_label", "a warning box lays itself out"},
+};
+/// The offline tool's line: its icon with the gap behind it, and the bar's width to be centred in.
+constexpr double kIconAndGap = 28;
+constexpr double kBarWidth = 408;
 
 QList<WidgetFacts> factsOf(const View &view, const QString &screen)
 {
@@ -20,6 +39,47 @@ QStringList cutTexts(const QList<WidgetFacts> &widgets)
         const bool isMissing = widget.isLabel && !widget.text.isEmpty() && widget.ink.isNull();
         if (isMissing || (!widget.ink.isNull() && !widget.place.contains(widget.ink)))
             cut.append(widget.name);
+    }
+    return cut;
+}
+
+double widthOnWindows(const WidgetFacts &widget)
+{
+    double width = 0;
+    const QStringList lines = widget.text.split(u'\n');
+    for (QString line : lines) {
+        while (line.endsWith(u' '))
+            line.chop(1);
+        width = std::max(width, WindowsFonts::widthOf(line, widget.fontSize, widget.isBold));
+    }
+    return width;
+}
+
+double heightOnWindows(const WidgetFacts &widget)
+{
+    return WindowsFonts::lineHeight(widget.fontSize) * double(widget.text.count(u'\n') + 1);
+}
+
+bool isAdapting(const WidgetFacts &widget)
+{
+    return std::any_of(std::begin(kAdapting), std::end(kAdapting), [&](const Adapting &adapting) {
+        return widget.name == QLatin1StringView(adapting.widget);
+    });
+}
+
+/// The texts that would not fit in the fonts that the panel is made for.
+QStringList cutOnWindows(const QList<WidgetFacts> &widgets)
+{
+    QStringList cut;
+    for (const WidgetFacts &widget : widgets) {
+        if (!widget.isLabel || widget.text.isEmpty() || isAdapting(widget))
+            continue;
+        // The last pixel is the blank above the first line's strokes and below the last one's.
+        if (widget.fontSize <= 0 || widthOnWindows(widget) > widget.place.width()
+            || std::floor(heightOnWindows(widget)) > widget.place.height())
+            cut.append(u"%1 on Windows (%2 x %3)"_qs.arg(widget.name)
+                           .arg(widthOnWindows(widget))
+                           .arg(heightOnWindows(widget)));
     }
     return cut;
 }
@@ -56,7 +116,7 @@ QStringList overlaps(const QList<WidgetFacts> &widgets)
 
 QStringList flawsOf(const QList<WidgetFacts> &widgets)
 {
-    return cutTexts(widgets) + overlaps(widgets);
+    return cutTexts(widgets) + cutOnWindows(widgets) + overlaps(widgets);
 }
 } // namespace
 
@@ -67,6 +127,10 @@ class GalleryFitTest : public QObject {
 private Q_SLOTS:
     void everythingHasItsRoom_data();
     void everythingHasItsRoom();
+    void theOfflineToolsLineFitsOnWindows_data();
+    void theOfflineToolsLineFitsOnWindows();
+    void aTextTooLargeForWindowsIsSeen_data();
+    void aTextTooLargeForWindowsIsSeen();
     void aFlawIsSeen_data();
     void aFlawIsSeen();
 };
@@ -91,6 +155,59 @@ void GalleryFitTest::everythingHasItsRoom()
     QVERIFY2(!widgets.isEmpty(), "the picture's widgets are unknown");
     const QStringList flaws = flawsOf(widgets);
     QVERIFY2(flaws.isEmpty(), qPrintable(flaws.join(u", "_qs)));
+}
+
+void GalleryFitTest::theOfflineToolsLineFitsOnWindows_data()
+{
+    QTest::addColumn<View>("view");
+    for (const View &view : Gallery::views())
+        QTest::newRow(qPrintable(view.folder())) << view;
+}
+
+void GalleryFitTest::theOfflineToolsLineFitsOnWindows()
+{
+    QFETCH(View, view);
+    double width = kIconAndGap;
+    for (WidgetFacts &widget : factsOf(view, u"too-old"_qs)) {
+        if (!widget.name.startsWith(u"m_offlineTool") || widget.text.isEmpty())
+            continue;
+        widget.isBold = true; // the link's markup makes it so
+        width += widthOnWindows(widget);
+    }
+    QVERIFY(width > kBarWidth / 2);
+    QVERIFY2(width <= kBarWidth, qPrintable(QString::number(width)));
+}
+
+void GalleryFitTest::aTextTooLargeForWindowsIsSeen_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("bold");
+    QTest::addColumn<QSize>("place");
+    QTest::addColumn<bool>("seen");
+    QTest::newRow("fits to the pixel") << u"Update Completed"_qs << true << QSize(142, 21) << false;
+    QTest::newRow("one pixel less") << u"Update Completed"_qs << true << QSize(141, 21) << true;
+    QTest::newRow("narrower when not bold") << u"Update Completed"_qs << false << QSize(135, 21) << false;
+    QTest::newRow("nobody misses a blank at the end") << u"ports. "_qs << true << QSize(48, 21) << false;
+    QTest::newRow("Chinese") << u"\u5347\u7ea7\u5b8c\u6210"_qs << true << QSize(64, 21) << false;
+    QTest::newRow("Chinese, one pixel less")
+        << u"\u5347\u7ea7\u5b8c\u6210"_qs << true << QSize(63, 21) << true;
+    QTest::newRow("the longer of two lines") << u"to\nUpdate Completed"_qs << true << QSize(141, 42) << true;
+    QTest::newRow("one line too many") << u"to\nto"_qs << true << QSize(142, 41) << true;
+}
+
+void GalleryFitTest::aTextTooLargeForWindowsIsSeen()
+{
+    QFETCH(QString, text);
+    QFETCH(bool, bold);
+    QFETCH(QSize, place);
+    QFETCH(bool, seen);
+    WidgetFacts label;
+    label.isLabel = true;
+    label.text = text;
+    label.fontSize = 16;
+    label.isBold = bold;
+    label.place = QRect(QPoint(), place);
+    QCOMPARE(!cutOnWindows({label}).isEmpty(), seen);
 }
 
 void GalleryFitTest::aFlawIsSeen_data()
@@ -124,6 +241,7 @@ void GalleryFitTest::aFlawIsSeen()
     b.ink = ink;
     b.isLabel = true;
     b.text = u"words"_qs;
+    b.fontSize = 7;
     if (flaws.size() < 2)
         a.ink.setRight(90);
     QCOMPARE(flawsOf({a, b}), flaws);
