@@ -2,6 +2,7 @@
 #include "tests/gallery/WidgetFacts.h"
 #include "tests/gallery/WindowsFonts.h"
 
+#include <QSet>
 #include <QTest>
 
 #include <algorithm>
@@ -23,6 +24,21 @@ constexpr Adapting kAdapting[]{
     {"m_offlineToolLinkLb", "likewise"},
     {"qt_msgbox_label", "a warning box lays itself out"},
 };
+/// Two widgets whose rectangles have pixels in common, and no strokes.
+struct Meant {
+    const char *below;
+    const char *above;
+    const char *reason;
+};
+
+constexpr Meant kMeant[]{
+    {"m_notesEdit", "m_failIconLb", "the notes' box is as high as on screens that have no advice below it"},
+    {"m_notesEdit", "m_failTextLb", "likewise; while advice is shown the notes end above it"},
+    {"m_notesEdit", "m_offlineToolIconLb", "likewise"},
+    {"m_notesEdit", "m_offlineToolTipLb", "likewise"},
+    {"m_notesEdit", "m_offlineToolLinkLb", "likewise"},
+};
+
 /// The offline tool's line: its icon with the gap behind it, and the bar's width to be centred in.
 constexpr double kIconAndGap = 28;
 constexpr double kBarWidth = 408;
@@ -96,19 +112,29 @@ QRect contentOf(const WidgetFacts &widget)
     return widget.ink.isNull() ? widget.place : widget.ink & widget.place;
 }
 
+bool isMeant(const WidgetFacts &below, const WidgetFacts &above)
+{
+    return std::any_of(std::begin(kMeant), std::end(kMeant), [&](const Meant &meant) {
+        return below.name == QLatin1StringView(meant.below) && above.name == QLatin1StringView(meant.above);
+    });
+}
+
+bool liesOver(const WidgetFacts &above, const WidgetFacts &below)
+{
+    if (above.geometry.intersects(below.geometry) && !isMeant(below, above))
+        return true;
+    return isContent(above) && isContent(below) && contentOf(above).intersects(contentOf(below));
+}
+
 QStringList overlaps(const QList<WidgetFacts> &widgets)
 {
     QStringList found;
     for (qsizetype i = 0; i < widgets.size(); ++i) {
         for (qsizetype j = i + 1; j < widgets.size(); ++j) {
-            const WidgetFacts &one = widgets.at(i);
-            const WidgetFacts &other = widgets.at(j);
-            if (one.parent != other.parent || !isContent(one) || !isContent(other)
-                || !contentOf(one).intersects(contentOf(other)))
-                continue;
-            QStringList names{one.name, other.name};
-            names.sort();
-            found.append(names.join(u" over "_qs));
+            const WidgetFacts &below = widgets.at(i);
+            const WidgetFacts &above = widgets.at(j);
+            if (below.parent == above.parent && liesOver(above, below))
+                found.append(above.name + u" over "_qs + below.name);
         }
     }
     return found;
@@ -131,8 +157,10 @@ private Q_SLOTS:
     void theOfflineToolsLineFitsOnWindows();
     void aTextTooLargeForWindowsIsSeen_data();
     void aTextTooLargeForWindowsIsSeen();
+    void everyMeantOverlapIsStillThere();
     void aFlawIsSeen_data();
     void aFlawIsSeen();
+    void adviceOverTheNotesIsSeen();
 };
 
 void GalleryFitTest::everythingHasItsRoom_data()
@@ -210,42 +238,80 @@ void GalleryFitTest::aTextTooLargeForWindowsIsSeen()
     QCOMPARE(!cutOnWindows({label}).isEmpty(), seen);
 }
 
+void GalleryFitTest::everyMeantOverlapIsStillThere()
+{
+    QSet<QString> found;
+    for (const View &view : Gallery::views()) {
+        for (const Gallery::Screen &screen : Gallery::screens()) {
+            const QList<WidgetFacts> widgets = factsOf(view, QLatin1StringView(screen.name));
+            for (const WidgetFacts &below : widgets) {
+                for (const WidgetFacts &above : widgets) {
+                    if (below.geometry.intersects(above.geometry))
+                        found.insert(above.name + u" over "_qs + below.name);
+                }
+            }
+        }
+    }
+    for (const Meant &meant : kMeant) {
+        const QString pair = QLatin1StringView(meant.above) + u" over "_qs + QLatin1StringView(meant.below);
+        QVERIFY2(found.contains(pair), qPrintable(pair));
+    }
+}
+
 void GalleryFitTest::aFlawIsSeen_data()
 {
+    QTest::addColumn<QRect>("place");
     QTest::addColumn<QRect>("ink");
     QTest::addColumn<QString>("parent");
     QTest::addColumn<QStringList>("flaws");
-    QTest::newRow("all fits") << QRect(101, 11, 98, 8) << u"panel"_qs << QStringList();
-    QTest::newRow("too wide") << QRect(100, 10, 101, 8) << u"panel"_qs << QStringList{u"b"_qs};
-    QTest::newRow("too high") << QRect(101, 9, 20, 8) << u"panel"_qs << QStringList{u"b"_qs};
-    QTest::newRow("nowhere to be seen") << QRect() << u"panel"_qs << QStringList{u"b"_qs};
-    QTest::newRow("over its neighbour")
-        << QRect(95, 11, 98, 8) << u"panel"_qs << QStringList{u"b"_qs, u"a over b"_qs};
-    QTest::newRow("over another's child") << QRect(95, 11, 98, 8) << u"card"_qs << QStringList{u"b"_qs};
+    const QRect beside(100, 10, 100, 10);
+    const QRect over(99, 10, 100, 10);
+    const QStringList cut{u"b"_qs};
+    const QStringList covers{u"b over a"_qs};
+    QTest::newRow("all fits") << beside << QRect(101, 11, 98, 8) << u"panel"_qs << QStringList();
+    QTest::newRow("too wide") << beside << QRect(100, 10, 101, 8) << u"panel"_qs << cut;
+    QTest::newRow("too high") << beside << QRect(101, 9, 20, 8) << u"panel"_qs << cut;
+    QTest::newRow("nowhere to be seen") << beside << QRect() << u"panel"_qs << cut;
+    QTest::newRow("over its neighbour") << over << QRect(120, 11, 50, 8) << u"panel"_qs << covers;
+    QTest::newRow("over another's child") << over << QRect(120, 11, 50, 8) << u"card"_qs << QStringList();
 }
 
 void GalleryFitTest::aFlawIsSeen()
 {
+    QFETCH(QRect, place);
     QFETCH(QRect, ink);
     QFETCH(QString, parent);
     QFETCH(QStringList, flaws);
     WidgetFacts a;
     a.name = u"a"_qs;
     a.parent = u"panel"_qs;
-    a.place = QRect(0, 10, 105, 10);
-    a.ink = QRect(0, 10, 105, 10);
+    a.geometry = a.place = QRect(0, 10, 100, 10);
+    a.ink = QRect(0, 10, 90, 10);
     WidgetFacts b;
     b.name = u"b"_qs;
     b.parent = parent;
-    b.place = QRect(100, 10, 100, 10);
+    b.geometry = b.place = place;
     b.ink = ink;
     b.isLabel = true;
     b.text = u"words"_qs;
     b.fontSize = 7;
-    if (flaws.size() < 2)
-        a.ink.setRight(90);
     QCOMPARE(flawsOf({a, b}), flaws);
     QCOMPARE(WidgetFacts::fromJson(b.toJson()).ink, ink);
+}
+
+/// Where two may share pixels, their strokes may not.
+void GalleryFitTest::adviceOverTheNotesIsSeen()
+{
+    WidgetFacts notes;
+    notes.name = u"m_notesEdit"_qs;
+    notes.geometry = notes.place = QRect(0, 0, 100, 100);
+    notes.ink = QRect(0, 0, 90, 80);
+    WidgetFacts advice;
+    advice.name = u"m_failTextLb"_qs;
+    advice.geometry = advice.place = advice.ink = QRect(0, 90, 100, 20);
+    QCOMPARE(overlaps({notes, advice}), QStringList());
+    notes.ink.setHeight(95);
+    QCOMPARE(overlaps({notes, advice}), QStringList{u"m_failTextLb over m_notesEdit"_qs});
 }
 
 QTEST_GUILESS_MAIN(GalleryFitTest)
