@@ -10,21 +10,35 @@
 #     WHITE_BOX              may look at private members)
 find_program(QUILLON_FAKETIME faketime)
 
-# The command prefix that gives a program and its children a clock that runs factor times as fast.
-function(quillon_fast_clock factor result)
-    if(NOT QUILLON_FAKETIME)
-        message(FATAL_ERROR "Tests run at ${factor} times the speed: install the package faketime")
+# quillon_run_prefix(RESULT [SPEED factor] [REPORT]): the command prefix that runs a program of this build, under Wine
+# where it is a Windows program; with SPEED on a clock that runs factor times as fast for it and its children; with
+# REPORT for a program of Qt Test.
+function(quillon_run_prefix result)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "REPORT" "SPEED" "")
+    if(arg_SPEED AND NOT QUILLON_FAKETIME AND NOT CMAKE_HOST_WIN32)
+        message(FATAL_ERROR "Tests run at ${arg_SPEED} times the speed: install the package faketime")
     endif()
-    if(NOT QUILLON_SANITIZE MATCHES "address")
-        set(${result} ${QUILLON_FAKETIME} -f "+0 x${factor}" PARENT_SCOPE)
-        return()
+    set(prefix "")
+    if(WIN32 AND CMAKE_CROSSCOMPILING)
+        set(prefix "${PROJECT_SOURCE_DIR}/cmake/mingw/wine-run" --prefix "${QUILLON_MINGW_PREFIX}"
+            --path "${PROJECT_BINARY_DIR}/bin")
+        if(arg_SPEED)
+            list(APPEND prefix --speed ${arg_SPEED})
+        endif()
+        if(arg_REPORT)
+            list(APPEND prefix --test)
+        endif()
+    elseif(arg_SPEED AND QUILLON_SANITIZE MATCHES "address")
+        # The address sanitizer has to be loaded first, or it finds no leak.
+        execute_process(COMMAND ${QUILLON_FAKETIME} -f +0 printenv LD_PRELOAD
+            OUTPUT_VARIABLE clock OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+        execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=libasan.so
+            OUTPUT_VARIABLE sanitizer OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+        set(prefix ${CMAKE_COMMAND} -E env "LD_PRELOAD=${sanitizer}:${clock}" "FAKETIME=+0 x${arg_SPEED}")
+    elseif(arg_SPEED AND QUILLON_FAKETIME)
+        set(prefix ${QUILLON_FAKETIME} -f "+0 x${arg_SPEED}")
     endif()
-    # The address sanitizer has to be loaded first, or it finds no leak.
-    execute_process(COMMAND ${QUILLON_FAKETIME} -f +0 printenv LD_PRELOAD
-        OUTPUT_VARIABLE clock OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
-    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=libasan.so
-        OUTPUT_VARIABLE sanitizer OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
-    set(${result} ${CMAKE_COMMAND} -E env "LD_PRELOAD=${sanitizer}:${clock}" "FAKETIME=+0 x${factor}" PARENT_SCOPE)
+    set(${result} ${prefix} PARENT_SCOPE)
 endfunction()
 
 # The command prefix for a program that shows itself mock devices.
@@ -53,15 +67,12 @@ function(quillon_add_test name)
         target_compile_options(tst_${name} PRIVATE -fno-access-control)
     endif()
 
-    set(command tst_${name} ${arg_ARGUMENTS})
-    if(arg_SPEED)
-        quillon_fast_clock(${arg_SPEED} prefix)
-        set(command ${prefix} $<TARGET_FILE:tst_${name}> ${arg_ARGUMENTS})
-    elseif(arg_MOCK_BUS)
+    if(arg_MOCK_BUS)
         quillon_mock_bus(prefix)
-        set(command ${prefix} $<TARGET_FILE:tst_${name}> ${arg_ARGUMENTS})
+    else()
+        quillon_run_prefix(prefix SPEED "${arg_SPEED}" REPORT)
     endif()
-    add_test(NAME ${name} COMMAND ${command})
+    add_test(NAME ${name} COMMAND ${prefix} $<TARGET_FILE:tst_${name}> ${arg_ARGUMENTS})
     set_tests_properties(${name} PROPERTIES LABELS "${arg_LABELS}" TIMEOUT ${arg_TIMEOUT}
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;${arg_ENVIRONMENT}")
 endfunction()

@@ -5,7 +5,11 @@
 #include <QDebug>
 #include <QHash>
 
+#ifdef Q_OS_WIN
+#include <windows.h>
+#else
 #include <dlfcn.h>
+#endif
 
 #include <utility>
 
@@ -13,6 +17,27 @@ using HIDCommunicator::OrvikHIDManager;
 
 // The functions below take the place of the library's own: a program's definition wins over a shared
 // library's. The library's are then reached by their linker names, with "this" as the first argument.
+
+#define QUILLON_HID(name) "_ZN15HIDCommunicator15OrvikHIDManager" name
+#define QUILLON_HID_CONST(name) "_ZNK15HIDCommunicator15OrvikHIDManager" name
+
+#ifdef Q_OS_WIN
+// The panel's objects call a DLL's function through a pointer of this name, which the linker would take from the import
+// library.
+#define QUILLON_TAKE_PLACE(name) \
+    asm(".data\n .balign 8\n .globl __imp_" name "\n__imp_" name ": .quad " name "\n .text")
+QUILLON_TAKE_PLACE(QUILLON_HID("7acquireEv"));
+QUILLON_TAKE_PLACE(QUILLON_HID("7releaseEv"));
+QUILLON_TAKE_PLACE(QUILLON_HID("25createOrvikSendDataThreadEv"));
+QUILLON_TAKE_PLACE(QUILLON_HID("28createOrvikReceiveDataThreadEv"));
+QUILLON_TAKE_PLACE(QUILLON_HID("24closeOrvikSendDataThreadEv"));
+QUILLON_TAKE_PLACE(QUILLON_HID("27closeOrvikReceiveDataThreadEv"));
+QUILLON_TAKE_PLACE(QUILLON_HID("14DC_AddSendDataE10QByteArray"));
+QUILLON_TAKE_PLACE(QUILLON_HID("13openHIDHandleERK7QStringiii"));
+QUILLON_TAKE_PLACE(QUILLON_HID("16disconnectDeviceEi"));
+QUILLON_TAKE_PLACE(QUILLON_HID_CONST("12getConnectedEv"));
+QUILLON_TAKE_PLACE(QUILLON_HID("19getOrvikHIDListPathER5QListI7QStringERS1_IiE"));
+#endif
 
 namespace {
 
@@ -47,10 +72,19 @@ void runPendingAction(const QString &function)
         action();
 }
 
+void *findInLibrary(const char *linkerName)
+{
+#ifdef Q_OS_WIN
+    return reinterpret_cast<void *>(GetProcAddress(GetModuleHandleW(L"HIDCommunicator.dll"), linkerName));
+#else
+    return dlsym(RTLD_NEXT, linkerName);
+#endif
+}
+
 template <typename Result, typename... Arguments>
 Result callLibrary(const char *linkerName, Arguments... arguments)
 {
-    void *symbol = dlsym(RTLD_NEXT, linkerName);
+    void *symbol = findInLibrary(linkerName);
     if (!symbol)
         qFatal("the HID library does not have %s", linkerName);
     return reinterpret_cast<Result (*)(Arguments...)>(symbol)(std::forward<Arguments>(arguments)...);
@@ -90,8 +124,6 @@ void HidCalls::after(const QString &function, std::function<void()> action)
 {
     pendingActions.insert(function, std::move(action));
 }
-
-#define QUILLON_HID(name) "_ZN15HIDCommunicator15OrvikHIDManager" name
 
 namespace HIDCommunicator {
 
@@ -152,7 +184,7 @@ bool OrvikHIDManager::getConnected() const
 {
     const LibraryCall call;
     const bool connected = callLibrary<bool, const OrvikHIDManager *>(
-        "_ZNK15HIDCommunicator15OrvikHIDManager12getConnectedEv", this);
+        QUILLON_HID_CONST("12getConnectedEv"), this);
     if (call.isOutermost())
         write(u"hid? getConnected() = %1"_qs.arg(connected ? u"true"_qs : u"false"_qs));
     return connected;
