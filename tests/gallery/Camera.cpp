@@ -96,6 +96,14 @@ bool write(const QString &path, const QByteArray &content)
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
 }
 
+QByteArray toText(const QList<WidgetFacts> &facts)
+{
+    QString text;
+    for (const WidgetFacts &widget : facts)
+        text += widget.toLine() + u'\n';
+    return text.toUtf8();
+}
+
 QByteArray toJson(const QList<WidgetFacts> &facts)
 {
     QJsonArray array;
@@ -120,18 +128,15 @@ void Camera::take(QWidget &panel, const QString &screen)
     if (isPointedAt)
         point(*bar, true);
     const QList<WidgetFacts> facts = factsOf(panel);
-    m_widgets += u"== "_qs + screen + u'\n';
-    for (const WidgetFacts &widget : facts)
-        m_widgets += widget.toLine() + u'\n';
     m_isWritten &= PictureFile::save(imageOf(panel), m_folder + Gallery::picturePath(m_view, screen))
+        && write(m_folder + Gallery::widgetsPath(m_view, screen), toText(facts))
         && write(m_folder + Gallery::factsPath(m_view, screen), toJson(facts));
     if (isPointedAt)
         point(*bar, false);
 }
 
-bool Camera::finish()
+bool Camera::isComplete() const
 {
-    m_isWritten &= write(m_folder + Gallery::widgetsPath(m_view), m_widgets.toUtf8());
     for (const Gallery::Screen &screen : Gallery::screens()) {
         if (!m_taken.contains(QLatin1StringView(screen.name)))
             return false;

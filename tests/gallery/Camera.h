@@ -16,17 +16,15 @@ public:
     /// Pictures go into the gallery in \a folder, as those of \a view.
     Camera(const QString &folder, const Gallery::View &view);
 
-    /// Pictures \a panel as \a screen.
+    /// Pictures \a panel as \a screen, and writes the texts beside the picture.
     void take(QWidget &panel, const QString &screen);
 
-    /// Writes the texts beside the pictures. False: a screen was not pictured, or something could not be
-    /// written.
-    bool finish();
+    /// Whether every screen was pictured, and everything written.
+    bool isComplete() const;
 
 private:
     QString m_folder;
     Gallery::View m_view;
     QSet<QString> m_taken;
-    QString m_widgets; // of every screen, as text
     bool m_isWritten = true;
 };

@@ -73,6 +73,7 @@ QString indexPage()
 {
     QString page = u"<!DOCTYPE html>\n<meta charset='utf-8'><title>Every screen of the panel</title>\n"
                    "<style>body { background: #16171c; color: #c8cad6; font: 14px Roboto, sans-serif; }\n"
+                   "a { color: inherit; }\n"
                    "table { border-spacing: 12px; } th { text-align: left; }\n"
                    "img { width: 472px; height: 418px; }</style>\n<table>\n"_qs;
     for (const Gallery::Screen &screen : Gallery::screens()) {
@@ -80,7 +81,8 @@ QString indexPage()
         QString captions;
         QString pictures;
         for (const View &view : Gallery::views()) {
-            captions += u"<th>%1<br>%2</th>"_qs.arg(QLatin1StringView(screen.title), view.folder());
+            captions += u"<th>%1<br>%2 \u00b7 <a href='%3'>texts</a></th>"_qs.arg(
+                QLatin1StringView(screen.title), view.folder(), Gallery::widgetsPath(view, name));
             pictures += u"<td><a href='%1'><img src='%1'></a></td>"_qs.arg(Gallery::picturePath(view, name));
         }
         page += u"<tr id='%1'>%2</tr>\n<tr>%3</tr>\n"_qs.arg(name, captions, pictures);

@@ -56,7 +56,7 @@ void Tour::end(bool passed, const QString &verdict)
 {
     if (!passed)
         host::Terminal::complain(verdict);
-    else if (!m_camera.finish())
+    else if (!m_camera.isComplete())
         host::Terminal::complain(u"a picture is missing"_qs);
     else
         return QCoreApplication::exit(0);

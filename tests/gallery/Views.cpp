@@ -45,9 +45,9 @@ QString picturePath(const View &view, const QString &screen)
     return u"pictures/"_qs + view.folder() + u'/' + screen + u".png"_qs;
 }
 
-QString widgetsPath(const View &view)
+QString widgetsPath(const View &view, const QString &screen)
 {
-    return u"pictures/"_qs + view.folder() + u"/widgets.txt"_qs;
+    return u"pictures/"_qs + view.folder() + u'/' + screen + u".txt"_qs;
 }
 
 QString factsPath(const View &view, const QString &screen)

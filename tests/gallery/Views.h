@@ -29,8 +29,8 @@ QList<View> views();
 
 /// "pictures/R2-en@2x/too-old.png" and the like, relative to a gallery.
 QString picturePath(const View &view, const QString &screen);
-/// The visible widgets of all screens of a view as text, for people and for comparison.
-QString widgetsPath(const View &view);
+/// The visible widgets of that picture as text, beside it, for people and for comparison.
+QString widgetsPath(const View &view, const QString &screen);
 /// The same with what was measured of each, for programs.
 QString factsPath(const View &view, const QString &screen);
 
