@@ -12,6 +12,7 @@ using Gallery::View;
 namespace {
 const QString kGallery = QStringLiteral(QUILLON_GALLERY "/");
 const QString kReference = QStringLiteral(QUILLON_GALLERY_REFERENCE "/");
+const QString kDocumented = QStringLiteral(QUILLON_DOCUMENTED "/");
 const QString kDifferences = QStringLiteral(QUILLON_GALLERY "/differences/");
 
 QStringList linesOf(const QString &path)
@@ -28,6 +29,21 @@ QSet<QString> filesIn(const QString &folder)
         names.insert(QDir(folder).relativeFilePath(files.next()));
     return names;
 }
+
+/// Fails, leaving a picture of the difference as \a shown, when \a taken is not what \a kept is.
+void compareWithKept(const QString &kept, const QString &taken, const QString &shown)
+{
+    const QImage picture(taken);
+    QVERIFY2(!picture.isNull(), qPrintable(taken + u" is missing"_qs));
+    const PictureFile::Difference difference = PictureFile::compare(QImage(kept), picture);
+    QVERIFY2(difference.sameSize, qPrintable(kept + u" is missing or of another size"_qs));
+    if (difference.pixels <= PictureFile::kToleratedPixels)
+        return;
+    PictureFile::save(difference.shown, kDifferences + shown);
+    QFAIL(qPrintable(u"%1 pixels differ, by %2 at most: see %3"_qs.arg(difference.pixels)
+                         .arg(difference.largest)
+                         .arg(kDifferences + shown)));
+}
 } // namespace
 
 /// Every screen looks as it did when somebody last looked at it and kept it. "ninja gallery-references" keeps
@@ -38,6 +54,8 @@ class GalleryPicturesTest : public QObject {
 private Q_SLOTS:
     void everyScreenLooksAsKept_data();
     void everyScreenLooksAsKept();
+    void theReadmeShowsWhatThereIs_data();
+    void theReadmeShowsWhatThereIs();
     void everyWidgetSaysAndStandsAsKept_data();
     void everyWidgetSaysAndStandsAsKept();
     void nothingIsKeptThatIsNoLongerPictured();
@@ -59,18 +77,24 @@ void GalleryPicturesTest::everyScreenLooksAsKept_data()
 void GalleryPicturesTest::everyScreenLooksAsKept()
 {
     QFETCH(QString, picture);
-    const QImage kept(kReference + picture);
-    const QImage taken(kGallery + picture);
-    QVERIFY2(!taken.isNull(), qPrintable(kGallery + picture + u" is missing"_qs));
-    const PictureFile::Difference difference = PictureFile::compare(kept, taken);
-    QVERIFY2(difference.sameSize, qPrintable(kReference + picture + u" is missing or of another size"_qs));
-    if (difference.pixels <= PictureFile::kToleratedPixels)
-        return;
-    const QString shown = kDifferences + QString(picture).remove(u"pictures/"_qs);
-    PictureFile::save(difference.shown, shown);
-    QFAIL(qPrintable(u"%1 pixels differ, by %2 at most: see %3"_qs.arg(difference.pixels)
-                         .arg(difference.largest)
-                         .arg(shown)));
+    compareWithKept(kReference + picture, kGallery + picture, QString(picture).remove(u"pictures/"_qs));
+}
+
+void GalleryPicturesTest::theReadmeShowsWhatThereIs_data()
+{
+    QTest::addColumn<QString>("documented");
+    QTest::addColumn<QString>("picture");
+    QTest::newRow("every screen at a glance") << u"gallery.png"_qs << u"sheet.png"_qs;
+    QTest::newRow("an upgrade on offer")
+        << u"upgrade-available.png"_qs
+        << Gallery::picturePath({u"R2"_qs, u"en"_qs, 2}, u"upgrade-available"_qs);
+}
+
+void GalleryPicturesTest::theReadmeShowsWhatThereIs()
+{
+    QFETCH(QString, documented);
+    QFETCH(QString, picture);
+    compareWithKept(kDocumented + documented, kGallery + picture, u"readme-"_qs + documented);
 }
 
 void GalleryPicturesTest::everyWidgetSaysAndStandsAsKept_data()
