@@ -23,10 +23,10 @@ QGroupBox { background: @card; border: 1px solid @line; border-radius: 4px; marg
 QGroupBox::title { subcontrol-origin: margin; left: 2px; top: 2px; color: @faint; }
 QGroupBox QLabel, QGroupBox QCheckBox { color: @text; }
 QLineEdit, QComboBox, QPlainTextEdit { background: @background; color: @text; border: 1px solid @line; border-radius: 4px;
-    padding: 3px 6px; selection-background-color: @blue; }
+    padding: 3px 6px; selection-background-color: @selection; }
 QComboBox::drop-down { border: none; border-radius: 3px; width: 22px; background: @background; }
 QComboBox::down-arrow { image: url(:/host/down.png); width: 10px; height: 6px; }
-QComboBox QAbstractItemView { background: @card; color: @text; border: 1px solid @line; selection-background-color: @blue; }
+QComboBox QAbstractItemView { background: @card; color: @text; border: 1px solid @line; selection-background-color: @selection; }
 QGroupBox QLineEdit:focus, QGroupBox QComboBox:focus, QPlainTextEdit:focus, QGroupBox QPushButton:focus,
     QGroupBox QCheckBox:focus { border: 1px solid @teal; }
 QGroupBox QComboBox QLineEdit, QGroupBox QComboBox QLineEdit:focus { border: none; padding: 0; }
@@ -34,7 +34,7 @@ QGroupBox QCheckBox { border: 1px solid transparent; border-radius: 4px; padding
 QGroupBox QCheckBox::indicator { width: 14px; height: 14px; border: 1px solid @faint; border-radius: 8px; background: @background; }
 QGroupBox QCheckBox::indicator:checked { border-color: transparent; image: url(:/new/prefix1/image/check_mark.png); }
 QGroupBox QPushButton { background: @line; color: @text; border: 1px solid @line; border-radius: 4px; padding: 4px 10px; }
-QGroupBox QPushButton:hover { background: @faint; }
+QGroupBox QPushButton:hover { background: @pointed; }
 QGroupBox QPushButton:pressed { background: @background; }
 #log QScrollBar { background: @background; }
 #log QScrollBar:vertical { width: 8px; }
@@ -58,7 +58,8 @@ QString windowStyleSheet()
         {QLatin1StringView("@line"), Colours::kLine},
         {QLatin1StringView("@text"), Colours::kText},
         {QLatin1StringView("@faint"), Colours::kFaintText},
-        {QLatin1StringView("@blue"), Colours::kBlue},
+        {QLatin1StringView("@selection"), Colours::kSelection},
+        {QLatin1StringView("@pointed"), Colours::kPointedAt},
         {QLatin1StringView("@teal"), Colours::kTeal},
     };
     QString sheet = QString::fromUtf16(kSheet);
@@ -75,7 +76,7 @@ void makeApplicationDark()
     for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(role, Colours::kText);
     palette.setColor(QPalette::Base, Colours::kCard);
-    palette.setColor(QPalette::Highlight, Colours::kBlue);
+    palette.setColor(QPalette::Highlight, Colours::kSelection);
     palette.setColor(QPalette::HighlightedText, Colours::kText);
     QApplication::setPalette(palette);
 }
