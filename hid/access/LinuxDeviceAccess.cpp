@@ -14,12 +14,17 @@ namespace DeviceAccess {
 
 namespace {
 
-/// The rules file that came with the program; else, in a build folder, the one of the tree.
+/// The rules file that came with the program, which lies in bin or in a folder of its own below libexec;
+/// else, in a build folder, the one of the tree.
 QString rulesFile()
 {
-    const QFileInfo installed(QCoreApplication::applicationDirPath()
-                              + QStringLiteral("/../lib/udev/rules.d/" QUILLON_UDEV_RULES_NAME));
-    return installed.exists() ? installed.canonicalFilePath() : QStringLiteral(QUILLON_UDEV_RULES);
+    for (const QString &root : {QStringLiteral("/.."), QStringLiteral("/../..")}) {
+        const QFileInfo installed(QCoreApplication::applicationDirPath() + root
+                                  + QStringLiteral("/lib/udev/rules.d/" QUILLON_UDEV_RULES_NAME));
+        if (installed.exists())
+            return installed.canonicalFilePath();
+    }
+    return QStringLiteral(QUILLON_UDEV_RULES);
 }
 
 } // namespace
