@@ -19,6 +19,10 @@ fuzz_packages=(clang-14 libclang-rt-14-dev)
 # shellcheck disable=SC2034
 vm_packages=(qemu-system-x86 cpio kmod)
 
+# What builds for Windows and runs the result, for ./check --windows and ./demo --windows.
+# shellcheck disable=SC2034
+windows_packages=(g++-mingw-w64-x86-64-posix dpkg-dev wine wine64 xvfb xauth)
+
 is_installed() {
     [ "$(dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
 }
