@@ -7,6 +7,7 @@
 #include "panel/Log.h"
 #include "panel/ProgressScale.h"
 #include "panel/Visibility.h"
+#include "system/ToolProcess.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -37,8 +38,8 @@ void FirmwareUpgradeWidget::startUpgradeWithExternalTool(const QString &binPath,
               << " lastDetectedOtgPid=" << QString::number(lastDetectedOtgPid, 16)
               << " autoRecover=" << m_autoRecoverRunning;
     resetStallDetector();
-    // The result of an earlier run would be read as this run's.
-    QFile::remove(firmwareTxtPath());
+    m_leftoverReport = ProgressFile::clear(firmwareTxtPath());
+    m_heldPolls = 0;
     if (!startTool(binPath, pid))
         return;
     if (m_progressBar)
@@ -107,7 +108,7 @@ void FirmwareUpgradeWidget::killTool()
 {
     if (!isToolRunning())
         return;
-    m_dfuProcess->kill();
+    ToolProcess::kill(*m_dfuProcess);
     m_dfuProcess->waitForFinished(int(kKillLimit.count()));
 }
 

@@ -1,7 +1,11 @@
 #include "flash/ProgressFile.h"
 
+#include "system/SharedFile.h"
+
+#include <QDateTime>
 #include <QDir>
-#include <QIODevice>
+#include <QFile>
+#include <QFileInfo>
 #include <QStringList>
 
 namespace ProgressFile {
@@ -25,6 +29,31 @@ QString pathWithFolder()
 {
     QDir().mkpath(folder());
     return path();
+}
+
+QString clear(const QString &path)
+{
+    return QFile::remove(path) ? QString() : fingerprint(path);
+}
+
+QString fingerprint(const QString &path)
+{
+    const QFileInfo file(path);
+    if (!file.exists())
+        return QString();
+    return QStringLiteral("%1 bytes at %2").arg(file.size()).arg(file.lastModified().toMSecsSinceEpoch());
+}
+
+Reading read(const QString &path, const QString &leftover)
+{
+    using Outcome = Reading::Outcome;
+    if (!leftover.isEmpty() && fingerprint(path) == leftover)
+        return {};
+    QFile file(path);
+    if (!SharedFile::openForReading(file))
+        return {SharedFile::isHeld(path) ? Outcome::Held : Outcome::None, QString()};
+    const std::optional<QString> line = lastLine(file);
+    return line ? Reading{Outcome::Line, *line} : Reading{Outcome::Empty, QString()};
 }
 
 std::optional<QString> lastLine(QIODevice &file)

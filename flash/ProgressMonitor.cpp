@@ -8,7 +8,6 @@
 #include "panel/Log.h"
 #include "panel/ProgressScale.h"
 
-#include <QFile>
 #include <QLabel>
 #include <QTimer>
 
@@ -24,6 +23,9 @@ constexpr auto kStallLimit = 3s;
 /// The waiting screen stays up until the OTG chip demonstrably takes its image.
 constexpr int kOtgProgressShownFrom = 3;
 const QString kAllWrittenLine = QStringLiteral("100%");
+/// How many polls a file may keep everyone out after the tool has ended: 2 s, longer than a virus scanner
+/// looks at it.
+constexpr int kHeldPollLimit = 20;
 } // namespace
 
 QString FirmwareUpgradeWidget::firmwareTxtPath() const
@@ -44,19 +46,30 @@ bool FirmwareUpgradeWidget::isWaitingForOtg() const
 
 void FirmwareUpgradeWidget::onReadFirmwareTxt()
 {
-    using ProgressFile::Report;
-    QFile file(firmwareTxtPath());
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+    using Outcome = ProgressFile::Reading::Outcome;
+    const ProgressFile::Reading reading = ProgressFile::read(firmwareTxtPath(), m_leftoverReport);
+    switch (reading.outcome) {
+    case Outcome::Held:
+        if (isToolRunning() || m_heldPolls++ < kHeldPollLimit)
+            return;
+        [[fallthrough]];
+    case Outcome::None:
         return failWhenToolEnded(QStringLiteral("[状态] 进程已退出但无进度文件，判定为失败"));
-    const auto line = ProgressFile::lastLine(file);
-    if (!line)
+    case Outcome::Empty:
         return failWhenToolEnded(QStringLiteral("[状态] 进程已退出但进度文件为空，判定为失败"));
+    case Outcome::Line:
+        return takeLine(reading.line);
+    }
+}
 
-    if (*line == kAllWrittenLine && !isToolRunning()) {
+void FirmwareUpgradeWidget::takeLine(const QString &line)
+{
+    using ProgressFile::Report;
+    if (line == kAllWrittenLine && !isToolRunning()) {
         logLine() << "[状态] 进度100%且进程已退出，视为升级成功";
         return takeResult(ProgressFile::kSuccess);
     }
-    const Report report = ProgressFile::judge(*line);
+    const Report report = ProgressFile::judge(line);
     if (report.kind == Report::Kind::Percentage && m_progressBar)
         takePercentage(report.value);
     else if (report.kind == Report::Kind::Result)

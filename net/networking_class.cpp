@@ -1,5 +1,7 @@
 #include "net/networking_class.h"
 
+#include "system/SharedFile.h"
+
 #include <QDebug>
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -23,6 +25,10 @@ namespace {
 constexpr auto kQueryLimit = 2000ms;
 /// Bounds what a fast server can make the process hold while the disk is slow.
 constexpr qint64 kDownloadBuffer = 1024 * 1024;
+/// How often, and how many times, a file that another program holds is tried: for 3 s in all, longer than a
+/// virus scanner looks at one.
+constexpr auto kHeldFilePause = 100ms;
+constexpr int kHeldFileTries = 30;
 /// Far more than release notes need. A server that sends on and on stalls here until the time limit.
 constexpr qint64 kLargestAnswer = 4 * 1024 * 1024;
 
@@ -42,7 +48,9 @@ void logFailedQuery(const QNetworkReply &reply)
 
 networking_class::networking_class()
     : manager(new QNetworkAccessManager)
+    , heldFileTimer(new QTimer(this))
 {
+    heldFileTimer->setSingleShot(true);
     // Whichever thread asked first, it may be gone when the GUI thread waits for an answer.
     if (const QCoreApplication *application = QCoreApplication::instance()) {
         manager->moveToThread(application->thread());
@@ -99,6 +107,8 @@ void networking_class::downloadFile(QUrl url, QString fileName)
 {
     this->fileName = fileName;
     logLine() << "ggxxxxxxxxx" << fileName;
+    heldFileTimer->disconnect(this);
+    heldFileTimer->stop();
     if (reply) {
         // Two downloads at a time would close each other's file and pass half an image on as a whole one.
         reply->disconnect(this);
@@ -106,9 +116,19 @@ void networking_class::downloadFile(QUrl url, QString fileName)
         reply->deleteLater();
         reply = nullptr;
     }
+    openFileAndRequest(url, kHeldFileTries);
+}
+
+void networking_class::openFileAndRequest(const QUrl &url, int triesLeft)
+{
     file = std::make_unique<QFile>(fileName);
     if (!file->open(QIODevice::WriteOnly)) {
         file.reset();
+        if (triesLeft > 0 && SharedFile::isHeld(fileName)) {
+            heldFileTimer->callOnTimeout(
+                this, [=] { openFileAndRequest(url, triesLeft - 1); }, Qt::SingleShotConnection);
+            heldFileTimer->start(kHeldFilePause);
+        }
         return;
     }
     reply = manager->get(QNetworkRequest(url));

@@ -9,6 +9,7 @@
 class QFile;
 class QNetworkAccessManager;
 class QNetworkReply;
+class QTimer;
 
 /// The update server's client: blocking version queries, and the download of one image at a time.
 ///
@@ -31,7 +32,8 @@ public:
 
     /// Starts to download \a url into the file \a fileName, which is emptied first, and returns at once. A download
     /// that still runs is given up for the new one. When the file cannot be opened nothing is sent and nothing is
-    /// ever emitted. Whether what arrived is an image is for the caller to judge: an error page is stored like one.
+    /// ever emitted; one that another program holds, as virus scanners do, is tried again for some seconds. Whether
+    /// what arrived is an image is for the caller to judge: an error page is stored like one.
     void downloadFile(QUrl url, QString fileName);
 
 Q_SIGNALS:
@@ -46,11 +48,13 @@ private Q_SLOTS:
 private:
     networking_class();
     ~networking_class() override;
+    void openFileAndRequest(const QUrl &url, int triesLeft);
 
     QNetworkAccessManager *manager;
     QNetworkReply *reply = nullptr;
     std::unique_ptr<QFile> file; // null while no download is open
     QString fileName;
+    QTimer *heldFileTimer; // runs while another program holds the file
 
 public:
     QString f_remark; ///< release notes in Chinese, of the last query that succeeded

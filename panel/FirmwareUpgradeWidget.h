@@ -182,6 +182,7 @@ private:
     // ---- Progress of the tool: flash/ProgressMonitor.cpp ------------------------------------------------------
     QString firmwareTxtPath() const;
     bool isToolRunning() const;
+    void takeLine(const QString &line);
     void failWhenToolEnded(const QString &reason);
     void takeResult(int status);
     void takePercentage(int percent);
@@ -312,6 +313,8 @@ private:
     int lastDetectedPcPid = 0;             // 0: none seen                           discovery                    model change
     int m_lastProgressPercent = -1;        // -1: the tool has not reported yet      progress monitor             tool start, click, failure
     QDateTime m_lastProgressTime;          // when that percentage was first seen    progress monitor             tool start, click, failure
+    QString m_leftoverReport;              // an old report that cannot be removed   tool start                   tool start
+    int m_heldPolls = 0;                   // polls that found an ended tool's file held  progress monitor        tool start
     bool m_postUpgradeWaiting = false;     // the next version read is silent        success                      version reading
     int m_zeroVersionCount = 0;            // "0.0.0" in a row in that wait          version reading              version reading, success
     // clang-format on

@@ -6,6 +6,7 @@
 #include "panel/Delays.h"
 #include "panel/FirmwareUpgradeWidget.h"
 #include "panel/Log.h"
+#include "system/ToolProcess.h"
 #include "widgets/ClickableProgressBar.h"
 
 #include <HIDCommunicator/OrvikHIDManager.h>
@@ -116,6 +117,7 @@ void FirmwareUpgradeWidget::setUpWindow()
 void FirmwareUpgradeWidget::createToolAndTimers()
 {
     m_dfuProcess = new QProcess(this);
+    ToolProcess::prepare(*m_dfuProcess);
     m_dfuTimeoutTimer = new QTimer(this);
     m_progressTimer = new QTimer(this);
     m_dfuTimeoutTimer->setSingleShot(true);
@@ -146,10 +148,11 @@ void FirmwareUpgradeWidget::endRunningTool()
     if (!m_dfuProcess || m_dfuProcess->state() == QProcess::NotRunning)
         return;
     m_dfuProcess->terminate();
-    if (m_dfuProcess->waitForFinished(int(kTerminateLimit.count())))
-        return;
-    m_dfuProcess->kill();
-    m_dfuProcess->waitForFinished(int(kKillLimit.count()));
+    const bool hasEnded = m_dfuProcess->waitForFinished(int(kTerminateLimit.count()));
+    // Also for what a tool that was asked to end has left behind.
+    ToolProcess::kill(*m_dfuProcess);
+    if (!hasEnded)
+        m_dfuProcess->waitForFinished(int(kKillLimit.count()));
 }
 
 void FirmwareUpgradeWidget::setDeviceModel(DeviceModel model)

@@ -1,0 +1,17 @@
+#pragma once
+
+class QProcess;
+
+/// A console program that runs on behalf of a window. On Windows it gets a console that nobody sees,
+/// whichever console this process has, and what it starts itself belongs to it. Should this process crash,
+/// the program goes on: half a firmware is worse than a tool that nobody watches.
+namespace ToolProcess {
+
+/// Prepares \a process for its runs to come. To be called once.
+void prepare(QProcess &process);
+
+/// Ends \a process, which cannot refuse, and on Windows everything that its runs have started and left
+/// behind. Does not wait. Without a run nothing happens.
+void kill(QProcess &process);
+
+} // namespace ToolProcess

@@ -1,0 +1,50 @@
+#include "system/SharedFile.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <windows.h>
+
+#include <fcntl.h>
+#include <io.h>
+
+namespace SharedFile {
+
+namespace {
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+HANDLE openExisting(const QString &path, DWORD access)
+{
+    const QString native = QDir::toNativeSeparators(path);
+    return CreateFileW(reinterpret_cast<const wchar_t *>(native.utf16()), access, kShareAll, nullptr,
+                       OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+} // namespace
+
+// QFile alone would not share the right to delete: a tool that replaces its file would fail now and then.
+bool openForReading(QFile &file)
+{
+    const HANDLE handle = openExisting(file.fileName(), GENERIC_READ);
+    if (handle == INVALID_HANDLE_VALUE)
+        return false;
+    const int descriptor = _open_osfhandle(intptr_t(handle), _O_RDONLY);
+    if (descriptor < 0) {
+        CloseHandle(handle);
+        return false;
+    }
+    if (file.open(descriptor, QIODevice::ReadOnly | QIODevice::Text, QFileDevice::AutoCloseHandle))
+        return true;
+    _close(descriptor);
+    return false;
+}
+
+bool isHeld(const QString &path)
+{
+    const HANDLE handle = openExisting(path, GENERIC_READ | GENERIC_WRITE);
+    if (handle == INVALID_HANDLE_VALUE)
+        return GetLastError() == ERROR_SHARING_VIOLATION;
+    CloseHandle(handle);
+    return false;
+}
+
+} // namespace SharedFile
