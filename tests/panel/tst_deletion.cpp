@@ -2,6 +2,7 @@
 // is released, and nothing that was under way comes to life afterwards.
 #include "tests/panel/PanelInStates.h"
 #include "tests/support/HidCalls.h"
+#include "tests/support/Processes.h"
 
 #include <QTimer>
 
@@ -12,11 +13,6 @@ namespace {
 constexpr auto kLongest = 9000ms;
 constexpr int kPatience = PanelInStates::kPatience;
 const QString kLastLine = u"[Destructor] Cleanup completed"_qs;
-
-bool isAlive(qint64 processId)
-{
-    return QFileInfo::exists(u"/proc/%1"_qs.arg(processId));
-}
 } // namespace
 
 class DeletionTest : public QObject {
@@ -80,7 +76,7 @@ void DeletionTest::deletedInAState()
     QCOMPARE(stage().log.lines().constLast(), kLastLine);
     QTRY_COMPARE_WITH_TIMEOUT(PanelStage::bus().openConnections(), 0, kPatience);
     if (toolRuns)
-        QVERIFY(!isAlive(processId));
+        QVERIFY(!isProcessAlive(processId));
     if (!withParent)
         nothingComesToLife();
 }
@@ -126,7 +122,7 @@ void DeletionTest::closedAndDeletedByItself()
 
     QTest::mouseClick(panel->findChild<QWidget *>(u"m_closeBtn"_qs), Qt::LeftButton);
     QTRY_VERIFY_WITH_TIMEOUT(!m_states->panel, kPatience);
-    QVERIFY(!isAlive(processId));
+    QVERIFY(!isProcessAlive(processId));
 }
 
 // A host may build its panel each time a dialog opens: the library is acquired and released evenly.

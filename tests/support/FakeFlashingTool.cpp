@@ -45,12 +45,15 @@ void FakeFlashingTool::signal(const QString &name)
 
 void FakeFlashingTool::remove()
 {
+    m_forbidden.reset();
     QFile::remove(path());
 }
 
 void FakeFlashingTool::forbid()
 {
     QFile::setPermissions(path(), QFile::ReadOwner | QFile::WriteOwner);
+    // Windows runs what it can read, whatever the permissions.
+    m_forbidden = std::make_unique<HeldFile>(path(), HeldFile::Share::Nothing);
 }
 
 void FakeFlashingTool::replaceBy(const QByteArray &content)

@@ -1,9 +1,13 @@
 #pragma once
 
+#include "tests/support/HeldFile.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
 #include <QStringList>
+
+#include <memory>
 
 /// Lays the stand-in for the flashing tool beside the test's executable, where the panel looks for it, and
 /// takes it away again. A test that uses it is registered with quillon_give_flashing_tool(), so that it has
@@ -35,4 +39,7 @@ public:
     };
     /// The runs in this home folder, in order.
     static QList<Run> runs();
+
+private:
+    std::unique_ptr<HeldFile> m_forbidden;
 };

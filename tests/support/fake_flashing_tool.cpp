@@ -7,6 +7,12 @@
 //   empty            the progress file exists and is empty
 //   pause MS         nothing for so long
 //   await NAME       nothing until the file NAME exists in the home folder
+//   hold WORD        the progress file is open for writing from here on, and for others this is left to do:
+//   "nothing",
+//                    "read" or "read-write". Only Windows asks for it
+//   helper           a copy of the tool runs that hangs; "helper.txt" in the home folder then holds its
+//   process ID.
+//                    On Windows only
 //   ignore-terminate a polite request to end is not heard from here on
 //   chatter BYTES    so many bytes on the standard output and as many on the standard error
 //   hang             nothing until it is killed
@@ -15,48 +21,47 @@
 //
 // Before the first instruction it adds a line to "flashing-tool-runs.txt" in the home folder: the working
 // directory and the arguments, separated by tabulators.
+#include "tests/support/ToolPlatform.h"
+
 #include <chrono>
-#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <sstream>
 #include <string>
-#include <thread>
+#include <vector>
 
 namespace fs = std::filesystem;
 
 namespace {
-fs::path home()
-{
-    const char *folder = std::getenv("HOME");
-    return folder ? folder : "";
-}
+using ToolPlatform::home;
+using ToolPlatform::pauseFor;
+
+std::unique_ptr<ToolPlatform::SharedWriter> heldFile;
 
 fs::path progressFile()
 {
     return home() / "AppData/Roaming/OrvikQuillon2x2/Firmware_bin.txt";
 }
 
-void recordRun(int argc, char **argv)
+void recordRun(const std::vector<std::string> &arguments)
 {
     std::ostringstream line;
-    line << fs::current_path().string();
-    for (int i = 1; i < argc; ++i)
-        line << '\t' << argv[i];
+    line << fs::current_path().generic_u8string();
+    for (const std::string &argument : arguments)
+        line << '\t' << argument;
     line << '\n';
     std::ofstream(home() / "flashing-tool-runs.txt", std::ios::app) << line.str() << std::flush;
 }
 
 void report(const std::string &text, std::ios::openmode mode)
 {
-    std::ofstream(progressFile(), std::ios::out | mode) << text << std::flush;
-}
-
-void pauseFor(long milliseconds)
-{
-    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+    if (heldFile)
+        heldFile->write(text, mode == std::ios::trunc);
+    else
+        std::ofstream(progressFile(), std::ios::out | mode) << text << std::flush;
 }
 
 void await(const std::string &name)
@@ -86,14 +91,18 @@ void obey(const std::string &instruction, const std::string &rest)
         pauseFor(std::stol(rest));
     else if (instruction == "await")
         await(rest);
+    else if (instruction == "hold")
+        heldFile = std::make_unique<ToolPlatform::SharedWriter>(progressFile(), rest);
+    else if (instruction == "helper")
+        std::ofstream(home() / "helper.txt") << ToolPlatform::startHelper() << std::flush;
     else if (instruction == "ignore-terminate")
-        std::signal(SIGTERM, SIG_IGN);
+        ToolPlatform::ignoreTerminate();
     else if (instruction == "chatter")
         chatter(std::stol(rest));
     else if (instruction == "hang")
         await("never");
     else if (instruction == "crash")
-        std::raise(SIGSEGV);
+        ToolPlatform::crash();
     else if (instruction == "exit")
         std::exit(std::stoi(rest));
     else
@@ -103,7 +112,8 @@ void obey(const std::string &instruction, const std::string &rest)
 
 int main(int argc, char **argv)
 {
-    recordRun(argc, argv);
+    const std::vector<std::string> arguments = ToolPlatform::arguments(argc, argv);
+    recordRun(arguments);
     const char *script = std::getenv("QUILLON_FAKE_TOOL");
     std::istringstream lines(script ? script : "");
     for (std::string line; std::getline(lines, line);) {

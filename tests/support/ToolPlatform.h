@@ -1,0 +1,37 @@
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+/// What the stand-in for the flashing tool does differently on each system.
+namespace ToolPlatform {
+
+std::filesystem::path home();
+
+/// The arguments without the program's name, as UTF-8.
+std::vector<std::string> arguments(int argc, char **argv);
+
+/// Sleeps, and ends the program with exit code 15 when it is asked to end meanwhile.
+void pauseFor(long milliseconds);
+void ignoreTerminate();
+
+[[noreturn]] void crash();
+
+/// Starts this program once more, without arguments, to hang. Its process ID; on Windows only, elsewhere 0.
+long startHelper();
+
+/// A file that is open for writing all the time.
+class SharedWriter {
+public:
+    /// \a share is "nothing", "read" or "read-write": what others may do meanwhile.
+    SharedWriter(const std::filesystem::path &path, const std::string &share);
+    void write(const std::string &text, bool truncate);
+
+private:
+    std::filesystem::path m_path;
+    void *m_file = nullptr; ///< on Windows
+};
+
+} // namespace ToolPlatform
