@@ -8,6 +8,7 @@
 #include "widgets/ClickableProgressBar.h"
 #include "widgets/FocusRing.h"
 #include "widgets/PressKeys.h"
+#include "widgets/WholeLinesEdit.h"
 
 #include <QDesktopServices>
 #include <QLabel>
@@ -21,6 +22,8 @@ namespace {
 constexpr double kBarRingInset = 4;
 constexpr double kBarRingRadius = 19;
 constexpr double kCornerRadius = 4;
+/// Thinner than on a button: the text begins four pixels inside its box.
+constexpr double kNotesRingWidth = 1;
 } // namespace
 
 void FirmwareUpgradeWidget::makeAccessible()
@@ -36,6 +39,9 @@ void FirmwareUpgradeWidget::makeAccessible()
     new FocusRing(m_progressBar, kBarRingInset, kBarRingRadius);
     new FocusRing(m_closeBtn, 0, kCornerRadius);
     new FocusRing(m_offlineToolLinkLb, 0, kCornerRadius);
+    auto *notes = static_cast<WholeLinesEdit *>(m_notesEdit);
+    new FocusRing(
+        notes, [notes] { return notes->outline(); }, kCornerRadius, kNotesRingWidth);
     // As it is read. The notes have the focus when the window gets it: no key does harm there. The close
     // button, the first child, has to be moved behind them before anything can be put in front of it.
     setTabOrder(m_notesEdit, m_closeBtn);

@@ -22,10 +22,17 @@ bool isForTheMoment(Qt::FocusReason reason)
 } // namespace
 
 FocusRing::FocusRing(QWidget *widget, double inset, double radius)
+    : FocusRing(
+        widget, [=] { return QRectF(widget->rect()).adjusted(inset, inset, -inset, -inset); }, radius, kWidth)
+{
+}
+
+FocusRing::FocusRing(QWidget *widget, std::function<QRectF()> outline, double radius, double width)
     : QObject(widget)
     , m_widget(widget)
-    , m_inset(inset)
+    , m_outline(std::move(outline))
     , m_radius(radius)
+    , m_width(width)
 {
     widget->installEventFilter(this);
 }
@@ -55,8 +62,7 @@ void FocusRing::draw()
 {
     QPainter painter(m_widget);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(kColour, kWidth));
-    const double inset = m_inset + kWidth / 2;
-    painter.drawRoundedRect(QRectF(m_widget->rect()).adjusted(inset, inset, -inset, -inset), m_radius,
-                            m_radius);
+    painter.setPen(QPen(kColour, m_width));
+    const double half = m_width / 2;
+    painter.drawRoundedRect(m_outline().adjusted(half, half, -half, -half), m_radius, m_radius);
 }

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <QObject>
+#include <QRectF>
+
+#include <functional>
 
 QT_BEGIN_NAMESPACE
 class QWidget;
@@ -14,6 +17,9 @@ public:
     /// The ring runs \a inset pixels inside the border of \a widget, with corners of the widget's height or
     /// less.
     FocusRing(QWidget *widget, double inset, double radius);
+    /// A ring \a width pixels thick runs along the inside of what \a outline gives, in the widget's pixels,
+    /// each time it is drawn.
+    FocusRing(QWidget *widget, std::function<QRectF()> outline, double radius, double width);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -23,7 +29,8 @@ private:
     void draw();
 
     QWidget *const m_widget;
-    const double m_inset;
+    const std::function<QRectF()> m_outline;
     const double m_radius;
+    const double m_width;
     bool m_isShown = false;
 };

@@ -2,6 +2,7 @@
 
 #include <QAbstractTextDocumentLayout>
 #include <QEvent>
+#include <QScrollBar>
 #include <QTextBlock>
 #include <QTextLayout>
 
@@ -9,6 +10,10 @@
 #include <cmath>
 
 namespace {
+/// Between the text and a line around it.
+constexpr int kBelowText = 3;
+constexpr int kBesideScrollBar = 2;
+
 /// How far down the last line reaches that ends within \a height.
 double endOfWholeLines(const QTextDocument &document, double height)
 {
@@ -65,6 +70,15 @@ int WholeLinesEdit::room() const
     return end;
 }
 
+QRect WholeLinesEdit::outline() const
+{
+    QRect around = viewport()->geometry();
+    around.setHeight(std::min(around.height() + kBelowText, room()));
+    if (verticalScrollBar()->isVisible())
+        around.setWidth(around.width() - kBesideScrollBar);
+    return around;
+}
+
 void WholeLinesEdit::endBelowWholeLine()
 {
     const bool isTooLong = document()->size().height() > room();
@@ -72,4 +86,5 @@ void WholeLinesEdit::endBelowWholeLine()
     const int margin = end > 0 ? contentsRect().height() - end : 0;
     if (margin != viewportMargins().bottom())
         setViewportMargins(0, 0, 0, margin);
+    update(); // the outline may have changed
 }

@@ -13,6 +13,10 @@ public:
     /// Ends above \a sibling as well while that can be seen and the text is longer than the box.
     void keepClearOf(QWidget *sibling);
 
+    /// Around what is seen of the text, in the box's pixels: clear of the scroll bar and of the siblings
+    /// above.
+    QRect outline() const;
+
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;

@@ -273,6 +273,7 @@ void TestAccess::theFocusIsSeenAfterTabOnly_data()
     QTest::newRow("bar") << u"m_progressBar"_qs;
     QTest::newRow("close button") << u"m_closeBtn"_qs;
     QTest::newRow("link") << u"m_offlineToolLinkLb"_qs;
+    QTest::newRow("notes") << u"m_notesEdit"_qs;
 }
 
 void TestAccess::theFocusIsSeenAfterTabOnly()
@@ -281,17 +282,18 @@ void TestAccess::theFocusIsSeenAfterTabOnly()
     show();
     auto *widget = panel().findChild<QWidget *>(control);
     widget->show();
+    panel().setFocus();
     const QImage unfocused = pictureOf(*widget);
     widget->setFocus(Qt::ActiveWindowFocusReason);
     QCOMPARE(pictureOf(*widget), unfocused);
-    panel().m_notesEdit->setFocus();
+    panel().setFocus();
     widget->setFocus(Qt::TabFocusReason);
     const QImage reached = pictureOf(*widget);
     QVERIFY(reached != unfocused);
     QFocusEvent away(QEvent::FocusOut, Qt::ActiveWindowFocusReason);
     QCoreApplication::sendEvent(widget, &away);
     QCOMPARE(pictureOf(*widget), reached);
-    panel().m_notesEdit->setFocus();
+    panel().setFocus();
     QCOMPARE(pictureOf(*widget), unfocused);
 }
 

@@ -39,6 +39,8 @@ private Q_SLOTS:
     void noLineIsCut();
     void adviceIsLeftFree_data() { noLineIsCut_data(); }
     void adviceIsLeftFree();
+    void theOutlineIsClear_data();
+    void theOutlineIsClear();
     void aTextThatFitsHasTheWholeBox();
     void aTallerLineThanTheBoxIsStillShown();
 };
@@ -90,6 +92,40 @@ void WholeLinesEditTest::adviceIsLeftFree()
     QCOMPARE(cutLines(edit), 0);
     advice.hide();
     QCOMPARE(edit.viewport()->height(), usual);
+}
+
+void WholeLinesEditTest::theOutlineIsClear_data()
+{
+    QTest::addColumn<int>("count");
+    QTest::addColumn<bool>("advised");
+    QTest::newRow("all can be seen") << 1 << false;
+    QTest::newRow("all can be seen, with advice") << 1 << true;
+    QTest::newRow("too long") << 40 << false;
+    QTest::newRow("too long, with advice") << 40 << true;
+}
+
+void WholeLinesEditTest::theOutlineIsClear()
+{
+    QFETCH(int, count);
+    QFETCH(bool, advised);
+    QWidget window;
+    WholeLinesEdit edit(&window);
+    edit.setStyleSheet(u"QTextEdit { border: none; font-size: 14px; }"_qs);
+    edit.setGeometry(0, 0, 428, kHeight);
+    QWidget advice(&window);
+    advice.setGeometry(0, kAdviceTop, 24, 24);
+    advice.setVisible(advised);
+    edit.keepClearOf(&advice);
+    window.show();
+    edit.setPlainText(lines(count));
+    QCoreApplication::processEvents();
+    const QRect outline = edit.outline();
+    QVERIFY(edit.rect().contains(outline));
+    QVERIFY(!advised || !outline.intersects(advice.geometry()));
+    const QScrollBar *bar = edit.verticalScrollBar();
+    QCOMPARE(bar->isVisible(), count > 1);
+    QVERIFY(!bar->isVisible() || outline.right() < bar->mapTo(&edit, QPoint()).x());
+    QVERIFY(outline.width() > 380 && outline.height() > 80);
 }
 
 void WholeLinesEditTest::aTextThatFitsHasTheWholeBox()
