@@ -32,7 +32,7 @@ void ProgressMonitorTest::thePathIsBelowTheHome()
 {
     const QString folder = m->sandbox.home() + u"/AppData/Roaming/OrvikQuillon2x2"_qs;
     for (int call = 0; call < 2; ++call) {
-        QVERIFY(QDir(m->sandbox.home() + u"/AppData"_qs).removeRecursively());
+        QVERIFY(QDir(folder).removeRecursively());
         QCOMPARE(m->panel->firmwareTxtPath(), QString(folder + u"/Firmware_bin.txt"_qs));
         QVERIFY(QFileInfo(folder).isDir());
     }

@@ -15,6 +15,14 @@
 
 namespace {
 
+// Where a rule grants the permission for good, the command is told.
+#ifdef Q_OS_LINUX
+constexpr char kHint[]
+    = "A device is plugged in that you have no permission to open. This command grants it for good:";
+#else
+constexpr char kHint[] = "";
+#endif
+
 QStringList words(const char *text)
 {
     return QString::fromLatin1(text).split(u' ');
@@ -106,10 +114,7 @@ void ProbeRunsTest::commands_data()
     row("no permission: list", "denied", "list", 3,
         "000e  R2, PC interface (no permission to open it)\n"
         "      \\\\?\\hid#vid_352f&pid_000e#replay1#{4d1e55b2-f16f-11cf-88cb-001111000030}\n",
-#ifdef Q_OS_LINUX
-        "A device is plugged in that you have no permission to open. This command grants it for good:"
-#endif
-    );
+        kHint);
     row("pulled out in the middle", "pulled", "read 11 3", 1, "",
         "quillon-probe: the device does not answer");
 }
