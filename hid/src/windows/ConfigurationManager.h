@@ -32,4 +32,11 @@ using RegisterNotification = DWORD(WINAPI *)(NotificationFilter *filter, void *c
                                              NotificationCallback callback, NotificationHandle *handle);
 using UnregisterNotification = DWORD(WINAPI *)(NotificationHandle handle);
 
+/// Both null where the system has no notifications.
+struct NotificationFunctions {
+    RegisterNotification subscribe = nullptr;
+    /// Returns when no notification is being delivered any more.
+    UnregisterNotification unsubscribe = nullptr;
+};
+
 } // namespace HIDCommunicator

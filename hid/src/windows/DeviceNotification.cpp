@@ -25,49 +25,57 @@ template <typename Function> Function resolve(HMODULE library, const char *name)
     return reinterpret_cast<Function>(reinterpret_cast<void *>(GetProcAddress(library, name)));
 }
 
+/// They are looked up: a system without them gives no notifications, and this library loads there all the
+/// same.
+NotificationFunctions systemFunctions()
+{
+    const HMODULE library = LoadLibraryW(L"cfgmgr32.dll"); // stays, for its functions are kept
+    if (!library)
+        return {};
+    const NotificationFunctions functions{
+        resolve<RegisterNotification>(library, "CM_Register_Notification"),
+        resolve<UnregisterNotification>(library, "CM_Unregister_Notification")};
+    return functions.subscribe && functions.unsubscribe ? functions : NotificationFunctions{};
+}
+
 } // namespace
 
-/// The subscription, as long as it lives. Its functions are looked up: a system without them gives no
-/// notifications, and the library loads there all the same.
+/// The subscription, as long as it lives.
 class DeviceNotification::Registration {
 public:
-    explicit Registration(HANDLE changed)
-        : m_library(LoadLibraryW(L"cfgmgr32.dll"))
+    Registration(const NotificationFunctions &functions, HANDLE changed)
+        : m_unsubscribe(functions.unsubscribe)
     {
-        if (!m_library)
-            return;
-        const auto subscribe = resolve<RegisterNotification>(m_library, "CM_Register_Notification");
-        m_unsubscribe = resolve<UnregisterNotification>(m_library, "CM_Unregister_Notification");
-        if (!subscribe || !m_unsubscribe)
-            return;
         NotificationFilter filter;
         filter.of.interfaceClass = GUID_DEVINTERFACE_HID;
-        if (subscribe(&filter, changed, &takeNotification, &m_handle) != ERROR_SUCCESS)
+        if (!functions.subscribe
+            || functions.subscribe(&filter, changed, &takeNotification, &m_handle) != ERROR_SUCCESS)
             m_handle = nullptr;
     }
 
-    /// Returns when no notification is being delivered any more.
     ~Registration()
     {
         if (m_handle)
             m_unsubscribe(m_handle);
-        if (m_library)
-            FreeLibrary(m_library);
     }
 
     Registration(const Registration &) = delete;
     Registration &operator=(const Registration &) = delete;
 
 private:
-    HMODULE m_library;
-    UnregisterNotification m_unsubscribe = nullptr;
+    UnregisterNotification m_unsubscribe;
     NotificationHandle m_handle = nullptr;
 };
 
 DeviceNotification::DeviceNotification()
+    : DeviceNotification(systemFunctions())
+{
+}
+
+DeviceNotification::DeviceNotification(const NotificationFunctions &functions)
     : m_changed(CreateEventW(nullptr, FALSE, FALSE, nullptr))
     , m_interrupted(CreateEventW(nullptr, FALSE, FALSE, nullptr))
-    , m_registration(std::make_unique<Registration>(m_changed))
+    , m_registration(std::make_unique<Registration>(functions, m_changed))
 {
 }
 

@@ -5,11 +5,14 @@
 
 namespace HIDCommunicator {
 
+struct NotificationFunctions;
+
 /// Waits for HID interfaces that arrive and leave. Where the system gives no notifications it only waits: the
 /// periodic scan remains.
 class DeviceNotification {
 public:
-    DeviceNotification();
+    DeviceNotification(); ///< with the system's functions
+    explicit DeviceNotification(const NotificationFunctions &functions);
     ~DeviceNotification();
     DeviceNotification(const DeviceNotification &) = delete;
     DeviceNotification &operator=(const DeviceNotification &) = delete;

@@ -1,7 +1,7 @@
 #include "HidCollections.h"
 
+#include "CollectionOrder.h"
 #include "HidapiConnection.h"
-#include "ReportFraming.h"
 
 #include <hidapi/hidapi.h>
 
@@ -13,7 +13,9 @@ extern "C" {
 }
 
 #include <algorithm>
+#include <iterator>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace HIDCommunicator {
@@ -47,44 +49,50 @@ File openForQuestions(const QString &path)
     return File(file == INVALID_HANDLE_VALUE ? nullptr : file);
 }
 
-/// Whether \a ask, one of the system's two functions for capabilities, finds the family's report ID among
-/// \a count fields.
-template <typename Capability, typename Ask> bool anyFieldInFamilyReports(USHORT count, Ask ask)
+/// Adds the report IDs of \a count fields, which \a ask, one of the system's functions for capabilities,
+/// describes.
+template <typename Capability, typename Ask> void addReportIds(QList<quint8> &ids, USHORT count, Ask ask)
 {
     std::vector<Capability> fields(count);
     if (count == 0 || ask(fields.data(), &count) != HIDP_STATUS_SUCCESS)
-        return false;
-    return std::any_of(fields.begin(), fields.begin() + count,
-                       [](const Capability &field) { return field.ReportID == UCHAR(kReportId); });
+        return;
+    std::transform(fields.begin(), fields.begin() + count, std::back_inserter(ids),
+                   [](const Capability &field) { return field.ReportID; });
 }
 
-bool hasFamilyReports(PHIDP_PREPARSED_DATA data, HIDP_REPORT_TYPE type, USHORT values, USHORT buttons)
+QList<quint8> reportIds(PHIDP_PREPARSED_DATA data, HIDP_REPORT_TYPE type, USHORT values, USHORT buttons)
 {
-    return anyFieldInFamilyReports<HIDP_VALUE_CAPS>(values,
-                                                    [&](HIDP_VALUE_CAPS *found, USHORT *count) {
-                                                        return HidP_GetValueCaps(type, found, count, data);
-                                                    })
-        || anyFieldInFamilyReports<HIDP_BUTTON_CAPS>(buttons, [&](HIDP_BUTTON_CAPS *found, USHORT *count) {
-               return HidP_GetButtonCaps(type, found, count, data);
-           });
+    QList<quint8> ids;
+    addReportIds<HIDP_VALUE_CAPS>(ids, values, [&](HIDP_VALUE_CAPS *found, USHORT *count) {
+        return HidP_GetValueCaps(type, found, count, data);
+    });
+    addReportIds<HIDP_BUTTON_CAPS>(ids, buttons, [&](HIDP_BUTTON_CAPS *found, USHORT *count) {
+        return HidP_GetButtonCaps(type, found, count, data);
+    });
+    return ids;
+}
+
+CollectionReports reportsBehind(const QString &path)
+{
+    const File file = openForQuestions(path);
+    PHIDP_PREPARSED_DATA given = nullptr;
+    if (!file || !HidD_GetPreparsedData(file.get(), &given))
+        return {};
+    const Preparsed data(given);
+    HIDP_CAPS capabilities{};
+    if (HidP_GetCaps(data.get(), &capabilities) != HIDP_STATUS_SUCCESS)
+        return {};
+    return {reportIds(data.get(), HidP_Input, capabilities.NumberInputValueCaps,
+                      capabilities.NumberInputButtonCaps),
+            reportIds(data.get(), HidP_Output, capabilities.NumberOutputValueCaps,
+                      capabilities.NumberOutputButtonCaps)};
 }
 
 } // namespace
 
 bool carriesFamilyReports(const QString &path)
 {
-    const File file = openForQuestions(path);
-    PHIDP_PREPARSED_DATA given = nullptr;
-    if (!file || !HidD_GetPreparsedData(file.get(), &given))
-        return false;
-    const Preparsed data(given);
-    HIDP_CAPS capabilities{};
-    if (HidP_GetCaps(data.get(), &capabilities) != HIDP_STATUS_SUCCESS)
-        return false;
-    return hasFamilyReports(data.get(), HidP_Output, capabilities.NumberOutputValueCaps,
-                            capabilities.NumberOutputButtonCaps)
-        && hasFamilyReports(data.get(), HidP_Input, capabilities.NumberInputValueCaps,
-                            capabilities.NumberInputButtonCaps);
+    return carriesFamilyReports(reportsBehind(path));
 }
 
 QList<HidDeviceInfo> listHidCollections(int vendorId)
@@ -94,14 +102,12 @@ QList<HidDeviceInfo> listHidCollections(int vendorId)
         const std::lock_guard lock(hidapiMutex());
         first.reset(hid_enumerate(ushort(vendorId), 0));
     }
-    QList<HidDeviceInfo> devices;
+    QList<HidCollection> collections;
     for (const hid_device_info *device = first.get(); device; device = device->next) {
-        // The system takes its paths in any spelling; the panel reads the identity out of lower case.
-        devices.append({QString::fromUtf8(device->path).toLower(), device->vendor_id, device->product_id});
+        const QString path = QString::fromUtf8(device->path);
+        collections.append({{path, device->vendor_id, device->product_id}, reportsBehind(path)});
     }
-    std::stable_partition(devices.begin(), devices.end(),
-                          [](const HidDeviceInfo &device) { return !carriesFamilyReports(device.path); });
-    return devices;
+    return inOrderForThePanel(std::move(collections));
 }
 
 } // namespace HIDCommunicator
