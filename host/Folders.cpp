@@ -1,7 +1,8 @@
 #include "host/Folders.h"
 
+#include "host/Terminal.h"
+
 #include <QDir>
-#include <QFile>
 #include <QStandardPaths>
 
 namespace host {
@@ -12,7 +13,7 @@ constexpr char kAllUsers[] = "ALLUSERSPROFILE";
 void pointTo(const char *variable, const QString &folder)
 {
     QDir().mkpath(folder);
-    qputenv(variable, QFile::encodeName(folder));
+    Terminal::setVariable(variable, folder);
 }
 } // namespace
 

@@ -42,10 +42,7 @@ int run(const Options &options, const std::optional<rig::Scenario> &scenario)
 
 int main(int argc, char *argv[])
 {
-    QStringList arguments;
-    for (int at = 0; at < argc; ++at)
-        arguments.append(QString::fromLocal8Bit(argv[at]));
-    const CommandLine line = readCommandLine(arguments);
+    const CommandLine line = readCommandLine(Terminal::arguments(argc, argv));
     if (line.verdict == CommandLine::Verdict::Help) {
         Terminal::print(line.message.trimmed());
         return kStatusDone;

@@ -1,5 +1,7 @@
 #include "host/Terminal.h"
 
+#include <QFile>
+
 #include <cstdio>
 
 namespace host::Terminal {
@@ -11,6 +13,19 @@ void write(std::FILE *stream, const QString &line)
     std::fflush(stream);
 }
 } // namespace
+
+QStringList arguments(int argc, char *argv[])
+{
+    QStringList words;
+    for (int at = 0; at < argc; ++at)
+        words.append(QFile::decodeName(argv[at]));
+    return words;
+}
+
+void setVariable(const char *name, const QString &value)
+{
+    qputenv(name, QFile::encodeName(value));
+}
 
 void print(const QString &line)
 {
