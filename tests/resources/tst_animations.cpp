@@ -17,7 +17,14 @@ constexpr QRgb kBlue = qRgb(87, 110, 246);
 constexpr QRgb kTeal = qRgb(47, 212, 179);
 constexpr QRgb kAmber = qRgb(246, 180, 54);
 constexpr QSize kPixels{1224, 384};
+/// What a label shows of them, every third pixel of every third line.
+constexpr QSize kShown{408, 128};
+/// Of those: a dot that moves on.
+constexpr int kLeastMotion = 12;
 constexpr int kMostBytes = 150'000;
+/// How far in from a rim the colour begins that it belongs to, and how much a palette may round it.
+constexpr int kRimWidth = 3;
+constexpr int kSameColour = 12;
 
 struct Movie {
     QList<QImage> frames;
@@ -94,6 +101,46 @@ int specks(const QImage &image)
     }
     return count;
 }
+bool isGround(const QImage &image, int x, int y)
+{
+    return image.valid(x, y) && image.pixel(x, y) == kPanel;
+}
+
+/// The outermost pixel of something that stands on the panel.
+bool isRim(const QImage &image, int x, int y)
+{
+    return !isGround(image, x, y)
+        && (isGround(image, x - 1, y) || isGround(image, x + 1, y) || isGround(image, x, y - 1)
+            || isGround(image, x, y + 1));
+}
+
+/// How far a channel is from being between two others.
+int outside(int channel, int one, int other)
+{
+    const auto [low, high] = std::minmax(one, other);
+    return std::max({low - channel, channel - high, 0});
+}
+
+/// How far the rim at a place is from being a mixture of the panel and of what it is the rim of.
+int distanceToMixture(const QImage &image, int x, int y)
+{
+    const QRgb rim = image.pixel(x, y);
+    int nearest = 255;
+    for (int dy = -kRimWidth; dy <= kRimWidth; ++dy) {
+        for (int dx = -kRimWidth; dx <= kRimWidth; ++dx) {
+            if (!image.valid(x + dx, y + dy) || isRim(image, x + dx, y + dy))
+                continue;
+            const QRgb body = image.pixel(x + dx, y + dy);
+            if (body == kPanel)
+                continue;
+            nearest = std::min(nearest,
+                               std::max({outside(qRed(rim), qRed(kPanel), qRed(body)),
+                                         outside(qGreen(rim), qGreen(kPanel), qGreen(body)),
+                                         outside(qBlue(rim), qBlue(kPanel), qBlue(body))}));
+        }
+    }
+    return nearest;
+}
 } // namespace
 
 /// The connection pictures, frame by frame.
@@ -105,10 +152,14 @@ private Q_SLOTS:
     void isSmallAndStoredPlain();
     void runsSmoothlyAndForever_data() { isSmallAndStoredPlain_data(); }
     void runsSmoothlyAndForever();
+    void neverStandsStill_data() { isSmallAndStoredPlain_data(); }
+    void neverStandsStill();
     void closesItsLoop_data() { isSmallAndStoredPlain_data(); }
     void closesItsLoop();
     void standsOnThePanel_data() { isSmallAndStoredPlain_data(); }
     void standsOnThePanel();
+    void hasNoFringe_data() { isSmallAndStoredPlain_data(); }
+    void hasNoFringe();
     void hasNoNoise_data() { isSmallAndStoredPlain_data(); }
     void hasNoNoise();
     void lightsUpWhenConnected_data();
@@ -143,12 +194,28 @@ void TestAnimations::runsSmoothlyAndForever()
     std::chrono::milliseconds total{};
     for (int i = 0; i < movie.frames.size(); ++i) {
         QCOMPARE(movie.frames.at(i).size(), kPixels);
-        // Browsers slow down anything below 20 ms; above 66 ms there are fewer than 15 frames in a second.
+        // Browsers slow down anything below 20 ms; above 66 ms there are fewer than 15 frames in a second,
+        // for each is a frame of its own: see neverStandsStill.
         QVERIFY2(movie.delays.at(i) >= 20ms && movie.delays.at(i) <= 66ms,
                  qPrintable(QString::number(movie.delays.at(i).count())));
         total += movie.delays.at(i);
     }
     QVERIFY2(total >= 2s && total <= 4s, qPrintable(QString::number(total.count())));
+}
+
+void TestAnimations::neverStandsStill()
+{
+    QFETCH(QString, name);
+    QList<QImage> frames = read(name).frames;
+    for (QImage &frame : frames)
+        frame = frame.scaled(kShown);
+    // Dots run, plugs travel, current pulses: each frame is one that a person sees, the first after the last
+    // too.
+    for (int i = 0; i < frames.size(); ++i) {
+        const int next = (i + 1) % int(frames.size());
+        const int moved = changedPixels(frames.at(i), frames.at(next));
+        QVERIFY2(moved >= kLeastMotion, qPrintable(u"frames %1 and %2: %3"_qs.arg(i).arg(next).arg(moved)));
+    }
 }
 
 void TestAnimations::closesItsLoop()
@@ -174,7 +241,8 @@ void TestAnimations::standsOnThePanel()
     const QList<QImage> frames = read(name).frames;
     for (int i = 0; i < frames.size(); ++i) {
         const QImage &frame = frames.at(i);
-        // Soft edges are mixed with the panel's colour: an edge that lets another ground through would show a rim.
+        // Soft edges are mixed with the panel's colour: an edge that lets another ground through would show a
+        // rim.
         QVERIFY2(isOpaque(frame), qPrintable(QString::number(i)));
         const QRect inside = frame.rect().adjusted(1, 1, -1, -1);
         for (int y = 0; y < frame.height(); ++y) {
@@ -183,6 +251,27 @@ void TestAnimations::standsOnThePanel()
                     QFAIL(qPrintable(u"frame %1 is cut at %2,%3"_qs.arg(i).arg(x).arg(y)));
             }
         }
+    }
+}
+
+/// What was drawn on another ground would carry a rim of it.
+void TestAnimations::hasNoFringe()
+{
+    QFETCH(QString, name);
+    const QList<QImage> frames = read(name).frames;
+    for (int i = 0; i < frames.size(); i += 5) {
+        const QImage &frame = frames.at(i);
+        int rim = 0;
+        for (int y = 0; y < frame.height(); ++y) {
+            for (int x = 0; x < frame.width(); ++x) {
+                if (!isRim(frame, x, y))
+                    continue;
+                ++rim;
+                QVERIFY2(distanceToMixture(frame, x, y) <= kSameColour,
+                         qPrintable(u"frame %1 at %2,%3"_qs.arg(i).arg(x).arg(y)));
+            }
+        }
+        QVERIFY(rim > 1000);
     }
 }
 
@@ -242,7 +331,8 @@ void TestAnimations::showsTheSameDeviceInBothPhases()
              "no device");
     // Each file has a palette of its own, which may show here and there on an edge.
     const int different = changedPixels(one, read(second).frames.first(), untouched);
-    QVERIFY2(different < untouched.width() * untouched.height() / 1000, qPrintable(QString::number(different)));
+    QVERIFY2(different < untouched.width() * untouched.height() / 1000,
+             qPrintable(QString::number(different)));
 }
 
 void TestAnimations::tellsTheDevicesApart()
