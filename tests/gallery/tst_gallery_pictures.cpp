@@ -58,6 +58,8 @@ private Q_SLOTS:
     void theReadmeShowsWhatThereIs();
     void everyWidgetSaysAndStandsAsKept_data();
     void everyWidgetSaysAndStandsAsKept();
+    void bothSizesSayTheSame_data();
+    void bothSizesSayTheSame();
     void nothingIsKeptThatIsNoLongerPictured();
     void aDifferenceIsSeen_data();
     void aDifferenceIsSeen();
@@ -118,6 +120,28 @@ void GalleryPicturesTest::everyWidgetSaysAndStandsAsKept()
         QVERIFY2(taken.at(i) == kept.at(i),
                  qPrintable(u"line %1\n  kept:  %2\n  taken: %3"_qs.arg(i + 1).arg(kept.at(i), taken.at(i))));
     QCOMPARE(taken.size(), kept.size());
+}
+
+void GalleryPicturesTest::bothSizesSayTheSame_data()
+{
+    QTest::addColumn<View>("view");
+    QTest::addColumn<QString>("screen");
+    for (const View &view : Gallery::views()) {
+        for (const Gallery::Screen &screen : Gallery::screens()) {
+            const QString name = QLatin1StringView(screen.name);
+            if (view.scale == 2)
+                QTest::newRow(qPrintable(view.folder() + u' ' + name)) << view << name;
+        }
+    }
+}
+
+void GalleryPicturesTest::bothSizesSayTheSame()
+{
+    QFETCH(View, view);
+    QFETCH(QString, screen);
+    const View usual{view.model, view.language, 1};
+    QCOMPARE(linesOf(kGallery + Gallery::widgetsPath(view, screen)),
+             linesOf(kGallery + Gallery::widgetsPath(usual, screen)));
 }
 
 void GalleryPicturesTest::nothingIsKeptThatIsNoLongerPictured()
