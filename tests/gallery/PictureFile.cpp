@@ -1,12 +1,13 @@
 #include "tests/gallery/PictureFile.h"
 
+#include "tests/support/Pixels.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QHash>
 #include <QImageWriter>
 
 #include <algorithm>
-#include <cstdlib>
 #include <optional>
 
 namespace PictureFile {
@@ -14,12 +15,6 @@ namespace PictureFile {
 namespace {
 constexpr int kPaletteSize = 256;
 constexpr QRgb kMark = qRgb(255, 0, 255);
-
-int largestDifference(QRgb a, QRgb b)
-{
-    return std::max(
-        {std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)), std::abs(qBlue(a) - qBlue(b))});
-}
 
 const QRgb *line(const QImage &image, int y)
 {

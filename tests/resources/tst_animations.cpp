@@ -1,3 +1,5 @@
+#include "tests/support/Pixels.h"
+
 #include <QFile>
 #include <QImage>
 #include <QImageReader>
@@ -7,7 +9,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
 
 using namespace std::chrono_literals;
 
@@ -47,12 +48,6 @@ Movie read(const QString &name)
     }
     movie.loopCount = reader.loopCount();
     return movie;
-}
-
-int largestDifference(QRgb a, QRgb b)
-{
-    return std::max(
-        {std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)), std::abs(qBlue(a) - qBlue(b))});
 }
 
 /// How many pixels differ visibly, optionally inside a part only.

@@ -1,3 +1,5 @@
+#include "tests/support/Pixels.h"
+
 #include <QIcon>
 #include <QImage>
 #include <QPainter>
@@ -5,11 +7,11 @@
 #include <QTest>
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace {
 const QColor kPanel(31, 32, 40);
-/// Of an edge's opacity: fainter ones are rounded too coarsely, denser ones may belong to a stroke that is meant so.
+/// Of an edge's opacity: fainter ones are rounded too coarsely, denser ones may belong to a stroke that is
+/// meant so.
 constexpr int kSoftFrom = 24;
 constexpr int kSoftTo = 200;
 constexpr int kDenser = 24;
@@ -30,12 +32,6 @@ QImage shown(const QString &name, int size)
     return image;
 }
 
-int largestDifference(QRgb a, QRgb b)
-{
-    return std::max(
-        {std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)), std::abs(qBlue(a) - qBlue(b))});
-}
-
 /// How many pixels stand out from the panel.
 int visiblePixels(const QImage &image)
 {
@@ -47,7 +43,8 @@ int visiblePixels(const QImage &image)
     return count;
 }
 
-/// How far the colour at a place is from the nearest one among its neighbours that are more opaque; 0: none is.
+/// How far the colour at a place is from the nearest one among its neighbours that are more opaque; 0: none
+/// is.
 int distanceToStroke(const QImage &image, int x, int y)
 {
     const QRgb edge = image.pixel(x, y);
@@ -132,7 +129,8 @@ void TestIcons::haveTransparentGround()
     QVERIFY(visiblePixels(shown(name, 72)) > 0);
 }
 
-/// The colours of soft edges are those of the strokes: what was drawn on another ground would carry a rim of it.
+/// The colours of soft edges are those of the strokes: what was drawn on another ground would carry a rim of
+/// it.
 void TestIcons::haveNoFringe()
 {
     QFETCH(QString, name);
