@@ -72,8 +72,8 @@ void await(const std::string &name)
 
 void chatter(long bytes)
 {
-    const std::string line(64, 'x');
-    for (long written = 0; written < bytes; written += 64) {
+    const std::string line(4096, 'x');
+    for (long written = 0; written < bytes; written += long(line.size())) {
         std::cout << line << std::flush;
         std::cerr << line << std::flush;
     }

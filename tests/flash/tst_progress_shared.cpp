@@ -1,0 +1,115 @@
+// A progress file that the tool keeps open for writing while the panel reads it.
+#include "flash/ProgressFile.h"
+#include "tests/flash/FlashingStage.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QTest>
+
+#include <functional>
+
+class ProgressSharedTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m = std::make_unique<FlashingStage>(); }
+    void cleanup() { m.reset(); }
+    void everyPollReadsIt_data();
+    void everyPollReadsIt();
+    void aRunIsFollowedToItsEnd_data();
+    void aRunIsFollowedToItsEnd();
+    void whatIsLeftIsToldFromANewReport_data();
+    void whatIsLeftIsToldFromANewReport();
+
+private:
+    void start(const QByteArray &script)
+    {
+        m->beginRun(UpgradePlan::PcOnly);
+        m->tool.obeys(script);
+        QDir().mkpath(QFileInfo(m->sandbox.progressFile()).path());
+        m->panel->startUpgradeWithExternalTool(m->image, 14);
+    }
+
+    std::unique_ptr<FlashingStage> m;
+};
+
+void ProgressSharedTest::everyPollReadsIt_data()
+{
+    QTest::addColumn<QByteArray>("share");
+    QTest::newRow("which others may read") << "read"_qba;
+    QTest::newRow("which others may read and write") << "read-write"_qba;
+}
+
+void ProgressSharedTest::everyPollReadsIt()
+{
+    QFETCH(QByteArray, share);
+    start("hold " + share + "\nappend 10%\nappend 30%\nhang");
+    QTRY_COMPARE(m->percentText(), u"30%"_qs);
+    m->panel->m_progressTimer->stop();
+    m->log.clear();
+
+    constexpr int kPolls = 200;
+    for (int i = 0; i < kPolls; ++i)
+        m->panel->onReadFirmwareTxt();
+    QCOMPARE(m->log.startingWith(u"[onReadFirmwareTxt] percent=30 "_qs).size(), kPolls);
+    QVERIFY(m->isToolRunning());
+}
+
+void ProgressSharedTest::aRunIsFollowedToItsEnd_data()
+{
+    everyPollReadsIt_data();
+    QTest::newRow("which others may do nothing with until the tool ends") << "nothing"_qba;
+}
+
+void ProgressSharedTest::aRunIsFollowedToItsEnd()
+{
+    QFETCH(QByteArray, share);
+    QByteArray script = "hold " + share + '\n';
+    for (int percent = 0; percent <= 100; percent += 4)
+        script += "write " + QByteArray::number(percent) + "%\npause 20\n";
+    start(script + "write success 1\n");
+    QTRY_VERIFY_WITH_TIMEOUT(!m->panel->m_isUpgrading, 20'000);
+    QCOMPARE(m->percentOnBar(), 100);
+    QVERIFY(!m->showsFailure());
+}
+
+void ProgressSharedTest::whatIsLeftIsToldFromANewReport_data()
+{
+    QTest::addColumn<std::function<void(const QString &)>>("change");
+    QTest::addColumn<bool>("isNew");
+    using Change = std::function<void(const QString &)>;
+    const auto write = [](const QByteArray &content) {
+        return Change([content](const QString &path) {
+            QTest::qWait(20); // the time of a change is kept in milliseconds
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+        });
+    };
+    QTest::newRow("nothing happened") << Change([](const QString &) {}) << false;
+    QTest::newRow("it was read") << Change([](const QString &path) {
+        QVERIFY(QFile(path).open(QIODevice::ReadOnly));
+    }) << false;
+    QTest::newRow("another line") << write("5%\n") << true;
+    QTest::newRow("the same words once more") << write("success 1\n") << true;
+}
+
+void ProgressSharedTest::whatIsLeftIsToldFromANewReport()
+{
+    QFETCH(std::function<void(const QString &)>, change);
+    QFETCH(bool, isNew);
+    using Outcome = ProgressFile::Reading::Outcome;
+    m->sandbox.writeProgress("success 1\n");
+    const QString path = m->sandbox.progressFile();
+    const QString leftover = ProgressFile::fingerprint(path);
+    QVERIFY(!leftover.isEmpty());
+    change(path);
+    QCOMPARE(ProgressFile::read(path, leftover).outcome, isNew ? Outcome::Line : Outcome::None);
+    QCOMPARE(ProgressFile::read(path, QString()).outcome, Outcome::Line);
+
+    QCOMPARE(ProgressFile::clear(path), QString());
+    QVERIFY(!QFile::exists(path));
+    QCOMPARE(ProgressFile::clear(path), QString());
+}
+
+QTEST_MAIN(ProgressSharedTest)
+#include "tst_progress_shared.moc"

@@ -1,0 +1,170 @@
+// A progress file that a virus scanner, an editor or an old tool keeps to itself, which Windows lets it do.
+#include "system/SharedFile.h"
+#include "tests/flash/FlashingStage.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QTest>
+
+class ProgressHeldTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m = std::make_unique<FlashingStage>(); }
+    void cleanup() { m.reset(); }
+    void aFileIsHeld_data();
+    void aFileIsHeld();
+    void aFileThatIsReadCanBeReplaced();
+    void theVerdictWaitsForTheScanner_data();
+    void theVerdictWaitsForTheScanner();
+    void aScannerThatNeverLetsGoIsNotWaitedFor();
+    void whileTheToolRunsNobodyHurries();
+    void anOldSuccessThatCannotBeRemovedIsNone_data();
+    void anOldSuccessThatCannotBeRemovedIsNone();
+    void anOldReportIsNoneWhenTheToolWritesNothing();
+
+private:
+    using Share = HeldFile::Share;
+
+    std::unique_ptr<HeldFile> hold(Share share)
+    {
+        return std::make_unique<HeldFile>(m->sandbox.progressFile(), share);
+    }
+    void poll(int times)
+    {
+        for (int i = 0; i < times; ++i)
+            m->panel->onReadFirmwareTxt();
+    }
+
+    std::unique_ptr<FlashingStage> m;
+};
+
+void ProgressHeldTest::aFileIsHeld_data()
+{
+    QTest::addColumn<std::optional<Share>>("share");
+    QTest::addColumn<bool>("isHeld");
+    QTest::addColumn<bool>("canBeRead");
+    using Held = std::optional<Share>;
+    QTest::newRow("by nobody") << Held() << false << true;
+    QTest::newRow("by one who shares nothing") << Held(Share::Nothing) << true << false;
+    QTest::newRow("by one who lets it be read") << Held(Share::Reading) << true << true;
+    QTest::newRow("by one who lets it be written") << Held(Share::ReadingAndWriting) << false << true;
+}
+
+void ProgressHeldTest::aFileIsHeld()
+{
+    QFETCH(std::optional<HeldFile::Share>, share);
+    m->sandbox.writeProgress("5%");
+    const auto holder = share ? hold(*share) : nullptr;
+    QTEST(SharedFile::isHeld(m->sandbox.progressFile()), "isHeld");
+    QFile file(m->sandbox.progressFile());
+    QTEST(SharedFile::openForReading(file), "canBeRead");
+    QVERIFY(!SharedFile::isHeld(m->sandbox.home() + u"/no such file"_qs));
+    QVERIFY(!SharedFile::isHeld(m->sandbox.home()));
+}
+
+void ProgressHeldTest::aFileThatIsReadCanBeReplaced()
+{
+    m->sandbox.writeProgress("5%\r\n");
+    QFile reading(m->sandbox.progressFile());
+    QVERIFY(SharedFile::openForReading(reading));
+    QVERIFY(QFile::remove(m->sandbox.progressFile()));
+    QCOMPARE(reading.readAll(), "5%\n"_qba);
+}
+
+void ProgressHeldTest::theVerdictWaitsForTheScanner_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<bool>("succeeds");
+    QTest::newRow("success") << "success 1"_qba << true;
+    QTest::newRow("failure") << "success 0"_qba << false;
+    QTest::newRow("all written") << "100%"_qba << true;
+}
+
+void ProgressHeldTest::theVerdictWaitsForTheScanner()
+{
+    QFETCH(QByteArray, line);
+    QFETCH(bool, succeeds);
+    m->beginRun(UpgradePlan::PcOnly);
+    m->sandbox.writeProgress(line);
+    auto scanner = hold(Share::Nothing);
+    m->panel->m_progressTimer->stop();
+    poll(15);
+    QVERIFY(m->panel->m_isUpgrading);
+    QVERIFY(!m->showsFailure());
+
+    scanner.reset();
+    poll(1);
+    QVERIFY(!m->panel->m_isUpgrading);
+    QCOMPARE(m->showsFailure(), !succeeds);
+}
+
+void ProgressHeldTest::aScannerThatNeverLetsGoIsNotWaitedFor()
+{
+    m->beginRun(UpgradePlan::PcOnly);
+    m->sandbox.writeProgress("success 1");
+    const auto scanner = hold(Share::Nothing);
+    QTRY_VERIFY_WITH_TIMEOUT(m->showsFailure(), 10'000);
+    QVERIFY(m->log.contains(u"[状态] 进程已退出但无进度文件，判定为失败"_qs));
+    QVERIFY(!m->panel->m_progressTimer->isActive());
+}
+
+void ProgressHeldTest::whileTheToolRunsNobodyHurries()
+{
+    QVERIFY(m->runSilentTool());
+    m->beginRun(UpgradePlan::PcOnly);
+    m->sandbox.writeProgress("17%");
+    auto scanner = hold(Share::Nothing);
+    m->panel->m_progressTimer->stop();
+    poll(100);
+    QVERIFY(!m->showsFailure());
+    scanner.reset();
+    poll(1);
+    QCOMPARE(m->percentText(), u"17%"_qs);
+}
+
+void ProgressHeldTest::anOldSuccessThatCannotBeRemovedIsNone_data()
+{
+    QTest::addColumn<Share>("share");
+    QTest::newRow("held by one who shares nothing") << Share::Nothing;
+    QTest::newRow("held by one who lets it be read") << Share::Reading;
+    QTest::newRow("held by one who lets it be written") << Share::ReadingAndWriting;
+}
+
+void ProgressHeldTest::anOldSuccessThatCannotBeRemovedIsNone()
+{
+    QFETCH(HeldFile::Share, share);
+    m->sandbox.writeProgress("success 1\n");
+    auto holder = hold(share);
+    m->beginRun(UpgradePlan::PcOnly);
+    m->tool.obeys("await go\nwrite 5%\nhang");
+    m->panel->startUpgradeWithExternalTool(m->image, 14);
+    m->panel->m_progressTimer->stop();
+    QVERIFY(QFile::exists(m->sandbox.progressFile()));
+    poll(50);
+    QVERIFY(m->isToolRunning());
+    QVERIFY(m->panel->m_isUpgrading);
+    QCOMPARE(m->percentOnBar(), 0);
+
+    holder.reset();
+    poll(1);
+    QVERIFY(m->isToolRunning());
+    QVERIFY(m->panel->m_isUpgrading);
+    m->panel->m_progressTimer->start();
+    FakeFlashingTool::signal(u"go"_qs);
+    QTRY_COMPARE(m->percentText(), u"5%"_qs);
+}
+
+void ProgressHeldTest::anOldReportIsNoneWhenTheToolWritesNothing()
+{
+    m->sandbox.writeProgress("success 1\n");
+    const auto holder = hold(Share::Reading);
+    m->beginRun(UpgradePlan::PcOnly);
+    m->tool.obeys("exit 0");
+    m->panel->startUpgradeWithExternalTool(m->image, 14);
+    QTRY_VERIFY(m->showsFailure());
+    QVERIFY(m->log.contains(u"[状态] 进程已退出但无进度文件，判定为失败"_qs));
+}
+
+QTEST_MAIN(ProgressHeldTest)
+#include "tst_progress_held.moc"

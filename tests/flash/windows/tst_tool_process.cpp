@@ -1,0 +1,140 @@
+// The processes of a flashing tool on Windows: its console, the helpers that it starts, and what outlives
+// whom.
+#include "system/ToolProcess.h"
+#include "tests/flash/FlashingStage.h"
+#include "tests/support/Processes.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QTest>
+
+#include <windows.h>
+
+class ToolProcessTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m = std::make_unique<FlashingStage>(); }
+    void cleanup();
+    void itsConsoleIsNotSeen();
+    void helpersEndWithThePanel_data();
+    void helpersEndWithThePanel();
+    void helpersEndWithATooLongRun();
+    void aToolThatEndsByItselfLeavesItsHelpersInPeace();
+    void theToolOutlivesACrashOfTheHost();
+    void aSecondRunIsEndedLikeTheFirst();
+
+private:
+    /// Starts the tool with \a script, which ends with its helper's process ID in the home folder: that ID.
+    qint64 startWithHelper(const QByteArray &script);
+
+    std::unique_ptr<FlashingStage> m;
+    qint64 m_helper = 0;
+};
+
+void ToolProcessTest::cleanup()
+{
+    m.reset();
+    if (const HANDLE helper = OpenProcess(PROCESS_TERMINATE, FALSE, DWORD(m_helper))) {
+        TerminateProcess(helper, 0);
+        CloseHandle(helper);
+    }
+    m_helper = 0;
+}
+
+qint64 ToolProcessTest::startWithHelper(const QByteArray &script)
+{
+    const QString path = m->sandbox.home() + u"/helper.txt"_qs;
+    QFile::remove(path);
+    m->tool.obeys(script);
+    m->panel->m_dfuProcess->start(FakeFlashingTool::path(), QStringList());
+    const auto id = [&path] {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll().toLongLong() : 0;
+    };
+    if (!QTest::qWaitFor([&] { return id() > 0; }, 20'000))
+        return 0;
+    return m_helper = id();
+}
+
+void ToolProcessTest::itsConsoleIsNotSeen()
+{
+    const auto modifier = m->panel->m_dfuProcess->createProcessArgumentsModifier();
+    QVERIFY(modifier);
+    QProcess::CreateProcessArguments arguments{};
+    arguments.flags = CREATE_UNICODE_ENVIRONMENT;
+    modifier(&arguments);
+    QCOMPARE(arguments.flags, ulong(CREATE_UNICODE_ENVIRONMENT | CREATE_NO_WINDOW));
+}
+
+void ToolProcessTest::helpersEndWithThePanel_data()
+{
+    QTest::addColumn<QByteArray>("script");
+    QTest::newRow("of a tool that ends when asked") << "helper\nhang"_qba;
+    QTest::newRow("of a tool that has to be killed") << "ignore-terminate\nhelper\nhang"_qba;
+}
+
+void ToolProcessTest::helpersEndWithThePanel()
+{
+    QFETCH(QByteArray, script);
+    const qint64 helper = startWithHelper(script);
+    QVERIFY(helper && isProcessAlive(helper));
+    const qint64 tool = m->panel->m_dfuProcess->processId();
+    QElapsedTimer time;
+    time.start();
+    m->panel.reset();
+    QVERIFY2(time.elapsed() < 1300, qPrintable(QString::number(time.elapsed())));
+    QVERIFY(!isProcessAlive(tool));
+    QTRY_VERIFY(!isProcessAlive(helper));
+}
+
+void ToolProcessTest::helpersEndWithATooLongRun()
+{
+    const qint64 helper = startWithHelper("helper\nhang");
+    QVERIFY(helper && isProcessAlive(helper));
+    m->panel->onDfuTimeout();
+    QVERIFY(!m->isToolRunning());
+    QTRY_VERIFY(!isProcessAlive(helper));
+}
+
+// It may still have a device to restart.
+void ToolProcessTest::aToolThatEndsByItselfLeavesItsHelpersInPeace()
+{
+    const qint64 helper = startWithHelper("helper\nexit 0");
+    QVERIFY(helper);
+    QTRY_VERIFY(!m->isToolRunning());
+    m->panel.reset();
+    QVERIFY(isProcessAlive(helper));
+}
+
+void ToolProcessTest::theToolOutlivesACrashOfTheHost()
+{
+    const qint64 helper = startWithHelper("helper\nhang");
+    QVERIFY(helper);
+    const qint64 tool = m->panel->m_dfuProcess->processId();
+    // What the system does to a crashed program: the handles that it has are closed.
+    const auto children = m->panel->m_dfuProcess->children();
+    for (QObject *child : children) {
+        if (QByteArray(child->metaObject()->className()).endsWith("Family"))
+            delete child;
+    }
+    QVERIFY(m->panel->m_dfuProcess->children().size() < children.size());
+    QTest::qWait(200);
+    QVERIFY(isProcessAlive(tool));
+    QVERIFY(isProcessAlive(helper));
+}
+
+void ToolProcessTest::aSecondRunIsEndedLikeTheFirst()
+{
+    for (int run = 0; run < 2; ++run) {
+        const qint64 helper = startWithHelper("helper\nhang");
+        QVERIFY(helper && isProcessAlive(helper));
+        m->panel->onDfuTimeout();
+        QVERIFY(!m->isToolRunning());
+        QTRY_VERIFY(!isProcessAlive(helper));
+    }
+}
+
+QTEST_MAIN(ToolProcessTest)
+#include "tst_tool_process.moc"

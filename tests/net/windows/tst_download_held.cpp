@@ -1,0 +1,103 @@
+// An image file that another program, a virus scanner for example, has open when the download wants to write
+// it.
+#include "tests/net/NetworkingFixture.h"
+#include "tests/support/HeldFile.h"
+
+#include <QElapsedTimer>
+#include <QTest>
+#include <QTimer>
+
+class DownloadHeldTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup() { m.reset(); }
+    void waitsUntilItIsLetGo_data();
+    void waitsUntilItIsLetGo();
+    void asksNothingWhenItIsNeverLetGo();
+    void aLaterDownloadTakesItsPlace();
+    void aFileThatMayBeWrittenMeanwhileIsNotWaitedFor();
+
+private:
+    using Share = HeldFile::Share;
+
+    std::unique_ptr<HeldFile> hold(Share share) const
+    {
+        return std::make_unique<HeldFile>(m->image(), share);
+    }
+
+    std::unique_ptr<NetworkingFixture> m;
+};
+
+void DownloadHeldTest::init()
+{
+    m = std::make_unique<NetworkingFixture>();
+    m->server.answer(m->kImagePath, ScriptedHttpServer::page("new image"));
+    QFile old(m->image());
+    QVERIFY(old.open(QIODevice::WriteOnly) && old.write("an image of earlier times") > 0);
+}
+
+void DownloadHeldTest::waitsUntilItIsLetGo_data()
+{
+    QTest::addColumn<Share>("share");
+    QTest::newRow("held by one who shares nothing") << Share::Nothing;
+    QTest::newRow("held by one who lets it be read") << Share::Reading;
+}
+
+void DownloadHeldTest::waitsUntilItIsLetGo()
+{
+    QFETCH(HeldFile::Share, share);
+    auto scanner = hold(share);
+    QElapsedTimer time;
+    time.start();
+    m->download(m->image());
+    QVERIFY2(time.elapsed() < 90, qPrintable(QString::number(time.elapsed()))); // it does not wait here
+    QTest::qWait(250);
+    QCOMPARE(m->server.paths(), QStringList());
+
+    scanner.reset();
+    QTRY_COMPARE(m->ended.size(), 1);
+    QCOMPARE(m->contentOf(m->image()), QByteArray("new image"));
+    QCOMPARE(m->server.paths(), QStringList(m->kImagePath));
+    QTest::qWait(250);
+    QCOMPARE(m->ended.size(), 1);
+    QCOMPARE(m->server.paths(), QStringList(m->kImagePath));
+}
+
+void DownloadHeldTest::asksNothingWhenItIsNeverLetGo()
+{
+    auto scanner = hold(Share::Reading);
+    m->download(m->image());
+    QTRY_VERIFY_WITH_TIMEOUT(!m->client->heldFileTimer->isActive(), 30'000);
+    scanner.reset();
+    QTest::qWait(500);
+    QCOMPARE(m->server.paths(), QStringList());
+    QCOMPARE(m->ended.size(), 0);
+    QCOMPARE(m->contentOf(m->image()), QByteArray("an image of earlier times"));
+}
+
+void DownloadHeldTest::aLaterDownloadTakesItsPlace()
+{
+    auto scanner = hold(Share::Reading);
+    m->download(m->image());
+    m->download(m->image(u"other.bin"_qs));
+    QTRY_COMPARE(m->ended.size(), 1);
+    scanner.reset();
+    QTest::qWait(500);
+    QCOMPARE(m->ended.size(), 1);
+    QCOMPARE(m->contentOf(m->image()), QByteArray("an image of earlier times"));
+    QCOMPARE(m->contentOf(m->image(u"other.bin"_qs)), QByteArray("new image"));
+}
+
+void DownloadHeldTest::aFileThatMayBeWrittenMeanwhileIsNotWaitedFor()
+{
+    const auto scanner = hold(Share::ReadingAndWriting);
+    m->download(m->image());
+    QVERIFY(!m->client->heldFileTimer->isActive());
+    QTRY_COMPARE(m->ended.size(), 1);
+    QCOMPARE(m->contentOf(m->image()), QByteArray("new image"));
+}
+
+QTEST_MAIN(DownloadHeldTest)
+#include "tst_download_held.moc"
