@@ -6,6 +6,8 @@ packages=(build-essential cmake ninja-build pkg-config
     libgl1-mesa-dev libhidapi-dev libudev-dev
     # The panel's texts have fixed places: these fonts fit them.
     fonts-noto-cjk fonts-roboto-unhinted
+    # CPack asks it which files of a Debian package are programs.
+    file
     # Tests plug in devices of their own making.
     umockdev libumockdev-dev
     # Tests run on a faster clock, and draw the pictures again from their sources.

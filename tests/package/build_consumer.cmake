@@ -1,6 +1,7 @@
 # Builds a consumer in a fresh folder and runs it:
-#   cmake -DSOURCE=folder -DBUILD=folder -DTREE=folder [-DINSTALLED_FROM=build folder] -P build_consumer.cmake
-# With INSTALLED_FROM that build is installed first, and the consumer finds the package there.
+#   cmake -DSOURCE=folder -DBUILD=folder -DTREE=folder [-DPACKAGE=folder] [-DMINGW_PREFIX=folder] -P build_consumer.cmake
+# With PACKAGE the consumer finds the unpacked archive there, else it adds the tree. With MINGW_PREFIX, where Qt for
+# Windows is, it is built for Windows.
 cmake_minimum_required(VERSION 3.22)
 
 function(run)
@@ -8,14 +9,23 @@ function(run)
 endfunction()
 
 file(REMOVE_RECURSE "${BUILD}")
-if(INSTALLED_FROM)
-    run(${CMAKE_COMMAND} --install "${INSTALLED_FROM}" --prefix "${BUILD}/prefix")
-    set(options "-DCMAKE_PREFIX_PATH=${BUILD}/prefix")
+if(PACKAGE)
+    set(options "-DQuillonFirmwareUpgrade_DIR=${PACKAGE}/lib/cmake/QuillonFirmwareUpgrade")
+    set(dlls --path "${PACKAGE}/bin")
 else()
     set(options "-DQUILLON_TREE=${TREE}")
+    set(dlls --path "${BUILD}" --path "${BUILD}/quillon/bin")
+endif()
+set(program "${BUILD}/consumer")
+if(MINGW_PREFIX)
+    list(APPEND options "-DCMAKE_TOOLCHAIN_FILE=${TREE}/cmake/mingw/toolchain.cmake"
+        "-DQUILLON_MINGW_PREFIX=${MINGW_PREFIX}")
+    set(program "${TREE}/cmake/mingw/wine-run" --prefix "${MINGW_PREFIX}" ${dlls} "${BUILD}/consumer.exe")
 endif()
 run(${CMAKE_COMMAND} -S "${SOURCE}" -B "${BUILD}" -G Ninja ${options})
 run(${CMAKE_COMMAND} --build "${BUILD}" --target consumer)
 set(ENV{QT_QPA_PLATFORM} offscreen)
-set(ENV{HOME} "${BUILD}/home")
-run("${BUILD}/consumer")
+if(NOT MINGW_PREFIX)
+    set(ENV{HOME} "${BUILD}/home")
+endif()
+run(${program})

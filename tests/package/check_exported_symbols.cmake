@@ -1,6 +1,7 @@
 # Fails when a shared library exports anything but the panel's class and the two language functions, or lacks one of
 # them:
-#   cmake -DNM=nm -DLIBRARY=libQuillonFirmwareUpgrade.so -P check_exported_symbols.cmake
+#   cmake -DLIBRARY=libQuillonFirmwareUpgrade.so -DNM=nm -P check_exported_symbols.cmake
+#   cmake -DLIBRARY=QuillonFirmwareUpgrade.dll -DOBJDUMP=objdump -DCXXFILT=c++filt -P check_exported_symbols.cmake
 cmake_minimum_required(VERSION 3.22)
 
 set(class "QuillonFirmwareUpgrade::FirmwareUpgradeWidget")
@@ -16,15 +17,24 @@ set(owed
     "${class}::r2otgConnected()"
     "${class}::staticMetaObject"
     "vtable for ${class}"
-    "typeinfo for ${class}"
-    "typeinfo name for ${class}")
+    "typeinfo for ${class}")
 
-execute_process(COMMAND "${NM}" --dynamic --extern-only --defined-only --demangle "${LIBRARY}"
-    OUTPUT_VARIABLE table COMMAND_ERROR_IS_FATAL ANY)
+if(LIBRARY MATCHES "\\.dll$")
+    execute_process(COMMAND "${OBJDUMP}" -p "${LIBRARY}" COMMAND "${CXXFILT}"
+        OUTPUT_VARIABLE table COMMAND_ERROR_IS_FATAL ANY)
+    string(REGEX REPLACE "^.*\n\\[Ordinal/Name Pointer\\] Table\n" "" table "${table}")
+    string(REGEX REPLACE "\n\n.*" "" table "${table}")
+    set(before_symbol "^\t\\[ *[0-9]+\\] ")
+else()
+    list(APPEND owed "typeinfo name for ${class}")
+    execute_process(COMMAND "${NM}" --dynamic --extern-only --defined-only --demangle "${LIBRARY}"
+        OUTPUT_VARIABLE table COMMAND_ERROR_IS_FATAL ANY)
+    set(before_symbol "^[0-9a-f]* *[A-Za-z] ")
+endif()
 string(REGEX MATCHALL "[^\n]+" lines "${table}")
 set(exported "")
 foreach(line IN LISTS lines)
-    string(REGEX REPLACE "^[0-9a-f]* *[A-Za-z] " "" symbol "${line}")
+    string(REGEX REPLACE "${before_symbol}" "" symbol "${line}")
     list(APPEND exported "${symbol}")
 endforeach()
 

@@ -5,11 +5,17 @@
 #include <QObject>
 #include <QStringList>
 
+#if defined(OWN_HID_LIBRARY)
+#define OWN_HID_EXPORT Q_DECL_EXPORT
+#else
+#define OWN_HID_EXPORT Q_DECL_IMPORT
+#endif
+
 namespace HIDCommunicator {
 
 /// A HID library as a customer might have it: the functions and signals that the panel uses, and nothing
 /// else. On its bus hangs one R2 with PC firmware 1.1.3 and OTG firmware 1.1.4.
-class OrvikHIDManager : public QObject {
+class OWN_HID_EXPORT OrvikHIDManager : public QObject {
     Q_OBJECT
 
 public:
