@@ -1,8 +1,15 @@
 # What a package for Windows holds besides the product, so that it runs on a bare system: Qt's DLLs and plugins, and the
 # licence texts of everything in it that others wrote.
 
-# A window, no window for --headless, Windows' look, the panel's animations, and a server that redirects to https.
-foreach(plugin IN ITEMS QWindowsIntegration QOffscreenIntegration QWindowsVistaStyle QGif QSchannelBackend)
+# A window, no window for --headless, the panel's animations, a server that redirects to https, and Windows' look, which has
+# another name in later versions of Qt.
+set(plugins QWindowsIntegration QOffscreenIntegration QGif QSchannelBackend)
+if(TARGET Qt6::QModernWindowsStylePlugin)
+    list(APPEND plugins QModernWindowsStyle)
+else()
+    list(APPEND plugins QWindowsVistaStyle)
+endif()
+foreach(plugin IN LISTS plugins)
     get_target_property(type Qt6::${plugin}Plugin QT_PLUGIN_TYPE)
     install(PROGRAMS "$<TARGET_FILE:Qt6::${plugin}Plugin>" DESTINATION "${CMAKE_INSTALL_BINDIR}/${type}")
 endforeach()
@@ -24,9 +31,13 @@ install(CODE "
     set(CMAKE_STRIP \"${CMAKE_STRIP}\")")
 install(SCRIPT "${CMAKE_CURRENT_LIST_DIR}/windows/install_dlls.cmake")
 
-install(CODE "
-    set(library_licences \"${QT6_INSTALL_PREFIX}/licences\")
-    set(compiler \"${CMAKE_CXX_COMPILER}\")")
-install(SCRIPT "${CMAKE_CURRENT_LIST_DIR}/windows/install_licences.cmake")
+if(CMAKE_CROSSCOMPILING)
+    install(CODE "
+        set(library_licences \"${QT6_INSTALL_PREFIX}/licences\")
+        set(compiler \"${CMAKE_CXX_COMPILER}\")")
+    install(SCRIPT "${CMAKE_CURRENT_LIST_DIR}/windows/install_licences.cmake")
+else()
+    install(CODE [[message(WARNING "Before this is given away: add the licence texts of Qt, hidapi and the compiler.")]])
+endif()
 configure_file("${CMAKE_CURRENT_LIST_DIR}/windows/package.md.in" "${CMAKE_CURRENT_BINARY_DIR}/package/README.md" @ONLY)
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/package/README.md" DESTINATION .)

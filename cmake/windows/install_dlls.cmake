@@ -42,7 +42,7 @@ foreach(dll IN LISTS found)
 endforeach()
 
 # CMake has done so with the product's own.
-if(CMAKE_INSTALL_DO_STRIP)
+if(CMAKE_INSTALL_DO_STRIP AND CMAKE_STRIP)
     file(GLOB_RECURSE dlls "${root}/*.dll")
     execute_process(COMMAND "${CMAKE_STRIP}" ${dlls} COMMAND_ERROR_IS_FATAL ANY)
 endif()
