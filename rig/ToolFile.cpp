@@ -5,10 +5,6 @@
 
 namespace rig {
 
-namespace {
-constexpr QFile::Permissions kRunning = QFile::ExeOwner | QFile::ExeUser | QFile::ExeGroup | QFile::ExeOther;
-} // namespace
-
 ToolFile::ToolFile(FaultBoard &faults, Journal &journal)
     : m_faults(faults)
     , m_journal(journal)
@@ -30,6 +26,7 @@ void ToolFile::setPath(const QString &path)
         setExecutable(true);
     }
     m_path = path;
+    m_permission = std::make_unique<RunPermission>(path);
     follow();
 }
 
@@ -55,10 +52,9 @@ void ToolFile::setMissing(bool missing)
 
 void ToolFile::setExecutable(bool executable)
 {
-    const QFile::Permissions had = QFile::permissions(m_path);
-    if (!QFile::exists(m_path) || bool(had & kRunning) == executable)
+    if (!QFile::exists(m_path) || m_permission->isGranted() == executable)
         return;
-    QFile::setPermissions(m_path, executable ? had | kRunning : had & ~kRunning);
+    m_permission->set(executable);
     m_journal.record(QStringLiteral("tool file"),
                      executable ? QStringLiteral("may be run again") : QStringLiteral("may not be run"));
 }

@@ -2,9 +2,12 @@
 
 #include "rig/FaultBoard.h"
 #include "rig/Journal.h"
+#include "rig/RunPermission.h"
 
 #include <QObject>
 #include <QString>
+
+#include <memory>
 
 namespace rig {
 
@@ -32,6 +35,7 @@ private:
     FaultBoard &m_faults;
     Journal &m_journal;
     QString m_path;
+    std::unique_ptr<RunPermission> m_permission;
 };
 
 } // namespace rig
