@@ -15,6 +15,10 @@
 #include <cstdio>
 #include <cstdlib>
 
+#ifdef Q_OS_WIN
+#include <windows.h>
+#endif
+
 namespace tool {
 
 using std::chrono::milliseconds;
@@ -72,6 +76,15 @@ void chatter()
     std::fflush(stdout);
 }
 
+[[noreturn]] void crash()
+{
+#ifdef Q_OS_WIN
+    // There, an abort is an ordinary end with exit code 3.
+    TerminateProcess(GetCurrentProcess(), UINT(EXCEPTION_ACCESS_VIOLATION));
+#endif
+    std::abort();
+}
+
 } // namespace
 
 std::optional<ToolOptions> ToolOptions::from(const QStringList &arguments)
@@ -101,7 +114,7 @@ FlashRun::ExitCode FlashRun::execute()
     if (m_behaviour.ignoresTerminate)
         std::signal(SIGTERM, SIG_IGN);
     if (m_behaviour.crashesAtStart)
-        std::abort();
+        crash();
     pause(m_behaviour.startDelay);
     if (m_behaviour.fake != ToolBehaviour::Fake::None)
         return fake();
@@ -179,7 +192,7 @@ void FlashRun::showPercent(int percent)
     if (m_behaviour.chatty)
         chatter();
     if (percent == m_behaviour.crashesAt)
-        std::abort();
+        crash();
     if (percent == m_behaviour.standsAt)
         stand();
 }

@@ -176,7 +176,7 @@ void FlashingToolEndTest::whatItSaysIsNotRead()
     m->panel->m_isUpgrading = true;
     m->tool.obeys("chatter 4000000\nwrite success 1");
     start();
-    QTRY_COMPARE(m->percentOnBar(), 100);
+    QTRY_COMPARE_WITH_TIMEOUT(m->percentOnBar(), 100, 30000);
     QVERIFY(!m->panel->m_isUpgrading);
 }
 

@@ -4,6 +4,30 @@
 #include <QDir>
 #include <QThread>
 
+#ifdef Q_OS_WIN
+#include <windows.h>
+
+#include <tlhelp32.h>
+
+inline int threadsOfThisProcess()
+{
+    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+    THREADENTRY32 thread{};
+    thread.dwSize = sizeof thread;
+    int count = 0;
+    for (BOOL more = Thread32First(snapshot, &thread); more; more = Thread32Next(snapshot, &thread))
+        count += thread.th32OwnerProcessID == GetCurrentProcessId() ? 1 : 0;
+    CloseHandle(snapshot);
+    return count;
+}
+
+inline int descriptorsOfThisProcess()
+{
+    DWORD handles = 0;
+    GetProcessHandleCount(GetCurrentProcess(), &handles);
+    return int(handles);
+}
+#else
 /// Folders of the system that tell of this process.
 inline int entriesOf(const QString &folder)
 {
@@ -19,6 +43,7 @@ inline int descriptorsOfThisProcess()
 {
     return entriesOf(QStringLiteral("/proc/self/fd"));
 }
+#endif
 
 /// What \a count comes to once it stands still: the system lists a thread for a moment longer than it takes
 /// to be joined.

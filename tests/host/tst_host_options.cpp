@@ -53,7 +53,7 @@ void HostOptionsTest::aWrongCommandLineIsRefused_data()
     QTest::newRow("a folder without a name")
         << QStringList{u"--record="_qs} << u"--record takes the name of a folder"_qs;
     QTest::newRow("a scenario that is not there") << QStringList{simulate, scenario, u"/nowhere/x.scn"_qs}
-                                                  << u"/nowhere/x.scn: No such file or directory"_qs;
+                                                  << u"/nowhere/x.scn: "_qs;
     QTest::newRow("a scenario that is a folder") << QStringList{simulate, scenario, u"/"_qs} << u"/: "_qs;
 }
 

@@ -1,25 +1,12 @@
 #pragma once
 
-#include <QProcess>
-#include <QStringList>
+#include "tests/support/ProgramRun.h"
 
-/// One run of the real quillon-probe, from its start to its end.
-struct ProbeRun {
-    int status = -1; ///< -1: it could not be started, crashed or took too long
-    QString output;
-    QString errors;
-
+/// One run of the real quillon-probe.
+struct ProbeRun : ProgramRun {
     static ProbeRun with(const QStringList &arguments)
     {
-        constexpr int kPatience = 60000;
-        QProcess process;
-        process.start(QStringLiteral(QUILLON_PROBE), arguments);
-        ProbeRun run;
-        if (process.waitForFinished(kPatience) && process.exitStatus() == QProcess::NormalExit)
-            run.status = process.exitCode();
-        run.output = QString::fromUtf8(process.readAllStandardOutput());
-        run.errors = QString::fromUtf8(process.readAllStandardError());
-        return run;
+        return {ProgramRun::with(QStringLiteral(QUILLON_PROBE), arguments)};
     }
 
     /// The same on a device that a trace plays.

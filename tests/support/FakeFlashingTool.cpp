@@ -68,7 +68,7 @@ QList<FakeFlashingTool::Run> FakeFlashingTool::runs()
 {
     QFile file(QDir::home().filePath(QStringLiteral("flashing-tool-runs.txt")));
     QList<Run> runs;
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
         return runs;
     const QStringList lines = QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
     for (const QString &line : lines) {
