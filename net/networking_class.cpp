@@ -126,7 +126,7 @@ void networking_class::openFileAndRequest(const QUrl &url, int triesLeft)
         file.reset();
         if (triesLeft > 0 && SharedFile::isHeld(fileName)) {
             heldFileTimer->callOnTimeout(
-                this, [=] { openFileAndRequest(url, triesLeft - 1); }, Qt::SingleShotConnection);
+                this, [this, url, triesLeft] { openFileAndRequest(url, triesLeft - 1); }, Qt::SingleShotConnection);
             heldFileTimer->start(kHeldFilePause);
         }
         return;

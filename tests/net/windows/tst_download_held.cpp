@@ -7,6 +7,11 @@
 #include <QTest>
 #include <QTimer>
 
+namespace {
+/// For a machine that is busy with other things.
+constexpr int kPatience = 30'000;
+} // namespace
+
 class DownloadHeldTest : public QObject {
     Q_OBJECT
 
@@ -52,12 +57,12 @@ void DownloadHeldTest::waitsUntilItIsLetGo()
     QElapsedTimer time;
     time.start();
     m->download(m->image());
-    QVERIFY2(time.elapsed() < 90, qPrintable(QString::number(time.elapsed()))); // it does not wait here
+    QVERIFY2(time.elapsed() < 1500, qPrintable(QString::number(time.elapsed()))); // it does not wait here
     QTest::qWait(250);
     QCOMPARE(m->server.paths(), QStringList());
 
     scanner.reset();
-    QTRY_COMPARE(m->ended.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(m->ended.size(), 1, kPatience);
     QCOMPARE(m->contentOf(m->image()), QByteArray("new image"));
     QCOMPARE(m->server.paths(), QStringList(m->kImagePath));
     QTest::qWait(250);
@@ -69,7 +74,7 @@ void DownloadHeldTest::asksNothingWhenItIsNeverLetGo()
 {
     auto scanner = hold(Share::Reading);
     m->download(m->image());
-    QTRY_VERIFY_WITH_TIMEOUT(!m->client->heldFileTimer->isActive(), 30'000);
+    QTRY_VERIFY_WITH_TIMEOUT(!m->client->heldFileTimer->isActive(), kPatience);
     scanner.reset();
     QTest::qWait(500);
     QCOMPARE(m->server.paths(), QStringList());
@@ -82,7 +87,7 @@ void DownloadHeldTest::aLaterDownloadTakesItsPlace()
     auto scanner = hold(Share::Reading);
     m->download(m->image());
     m->download(m->image(u"other.bin"_qs));
-    QTRY_COMPARE(m->ended.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(m->ended.size(), 1, kPatience);
     scanner.reset();
     QTest::qWait(500);
     QCOMPARE(m->ended.size(), 1);
@@ -95,7 +100,7 @@ void DownloadHeldTest::aFileThatMayBeWrittenMeanwhileIsNotWaitedFor()
     const auto scanner = hold(Share::ReadingAndWriting);
     m->download(m->image());
     QVERIFY(!m->client->heldFileTimer->isActive());
-    QTRY_COMPARE(m->ended.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(m->ended.size(), 1, kPatience);
     QCOMPARE(m->contentOf(m->image()), QByteArray("new image"));
 }
 
