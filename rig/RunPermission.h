@@ -19,7 +19,7 @@ public:
 
 private:
     QString m_path;
-    void *m_held = nullptr;
+    [[maybe_unused]] void *m_held = nullptr; ///< on Windows
 };
 
 } // namespace rig

@@ -15,5 +15,5 @@ public:
     HeldFile &operator=(const HeldFile &) = delete;
 
 private:
-    void *m_handle = nullptr;
+    [[maybe_unused]] void *m_handle = nullptr; ///< on Windows
 };

@@ -31,7 +31,7 @@ public:
 
 private:
     std::filesystem::path m_path;
-    void *m_file = nullptr; ///< on Windows
+    [[maybe_unused]] void *m_file = nullptr; ///< on Windows
 };
 
 } // namespace ToolPlatform
