@@ -40,6 +40,11 @@ as_root() {
     fi
 }
 
+# Where cmake/mingw/build-dependencies leaves the libraries for Windows.
+windows_libraries() {
+    echo "${XDG_CACHE_HOME:-$HOME/.cache}/quillon-mingw/prefix"
+}
+
 # Says which packages are missing and installs them.
 install_missing() {
     local missing=() package

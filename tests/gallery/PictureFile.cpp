@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QHash>
 #include <QImageWriter>
+#include <QPainter>
 
 #include <algorithm>
 #include <optional>
@@ -56,7 +57,7 @@ bool save(const QImage &image, const QString &path)
     return writer.write(indexed(plain).value_or(plain.convertToFormat(QImage::Format_RGB888)));
 }
 
-Difference compare(const QImage &expected, const QImage &actual)
+Difference compare(const QImage &expected, const QImage &actual, int tolerance)
 {
     Difference difference;
     difference.sameSize = expected.size() == actual.size() && !actual.isNull();
@@ -70,13 +71,36 @@ Difference compare(const QImage &expected, const QImage &actual)
         for (int x = 0; x < a.width(); ++x) {
             const int distance = largestDifference(line(a, y)[x], line(b, y)[x]);
             difference.largest = std::max(difference.largest, distance);
-            difference.pixels += distance > kTolerance;
-            shown[x] = distance > kTolerance
+            difference.pixels += distance > tolerance;
+            shown[x] = distance > tolerance
                 ? kMark
                 : qRgb(qRed(shown[x]) / 2, qGreen(shown[x]) / 2, qBlue(shown[x]) / 2);
         }
     }
     return difference;
+}
+
+QImage withoutStrokes(const QImage &image, const QList<QRect> &places)
+{
+    QImage result = image.convertToFormat(QImage::Format_RGB32);
+    QPainter painter(&result);
+    for (const QRect &place : places) {
+        const QRect visible = place & result.rect();
+        qint64 red = 0;
+        qint64 green = 0;
+        qint64 blue = 0;
+        for (int y = visible.top(); y <= visible.bottom(); ++y) {
+            for (int x = visible.left(); x <= visible.right(); ++x) {
+                const QRgb colour = line(result, y)[x];
+                red += qRed(colour);
+                green += qGreen(colour);
+                blue += qBlue(colour);
+            }
+        }
+        const qint64 count = std::max<qint64>(1, qint64(visible.width()) * visible.height());
+        painter.fillRect(visible, QColor(int(red / count), int(green / count), int(blue / count)));
+    }
+    return result;
 }
 
 } // namespace PictureFile

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QImage>
+#include <QList>
+#include <QRect>
 #include <QString>
 
 /// Pictures on disk, and what two of them differ in.
@@ -22,6 +24,10 @@ constexpr int kTolerance = 8;
 /// And so few pixels of more than that are no change of the design.
 constexpr int kToleratedPixels = 12;
 
-Difference compare(const QImage &expected, const QImage &actual);
+Difference compare(const QImage &expected, const QImage &actual, int tolerance = kTolerance);
+
+/// \a image with each of \a places filled with the mean colour of what was in it: letters lose their shape,
+/// but not their amount and colour.
+QImage withoutStrokes(const QImage &image, const QList<QRect> &places);
 
 } // namespace PictureFile

@@ -1,11 +1,14 @@
 #include "tests/gallery/PictureFile.h"
 #include "tests/gallery/Views.h"
+#include "tests/gallery/WidgetFacts.h"
 
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
 #include <QSet>
 #include <QTest>
+
+#include <algorithm>
 
 using Gallery::View;
 
@@ -30,12 +33,62 @@ QSet<QString> filesIn(const QString &folder)
     return names;
 }
 
-/// Fails, leaving a picture of the difference as \a shown, when \a taken is not what \a kept is.
-void compareWithKept(const QString &kept, const QString &taken, const QString &shown)
+#ifdef Q_OS_WIN
+// The pictures are kept on Linux. Letters of the same font have edges, and a word a width, of their own on
+// each system.
+constexpr bool kLettersDiffer = true;
+/// What their strokes weigh differs, too.
+constexpr int kLettersTolerance = 16;
+#else
+constexpr bool kLettersDiffer = false;
+constexpr int kLettersTolerance = PictureFile::kTolerance;
+#endif
+
+/// These are as wide as their text, and stand side by side.
+bool isSizedByText(const QString &widget)
+{
+    return widget.startsWith(u"m_offlineTool"_qs);
+}
+
+/// Where letters differ.
+QList<QRect> placesOfLetters(const View &view, const QString &screen)
+{
+    QList<QRect> places;
+    if (!kLettersDiffer)
+        return places;
+    // The box hides the places of what is below it.
+    if (screen == u"warning")
+        return {QRect(QPoint(), QImage(kGallery + Gallery::picturePath(view, screen)).size())};
+    QRect sizedByText;
+    for (const WidgetFacts &widget : readFacts(kGallery + Gallery::factsPath(view, screen))) {
+        const QRect place(widget.place.topLeft() * view.scale, widget.place.size() * view.scale);
+        if (isSizedByText(widget.name))
+            sizedByText |= place;
+        else if (!widget.text.isEmpty())
+            places.append(place);
+    }
+    places.append(sizedByText);
+    return places;
+}
+
+/// A line of a picture's text without the numbers that letters decide on.
+QString comparable(const QString &line)
+{
+    if (!kLettersDiffer || !isSizedByText(line))
+        return line;
+    return line.section(u'(', 0, 0) + line.section(u')', 1);
+}
+
+/// Fails, leaving a picture of the difference as \a shown, when \a taken is not what \a kept is but for the
+/// shapes of the letters at \a letters.
+void compareWithKept(const QString &kept, const QString &taken, const QString &shown,
+                     const QList<QRect> &letters = {})
 {
     const QImage picture(taken);
     QVERIFY2(!picture.isNull(), qPrintable(taken + u" is missing"_qs));
-    const PictureFile::Difference difference = PictureFile::compare(QImage(kept), picture);
+    const PictureFile::Difference difference = PictureFile::compare(
+        PictureFile::withoutStrokes(QImage(kept), letters), PictureFile::withoutStrokes(picture, letters),
+        letters.isEmpty() ? PictureFile::kTolerance : kLettersTolerance);
     QVERIFY2(difference.sameSize, qPrintable(kept + u" is missing or of another size"_qs));
     if (difference.pixels <= PictureFile::kToleratedPixels)
         return;
@@ -67,19 +120,23 @@ private Q_SLOTS:
 
 void GalleryPicturesTest::everyScreenLooksAsKept_data()
 {
-    QTest::addColumn<QString>("picture");
+    QTest::addColumn<View>("view");
+    QTest::addColumn<QString>("screen");
     for (const View &view : Gallery::views()) {
         for (const Gallery::Screen &screen : Gallery::screens()) {
-            const QString picture = Gallery::picturePath(view, QLatin1StringView(screen.name));
-            QTest::newRow(qPrintable(view.folder() + u' ' + QLatin1StringView(screen.name))) << picture;
+            const QString name = QLatin1StringView(screen.name);
+            QTest::newRow(qPrintable(view.folder() + u' ' + name)) << view << name;
         }
     }
 }
 
 void GalleryPicturesTest::everyScreenLooksAsKept()
 {
-    QFETCH(QString, picture);
-    compareWithKept(kReference + picture, kGallery + picture, QString(picture).remove(u"pictures/"_qs));
+    QFETCH(View, view);
+    QFETCH(QString, screen);
+    const QString picture = Gallery::picturePath(view, screen);
+    compareWithKept(kReference + picture, kGallery + picture, QString(picture).remove(u"pictures/"_qs),
+                    placesOfLetters(view, screen));
 }
 
 void GalleryPicturesTest::theReadmeShowsWhatThereIs_data()
@@ -94,6 +151,8 @@ void GalleryPicturesTest::theReadmeShowsWhatThereIs_data()
 
 void GalleryPicturesTest::theReadmeShowsWhatThereIs()
 {
+    if (kLettersDiffer)
+        QSKIP("the README shows pictures from Linux");
     QFETCH(QString, documented);
     QFETCH(QString, picture);
     compareWithKept(kDocumented + documented, kGallery + picture, u"readme-"_qs + documented);
@@ -117,7 +176,7 @@ void GalleryPicturesTest::everyWidgetSaysAndStandsAsKept()
     const QStringList taken = linesOf(kGallery + widgets);
     QVERIFY2(taken.size() > 1, qPrintable(kGallery + widgets + u" is missing"_qs));
     for (qsizetype i = 0; i < std::min(kept.size(), taken.size()); ++i)
-        QVERIFY2(taken.at(i) == kept.at(i),
+        QVERIFY2(comparable(taken.at(i)) == comparable(kept.at(i)),
                  qPrintable(u"line %1\n  kept:  %2\n  taken: %3"_qs.arg(i + 1).arg(kept.at(i), taken.at(i))));
     QCOMPARE(taken.size(), kept.size());
 }
@@ -140,8 +199,11 @@ void GalleryPicturesTest::bothSizesSayTheSame()
     QFETCH(View, view);
     QFETCH(QString, screen);
     const View usual{view.model, view.language, 1};
-    QCOMPARE(linesOf(kGallery + Gallery::widgetsPath(view, screen)),
-             linesOf(kGallery + Gallery::widgetsPath(usual, screen)));
+    QStringList lines = linesOf(kGallery + Gallery::widgetsPath(view, screen));
+    QStringList usualLines = linesOf(kGallery + Gallery::widgetsPath(usual, screen));
+    for (QStringList *list : {&lines, &usualLines})
+        std::transform(list->begin(), list->end(), list->begin(), comparable);
+    QCOMPARE(lines, usualLines);
 }
 
 void GalleryPicturesTest::nothingIsKeptThatIsNoLongerPictured()
