@@ -61,6 +61,7 @@ private slots:
     void modeEntries();
     void upgradeModeShowsAWarning_data();
     void upgradeModeShowsAWarning();
+    void hostileReportsAreSurvived_data();
     void hostileReportsAreSurvived();
 
 private:
@@ -265,24 +266,33 @@ void ReportsTest::upgradeModeShowsAWarning()
     QVERIFY(panel().findChildren<QMessageBox *>().isEmpty()); // and nothing of it stays
 }
 
+void ReportsTest::hostileReportsAreSurvived_data()
+{
+    QTest::addColumn<int>("operation");
+    QTest::addColumn<QString>("version"); // by the last one, which is whole
+    QTest::newRow("operation 3") << 3 << QString();
+    QTest::newRow("operation 4") << 4 << QString();
+    QTest::newRow("operation 6") << 6 << u"1.2.3"_qs;
+}
+
 void ReportsTest::hostileReportsAreSurvived()
 {
+    QFETCH(int, operation);
+    QFETCH(QString, version);
     constexpr int kLastSize = 18; // all that is said, and one byte more
-    for (int operation : {3, 4, 6}) {
-        const QByteArray full = DeviceReplies::reply(quint8(operation), {0x000B, 0xFFFF, 1, 2, 3});
-        for (int size = 0; size <= kLastSize; ++size) {
-            for (int length : {0, 1, 6, 7, 11, 127, 128, 255}) {
-                QByteArray report = full.left(size);
-                if (size > 1)
-                    report[1] = char(length);
-                panel().m_devicePcVersion.clear();
-                panel().onReceiveHIDdata(report);
-            }
+    const QByteArray full = DeviceReplies::reply(quint8(operation), {0x000B, 0xFFFF, 1, 2, 3});
+    for (int size = 0; size <= kLastSize; ++size) {
+        for (int length : {0, 1, 6, 7, 11, 127, 128, 255}) {
+            QByteArray report = full.left(size);
+            if (size > 1)
+                report[1] = char(length);
+            panel().m_devicePcVersion.clear();
+            panel().onReceiveHIDdata(report);
         }
     }
     QCOMPARE(m_boxes.count, 0);
     QCOMPARE(commands(), QStringList());
-    QCOMPARE(panel().m_devicePcVersion, u"1.2.3"_qs); // of the last, which was whole
+    QCOMPARE(panel().m_devicePcVersion, version);
 }
 
 QTEST_MAIN(ReportsTest)

@@ -118,10 +118,6 @@ int main(int argc, char *argv[])
     settleSurroundings(isTour ? view->scale : 1);
     QApplication application(argc, argv);
     QApplication::setStyle(QStyleFactory::create(u"Fusion"_qs));
-    // Windows would widen the letters to whole pixels.
-    QFont font = QApplication::font();
-    font.setHintingPreference(QFont::PreferNoHinting);
-    QApplication::setFont(font);
     const QString folder = QDir(QString::fromLocal8Bit(argv[1])).absolutePath();
     return isTour ? takeTour(folder, *view) : makeGallery(folder);
 }
