@@ -28,11 +28,11 @@ namespace {
 const QString kFirstLine = u"[Destructor] Starting cleanup..."_qs;
 const QString kLastLine = u"[Destructor] Cleanup completed"_qs;
 
-/// Two passes of 100 ms, 300 ms and 500 ms for the tool, and what a loaded machine adds.
+/// Two passes of 100 ms, 300 ms for the tool to hear, and what it takes to kill it.
 #ifdef Q_OS_WIN
-constexpr qint64 kLimit = 3000; // the tests for Windows run many at a time, under Wine
+constexpr qint64 kLimit = 1000;
 #else
-constexpr qint64 kLimit = 1300;
+constexpr qint64 kLimit = 1300; // a tool may be slow to go, and a neighbour needs the processor
 #endif
 
 /// Posts itself an event for every one that it gets.
