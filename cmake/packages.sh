@@ -45,6 +45,9 @@ windows_libraries() {
     echo "${XDG_CACHE_HOME:-$HOME/.cache}/quillon-mingw/prefix"
 }
 
+# Caches and Wine want a home, and a bare container may know none.
+export HOME=${HOME:-$(getent passwd "$(id -u)" | cut -d: -f6)}
+
 # Says which packages are missing and installs them.
 install_missing() {
     local missing=() package

@@ -104,11 +104,14 @@ void FirmwareUpgradeWidget::onDfuTimeout()
     killTool();
 }
 
-void FirmwareUpgradeWidget::killTool()
+void FirmwareUpgradeWidget::killTool(ToolHelpers helpers)
 {
     if (!isToolRunning())
         return;
-    ToolProcess::kill(*m_dfuProcess);
+    if (helpers == ToolHelpers::End)
+        ToolProcess::kill(*m_dfuProcess);
+    else
+        m_dfuProcess->kill();
     m_dfuProcess->waitForFinished(int(kKillLimit.count()));
 }
 

@@ -50,8 +50,13 @@ Reading read(const QString &path, const QString &leftover)
     if (!leftover.isEmpty() && fingerprint(path) == leftover)
         return {};
     QFile file(path);
-    if (!SharedFile::openForReading(file))
-        return {SharedFile::isHeld(path) ? Outcome::Held : Outcome::None, QString()};
+    if (!SharedFile::openForReading(file)) {
+        if (SharedFile::isHeld(path))
+            return {Outcome::Held, QString()};
+        // Let go of between the two questions, or not there at all.
+        if (!SharedFile::openForReading(file))
+            return {};
+    }
     const std::optional<QString> line = lastLine(file);
     return line ? Reading{Outcome::Line, *line} : Reading{Outcome::Empty, QString()};
 }

@@ -15,8 +15,9 @@ QString path();
 /// path(), with its folder created.
 QString pathWithFolder();
 
-/// Removes the file at \a path, so that what an earlier run reported is not taken for the next one's. On Windows another
-/// program may keep it from being removed: then the fingerprint of what is still there, else an empty text.
+/// Removes the file at \a path, so that what an earlier run reported is not taken for the next one's. On
+/// Windows another program may keep it from being removed: then the fingerprint of what is still there, else
+/// an empty text.
 QString clear(const QString &path);
 
 /// Tells a file that has not been written since from one that has; empty without a file.
@@ -34,12 +35,13 @@ struct Reading {
     QString line; ///< as lastLine()
 };
 
-/// Reads the file at \a path, whoever else has it open, and lets go of it at once. While its fingerprint is \a leftover,
-/// as clear() gave it, there is no file yet.
+/// Reads the file at \a path, whoever else has it open, and lets go of it at once. While its fingerprint is
+/// \a leftover, as clear() gave it, there is no file yet.
 Reading read(const QString &path, const QString &leftover = QString());
 
-/// The last line, trimmed; none when \a file holds no line at all. An end of line that closes the file starts no further
-/// line. Reads at most the end of the file: a line that is longer than any report comes back empty.
+/// The last line, trimmed; none when \a file holds no line at all. An end of line that closes the file starts
+/// no further line. Reads at most the end of the file: a line that is longer than any report comes back
+/// empty.
 std::optional<QString> lastLine(QIODevice &file);
 
 struct Report {

@@ -1,6 +1,7 @@
 // Follows the flashing tool through its progress file, ten times a second, to the verdict of the run. Sets
-// m_lastProgressPercent and m_lastProgressTime, the memory of the stall detector, and clears m_isWaitingForUSB when the
-// OTG chip is being written. Called by m_progressTimer, which runs from the start of the tool to the verdict.
+// m_lastProgressPercent and m_lastProgressTime, the memory of the stall detector, counts m_heldPolls, and
+// clears m_isWaitingForUSB when the OTG chip is being written. Called by m_progressTimer, which runs from the
+// start of the tool to the verdict.
 
 #include "flash/ProgressFile.h"
 #include "panel/Colours.h"
@@ -96,8 +97,8 @@ void FirmwareUpgradeWidget::takeResult(int status)
     } else {
         logLine() << "Successfully upgrade !!!";
         logLine() << "[onReadFirmwareTxt] success! verCompLb visible=" << verCompLb->isVisible()
-                  << " tipMoiveLb visible=" << tipMoiveLb->isVisible() << " progressColor=red?" << isWaitingForOtg()
-                  << " upgradeProgDisPlay visible=" << upgradeProgDisPlay->isVisible()
+                  << " tipMoiveLb visible=" << tipMoiveLb->isVisible() << " progressColor=red?"
+                  << isWaitingForOtg() << " upgradeProgDisPlay visible=" << upgradeProgDisPlay->isVisible()
                   << " m_isWaitingForUSB=" << m_isWaitingForUSB;
         const bool pcHalfDone = m_upgradePlan == UpgradePlan::Both && !pcUpgradeCompleted;
         if (!pcHalfDone)
@@ -105,7 +106,8 @@ void FirmwareUpgradeWidget::takeResult(int status)
         else if (!handOverToOtg())
             return;
     }
-    killTool();
+    // What a tool has started may still have the new firmware to start.
+    killTool(status == ProgressFile::kSuccess ? ToolHelpers::Stay : ToolHelpers::End);
 }
 
 void FirmwareUpgradeWidget::takePercentage(int percent)
@@ -138,7 +140,8 @@ bool FirmwareUpgradeWidget::isStalled(int percent)
 void FirmwareUpgradeWidget::endStalledRun(int percent)
 {
     if (percent >= ProgressScale::kAllDone) {
-        // Everything is written and the tool merely does not quit: the next poll finds it ended and counts a success.
+        // Everything is written and the tool merely does not quit: the next poll finds it ended and counts a
+        // success.
         logLine() << "[状态] 进度100%停滞3秒，主动终止外部工具";
         killTool();
         return;

@@ -2,8 +2,8 @@
 
 #include "system/SharedFile.h"
 
-#include <QDebug>
 #include <QCoreApplication>
+#include <QDebug>
 #include <QEventLoop>
 #include <QFile>
 #include <QJsonArray>
@@ -119,17 +119,25 @@ void networking_class::downloadFile(QUrl url, QString fileName)
     openFileAndRequest(url, kHeldFileTries);
 }
 
+void networking_class::waitForFile(const QUrl &url, int triesLeft)
+{
+    file.reset();
+    if (triesLeft == 0)
+        return;
+    heldFileTimer->callOnTimeout(
+        this, [this, url, triesLeft] { openFileAndRequest(url, triesLeft - 1); }, Qt::SingleShotConnection);
+    heldFileTimer->start(kHeldFilePause);
+}
+
 void networking_class::openFileAndRequest(const QUrl &url, int triesLeft)
 {
     file = std::make_unique<QFile>(fileName);
     if (!file->open(QIODevice::WriteOnly)) {
-        file.reset();
-        if (triesLeft > 0 && SharedFile::isHeld(fileName)) {
-            heldFileTimer->callOnTimeout(
-                this, [this, url, triesLeft] { openFileAndRequest(url, triesLeft - 1); }, Qt::SingleShotConnection);
-            heldFileTimer->start(kHeldFilePause);
-        }
-        return;
+        if (SharedFile::isHeld(fileName))
+            return waitForFile(url, triesLeft);
+        // Let go of between the two questions, or not to be written at all.
+        if (!file->open(QIODevice::WriteOnly))
+            return file.reset();
     }
     reply = manager->get(QNetworkRequest(url));
     reply->setReadBufferSize(kDownloadBuffer);

@@ -24,16 +24,17 @@ public:
     /// What getVersion() returns when no version could be read.
     static const QString &failedQuery();
 
-    /// Asks for the newest version of one project and keeps the release notes that come with it. Blocks in a nested
-    /// event loop for at most about 2 s; slots, timers and input of the application run meanwhile.
-    /// Returns failedQuery() for anything but a JSON list with an element; the notes then stay as they were. An
-    /// element that names no version gives an empty string and empties the notes.
+    /// Asks for the newest version of one project and keeps the release notes that come with it. Blocks in a
+    /// nested event loop for at most about 2 s; slots, timers and input of the application run meanwhile.
+    /// Returns failedQuery() for anything but a JSON list with an element; the notes then stay as they were.
+    /// An element that names no version gives an empty string and empties the notes.
     QString getVersion(QString url);
 
-    /// Starts to download \a url into the file \a fileName, which is emptied first, and returns at once. A download
-    /// that still runs is given up for the new one. When the file cannot be opened nothing is sent and nothing is
-    /// ever emitted; one that another program holds, as virus scanners do, is tried again for some seconds. Whether
-    /// what arrived is an image is for the caller to judge: an error page is stored like one.
+    /// Starts to download \a url into the file \a fileName, which is emptied first, and returns at once. A
+    /// download that still runs is given up for the new one. When the file cannot be opened nothing is sent
+    /// and nothing is ever emitted; one that another program holds, as virus scanners do, is tried again for
+    /// some seconds. Whether what arrived is an image is for the caller to judge: an error page is stored
+    /// like one.
     void downloadFile(QUrl url, QString fileName);
 
 Q_SIGNALS:
@@ -49,14 +50,17 @@ private:
     networking_class();
     ~networking_class() override;
     void openFileAndRequest(const QUrl &url, int triesLeft);
+    void waitForFile(const QUrl &url, int triesLeft);
 
     QNetworkAccessManager *manager;
     QNetworkReply *reply = nullptr;
     std::unique_ptr<QFile> file; // null while no download is open
     QString fileName;
-    QTimer *heldFileTimer; // runs while another program holds the file
 
 public:
     QString f_remark; ///< release notes in Chinese, of the last query that succeeded
     QString f_remark_en; ///< release notes in English, of the last query that succeeded
+
+private:
+    QTimer *heldFileTimer; // runs while another program holds the file
 };

@@ -177,7 +177,8 @@ private:
     QStringList buildDfuArgs(const QString &binPath, int pid) const;
     bool startTool(const QString &binPath, int pid);
     void showFlashingStarted();
-    void killTool();
+    enum class ToolHelpers { End, Stay };
+    void killTool(ToolHelpers helpers = ToolHelpers::End);
 
     // ---- Progress of the tool: flash/ProgressMonitor.cpp ------------------------------------------------------
     QString firmwareTxtPath() const;
@@ -313,10 +314,10 @@ private:
     int lastDetectedPcPid = 0;             // 0: none seen                           discovery                    model change
     int m_lastProgressPercent = -1;        // -1: the tool has not reported yet      progress monitor             tool start, click, failure
     QDateTime m_lastProgressTime;          // when that percentage was first seen    progress monitor             tool start, click, failure
-    QString m_leftoverReport;              // an old report that cannot be removed   tool start                   tool start
-    int m_heldPolls = 0;                   // polls that found an ended tool's file held  progress monitor        tool start
     bool m_postUpgradeWaiting = false;     // the next version read is silent        success                      version reading
     int m_zeroVersionCount = 0;            // "0.0.0" in a row in that wait          version reading              version reading, success
+    QString m_leftoverReport;              // an old report that cannot be removed   tool start                   tool start
+    int m_heldPolls = 0;                   // polls that found the file held         progress monitor             tool start
     // clang-format on
 };
 

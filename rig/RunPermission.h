@@ -4,8 +4,8 @@
 
 namespace rig {
 
-/// Whether one file may be run as a program, as a switch. On Windows, where what can be read can be run, the file is held
-/// while it may not be, and nobody else can open it; that ends with this process.
+/// Whether one file may be run as a program, as a switch. On Windows, where what can be read can be run, the
+/// file is held while it may not be, and nobody else can open it; that ends with this process.
 class RunPermission {
 public:
     /// The file need not exist.

@@ -55,6 +55,8 @@ void ToolFile::setExecutable(bool executable)
     if (!QFile::exists(m_path) || m_permission->isGranted() == executable)
         return;
     m_permission->set(executable);
+    if (m_permission->isGranted() != executable)
+        return;
     m_journal.record(QStringLiteral("tool file"),
                      executable ? QStringLiteral("may be run again") : QStringLiteral("may not be run"));
 }

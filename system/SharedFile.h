@@ -6,8 +6,8 @@ class QString;
 /// Files that other programs have open at the same time. Only on Windows can they keep this one out.
 namespace SharedFile {
 
-/// Opens \a file for reading text. Whoever else has it open may go on to write it, and may replace or delete
-/// it as if it were not open here. As QFile::open() otherwise.
+/// Opens \a file for reading text. Whoever else has it open may go on to write it, and may delete it. As
+/// QFile::open() otherwise.
 bool openForReading(QFile &file);
 
 /// Whether another program has the file at \a path open in a way that keeps this one from reading or from

@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <windows.h>
 
@@ -11,12 +12,16 @@
 namespace SharedFile {
 
 namespace {
-constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-
-HANDLE openExisting(const QString &path, DWORD access)
+/// As QFile asks for it: without the limit on a path's length.
+QString nativePath(const QString &path)
 {
-    const QString native = QDir::toNativeSeparators(path);
-    return CreateFileW(reinterpret_cast<const wchar_t *>(native.utf16()), access, kShareAll, nullptr,
+    const QString native = QDir::toNativeSeparators(QFileInfo(path).absoluteFilePath());
+    return native.startsWith(QStringLiteral("\\\\")) ? native : QStringLiteral("\\\\?\\") + native;
+}
+
+HANDLE openExisting(const QString &native, DWORD access, DWORD share)
+{
+    return CreateFileW(reinterpret_cast<const wchar_t *>(native.utf16()), access, share, nullptr,
                        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 } // namespace
@@ -24,7 +29,8 @@ HANDLE openExisting(const QString &path, DWORD access)
 // QFile alone would not share the right to delete: a tool that replaces its file would fail now and then.
 bool openForReading(QFile &file)
 {
-    const HANDLE handle = openExisting(file.fileName(), GENERIC_READ);
+    const HANDLE handle = openExisting(nativePath(file.fileName()), GENERIC_READ,
+                                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE);
     if (handle == INVALID_HANDLE_VALUE)
         return false;
     const int descriptor = _open_osfhandle(intptr_t(handle), _O_RDONLY);
@@ -40,7 +46,10 @@ bool openForReading(QFile &file)
 
 bool isHeld(const QString &path)
 {
-    const HANDLE handle = openExisting(path, GENERIC_READ | GENERIC_WRITE);
+    const QString native = nativePath(path);
+    // As QFile opens it.
+    const HANDLE handle
+        = openExisting(native, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE);
     if (handle == INVALID_HANDLE_VALUE)
         return GetLastError() == ERROR_SHARING_VIOLATION;
     CloseHandle(handle);

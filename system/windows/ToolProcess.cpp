@@ -20,6 +20,11 @@ public:
         : QObject(tool)
         , m_job(CreateJobObjectW(nullptr, nullptr))
     {
+        JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
+        // For tools that insist on leaving a job.
+        limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_BREAKAWAY_OK;
+        SetInformationJobObject(m_job, JobObjectExtendedLimitInformation, &limits, sizeof limits);
+        // What the tool starts before this runs is not taken in, and has to end by itself.
         connect(tool, &QProcess::stateChanged, this, [this, tool](QProcess::ProcessState state) {
             if (state == QProcess::Running)
                 takeIn(DWORD(tool->processId()));

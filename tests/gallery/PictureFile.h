@@ -14,7 +14,7 @@ bool save(const QImage &image, const QString &path);
 
 struct Difference {
     bool sameSize = false;
-    int pixels = 0; ///< that differ by more than kTolerance in any channel
+    int pixels = 0; ///< that differ by more than the tolerance in any channel
     int largest = 0; ///< of all channels of all pixels
     QImage shown; ///< the actual picture, darkened, with what differs in magenta
 };

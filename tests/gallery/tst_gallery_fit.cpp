@@ -181,11 +181,12 @@ void GalleryFitTest::everythingHasItsRoom()
     QFETCH(QString, screen);
     const QList<WidgetFacts> widgets = factsOf(view, screen);
     QVERIFY2(!widgets.isEmpty(), "the picture's widgets are unknown");
-    const QStringList flaws = flawsOf(widgets);
+    QStringList flaws = flawsOf(widgets);
 #ifdef Q_OS_WIN
-    // The fonts that stand for Windows' own are drawn by Qt there.
+    // The fonts that stand for Windows' own are drawn by Qt there, each letter as wide as whole pixels: one
+    // hint gets a line more than it has room for.
     if (view.model == u"R2" && view.language == u"en" && screen == u"waiting-otg")
-        QEXPECT_FAIL("", "Qt widens each letter to whole pixels, and the hint by a line", Continue);
+        QCOMPARE(flaws.removeAll(u"m_connectHintLb"_qs), qsizetype(1));
 #endif
     QVERIFY2(flaws.isEmpty(), qPrintable(flaws.join(u", "_qs)));
 }

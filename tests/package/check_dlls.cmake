@@ -13,6 +13,13 @@ if(NOT binaries OR NOT "kernel32.dll" IN_LIST windows)
 endif()
 
 set(wrong FALSE)
+# Loaded by name, so that no list of DLLs has them.
+foreach(plugin IN ITEMS platforms/qwindows.dll platforms/qoffscreen.dll imageformats/qgif.dll)
+    if(NOT EXISTS "${FOLDER}/${plugin}")
+        message("${plugin} is missing")
+        set(wrong TRUE)
+    endif()
+endforeach()
 foreach(binary IN LISTS binaries)
     execute_process(COMMAND "${OBJDUMP}" -p "${binary}" OUTPUT_VARIABLE headers COMMAND_ERROR_IS_FATAL ANY)
     string(REGEX MATCHALL "DLL Name: [^\r\n]+" lines "${headers}")

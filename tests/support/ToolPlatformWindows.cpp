@@ -33,6 +33,10 @@ std::filesystem::path home()
 
 std::vector<std::string> arguments(int, char **)
 {
+    // From now on the thread can be asked to end.
+    MSG message;
+    PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
+
     int count = 0;
     wchar_t **words = CommandLineToArgvW(GetCommandLineW(), &count);
     std::vector<std::string> result;

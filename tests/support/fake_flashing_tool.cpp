@@ -7,12 +7,10 @@
 //   empty            the progress file exists and is empty
 //   pause MS         nothing for so long
 //   await NAME       nothing until the file NAME exists in the home folder
-//   hold WORD        the progress file is open for writing from here on, and for others this is left to do:
-//   "nothing",
-//                    "read" or "read-write". Only Windows asks for it
+//   hold WORD        the progress file is open for writing from here on, and others may "read", "read-write"
+//                    or do "nothing" meanwhile. Only Windows asks for it
 //   helper           a copy of the tool runs that hangs; "helper.txt" in the home folder then holds its
-//   process ID.
-//                    On Windows only
+//                    process ID. On Windows only
 //   ignore-terminate a polite request to end is not heard from here on
 //   chatter BYTES    so many bytes on the standard output and as many on the standard error
 //   hang             nothing until it is killed

@@ -106,6 +106,7 @@ void ToolProcessTest::aToolThatEndsByItselfLeavesItsHelpersInPeace()
     QVERIFY(helper);
     QTRY_VERIFY_WITH_TIMEOUT(!m->isToolRunning(), kPatience);
     m->panel.reset();
+    QTest::qWait(200);
     QVERIFY(isProcessAlive(helper));
 }
 
