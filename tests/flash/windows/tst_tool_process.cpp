@@ -25,6 +25,8 @@ private Q_SLOTS:
     void helpersEndWithThePanel_data();
     void helpersEndWithThePanel();
     void helpersEndWithATooLongRun();
+    void helpersOutliveASuccessAlone_data();
+    void helpersOutliveASuccessAlone();
     void aToolThatEndsByItselfLeavesItsHelpersInPeace();
     void theToolOutlivesACrashOfTheHost();
     void aSecondRunIsEndedLikeTheFirst();
@@ -97,6 +99,32 @@ void ToolProcessTest::helpersEndWithATooLongRun()
     m->panel->onDfuTimeout();
     QVERIFY(!m->isToolRunning());
     QTRY_VERIFY_WITH_TIMEOUT(!isProcessAlive(helper), kPatience);
+}
+
+void ToolProcessTest::helpersOutliveASuccessAlone_data()
+{
+    QTest::addColumn<QByteArray>("script");
+    QTest::addColumn<bool>("outlive");
+    QTest::newRow("a success") << "helper\nwrite success 1\nhang"_qba << true;
+    QTest::newRow("a failure") << "helper\nwrite success 0\nhang"_qba << false;
+}
+
+void ToolProcessTest::helpersOutliveASuccessAlone()
+{
+    QFETCH(QByteArray, script);
+    QFETCH(bool, outlive);
+    m->panel->m_upgradePlan = UpgradePlan::PcOnly;
+    m->panel->m_isUpgrading = true;
+    QVERIFY(!m->panel->firmwareTxtPath().isEmpty()); // its folder is there from now on
+    const qint64 helper = startWithHelper(script);
+    QVERIFY(helper);
+    m->panel->m_progressTimer->start();
+    QTRY_VERIFY_WITH_TIMEOUT(!m->isToolRunning(), kPatience);
+    if (outlive)
+        QTest::qWait(200);
+    else
+        QTRY_VERIFY_WITH_TIMEOUT(!isProcessAlive(helper), kPatience);
+    QCOMPARE(isProcessAlive(helper), outlive);
 }
 
 // It may still have a device to restart.
