@@ -9,7 +9,8 @@
 
 /// The registers of the device that the panel reads.
 namespace DeviceRegister {
-constexpr quint16 kUpgradeMode = 0x1008; ///< 0: normal firmware; anything else: the device is in firmware-upgrade mode
+/// 0: normal firmware; anything else: the device is in firmware-upgrade mode.
+constexpr quint16 kUpgradeMode = 0x1008;
 constexpr quint16 kPcVersion = 0x000B; ///< three registers: major, minor, patch
 constexpr quint16 kOtgVersion = 0x0010; ///< three registers: major, minor, patch
 constexpr quint16 kVersionLength = 3;

@@ -100,7 +100,7 @@ private:
     enum class Port { Pc, Otg };
     struct Scan;
 
-    // ---- Lifecycle: panel/Lifecycle.cpp -----------------------------------------------------------------------
+    // ---- Lifecycle: panel/Lifecycle.cpp ----
     void removeStaleProgressFile();
     void setUpWindow();
     void createToolAndTimers();
@@ -110,7 +110,7 @@ private:
     void resetRunState();
     void connectToModel();
 
-    // ---- Versions and plan: panel/Plan.cpp --------------------------------------------------------------------
+    // ---- Versions and plan: panel/Plan.cpp ----
     int compareVersion(const QString &a, const QString &b) const;
     UpgradePlan decideUpgradePlan();
     bool storeFreshPlan();
@@ -121,7 +121,7 @@ private:
     bool refreshPlanAndScreen();
     void logPlan() const;
 
-    // ---- Download and sequence: panel/Sequence.cpp ------------------------------------------------------------
+    // ---- Download and sequence: panel/Sequence.cpp ----
     void onUpgradeClicked();
     void startDownloadAndUpgrade();
     bool fetchRemoteVersions();
@@ -137,11 +137,11 @@ private:
     bool handOverToOtg();
     void completeUpgrade();
 
-    // ---- Recovery and refresh: panel/Recovery.cpp -------------------------------------------------------------
+    // ---- Recovery and refresh: panel/Recovery.cpp ----
     void requestVersionRefreshWithRetry(int retriesLeft);
     void judgeVersionRefresh(int retriesLeft);
 
-    // ---- Models: device/Models.cpp ----------------------------------------------------------------------------
+    // ---- Models: device/Models.cpp ----
     int pcNormalPid() const;
     int pcDfuPid() const;
     int otgNormalPid() const;
@@ -155,7 +155,7 @@ private:
     QString otgFirmwareDownloadUrl() const;
     QString firmwareFilePrefix() const;
 
-    // ---- Discovery: device/Discovery.cpp ----------------------------------------------------------------------
+    // ---- Discovery: device/Discovery.cpp ----
     void initHIDCommunicator();
     bool rescan();
     void queryDeviceMode();
@@ -163,7 +163,7 @@ private:
     void connectToDevice(const QString &path);
     void recoverBrickedDevice();
 
-    // ---- Version reading: device/VersionReading.cpp -----------------------------------------------------------
+    // ---- Version reading: device/VersionReading.cpp ----
     void handle_Continue_RD(QByteArray receiveData);
     void handle_Randow_RD(QByteArray receiveData);
     void handle_Randow_WR(QByteArray receiveData);
@@ -172,7 +172,7 @@ private:
     bool takeDeviceVersion(const VersionChannel &channel, const QString &version);
     bool queryServer(const QString &url, QString FirmwareUpgradeWidget::*remoteVersion);
 
-    // ---- Flashing tool: flash/FlashingTool.cpp ----------------------------------------------------------------
+    // ---- Flashing tool: flash/FlashingTool.cpp ----
     void startUpgradeWithExternalTool(const QString &binPath, int pid);
     QStringList buildDfuArgs(const QString &binPath, int pid) const;
     bool startTool(const QString &binPath, int pid);
@@ -180,7 +180,7 @@ private:
     enum class ToolHelpers { End, Stay };
     void killTool(ToolHelpers helpers = ToolHelpers::End);
 
-    // ---- Progress of the tool: flash/ProgressMonitor.cpp ------------------------------------------------------
+    // ---- Progress of the tool: flash/ProgressMonitor.cpp ----
     QString firmwareTxtPath() const;
     bool isToolRunning() const;
     void takeLine(const QString &line);
@@ -192,7 +192,7 @@ private:
     void switchToOtgProgress(int percent);
     bool isWaitingForOtg() const;
 
-    // ---- Layout: panel/Layout.cpp -----------------------------------------------------------------------------
+    // ---- Layout: panel/Layout.cpp ----
     void setupUI();
     void createTitleBar();
     void createVersionCard();
@@ -202,12 +202,12 @@ private:
     void createFailureLine();
     void createOfflineToolLine();
 
-    // ---- Keyboard and screen readers: panel/Access.cpp --------------------------------------------------------
+    // ---- Keyboard and screen readers: panel/Access.cpp ----
     void makeAccessible();
     void nameForScreenReaders();
     void takeFocusFrom(QWidget *control);
 
-    // ---- Language: panel/Language.cpp -------------------------------------------------------------------------
+    // ---- Language: panel/Language.cpp ----
     void retranslateUI();
     void retranslateOfflineTool();
     void retranslateLabels();
@@ -218,7 +218,7 @@ private:
     QString detectingText(Port port) const;
     QString connectionHint(Port port) const;
 
-    // ---- Screens: panel/States.cpp ----------------------------------------------------------------------------
+    // ---- Screens: panel/States.cpp ----
     void updateUIByUpgradeState();
     void showUpgradeFailureUI();
     void updateWaitingLabelLayout();
@@ -240,11 +240,11 @@ private:
     void showProgress(int percent);
     void resetStallDetector();
 
-    // ---- Window: panel/Interaction.cpp ------------------------------------------------------------------------
+    // ---- Window: panel/Interaction.cpp ----
     QString offlineToolAddress() const;
     QString offlineToolLink(bool underlined) const;
 
-    // ---- State ------------------------------------------------------------------------------------------------
+    // ---- State ----
     bool m_dragging = false;
     QPoint m_dragPosition;
 

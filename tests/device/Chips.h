@@ -23,24 +23,24 @@ struct Chip {
 inline const Chip kPc{&DeviceReplies::pcVersion,
                       &FirmwareUpgradeWidget::m_devicePcVersion,
                       &FirmwareUpgradeWidget::m_remotePcVersion,
-                      u"PC"_qs,
+                      QStringLiteral("PC"),
                       ServerPaths::kR1PcVersion,
                       ServerPaths::kR2PcVersion};
 inline const Chip kOtg{&DeviceReplies::otgVersion,
                        &FirmwareUpgradeWidget::m_deviceOtgVersion,
                        &FirmwareUpgradeWidget::m_remoteOtgVersion,
-                       u"OTG"_qs,
+                       QStringLiteral("OTG"),
                        ServerPaths::kR1OtgVersion,
                        ServerPaths::kR2OtgVersion};
 
 inline QString deviceLine(const Chip &chip, const QString &version)
 {
-    return u"DEVICE %1 VERSION : %2"_qs.arg(chip.name, version);
+    return QStringLiteral("DEVICE %1 VERSION : %2").arg(chip.name, version);
 }
 
 inline QString remoteLine(const Chip &chip, const QString &version)
 {
-    return u"Remote %1 Firmware Version is: %2"_qs.arg(chip.name, version);
+    return QStringLiteral("Remote %1 Firmware Version is: %2").arg(chip.name, version);
 }
 
 /// The lines of a log but for those of the bus scans, which come whenever the event loop turns.

@@ -9,6 +9,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
 using namespace Scans;
 using HIDCommunicator::OrvikHIDManager;
 
@@ -41,7 +42,7 @@ private slots:
 private:
     FirmwareUpgradeWidget &panel() { return *m_stage->panel; }
     QStringList lines() const { return m_stage->log.lines(); }
-    QStringList commands() const { return m_stage->log.startingWith(u"hid: "_qs); }
+    QStringList commands() const { return m_stage->log.startingWith(u"hid: "_s); }
 
     std::unique_ptr<PanelStage> m_stage;
 };
@@ -61,22 +62,22 @@ void ConnectionTest::cleanup()
 void ConnectionTest::deviceIsOpenedWithBothThreads()
 {
     // The spelling is the bus's own and has to come back as it was.
-    const QString own = u"\\\\?\\HID#VID_352F&PID_000E#7&2"_qs;
+    const QString own = u"\\\\?\\HID#VID_352F&PID_000E#7&2"_s;
     PanelStage::bus().plugPath(own, 0x000E);
 
     panel().ConnectingR2({own}, {});
     QCOMPARE(lines(),
              QStringList({
-                 u"[ConnectingR2] START - m_isUpgrading=false m_autoRecoverRunning=false"_qs,
-                 u"[FirmwareUpgradeWidget定时器扫描] 发现 1 个设备"_qs,
-                 u"2pid is: 000e"_qs,
-                 u"find R2 device"_qs,
-                 foundLine(u"P"_qs),
-                 u"hid? getConnected() = false"_qs,
-                 u"hid: openHIDHandle(%1, 0x352f, 0x000e, 0)"_qs.arg(own),
-                 u"hid: createOrvikSendDataThread()"_qs,
-                 u"hid: createOrvikReceiveDataThread()"_qs,
-                 u"connected R2 successfully!!!"_qs,
+                 u"[ConnectingR2] START - m_isUpgrading=false m_autoRecoverRunning=false"_s,
+                 u"[FirmwareUpgradeWidget定时器扫描] 发现 1 个设备"_s,
+                 u"2pid is: 000e"_s,
+                 u"find R2 device"_s,
+                 foundLine(u"P"_s),
+                 u"hid? getConnected() = false"_s,
+                 u"hid: openHIDHandle(%1, 0x352f, 0x000e, 0)"_s.arg(own),
+                 u"hid: createOrvikSendDataThread()"_s,
+                 u"hid: createOrvikReceiveDataThread()"_s,
+                 u"connected R2 successfully!!!"_s,
              }));
     QCOMPARE(PanelStage::bus().openConnections(), 1);
 }
@@ -95,13 +96,13 @@ void ConnectionTest::refusedOpenIsTriedAgainByTheNextScan()
     const QString device = PanelStage::bus().plug(0x000E);
     PanelStage::bus().refuseOpen(true);
     panel().ConnectingR2({device}, {});
-    QCOMPARE(commands(), QStringList(u"hid: openHIDHandle(%1, 0x352f, 0x000e, 0)"_qs.arg(device)));
-    QVERIFY(!m_stage->log.contains(u"connected R2 successfully!!!"_qs));
+    QCOMPARE(commands(), QStringList(u"hid: openHIDHandle(%1, 0x352f, 0x000e, 0)"_s.arg(device)));
+    QVERIFY(!m_stage->log.contains(u"connected R2 successfully!!!"_s));
     QCOMPARE(lines().constLast(), commands().constLast()); // silently
 
     PanelStage::bus().refuseOpen(false);
     panel().ConnectingR2({device}, {});
-    QVERIFY(m_stage->log.contains(u"connected R2 successfully!!!"_qs));
+    QVERIFY(m_stage->log.contains(u"connected R2 successfully!!!"_s));
 }
 
 void ConnectionTest::secondScanOpensNothing()
@@ -112,7 +113,7 @@ void ConnectionTest::secondScanOpensNothing()
 
     panel().ConnectingR2({device}, {});
     QCOMPARE(commands(), QStringList());
-    QCOMPARE(lines().constLast(), u"hid? getConnected() = true"_qs);
+    QCOMPARE(lines().constLast(), u"hid? getConnected() = true"_s);
     QCOMPARE(PanelStage::bus().opened().size(), 1);
 }
 
@@ -121,7 +122,7 @@ void ConnectionTest::normalDeviceWinsOverBootLoader()
     const QString device = PanelStage::bus().plug(0x000E);
     QSignalSpy bricked(&panel(), &FirmwareUpgradeWidget::onDeviceBrickedDetected);
 
-    panel().ConnectingR2({path(u"00ff"_qs), device, path(u"00ff"_qs)}, {});
+    panel().ConnectingR2({path(u"00ff"_s), device, path(u"00ff"_s)}, {});
     QCOMPARE(PanelStage::bus().opened(), QStringList(device));
     QCOMPARE(bricked.count(), 0);
     QVERIFY(!panel().m_isUpgrading);
@@ -133,8 +134,8 @@ void ConnectionTest::switchedModelNamesTheProductIdOfTheOpen()
 {
     const QString device = PanelStage::bus().plug(0x000E);
 
-    panel().ConnectingR2({device, path(u"0010"_qs)}, {});
-    QCOMPARE(commands(), QStringList(u"hid: openHIDHandle(%1, 0x352f, 0x0001, 0)"_qs.arg(device)));
+    panel().ConnectingR2({device, path(u"0010"_s)}, {});
+    QCOMPARE(commands(), QStringList(u"hid: openHIDHandle(%1, 0x352f, 0x0001, 0)"_s.arg(device)));
 }
 
 void ConnectionTest::connectionStatus_data()
@@ -143,9 +144,9 @@ void ConnectionTest::connectionStatus_data()
     QTest::addColumn<QStringList>("expected");
     QTest::newRow("the device went away: both threads are stopped")
         << 1
-        << QStringList{u"\n[状态] 设备已断开！定时器应该切换到1秒快速扫描"_qs,
-                       u"hid: closeOrvikSendDataThread()"_qs, u"hid: closeOrvikReceiveDataThread()"_qs};
-    QTest::newRow("the device is connected") << 0 << QStringList(u"[状态] 设备连接信号"_qs);
+        << QStringList{u"\n[状态] 设备已断开！定时器应该切换到1秒快速扫描"_s,
+                       u"hid: closeOrvikSendDataThread()"_s, u"hid: closeOrvikReceiveDataThread()"_s};
+    QTest::newRow("the device is connected") << 0 << QStringList(u"[状态] 设备连接信号"_s);
     QTest::newRow("2 means nothing") << 2 << QStringList();
     QTest::newRow("-1 means nothing") << -1 << QStringList();
 }
@@ -161,7 +162,7 @@ void ConnectionTest::connectionStatus()
 void ConnectionTest::connectionStatusChangesNoMember()
 {
     panel().lastDetectedPcPid = 14;
-    panel().m_devicePcVersion = u"1.2.3"_qs;
+    panel().m_devicePcVersion = u"1.2.3"_s;
     panel().m_isUpgrading = true;
     const QStringList before = panelState(panel());
 
@@ -177,13 +178,13 @@ void ConnectionTest::signalsOfTheLibraryWaitForTheEventLoop_data()
     QTest::addColumn<QString>("reaction");
     OrvikHIDManager *library = OrvikHIDManager::instance();
     QTest::newRow("devices on the bus")
-        << Action([library] { Q_EMIT library->deviceListChanged({path(u"4321"_qs)}, {}); })
-        << u"2pid is: 4321"_qs;
+        << Action([library] { Q_EMIT library->deviceListChanged({path(u"4321"_s)}, {}); })
+        << u"2pid is: 4321"_s;
     QTest::newRow("a report") << Action([library] {
         Q_EMIT library->blockReceiveData(DeviceReplies::mode(0));
-    }) << u" receive dfu mode is: off"_qs;
+    }) << u" receive dfu mode is: off"_s;
     QTest::newRow("a connection") << Action([library] { Q_EMIT library->blockHidConnetStatus(0); })
-                                  << u"[状态] 设备连接信号"_qs;
+                                  << u"[状态] 设备连接信号"_s;
 }
 
 void ConnectionTest::signalsOfTheLibraryWaitForTheEventLoop()
@@ -201,7 +202,7 @@ void ConnectionTest::pluggedDeviceIsOpenedByItself()
     const QString device = PanelStage::bus().plug(0x000E);
 
     QTRY_COMPARE(PanelStage::bus().opened(), QStringList(device));
-    QTRY_VERIFY(m_stage->log.contains(u"[状态] 设备连接信号"_qs));
+    QTRY_VERIFY(m_stage->log.contains(u"[状态] 设备连接信号"_s));
     QCOMPARE(panel().lastDetectedPcPid, 14);
 }
 
@@ -209,7 +210,7 @@ void ConnectionTest::deviceOfTheOtherModelIsLeftAlone()
 {
     PanelStage::bus().plug(0x0001);
 
-    QTRY_VERIFY(m_stage->log.contains(u"2pid is: 0001"_qs));
+    QTRY_VERIFY(m_stage->log.contains(u"2pid is: 0001"_s));
     QCOMPARE(commands(), QStringList());
     QCOMPARE(panel().m_deviceModel, DeviceModel::R2);
 }
@@ -221,7 +222,7 @@ void ConnectionTest::removedDeviceIsFoundAgain()
     m_stage->log.clear();
 
     PanelStage::bus().unplug(0x000E);
-    QTRY_VERIFY(m_stage->log.contains(u"\n[状态] 设备已断开！定时器应该切换到1秒快速扫描"_qs));
+    QTRY_VERIFY(m_stage->log.contains(u"\n[状态] 设备已断开！定时器应该切换到1秒快速扫描"_s));
     QTRY_COMPARE(PanelStage::bus().openConnections(), 0);
     QVERIFY(!panel().m_hidManager->getConnected());
     QCOMPARE(panel().lastDetectedPcPid, 14); // remembered
@@ -242,12 +243,12 @@ void ConnectionTest::refusedDeviceIsOpenedWithoutBeingPluggedAgain()
 
 void ConnectionTest::questionAskedBeforeThePlugIsAnsweredAfterIt()
 {
-    QTRY_VERIFY(!m_stage->log.startingWith(u"hid: DC_AddSendData"_qs).isEmpty());
+    QTRY_VERIFY(!m_stage->log.startingWith(u"hid: DC_AddSendData"_s).isEmpty());
     PanelStage::bus().setResponder(DeviceReplies::device({1, 2, 3}, {1, 2, 4}));
 
     PanelStage::bus().plug(0x000E);
-    QTRY_COMPARE(panel().m_deviceOtgVersion, u"1.2.4"_qs);
-    QCOMPARE(panel().m_devicePcVersion, u"1.2.3"_qs);
+    QTRY_COMPARE(panel().m_deviceOtgVersion, u"1.2.4"_s);
+    QCOMPARE(panel().m_devicePcVersion, u"1.2.3"_s);
 }
 
 QTEST_MAIN(ConnectionTest)

@@ -9,6 +9,8 @@
 #include <thread>
 #include <vector>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 constexpr int kReportSize = 65;
 constexpr int kLengthOffset = 2;
@@ -219,7 +221,7 @@ void ControlMessagesTest::whatDoesNotFitIsNotBuilt()
     QFETCH(int, count);
     const QList<quint16> list = numbers(count, 0, 1);
 
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"do not fit into one report$"_qs));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"do not fit into one report$"_s));
     const QByteArray report = builder == 0 ? messages()->randomRead(list)
         : builder == 1                     ? messages()->randomWrite(list, list)
                                            : messages()->continuousWrite(0, 0, list);
@@ -240,10 +242,10 @@ void ControlMessagesTest::registerValuesAreKept()
 {
     QVERIFY(!messages()->registerValue(0x000B).isValid());
     messages()->setRegisterValue(0x000B, 7);
-    messages()->setRegisterValue(0x000C, u"text"_qs);
+    messages()->setRegisterValue(0x000C, u"text"_s);
 
     QCOMPARE(messages()->registerValue(0x000B), QVariant(7));
-    QCOMPARE(messages()->registerValue(0x000C), QVariant(u"text"_qs));
+    QCOMPARE(messages()->registerValue(0x000C), QVariant(u"text"_s));
     QVERIFY(!messages()->registerValue(0x000D).isValid());
 }
 

@@ -5,6 +5,7 @@
 
 #include <QTest>
 
+using namespace Qt::StringLiterals;
 using namespace Scans;
 
 namespace {
@@ -13,8 +14,8 @@ DeviceModel model(int value)
     return static_cast<DeviceModel>(value);
 }
 
-const QString kR1Switch = u"[ConnectingR2] 检测到R1 DFU PID，自动切换 model 为 R1"_qs;
-const QString kR2Switch = u"[ConnectingR2] 检测到R2 DFU PID，自动切换 model 为 R2"_qs;
+const QString kR1Switch = u"[ConnectingR2] 检测到R1 DFU PID，自动切换 model 为 R1"_s;
+const QString kR2Switch = u"[ConnectingR2] 检测到R2 DFU PID，自动切换 model 为 R2"_s;
 } // namespace
 
 class DiscoveryTest : public QObject {
@@ -64,8 +65,8 @@ void DiscoveryTest::logBegins_data()
     QTest::addColumn<bool>("isUpgrading");
     QTest::addColumn<bool>("isRecovering");
     QTest::newRow("no device") << QStringList() << false << false;
-    QTest::newRow("one device") << paths({u"1234"_qs}) << true << false;
-    QTest::newRow("three devices") << paths({u"1234"_qs, u"1235"_qs, u"1236"_qs}) << false << true;
+    QTest::newRow("one device") << paths({u"1234"_s}) << true << false;
+    QTest::newRow("three devices") << paths({u"1234"_s, u"1235"_s, u"1236"_s}) << false << true;
 }
 
 void DiscoveryTest::logBegins()
@@ -78,9 +79,9 @@ void DiscoveryTest::logBegins()
 
     panel().ConnectingR2(devices, {});
     QCOMPARE(lines().mid(0, 2),
-             QStringList({u"[ConnectingR2] START - m_isUpgrading=%1 m_autoRecoverRunning=%2"_qs.arg(
+             QStringList({u"[ConnectingR2] START - m_isUpgrading=%1 m_autoRecoverRunning=%2"_s.arg(
                               word(isUpgrading), word(isRecovering)),
-                          u"[FirmwareUpgradeWidget定时器扫描] 发现 %1 个设备"_qs.arg(devices.size())}));
+                          u"[FirmwareUpgradeWidget定时器扫描] 发现 %1 个设备"_s.arg(devices.size())}));
 }
 
 void DiscoveryTest::pathsAreClassified_data()
@@ -99,48 +100,48 @@ void DiscoveryTest::pathsAreClassified_data()
               QTest::newRow(name) << modelBefore << before.first << before.second << productIds << found
                                   << after.first << after.second << lastLine;
           };
-    const QString normal = u"find R2 device"_qs;
-    const QString otg = u"find R2 OTG device"_qs;
-    const QString otgDfu = u"find R2 OTG DFU device"_qs;
+    const QString normal = u"find R2 device"_s;
+    const QString otg = u"find R2 OTG device"_s;
+    const QString otgDfu = u"find R2 OTG DFU device"_s;
 
-    row("nothing keeps what was seen", 1, {14, 31}, {}, u""_qs, {14, 31}, u""_qs);
-    row("R2: the PC chip", 1, {0, 0}, {u"000e"_qs}, u"P"_qs, {14, 0}, normal);
-    row("R1: the PC chip", 0, {0, 0}, {u"0001"_qs}, u"P"_qs, {1, 0}, normal);
-    row("2 is served as R2: the PC chip", 2, {0, 0}, {u"000e"_qs}, u"P"_qs, {14, 0}, normal);
-    row("upper case", 1, {0, 0}, {u"000E"_qs}, u"P"_qs, {14, 0}, normal);
-    row("R2: its boot loader", 1, {0, 0}, {u"00ff"_qs}, u"p"_qs, {255, 0}, u"find DFU device, pid=ff"_qs);
-    row("R2: its boot loader in upper case", 1, {0, 0}, {u"00FF"_qs}, u"p"_qs, {255, 0},
-        u"find DFU device, pid=ff"_qs);
-    row("R1: its boot loader", 0, {0, 0}, {u"0010"_qs}, u"p"_qs, {16, 0}, u"find DFU device, pid=10"_qs);
-    row("R2: the OTG chip", 1, {0, 0}, {u"001f"_qs}, u"O"_qs, {0, 31}, otg);
-    row("R2: the OTG chip's boot loader", 1, {0, 0}, {u"0065"_qs}, u"o"_qs, {0, 101}, otgDfu);
-    row("R1: 0x0012 is always the normal OTG chip", 0, {0, 0}, {u"0012"_qs}, u"O"_qs, {0, 18}, otg);
-    row("R2: 0x0012 is nothing", 1, {0, 0}, {u"0012"_qs}, u""_qs, {0, 0}, u"2pid is: 0012"_qs);
-    row("R2: an R1 in normal mode is nothing", 1, {0, 0}, {u"0001"_qs}, u""_qs, {0, 0}, u"2pid is: 0001"_qs);
-    row("R1: an R2 in normal mode is nothing", 0, {0, 0}, {u"000e"_qs}, u""_qs, {0, 0}, u"2pid is: 000e"_qs);
-    row("R1: an R2's OTG chip is nothing", 0, {0, 0}, {u"001f"_qs}, u""_qs, {0, 0}, u"2pid is: 001f"_qs);
-    row("R1: an R2's OTG boot loader is nothing", 0, {0, 0}, {u"0065"_qs}, u""_qs, {0, 0},
-        u"2pid is: 0065"_qs);
-    row("another device of the family", 1, {14, 31}, {u"1234"_qs}, u""_qs, {14, 31}, u"2pid is: 1234"_qs);
+    row("nothing keeps what was seen", 1, {14, 31}, {}, u""_s, {14, 31}, u""_s);
+    row("R2: the PC chip", 1, {0, 0}, {u"000e"_s}, u"P"_s, {14, 0}, normal);
+    row("R1: the PC chip", 0, {0, 0}, {u"0001"_s}, u"P"_s, {1, 0}, normal);
+    row("2 is served as R2: the PC chip", 2, {0, 0}, {u"000e"_s}, u"P"_s, {14, 0}, normal);
+    row("upper case", 1, {0, 0}, {u"000E"_s}, u"P"_s, {14, 0}, normal);
+    row("R2: its boot loader", 1, {0, 0}, {u"00ff"_s}, u"p"_s, {255, 0}, u"find DFU device, pid=ff"_s);
+    row("R2: its boot loader in upper case", 1, {0, 0}, {u"00FF"_s}, u"p"_s, {255, 0},
+        u"find DFU device, pid=ff"_s);
+    row("R1: its boot loader", 0, {0, 0}, {u"0010"_s}, u"p"_s, {16, 0}, u"find DFU device, pid=10"_s);
+    row("R2: the OTG chip", 1, {0, 0}, {u"001f"_s}, u"O"_s, {0, 31}, otg);
+    row("R2: the OTG chip's boot loader", 1, {0, 0}, {u"0065"_s}, u"o"_s, {0, 101}, otgDfu);
+    row("R1: 0x0012 is always the normal OTG chip", 0, {0, 0}, {u"0012"_s}, u"O"_s, {0, 18}, otg);
+    row("R2: 0x0012 is nothing", 1, {0, 0}, {u"0012"_s}, u""_s, {0, 0}, u"2pid is: 0012"_s);
+    row("R2: an R1 in normal mode is nothing", 1, {0, 0}, {u"0001"_s}, u""_s, {0, 0}, u"2pid is: 0001"_s);
+    row("R1: an R2 in normal mode is nothing", 0, {0, 0}, {u"000e"_s}, u""_s, {0, 0}, u"2pid is: 000e"_s);
+    row("R1: an R2's OTG chip is nothing", 0, {0, 0}, {u"001f"_s}, u""_s, {0, 0}, u"2pid is: 001f"_s);
+    row("R1: an R2's OTG boot loader is nothing", 0, {0, 0}, {u"0065"_s}, u""_s, {0, 0},
+        u"2pid is: 0065"_s);
+    row("another device of the family", 1, {14, 31}, {u"1234"_s}, u""_s, {14, 31}, u"2pid is: 1234"_s);
 
-    row("both chips", 1, {0, 0}, {u"000e"_qs, u"001f"_qs}, u"PO"_qs, {14, 31}, otg);
-    row("both chips the other way round", 1, {0, 0}, {u"001f"_qs, u"000e"_qs}, u"PO"_qs, {14, 31}, normal);
-    row("the later PC match is remembered: boot loader", 1, {0, 0}, {u"000e"_qs, u"00ff"_qs}, u"Pp"_qs,
-        {255, 0}, u"find DFU device, pid=ff"_qs);
-    row("the later PC match is remembered: normal", 1, {0, 0}, {u"00ff"_qs, u"000e"_qs}, u"Pp"_qs, {14, 0},
+    row("both chips", 1, {0, 0}, {u"000e"_s, u"001f"_s}, u"PO"_s, {14, 31}, otg);
+    row("both chips the other way round", 1, {0, 0}, {u"001f"_s, u"000e"_s}, u"PO"_s, {14, 31}, normal);
+    row("the later PC match is remembered: boot loader", 1, {0, 0}, {u"000e"_s, u"00ff"_s}, u"Pp"_s,
+        {255, 0}, u"find DFU device, pid=ff"_s);
+    row("the later PC match is remembered: normal", 1, {0, 0}, {u"00ff"_s, u"000e"_s}, u"Pp"_s, {14, 0},
         normal);
-    row("a PC chip overwrites what was seen before", 1, {255, 0}, {u"000e"_qs}, u"P"_qs, {14, 0}, normal);
-    row("an OTG chip leaves the PC chip remembered", 1, {14, 0}, {u"001f"_qs}, u"O"_qs, {14, 31}, otg);
+    row("a PC chip overwrites what was seen before", 1, {255, 0}, {u"000e"_s}, u"P"_s, {14, 0}, normal);
+    row("an OTG chip leaves the PC chip remembered", 1, {14, 0}, {u"001f"_s}, u"O"_s, {14, 31}, otg);
 
-    row("a normal OTG sighting is not overwritten in the same list", 1, {0, 0}, {u"001f"_qs, u"0065"_qs},
-        u"Oo"_qs, {0, 31}, otgDfu);
-    row("a normal OTG sighting overwrites the boot loader", 1, {0, 0}, {u"0065"_qs, u"001f"_qs}, u"Oo"_qs,
+    row("a normal OTG sighting is not overwritten in the same list", 1, {0, 0}, {u"001f"_s, u"0065"_s},
+        u"Oo"_s, {0, 31}, otgDfu);
+    row("a normal OTG sighting overwrites the boot loader", 1, {0, 0}, {u"0065"_s, u"001f"_s}, u"Oo"_s,
         {0, 31}, otg);
-    row("a normal OTG sighting of an earlier list is not overwritten", 1, {0, 31}, {u"0065"_qs}, u"o"_qs,
+    row("a normal OTG sighting of an earlier list is not overwritten", 1, {0, 31}, {u"0065"_s}, u"o"_s,
         {0, 31}, otgDfu);
-    row("another model's OTG sighting is overwritten", 1, {0, 18}, {u"0065"_qs}, u"o"_qs, {0, 101}, otgDfu);
-    row("everything at once", 1, {0, 0}, {u"0065"_qs, u"001f"_qs, u"00ff"_qs, u"000e"_qs, u"1234"_qs},
-        u"PpOo"_qs, {14, 31}, u"2pid is: 1234"_qs);
+    row("another model's OTG sighting is overwritten", 1, {0, 18}, {u"0065"_s}, u"o"_s, {0, 101}, otgDfu);
+    row("everything at once", 1, {0, 0}, {u"0065"_s, u"001f"_s, u"00ff"_s, u"000e"_s, u"1234"_s},
+        u"PpOo"_s, {14, 31}, u"2pid is: 1234"_s);
 }
 
 void DiscoveryTest::pathsAreClassified()
@@ -163,7 +164,7 @@ void DiscoveryTest::pathsAreClassified()
     QVERIFY2(foundAt > 0, qPrintable(lines().join(u'\n')));
     if (!lastLine.isEmpty())
         QCOMPARE(lines().at(foundAt - 1), lastLine);
-    QCOMPARE(m_stage->log.startingWith(u"2pid is: "_qs).size(), productIds.size());
+    QCOMPARE(m_stage->log.startingWith(u"2pid is: "_s).size(), productIds.size());
 }
 
 void DiscoveryTest::oddPaths_data()
@@ -171,27 +172,27 @@ void DiscoveryTest::oddPaths_data()
     QTest::addColumn<QString>("oddPath");
     QTest::addColumn<QStringList>("pidLines");
     QTest::addColumn<QString>("found");
-    QTest::newRow("empty") << QString() << QStringList() << u""_qs;
-    QTest::newRow("no product ID") << u"/dev/hidraw3"_qs << QStringList() << u""_qs;
-    QTest::newRow("the vendor's is no product ID") << u"hid#vid_000e"_qs << QStringList() << u""_qs;
+    QTest::newRow("empty") << QString() << QStringList() << u""_s;
+    QTest::newRow("no product ID") << u"/dev/hidraw3"_s << QStringList() << u""_s;
+    QTest::newRow("the vendor's is no product ID") << u"hid#vid_000e"_s << QStringList() << u""_s;
     QTest::newRow("upper-case mark and digits")
-        << u"HID#VID_352F&PID_000E"_qs << QStringList(u"2pid is: 000e"_qs) << u"P"_qs;
-    QTest::newRow("not hexadecimal") << u"hid#vid_352f&pid_00ge"_qs << QStringList(u"2pid is: 00ge"_qs)
-                                     << u""_qs;
+        << u"HID#VID_352F&PID_000E"_s << QStringList(u"2pid is: 000e"_s) << u"P"_s;
+    QTest::newRow("not hexadecimal") << u"hid#vid_352f&pid_00ge"_s << QStringList(u"2pid is: 00ge"_s)
+                                     << u""_s;
     QTest::newRow("four characters, whatever follows")
-        << u"hid#vid_352f&pid_000e55zz"_qs << QStringList(u"2pid is: 000e"_qs) << u"P"_qs;
+        << u"hid#vid_352f&pid_000e55zz"_s << QStringList(u"2pid is: 000e"_s) << u"P"_s;
     QTest::newRow("junk within the four characters")
-        << u"hid#vid_352f&pid_e&mi_00"_qs << QStringList(u"2pid is: e&mi"_qs) << u""_qs;
+        << u"hid#vid_352f&pid_e&mi_00"_s << QStringList(u"2pid is: e&mi"_s) << u""_s;
     QTest::newRow("fewer than four at the end")
-        << u"hid#vid_352f&pid_1f"_qs << QStringList(u"2pid is: 1f"_qs) << u"O"_qs;
+        << u"hid#vid_352f&pid_1f"_s << QStringList(u"2pid is: 1f"_s) << u"O"_s;
     QTest::newRow("nothing behind the mark")
-        << u"hid#vid_352f&pid_"_qs << QStringList(u"2pid is: "_qs) << u""_qs;
+        << u"hid#vid_352f&pid_"_s << QStringList(u"2pid is: "_s) << u""_s;
     QTest::newRow("the first mark counts")
-        << u"hid#vid_352f&pid_001f&pid_000e"_qs << QStringList(u"2pid is: 001f"_qs) << u"O"_qs;
-    QTest::newRow("only a mark") << u"pid_000e"_qs << QStringList(u"2pid is: 000e"_qs) << u"P"_qs;
-    QTest::newRow("not ASCII") << u"设备#pid_０００ｅ"_qs << QStringList(u"2pid is: ０００ｅ"_qs) << u""_qs;
+        << u"hid#vid_352f&pid_001f&pid_000e"_s << QStringList(u"2pid is: 001f"_s) << u"O"_s;
+    QTest::newRow("only a mark") << u"pid_000e"_s << QStringList(u"2pid is: 000e"_s) << u"P"_s;
+    QTest::newRow("not ASCII") << u"设备#pid_０００ｅ"_s << QStringList(u"2pid is: ０００ｅ"_s) << u""_s;
     QTest::newRow("very long") << QString(100'000, u'x') + u"pid_000e" + QString(100'000, u'y')
-                               << QStringList(u"2pid is: 000e"_qs) << u"P"_qs;
+                               << QStringList(u"2pid is: 000e"_s) << u"P"_s;
 }
 
 void DiscoveryTest::oddPaths()
@@ -200,7 +201,7 @@ void DiscoveryTest::oddPaths()
     QFETCH(QString, found);
 
     panel().ConnectingR2({oddPath}, {});
-    QTEST(m_stage->log.startingWith(u"2pid is: "_qs), "pidLines");
+    QTEST(m_stage->log.startingWith(u"2pid is: "_s), "pidLines");
     QVERIFY(m_stage->log.contains(foundLine(found)));
 }
 
@@ -212,19 +213,19 @@ void DiscoveryTest::modelFollowsABootLoader_data()
     QTest::addColumn<QStringList>("switchLines");
     QTest::addColumn<QString>("found");
     QTest::newRow("R2 sees the boot loader of an R1")
-        << 1 << QStringList(u"0010"_qs) << 0 << QStringList(kR1Switch) << u"p"_qs;
+        << 1 << QStringList(u"0010"_s) << 0 << QStringList(kR1Switch) << u"p"_s;
     QTest::newRow("R1 sees the boot loader of an R2")
-        << 0 << QStringList(u"00ff"_qs) << 1 << QStringList(kR2Switch) << u"p"_qs;
-    QTest::newRow("R1 sees its own") << 0 << QStringList(u"0010"_qs) << 0 << QStringList() << u"p"_qs;
-    QTest::newRow("R2 sees its own") << 1 << QStringList(u"00ff"_qs) << 1 << QStringList() << u"p"_qs;
+        << 0 << QStringList(u"00ff"_s) << 1 << QStringList(kR2Switch) << u"p"_s;
+    QTest::newRow("R1 sees its own") << 0 << QStringList(u"0010"_s) << 0 << QStringList() << u"p"_s;
+    QTest::newRow("R2 sees its own") << 1 << QStringList(u"00ff"_s) << 1 << QStringList() << u"p"_s;
     QTest::newRow("a switch changes the tests for the later paths")
-        << 1 << QStringList{u"0010"_qs, u"0001"_qs, u"0012"_qs} << 0 << QStringList(kR1Switch) << u"pPO"_qs;
+        << 1 << QStringList{u"0010"_s, u"0001"_s, u"0012"_s} << 0 << QStringList(kR1Switch) << u"pPO"_s;
     QTest::newRow("a switch does not change the tests for the earlier paths")
-        << 1 << QStringList{u"0001"_qs, u"0012"_qs, u"0010"_qs} << 0 << QStringList(kR1Switch) << u"p"_qs;
+        << 1 << QStringList{u"0001"_s, u"0012"_s, u"0010"_s} << 0 << QStringList(kR1Switch) << u"p"_s;
     QTest::newRow("both boot loaders, the last one stays")
-        << 1 << QStringList{u"0010"_qs, u"00ff"_qs} << 1 << QStringList{kR1Switch, kR2Switch} << u"p"_qs;
+        << 1 << QStringList{u"0010"_s, u"00ff"_s} << 1 << QStringList{kR1Switch, kR2Switch} << u"p"_s;
     QTest::newRow("an R1's OTG chip switches nothing")
-        << 1 << QStringList(u"0012"_qs) << 1 << QStringList() << u""_qs;
+        << 1 << QStringList(u"0012"_s) << 1 << QStringList() << u""_s;
 }
 
 void DiscoveryTest::modelFollowsABootLoader()
@@ -237,11 +238,11 @@ void DiscoveryTest::modelFollowsABootLoader()
 
     panel().ConnectingR2(paths(productIds), {});
     QTEST(int(panel().m_deviceModel), "modelAfter");
-    QTEST(m_stage->log.startingWith(u"[ConnectingR2] 检测到"_qs), "switchLines");
+    QTEST(m_stage->log.startingWith(u"[ConnectingR2] 检测到"_s), "switchLines");
     QVERIFY(m_stage->log.contains(foundLine(found)));
-    if (!m_stage->log.startingWith(u"[ConnectingR2] 检测到"_qs).isEmpty()) {
+    if (!m_stage->log.startingWith(u"[ConnectingR2] 检测到"_s).isEmpty()) {
         const qsizetype at
-            = lines().indexOf(m_stage->log.startingWith(u"[ConnectingR2] 检测到"_qs).constFirst());
+            = lines().indexOf(m_stage->log.startingWith(u"[ConnectingR2] 检测到"_s).constFirst());
         QVERIFY(lines().at(at + 1).startsWith(u"find DFU device, pid="));
     }
 }
@@ -250,17 +251,17 @@ void DiscoveryTest::modelFollowsABootLoader()
 void DiscoveryTest::modelSwitchResetsNothing()
 {
     dropRecovery();
-    panel().m_devicePcVersion = u"1.2.3"_qs;
-    panel().m_remotePcVersion = u"1.3.3"_qs;
+    panel().m_devicePcVersion = u"1.2.3"_s;
+    panel().m_remotePcVersion = u"1.3.3"_s;
     panel().m_upgradePlan = UpgradePlan::PcOnly;
     panel().lastDetectedOtgPid = 31;
     const QStringList before = panelState(panel());
 
-    panel().ConnectingR2(paths({u"0010"_qs}), {});
+    panel().ConnectingR2(paths({u"0010"_s}), {});
     QCOMPARE(changedState(before, panelState(panel())),
-             QStringList({u"m_autoRecoverRunning=true"_qs, u"m_isUpgrading=true"_qs, u"m_deviceModel=0"_qs,
-                          u"lastDetectedPcPid=16"_qs}));
-    QVERIFY(m_stage->log.startingWith(u"setDeviceModel"_qs).isEmpty());
+             QStringList({u"m_autoRecoverRunning=true"_s, u"m_isUpgrading=true"_s, u"m_deviceModel=0"_s,
+                          u"lastDetectedPcPid=16"_s}));
+    QVERIFY(m_stage->log.startingWith(u"setDeviceModel"_s).isEmpty());
 }
 
 QTEST_MAIN(DiscoveryTest)

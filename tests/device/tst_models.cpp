@@ -10,6 +10,7 @@
 
 #include <memory>
 
+using namespace Qt::StringLiterals;
 using namespace QuillonFirmwareUpgrade;
 
 namespace {
@@ -198,14 +199,14 @@ void ModelsTest::serverPaths_data()
         QTest::addRow("%s of R2", name) << 1 << address << r2;
         QTest::addRow("%s of 2, served as R2", name) << 2 << address << r2;
     };
-    rows("PC version", &FirmwareUpgradeWidget::pcVersionUrl, u"/upinfo_test.aspx?proj_name=R1MCU"_qs,
-         u"/upinfo_test.aspx?proj_name=R2MCU"_qs);
-    rows("OTG version", &FirmwareUpgradeWidget::otgVersionUrl, u"/upinfo_test.aspx?proj_name=R1OTG"_qs,
-         u"/upinfo_test.aspx?proj_name=R2OTG"_qs);
-    rows("PC image", &FirmwareUpgradeWidget::pcFirmwareDownloadUrl, u"/dnfile_test.aspx?f_sn=153"_qs,
-         u"/dnfile_test.aspx?f_sn=155"_qs);
-    rows("OTG image", &FirmwareUpgradeWidget::otgFirmwareDownloadUrl, u"/dnfile_test.aspx?f_sn=154"_qs,
-         u"/dnfile_test.aspx?f_sn=156"_qs);
+    rows("PC version", &FirmwareUpgradeWidget::pcVersionUrl, u"/upinfo_test.aspx?proj_name=R1MCU"_s,
+         u"/upinfo_test.aspx?proj_name=R2MCU"_s);
+    rows("OTG version", &FirmwareUpgradeWidget::otgVersionUrl, u"/upinfo_test.aspx?proj_name=R1OTG"_s,
+         u"/upinfo_test.aspx?proj_name=R2OTG"_s);
+    rows("PC image", &FirmwareUpgradeWidget::pcFirmwareDownloadUrl, u"/dnfile_test.aspx?f_sn=153"_s,
+         u"/dnfile_test.aspx?f_sn=155"_s);
+    rows("OTG image", &FirmwareUpgradeWidget::otgFirmwareDownloadUrl, u"/dnfile_test.aspx?f_sn=154"_s,
+         u"/dnfile_test.aspx?f_sn=156"_s);
 }
 
 void ModelsTest::serverPaths()
@@ -239,7 +240,7 @@ void ModelsTest::serverIsOneBareHost()
         const QString whole = ((*m_panel).*address)();
         const QUrl url(whole, QUrl::StrictMode);
         QVERIFY2(url.isValid(), qPrintable(whole));
-        QCOMPARE(url.scheme(), u"http"_qs);
+        QCOMPARE(url.scheme(), u"http"_s);
         QVERIFY(!url.host().isEmpty());
         QCOMPARE(url.host(), reference.host());
         QCOMPARE(url.port(), -1);
@@ -251,9 +252,9 @@ void ModelsTest::filePrefix_data()
 {
     QTest::addColumn<int>("modelValue");
     QTest::addColumn<QString>("prefix");
-    QTest::newRow("R1") << 0 << u"R1"_qs;
-    QTest::newRow("R2") << 1 << u"R2"_qs;
-    QTest::newRow("2 is served as R2") << 2 << u"R2"_qs;
+    QTest::newRow("R1") << 0 << u"R1"_s;
+    QTest::newRow("R2") << 1 << u"R2"_s;
+    QTest::newRow("2 is served as R2") << 2 << u"R2"_s;
 }
 
 void ModelsTest::filePrefix()

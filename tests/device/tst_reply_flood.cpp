@@ -4,6 +4,7 @@
 #include <QMessageBox>
 #include <QTimer>
 
+using namespace Qt::StringLiterals;
 using namespace Chips;
 using namespace std::chrono_literals;
 
@@ -34,7 +35,7 @@ void ReplyFloodTest::repliesOfASilentServersQueriesNestToALimit()
     int deepest = 0;
     QTimer watch;
     connect(&watch, &QTimer::timeout, this, [&] {
-        deepest = std::max(deepest, int(stage.log.count(u"DEVICE PC VERSION : 1.2.3"_qs)));
+        deepest = std::max(deepest, int(stage.log.count(u"DEVICE PC VERSION : 1.2.3"_s)));
     });
     watch.start(20ms);
 
@@ -72,8 +73,8 @@ void ReplyFloodTest::nextReplyAfterAFloodIsRead()
 
     stage.server.answer(ServerPaths::kR2PcVersion, ScriptedHttpServer::version("1.3.0"));
     stage.panel->onReceiveHIDdata(kPc.reply({1, 2, 4}));
-    QCOMPARE(stage.panel->m_devicePcVersion, u"1.2.4"_qs);
-    QCOMPARE(stage.panel->m_remotePcVersion, u"1.3.0"_qs);
+    QCOMPARE(stage.panel->m_devicePcVersion, u"1.2.4"_s);
+    QCOMPARE(stage.panel->m_remotePcVersion, u"1.3.0"_s);
 }
 
 QTEST_MAIN(ReplyFloodTest)

@@ -9,12 +9,13 @@
 #include <QTest>
 #include <QTimer>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
-const QString kPcRead = u"hid: DC_AddSendData(65: 51 c4 0b 00 00 06 0b 00 03 00 1d ff)"_qs;
-const QString kOtgRead = u"hid: DC_AddSendData(65: 51 c4 0b 00 00 06 10 00 03 00 18 ff)"_qs;
-const QString kPlanStep = u"[Upgrade] 不需要升级"_qs; ///< logged when all versions are known and equal
+const QString kPcRead = u"hid: DC_AddSendData(65: 51 c4 0b 00 00 06 0b 00 03 00 1d ff)"_s;
+const QString kOtgRead = u"hid: DC_AddSendData(65: 51 c4 0b 00 00 06 10 00 03 00 18 ff)"_s;
+const QString kPlanStep = u"[Upgrade] 不需要升级"_s; ///< logged when all versions are known and equal
 constexpr quint16 kMode = 0x1008;
 
 QByteArray hex(const char *text)
@@ -66,7 +67,7 @@ private slots:
 
 private:
     FirmwareUpgradeWidget &panel() { return *m_stage->panel; }
-    QStringList commands() const { return m_stage->log.startingWith(u"hid: "_qs); }
+    QStringList commands() const { return m_stage->log.startingWith(u"hid: "_s); }
     void makeAllVersionsEqual();
     void lookAtTheBox();
 
@@ -97,7 +98,7 @@ void ReportsTest::makeAllVersionsEqual()
     for (QString FirmwareUpgradeWidget::*version :
          {&FirmwareUpgradeWidget::m_devicePcVersion, &FirmwareUpgradeWidget::m_deviceOtgVersion,
           &FirmwareUpgradeWidget::m_remotePcVersion, &FirmwareUpgradeWidget::m_remoteOtgVersion})
-        panel().*version = u"2.0.0"_qs;
+        panel().*version = u"2.0.0"_s;
 }
 
 /// Writes down the warning box, if one is open, and presses its button.
@@ -116,20 +117,20 @@ void ReportsTest::logLine_data()
     QTest::addColumn<QByteArray>("report");
     QTest::addColumn<QStringList>("lines");
     const QByteArray counted = hex("c440000000000708090a0b0c0d0e0f101112131415161718191a1b1c1d1e1f20");
-    const QString first25 = u" c4 40 00 00 00 00 07 08 09 0a 0b 0c 0d 0e 0f 10 11 12 13 14 15 16 17 18 19"_qs;
+    const QString first25 = u" c4 40 00 00 00 00 07 08 09 0a 0b 0c 0d 0e 0f 10 11 12 13 14 15 16 17 18 19"_s;
     const auto line = [](int size, const QString &content) {
-        return QStringList(u"[HID接收] 数据长度:%1 内容:%2"_qs.arg(QString::number(size), content));
+        return QStringList(u"[HID接收] 数据长度:%1 内容:%2"_s.arg(QString::number(size), content));
     };
     QTest::newRow("empty") << QByteArray() << QStringList();
     QTest::newRow("one byte has no byte 1") << hex("c4") << QStringList();
     QTest::newRow("byte 1 is 0") << hex("c400000000ff07") << QStringList();
     QTest::newRow("all zeros") << QByteArray(64, '\0') << QStringList();
-    QTest::newRow("two bytes") << hex("0001") << line(2, u" 00 01"_qs);
+    QTest::newRow("two bytes") << hex("0001") << line(2, u" 00 01"_s);
     QTest::newRow("24 bytes") << counted.left(24) << line(24, first25.left(24 * 3));
     QTest::newRow("25 bytes are shown whole") << counted.left(25) << line(25, first25);
-    QTest::newRow("26 bytes are cut") << counted.left(26) << line(26, first25 + u"..."_qs);
-    QTest::newRow("30 bytes are cut") << counted.left(30) << line(30, first25 + u"..."_qs);
-    QTest::newRow("high bytes") << hex("ff80fe7f") << line(4, u" ff 80 fe 7f"_qs);
+    QTest::newRow("26 bytes are cut") << counted.left(26) << line(26, first25 + u"..."_s);
+    QTest::newRow("30 bytes are cut") << counted.left(30) << line(30, first25 + u"..."_s);
+    QTest::newRow("high bytes") << hex("ff80fe7f") << line(4, u" ff 80 fe 7f"_s);
 }
 
 void ReportsTest::logLine()
@@ -137,7 +138,7 @@ void ReportsTest::logLine()
     QFETCH(QByteArray, report);
 
     panel().onReceiveHIDdata(report);
-    QTEST(m_stage->log.startingWith(u"[HID接收]"_qs), "lines");
+    QTEST(m_stage->log.startingWith(u"[HID接收]"_s), "lines");
 }
 
 void ReportsTest::reportsWithoutEffect_data()
@@ -177,11 +178,11 @@ void ReportsTest::dispatch_data()
     QByteArray wrongMarks = DeviceReplies::mode(0);
     wrongMarks[0] = 0x11; // start mark
     wrongMarks[9] = 0x22; // checksum
-    QTest::newRow("4 is a random read") << DeviceReplies::mode(0) << u" receive dfu mode is: off"_qs;
+    QTest::newRow("4 is a random read") << DeviceReplies::mode(0) << u" receive dfu mode is: off"_s;
     QTest::newRow("6 is a continuous read; another start still takes the plan step")
         << DeviceReplies::version(0x0033, {1, 2, 3}) << kPlanStep;
     QTest::newRow("start mark and checksum are not looked at")
-        << wrongMarks << u" receive dfu mode is: off"_qs;
+        << wrongMarks << u" receive dfu mode is: off"_s;
     QTest::newRow("the log does not decide: length 0 is dispatched")
         << randomRead({kMode, 0}, 0) << QString();
 }
@@ -203,15 +204,15 @@ void ReportsTest::normalModeAsksForBothVersions()
 {
     panel().onReceiveHIDdata(DeviceReplies::mode(0));
 
-    QCOMPARE(m_stage->log.lines().mid(1), QStringList({u" receive dfu mode is: off"_qs, kPcRead, kOtgRead}));
+    QCOMPARE(m_stage->log.lines().mid(1), QStringList({u" receive dfu mode is: off"_s, kPcRead, kOtgRead}));
 }
 
 void ReportsTest::modeEntries_data()
 {
     QTest::addColumn<QByteArray>("report");
     QTest::addColumn<QStringList>("modes");
-    const QStringList off{u" receive dfu mode is: off"_qs};
-    const QStringList on{u" receive dfu mode is: on"_qs};
+    const QStringList off{u" receive dfu mode is: off"_s};
+    const QStringList on{u" receive dfu mode is: on"_s};
     QTest::newRow("off") << DeviceReplies::mode(0) << off;
     QTest::newRow("on") << DeviceReplies::mode(1) << on;
     QTest::newRow("any value but 0 is on") << DeviceReplies::mode(0xFFFF) << on;
@@ -236,9 +237,9 @@ void ReportsTest::modeEntries()
     QFETCH(QStringList, modes);
 
     panel().onReceiveHIDdata(report);
-    QCOMPARE(m_stage->log.startingWith(u" receive dfu mode is: "_qs), modes);
-    QCOMPARE(commands().count(kPcRead), modes.count(u" receive dfu mode is: off"_qs));
-    QCOMPARE(m_boxes.count, int(modes.count(u" receive dfu mode is: on"_qs)));
+    QCOMPARE(m_stage->log.startingWith(u" receive dfu mode is: "_s), modes);
+    QCOMPARE(commands().count(kPcRead), modes.count(u" receive dfu mode is: off"_s));
+    QCOMPARE(m_boxes.count, int(modes.count(u" receive dfu mode is: on"_s)));
 }
 
 void ReportsTest::upgradeModeShowsAWarning_data()
@@ -256,8 +257,8 @@ void ReportsTest::upgradeModeShowsAWarning()
 
     panel().onReceiveHIDdata(DeviceReplies::mode(1));
     QCOMPARE(m_boxes.count, 1);
-    QCOMPARE(m_boxes.title, u"提示"_qs);
-    QCOMPARE(m_boxes.text, u"当前设备是固件升级模式"_qs);
+    QCOMPARE(m_boxes.title, u"提示"_s);
+    QCOMPARE(m_boxes.text, u"当前设备是固件升级模式"_s);
     QCOMPARE(m_boxes.icon, QMessageBox::Warning);
     QCOMPARE(m_boxes.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
     QCOMPARE(m_boxes.parent, &panel());
@@ -272,7 +273,7 @@ void ReportsTest::hostileReportsAreSurvived_data()
     QTest::addColumn<QString>("version"); // by the last one, which is whole
     QTest::newRow("operation 3") << 3 << QString();
     QTest::newRow("operation 4") << 4 << QString();
-    QTest::newRow("operation 6") << 6 << u"1.2.3"_qs;
+    QTest::newRow("operation 6") << 6 << u"1.2.3"_s;
 }
 
 void ReportsTest::hostileReportsAreSurvived()

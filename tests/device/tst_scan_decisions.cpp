@@ -7,14 +7,15 @@
 #include <QSignalSpy>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
 using namespace Scans;
 
 namespace {
-const QString kRecoveryFlags = u"$$#####----=-=== m_isUpgrading is : %1 m_autoRecoverRunning is: %2"_qs;
-const QString kRecoveryStarted = u"find DFU PID and trigger auto recover."_qs;
-const QString kOtgTrigger = u"OTG already present, trigger OTG upgrade directly"_qs;
-const QString kOtgMissing = u"OTG ready phase, but OTG device not found yet"_qs;
-const QString kOtgTooEarly = u"find r2 otg device, but not ready for OTG upgrade yet"_qs;
+const QString kRecoveryFlags = u"$$#####----=-=== m_isUpgrading is : %1 m_autoRecoverRunning is: %2"_s;
+const QString kRecoveryStarted = u"find DFU PID and trigger auto recover."_s;
+const QString kOtgTrigger = u"OTG already present, trigger OTG upgrade directly"_s;
+const QString kOtgMissing = u"OTG ready phase, but OTG device not found yet"_s;
+const QString kOtgTooEarly = u"find r2 otg device, but not ready for OTG upgrade yet"_s;
 } // namespace
 
 class ScanDecisionsTest : public QObject {
@@ -65,14 +66,14 @@ void ScanDecisionsTest::bootLoaderStartsARecovery()
     m_stage->server.answer(ServerPaths::kR2OtgVersion, ScriptedHttpServer::version("1.2.4"));
     QSignalSpy bricked(&panel(), &FirmwareUpgradeWidget::onDeviceBrickedDetected);
 
-    panel().ConnectingR2(paths({u"00ff"_qs}), {});
+    panel().ConnectingR2(paths({u"00ff"_s}), {});
     QCOMPARE(bricked.count(), 1);
     QVERIFY(panel().m_isUpgrading);
     QVERIFY(panel().m_autoRecoverRunning);
     QCOMPARE(panel().m_upgradePlan, UpgradePlan::Both);
     // The recovery runs inside the signal: its lines stand between the two of the scan.
-    const qsizetype flags = lines().indexOf(kRecoveryFlags.arg(u"false"_qs, u"false"_qs));
-    const qsizetype recovery = lines().indexOf(u"[AutoRecover] start auto recover upgrade flow."_qs);
+    const qsizetype flags = lines().indexOf(kRecoveryFlags.arg(u"false"_s, u"false"_s));
+    const qsizetype recovery = lines().indexOf(u"[AutoRecover] start auto recover upgrade flow."_s);
     QVERIFY(flags > 0 && flags < recovery);
     QVERIFY(recovery < lines().indexOf(kRecoveryStarted));
 }
@@ -95,10 +96,10 @@ void ScanDecisionsTest::bootLoaderStartsNothing()
     QSignalSpy bricked(&panel(), &FirmwareUpgradeWidget::onDeviceBrickedDetected);
     const QStringList before = panelState(panel());
 
-    panel().ConnectingR2(paths({u"00ff"_qs}), {});
+    panel().ConnectingR2(paths({u"00ff"_s}), {});
     QCOMPARE(bricked.count(), 0);
     QCOMPARE(lines().constLast(), kRecoveryFlags.arg(word(isUpgrading), word(isRecovering)));
-    QCOMPARE(changedState(before, panelState(panel())), QStringList(u"lastDetectedPcPid=255"_qs));
+    QCOMPARE(changedState(before, panelState(panel())), QStringList(u"lastDetectedPcPid=255"_s));
 }
 
 void ScanDecisionsTest::recoveryFlagsStandWhenTheSignalComes()
@@ -108,10 +109,10 @@ void ScanDecisionsTest::recoveryFlagsStandWhenTheSignalComes()
     connect(&panel(), &FirmwareUpgradeWidget::onDeviceBrickedDetected, this,
             [&] { atTheSignal = panelState(panel()); });
 
-    panel().ConnectingR2(paths({u"00ff"_qs}), {});
-    QVERIFY(atTheSignal.contains(u"m_isUpgrading=true"_qs));
-    QVERIFY(atTheSignal.contains(u"m_autoRecoverRunning=true"_qs));
-    QVERIFY(atTheSignal.contains(u"lastDetectedPcPid=255"_qs));
+    panel().ConnectingR2(paths({u"00ff"_s}), {});
+    QVERIFY(atTheSignal.contains(u"m_isUpgrading=true"_s));
+    QVERIFY(atTheSignal.contains(u"m_autoRecoverRunning=true"_s));
+    QVERIFY(atTheSignal.contains(u"lastDetectedPcPid=255"_s));
     QCOMPARE(lines().constLast(), kRecoveryStarted);
 }
 
@@ -124,22 +125,22 @@ void ScanDecisionsTest::otgPhase_data()
     QTest::addColumn<int>("announcements");
     QTest::addColumn<QString>("lastLine");
     QTest::newRow("OtgOnly, OTG chip present")
-        << 1 << 2 << false << QStringList(u"001f"_qs) << 1 << kOtgTrigger;
+        << 1 << 2 << false << QStringList(u"001f"_s) << 1 << kOtgTrigger;
     QTest::newRow("OtgOnly, OTG boot loader present")
-        << 1 << 2 << false << QStringList(u"0065"_qs) << 1 << kOtgTrigger;
-    QTest::newRow("OtgOnly, R1") << 0 << 2 << false << QStringList(u"0012"_qs) << 1 << kOtgTrigger;
+        << 1 << 2 << false << QStringList(u"0065"_s) << 1 << kOtgTrigger;
+    QTest::newRow("OtgOnly, R1") << 0 << 2 << false << QStringList(u"0012"_s) << 1 << kOtgTrigger;
     QTest::newRow("OtgOnly, nothing present") << 1 << 2 << false << QStringList() << 0 << kOtgMissing;
     QTest::newRow("OtgOnly, the other model's OTG chip")
-        << 1 << 2 << false << QStringList(u"0012"_qs) << 0 << kOtgMissing;
-    QTest::newRow("OtgOnly, PC chip only") << 1 << 2 << false << QStringList(u"000e"_qs) << 0 << kOtgMissing;
+        << 1 << 2 << false << QStringList(u"0012"_s) << 0 << kOtgMissing;
+    QTest::newRow("OtgOnly, PC chip only") << 1 << 2 << false << QStringList(u"000e"_s) << 0 << kOtgMissing;
     QTest::newRow("Both with its PC half done, OTG chip present")
-        << 1 << 3 << true << QStringList(u"001f"_qs) << 1 << kOtgTrigger;
+        << 1 << 3 << true << QStringList(u"001f"_s) << 1 << kOtgTrigger;
     QTest::newRow("Both with its PC half done, both chips present")
-        << 1 << 3 << true << QStringList{u"000e"_qs, u"001f"_qs} << 1 << kOtgTrigger;
+        << 1 << 3 << true << QStringList{u"000e"_s, u"001f"_s} << 1 << kOtgTrigger;
     QTest::newRow("Both with its PC half done, nothing present")
         << 1 << 3 << true << QStringList() << 0 << kOtgMissing;
     QTest::newRow("both of the OTG chip's identities are one announcement")
-        << 1 << 3 << true << QStringList{u"001f"_qs, u"0065"_qs} << 1 << kOtgTrigger;
+        << 1 << 3 << true << QStringList{u"001f"_s, u"0065"_s} << 1 << kOtgTrigger;
 }
 
 void ScanDecisionsTest::otgPhase()
@@ -164,7 +165,7 @@ void ScanDecisionsTest::otgPhase()
     QTEST(lines().constLast(), "lastLine");
     if (announcements)
         QCOMPARE(atTheSignal.constLast(), kOtgTrigger);
-    QVERIFY(m_stage->log.startingWith(u"[ConnectingR2] foundR2"_qs).isEmpty());
+    QVERIFY(m_stage->log.startingWith(u"[ConnectingR2] foundR2"_s).isEmpty());
 }
 
 void ScanDecisionsTest::otgPhaseOpensAndRecoversNothing()
@@ -174,8 +175,8 @@ void ScanDecisionsTest::otgPhaseOpensAndRecoversNothing()
     panel().m_upgradePlan = UpgradePlan::OtgOnly;
     QSignalSpy bricked(&panel(), &FirmwareUpgradeWidget::onDeviceBrickedDetected);
 
-    panel().ConnectingR2({device, path(u"00ff"_qs)}, {});
-    QCOMPARE(m_stage->log.startingWith(u"hid"_qs), QStringList());
+    panel().ConnectingR2({device, path(u"00ff"_s)}, {});
+    QCOMPARE(m_stage->log.startingWith(u"hid"_s), QStringList());
     QCOMPARE(bricked.count(), 0);
     QCOMPARE(panel().lastDetectedPcPid, 255);
 }
@@ -206,10 +207,10 @@ void ScanDecisionsTest::otgBeforeItsPhase()
     panel().pcUpgradeCompleted = isPcDone;
     QSignalSpy announced(&panel(), &FirmwareUpgradeWidget::r2otgConnected);
 
-    for (const QString &productId : {u"001f"_qs, u"0065"_qs}) {
+    for (const QString &productId : {u"001f"_s, u"0065"_s}) {
         panel().ConnectingR2(paths({productId}), {});
         QCOMPARE(lines().constLast(),
-                 isTooEarly ? kOtgTooEarly : foundLine(productId == u"001f" ? u"O"_qs : u"o"_qs));
+                 isTooEarly ? kOtgTooEarly : foundLine(productId == u"001f" ? u"O"_s : u"o"_s));
     }
     QCOMPARE(announced.count(), 0);
 }

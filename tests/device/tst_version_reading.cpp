@@ -2,6 +2,7 @@
 #include "tests/device/Chips.h"
 #include "tests/support/LogOrder.h"
 
+using namespace Qt::StringLiterals;
 using namespace Chips;
 
 class VersionReadingTest : public QObject {
@@ -51,12 +52,12 @@ void VersionReadingTest::registersBecomeAVersion_data()
         const auto row = [&chip](const char *name, Version registers, const QString &version) {
             QTest::addRow("%s: %s", qPrintable(chip.name), name) << chip << registers << version;
         };
-        row("1, 2, 3", {1, 2, 3}, u"1.2.3"_qs);
-        row("both bytes of each register", {0x0102, 0x0304, 0x0506}, u"258.772.1286"_qs);
-        row("0xFFFF is -1", {0xFFFF, 0, 0}, u"-1.0.0"_qs);
-        row("0x8000 is the lowest", {0, 0x8000, 0x7FFF}, u"0.-32768.32767"_qs);
-        row("0, 0, 0", {0, 0, 0}, u"0.0.0"_qs);
-        row("one hundred and four is no failure here", {104, 0, 0}, u"104.0.0"_qs);
+        row("1, 2, 3", {1, 2, 3}, u"1.2.3"_s);
+        row("both bytes of each register", {0x0102, 0x0304, 0x0506}, u"258.772.1286"_s);
+        row("0xFFFF is -1", {0xFFFF, 0, 0}, u"-1.0.0"_s);
+        row("0x8000 is the lowest", {0, 0x8000, 0x7FFF}, u"0.-32768.32767"_s);
+        row("0, 0, 0", {0, 0, 0}, u"0.0.0"_s);
+        row("one hundred and four is no failure here", {104, 0, 0}, u"104.0.0"_s);
     }
 }
 
@@ -90,8 +91,8 @@ void VersionReadingTest::serverIsAskedForTheSameChip()
 
     receive(chip, {1, 2, 3});
     QCOMPARE(m_stage->server.paths(), QStringList(path));
-    QCOMPARE(panel().*chip.remote, u"1.3.0"_qs);
-    QCOMPARE(lines().mid(1), QStringList({deviceLine(chip, u"1.2.3"_qs), remoteLine(chip, u"1.3.0"_qs)}));
+    QCOMPARE(panel().*chip.remote, u"1.3.0"_s);
+    QCOMPARE(lines().mid(1), QStringList({deviceLine(chip, u"1.2.3"_s), remoteLine(chip, u"1.3.0"_s)}));
 }
 
 void VersionReadingTest::answersOfTheServer_data()
@@ -101,10 +102,10 @@ void VersionReadingTest::answersOfTheServer_data()
     QTest::addColumn<QString>("remote");
     for (const Chip &chip : {kPc, kOtg}) {
         QTest::addRow("%s: a version", qPrintable(chip.name))
-            << chip << QByteArray(R"([{"f_ver":"2.0.1"}])") << u"2.0.1"_qs;
-        QTest::addRow("%s: no list", qPrintable(chip.name)) << chip << QByteArray("{}") << u"104"_qs;
+            << chip << QByteArray(R"([{"f_ver":"2.0.1"}])") << u"2.0.1"_s;
+        QTest::addRow("%s: no list", qPrintable(chip.name)) << chip << QByteArray("{}") << u"104"_s;
         QTest::addRow("%s: a list whose element names no version", qPrintable(chip.name))
-            << chip << QByteArray("[{}]") << u""_qs;
+            << chip << QByteArray("[{}]") << u""_s;
     }
 }
 
@@ -113,7 +114,7 @@ void VersionReadingTest::answersOfTheServer()
     QFETCH(Chip, chip);
     QFETCH(QByteArray, body);
     QFETCH(QString, remote);
-    panel().*chip.remote = u"9.9.9"_qs; // of an earlier read
+    panel().*chip.remote = u"9.9.9"_s; // of an earlier read
     m_stage->server.answer(chip.r2Path, ScriptedHttpServer::page(body));
 
     receive(chip, {1, 2, 3});
@@ -153,7 +154,7 @@ void VersionReadingTest::shortRepliesStoreNothing()
     QVERIFY(panel().m_devicePcVersion.isEmpty());
 
     panel().onReceiveHIDdata(reply.left(kWhole)); // the checksum may be missing
-    QCOMPARE(panel().m_devicePcVersion, u"1.2.3"_qs);
+    QCOMPARE(panel().m_devicePcVersion, u"1.2.3"_s);
 }
 
 // From the plug to the plan over the real link.
@@ -164,14 +165,14 @@ void VersionReadingTest::wholeExchangeLeadsToAPlan()
     PanelStage::bus().setResponder(DeviceReplies::device({1, 2, 3}, {1, 2, 4}));
     PanelStage::bus().plug(0x000E);
 
-    QTRY_COMPARE(m_stage->log.count(u"[Upgrade] 需要升级 PC 固件。device=1.2.3remote=1.3.0"_qs), 1);
+    QTRY_COMPARE(m_stage->log.count(u"[Upgrade] 需要升级 PC 固件。device=1.2.3remote=1.3.0"_s), 1);
     QCOMPARE(panel().m_upgradePlan, UpgradePlan::PcOnly);
     // The OTG version may come in while the server is still busy with the PC version.
     for (const QStringList &order :
-         {QStringList{u" receive dfu mode is: off"_qs, deviceLine(kPc, u"1.2.3"_qs),
-                      deviceLine(kOtg, u"1.2.4"_qs)},
-          QStringList{deviceLine(kPc, u"1.2.3"_qs), remoteLine(kPc, u"1.3.0"_qs)},
-          QStringList{deviceLine(kOtg, u"1.2.4"_qs), remoteLine(kOtg, u"1.2.4"_qs)}})
+         {QStringList{u" receive dfu mode is: off"_s, deviceLine(kPc, u"1.2.3"_s),
+                      deviceLine(kOtg, u"1.2.4"_s)},
+          QStringList{deviceLine(kPc, u"1.2.3"_s), remoteLine(kPc, u"1.3.0"_s)},
+          QStringList{deviceLine(kOtg, u"1.2.4"_s), remoteLine(kOtg, u"1.2.4"_s)}})
         QCOMPARE(missingInOrder(lines(), order), QString());
     const QList<QByteArray> sent = PanelStage::bus().written();
     QCOMPARE(sent.size(), 3); // the query, then the PC version before the OTG version

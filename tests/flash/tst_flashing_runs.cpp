@@ -4,6 +4,8 @@
 #include <QElapsedTimer>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 class FlashingRunsTest : public QObject {
     Q_OBJECT
 
@@ -24,33 +26,33 @@ void FlashingRunsTest::aRunEnds_data()
     QTest::addColumn<QString>("line");
     QTest::addColumn<int>("earliest");
     QTest::addColumn<int>("latest");
-    const QString success = u"Successfully upgrade !!!"_qs;
-    const QString noFile = u"[状态] 进程已退出但无进度文件，判定为失败"_qs;
-    const QString emptyFile = u"[状态] 进程已退出但进度文件为空，判定为失败"_qs;
-    const QString stall = u"[状态] 升级进度停滞3秒，判定为失败"_qs;
-    const QString badStatus = u"[状态] 升级失败(status=0)，显示失败重试 UI"_qs;
+    const QString success = u"Successfully upgrade !!!"_s;
+    const QString noFile = u"[状态] 进程已退出但无进度文件，判定为失败"_s;
+    const QString emptyFile = u"[状态] 进程已退出但进度文件为空，判定为失败"_s;
+    const QString stall = u"[状态] 升级进度停滞3秒，判定为失败"_s;
+    const QString badStatus = u"[状态] 升级失败(status=0)，显示失败重试 UI"_s;
 
     QTest::newRow("a tool that rewrites its report")
-        << "write 10%\npause 300\nwrite 55%\npause 300\nwrite success 1"_qba << true << success << 500
+        << "write 10%\npause 300\nwrite 55%\npause 300\nwrite success 1"_ba << true << success << 500
         << 3000;
     QTest::newRow("a tool that appends to its report")
-        << "append 10%\npause 300\nappend 55%\npause 300\nappend success 1"_qba << true << success << 500
+        << "append 10%\npause 300\nappend 55%\npause 300\nappend success 1"_ba << true << success << 500
         << 3000;
     QTest::newRow("a tool that takes two seconds a step")
-        << "write 10%\npause 2000\nwrite 20%\npause 2000\nwrite success 1"_qba << true << success << 3900
+        << "write 10%\npause 2000\nwrite 20%\npause 2000\nwrite success 1"_ba << true << success << 3900
         << 7000;
     QTest::newRow("a tool that does not quit after its success")
-        << "ignore-terminate\nwrite success 1\nhang"_qba << true << success << 0 << 3000;
-    QTest::newRow("a tool that quits at 100 %") << "write 100%\nexit 5"_qba << true << success << 0 << 3000;
-    QTest::newRow("a tool that stands at 100 %") << "write 100%\nhang"_qba << true << success << 2950 << 6000;
-    QTest::newRow("a tool that stands at 42 %") << "write 42%\nhang"_qba << false << stall << 2950 << 6000;
-    QTest::newRow("a tool that crashes at 30 %") << "write 30%\ncrash"_qba << false << stall << 2950 << 6000;
+        << "ignore-terminate\nwrite success 1\nhang"_ba << true << success << 0 << 3000;
+    QTest::newRow("a tool that quits at 100 %") << "write 100%\nexit 5"_ba << true << success << 0 << 3000;
+    QTest::newRow("a tool that stands at 100 %") << "write 100%\nhang"_ba << true << success << 2950 << 6000;
+    QTest::newRow("a tool that stands at 42 %") << "write 42%\nhang"_ba << false << stall << 2950 << 6000;
+    QTest::newRow("a tool that crashes at 30 %") << "write 30%\ncrash"_ba << false << stall << 2950 << 6000;
     QTest::newRow("a tool that reports a failure")
-        << "write 30%\npause 200\nwrite success 0\nexit 0"_qba << false << badStatus << 100 << 3000;
-    QTest::newRow("a tool that crashes at once") << "crash"_qba << false << noFile << 0 << 3000;
-    QTest::newRow("a tool that ends well and says nothing") << "exit 0"_qba << false << noFile << 0 << 3000;
+        << "write 30%\npause 200\nwrite success 0\nexit 0"_ba << false << badStatus << 100 << 3000;
+    QTest::newRow("a tool that crashes at once") << "crash"_ba << false << noFile << 0 << 3000;
+    QTest::newRow("a tool that ends well and says nothing") << "exit 0"_ba << false << noFile << 0 << 3000;
     QTest::newRow("a tool that ends well and reports nothing")
-        << "empty\nexit 0"_qba << false << emptyFile << 0 << 3000;
+        << "empty\nexit 0"_ba << false << emptyFile << 0 << 3000;
 }
 
 void FlashingRunsTest::aRunEnds()
@@ -72,7 +74,7 @@ void FlashingRunsTest::aRunEnds()
     QTRY_VERIFY_WITH_TIMEOUT(!panel.m_progressTimer->isActive(), latest);
     QVERIFY2(time.elapsed() >= earliest, qPrintable(QString::number(time.elapsed())));
     QCOMPARE(m->log.count(line), 1);
-    QCOMPARE(m->log.contains(u"Successfully upgrade !!!"_qs), succeeds);
+    QCOMPARE(m->log.contains(u"Successfully upgrade !!!"_s), succeeds);
     QCOMPARE(m->showsFailure(), !succeeds);
     QCOMPARE(panel.m_doneLb->isHidden(), !succeeds);
     QCOMPARE(panel.m_postUpgradeWaiting, succeeds);

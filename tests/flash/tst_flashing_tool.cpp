@@ -6,6 +6,7 @@
 #include <QScopeGuard>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 class FlashingToolTest : public QObject {
@@ -38,23 +39,23 @@ void FlashingToolTest::argumentsNameImageAndChip_data()
     QTest::addColumn<int>("pid");
     QTest::addColumn<QString>("digits");
     QTest::addColumn<bool>("isInBootLoader");
-    QTest::newRow("R1, PC chip") << 0 << 1 << u"0001"_qs << false;
-    QTest::newRow("R1, PC chip in its boot loader") << 0 << 16 << u"0010"_qs << true;
+    QTest::newRow("R1, PC chip") << 0 << 1 << u"0001"_s << false;
+    QTest::newRow("R1, PC chip in its boot loader") << 0 << 16 << u"0010"_s << true;
     QTest::newRow("R1, OTG chip, whose product ID is also its boot loader's")
-        << 0 << 18 << u"0012"_qs << true;
-    QTest::newRow("R1, R2's boot loader of the PC chip") << 0 << 255 << u"00ff"_qs << false;
-    QTest::newRow("R1, R2's boot loader of the OTG chip") << 0 << 101 << u"0065"_qs << false;
-    QTest::newRow("R2, PC chip") << 1 << 14 << u"000e"_qs << false;
-    QTest::newRow("R2, PC chip in its boot loader") << 1 << 255 << u"00ff"_qs << true;
-    QTest::newRow("R2, OTG chip") << 1 << 31 << u"001f"_qs << false;
-    QTest::newRow("R2, OTG chip in its boot loader") << 1 << 101 << u"0065"_qs << true;
-    QTest::newRow("R2, R1's boot loader") << 1 << 16 << u"0010"_qs << false;
-    QTest::newRow("R2, R1's OTG chip") << 1 << 18 << u"0012"_qs << false;
-    QTest::newRow("any other model is R2") << 7 << 255 << u"00ff"_qs << true;
-    QTest::newRow("no chip") << 1 << 0 << u"0000"_qs << false;
-    QTest::newRow("the largest product ID") << 1 << 0xFFFF << u"ffff"_qs << false;
-    QTest::newRow("digits are lower case") << 1 << 0xABCD << u"abcd"_qs << false;
-    QTest::newRow("a number that is no product ID") << 1 << 0x12345 << u"12345"_qs << false;
+        << 0 << 18 << u"0012"_s << true;
+    QTest::newRow("R1, R2's boot loader of the PC chip") << 0 << 255 << u"00ff"_s << false;
+    QTest::newRow("R1, R2's boot loader of the OTG chip") << 0 << 101 << u"0065"_s << false;
+    QTest::newRow("R2, PC chip") << 1 << 14 << u"000e"_s << false;
+    QTest::newRow("R2, PC chip in its boot loader") << 1 << 255 << u"00ff"_s << true;
+    QTest::newRow("R2, OTG chip") << 1 << 31 << u"001f"_s << false;
+    QTest::newRow("R2, OTG chip in its boot loader") << 1 << 101 << u"0065"_s << true;
+    QTest::newRow("R2, R1's boot loader") << 1 << 16 << u"0010"_s << false;
+    QTest::newRow("R2, R1's OTG chip") << 1 << 18 << u"0012"_s << false;
+    QTest::newRow("any other model is R2") << 7 << 255 << u"00ff"_s << true;
+    QTest::newRow("no chip") << 1 << 0 << u"0000"_s << false;
+    QTest::newRow("the largest product ID") << 1 << 0xFFFF << u"ffff"_s << false;
+    QTest::newRow("digits are lower case") << 1 << 0xABCD << u"abcd"_s << false;
+    QTest::newRow("a number that is no product ID") << 1 << 0x12345 << u"12345"_s << false;
 }
 
 void FlashingToolTest::argumentsNameImageAndChip()
@@ -64,10 +65,10 @@ void FlashingToolTest::argumentsNameImageAndChip()
     QFETCH(QString, digits);
     QFETCH(bool, isInBootLoader);
     m->panel->m_deviceModel = DeviceModel(model);
-    QStringList expected{u"C:/a b/R2_PC1.2.3.bin"_qs, u"--pid"_qs, digits};
+    QStringList expected{u"C:/a b/R2_PC1.2.3.bin"_s, u"--pid"_s, digits};
     if (isInBootLoader)
-        expected.append(u"--already-in-dfu"_qs);
-    QCOMPARE(m->panel->buildDfuArgs(u"C:/a b/R2_PC1.2.3.bin"_qs, pid), expected);
+        expected.append(u"--already-in-dfu"_s);
+    QCOMPARE(m->panel->buildDfuArgs(u"C:/a b/R2_PC1.2.3.bin"_s, pid), expected);
 }
 
 void FlashingToolTest::theToolIsStartedAsItIs()
@@ -75,7 +76,7 @@ void FlashingToolTest::theToolIsStartedAsItIs()
     m->panel->startUpgradeWithExternalTool(m->image, 255);
     QTRY_COMPARE(m->tool.runs().size(), 1);
     QCOMPARE(m->tool.runs().first().arguments,
-             (QStringList{m->image, u"--pid"_qs, u"00ff"_qs, u"--already-in-dfu"_qs}));
+             (QStringList{m->image, u"--pid"_s, u"00ff"_s, u"--already-in-dfu"_s}));
     QCOMPARE(m->tool.runs().first().workingDirectory, QDir::currentPath());
     QCOMPARE(m->panel->m_dfuProcess->program(), FakeFlashingTool::path());
     QCOMPARE(m->panel->m_dfuProcess->openMode(), QIODevice::ReadWrite);
@@ -93,15 +94,15 @@ void FlashingToolTest::theStartIsLogged_data()
     QTest::newRow("an upgrade")
         << 14 << 14 << 0 << false
         << u"startUpgradeWithExternalTool pid=e lastDetectedPcPid=e lastDetectedOtgPid=0 "
-           "autoRecover=false"_qs;
+           "autoRecover=false"_s;
     QTest::newRow("a recovery")
         << 255 << 255 << 31 << true
         << u"startUpgradeWithExternalTool pid=ff lastDetectedPcPid=ff lastDetectedOtgPid=1f "
-           "autoRecover=true"_qs;
+           "autoRecover=true"_s;
     QTest::newRow("the OTG half")
         << 101 << 14 << 101 << false
         << u"startUpgradeWithExternalTool pid=65 lastDetectedPcPid=e lastDetectedOtgPid=65 "
-           "autoRecover=false"_qs;
+           "autoRecover=false"_s;
 }
 
 void FlashingToolTest::theStartIsLogged()
@@ -118,8 +119,8 @@ void FlashingToolTest::theStartIsLogged()
     start(pid);
     QCOMPARE(m->log.lines(),
              (QStringList{
-                 line, u"##222 exePath is: "_qs + FakeFlashingTool::path(),
-                 u"[startUpgrade] keepWaitingUI=false progressColor=red?false pcUpgradeCompleted=false"_qs}));
+                 line, u"##222 exePath is: "_s + FakeFlashingTool::path(),
+                 u"[startUpgrade] keepWaitingUI=false progressColor=red?false pcUpgradeCompleted=false"_s}));
 }
 
 void FlashingToolTest::formerResultsAreForgotten()
@@ -182,8 +183,8 @@ void FlashingToolTest::theStartShows()
     panel.m_progressBar->setProgressColor(progressColor);
     panel.m_progressBar->setBackgroundColor(Qt::red);
     panel.m_progressBar->setValue(77);
-    const ScreenChange screen(panel, {u"m_waitingIconLb"_qs, u"m_upgradingLb"_qs, u"upgradeProgDisPlay"_qs},
-                              {u"m_rocketLb"_qs, u"m_upgradeTextLb"_qs});
+    const ScreenChange screen(panel, {u"m_waitingIconLb"_s, u"m_upgradingLb"_s, u"upgradeProgDisPlay"_s},
+                              {u"m_rocketLb"_s, u"m_upgradeTextLb"_s});
     m->tool.obeys("hang");
     start();
     QCOMPARE(m->percentOnBar(), percent);
@@ -192,7 +193,7 @@ void FlashingToolTest::theStartShows()
     QCOMPARE(panel.m_progressBar->m_progressColor, progressColor);
     QCOMPARE(screen.actual(), screen.expected());
     QVERIFY(!panel.m_isWaitingForUSB);
-    QCOMPARE(panel.m_upgradingLb->text(), u"升级中，请勿关闭设备..."_qs);
+    QCOMPARE(panel.m_upgradingLb->text(), u"升级中，请勿关闭设备..."_s);
     QCOMPARE(panel.m_upgradingLb->geometry(), QRect(133, 13, 174, 21));
     QCOMPARE(panel.m_waitingIconLb->geometry(), QRect(101, 12, 24, 24));
 }
@@ -208,14 +209,14 @@ void FlashingToolTest::theWaitingScreenStays()
     m->tool.obeys("hang");
     start(31);
     QCOMPARE(m->percentOnBar(), 50);
-    QCOMPARE(m->percentText(), u"50%"_qs);
+    QCOMPARE(m->percentText(), u"50%"_s);
     QCOMPARE(panel.m_progressBar->m_backgroundColor, FlashingStage::kGrey);
     QCOMPARE(panel.m_progressBar->m_progressColor, FlashingStage::kWaitingRed);
     QCOMPARE(screen.actual(), screen.expected());
     QVERIFY(panel.m_isWaitingForUSB);
     QCOMPARE(panel.m_upgradingLb->text(), bar);
     QVERIFY(m->log.contains(
-        u"[startUpgrade] keepWaitingUI=true progressColor=red?true pcUpgradeCompleted=true"_qs));
+        u"[startUpgrade] keepWaitingUI=true progressColor=red?true pcUpgradeCompleted=true"_s));
 }
 
 void FlashingToolTest::startsWithoutABar()
@@ -223,13 +224,13 @@ void FlashingToolTest::startsWithoutABar()
     const auto restore
         = qScopeGuard([this, bar = m->panel->m_progressBar] { m->panel->m_progressBar = bar; });
     m->panel->m_progressBar = nullptr;
-    m->panel->upgradeProgDisPlay->setText(u"12%"_qs);
+    m->panel->upgradeProgDisPlay->setText(u"12%"_s);
     m->tool.obeys("hang");
     start();
     QVERIFY(m->panel->m_dfuTimeoutTimer->isActive());
     QVERIFY(m->panel->m_progressTimer->isActive());
-    QCOMPARE(m->percentText(), u"12%"_qs);
-    QCOMPARE(m->log.startingWith(u"[startUpgrade]"_qs), QStringList());
+    QCOMPARE(m->percentText(), u"12%"_s);
+    QCOMPARE(m->log.startingWith(u"[startUpgrade]"_s), QStringList());
 }
 
 QTEST_MAIN(FlashingToolTest)

@@ -7,6 +7,7 @@
 #include <QScopeGuard>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 class FlashingToolEndTest : public QObject {
@@ -38,26 +39,26 @@ void FlashingToolEndTest::nothingChangesWhenItCannotStart_data()
     QTest::addColumn<QString>("imageName");
     QTest::addColumn<QString>("line");
     using Spoil = std::function<void(FlashingStage &)>;
-    const QString good = u"R2 固件_PC1.2.3.bin"_qs;
-    const QString noTool = u"OrvikFirmwareUpdata.exe isn't exit."_qs;
-    const QString noImage = u"Firmware upgrade bin file isn't exit."_qs;
-    const QString noStart = u"Start OrvikFirmwareUpdata.exe failed."_qs;
+    const QString good = u"R2 固件_PC1.2.3.bin"_s;
+    const QString noTool = u"OrvikFirmwareUpdata.exe isn't exit."_s;
+    const QString noImage = u"Firmware upgrade bin file isn't exit."_s;
+    const QString noStart = u"Start OrvikFirmwareUpdata.exe failed."_s;
 
     QTest::newRow("no tool") << Spoil([](FlashingStage &stage) { stage.tool.remove(); }) << good << noTool;
     QTest::newRow("no tool and no image")
         << Spoil([](FlashingStage &stage) { stage.tool.remove(); }) << QString() << noTool;
     QTest::newRow("no image named") << Spoil([](FlashingStage &) {}) << QString() << noImage;
     QTest::newRow("an image that does not exist")
-        << Spoil([](FlashingStage &) {}) << u"gone.bin"_qs << noImage;
+        << Spoil([](FlashingStage &) {}) << u"gone.bin"_s << noImage;
     QTest::newRow("a tool that may not be executed")
         << Spoil([](FlashingStage &stage) { stage.tool.forbid(); }) << good << noStart;
     QTest::newRow("a tool that is no program")
-        << Spoil([](FlashingStage &stage) { stage.tool.replaceBy("MZ\0\0 not for this machine"_qba); })
+        << Spoil([](FlashingStage &stage) { stage.tool.replaceBy("MZ\0\0 not for this machine"_ba); })
         << good << noStart;
     QTest::newRow("a tool that is empty")
         << Spoil([](FlashingStage &stage) { stage.tool.replaceBy({}); }) << good << noStart;
     QTest::newRow("a tool whose interpreter is missing")
-        << Spoil([](FlashingStage &stage) { stage.tool.replaceBy("#!/no/such/interpreter\n"_qba); }) << good
+        << Spoil([](FlashingStage &stage) { stage.tool.replaceBy("#!/no/such/interpreter\n"_ba); }) << good
         << noStart;
     QTest::newRow("a folder in the tool's place") << Spoil([](FlashingStage &stage) {
         stage.tool.remove();
@@ -88,7 +89,7 @@ void FlashingToolEndTest::nothingChangesWhenItCannotStart()
                                        14);
     QVERIFY(time.elapsed() < 3500);
     QCOMPARE(m->log.lines().size(), 3);
-    QCOMPARE(m->log.lines().at(1), u"##222 exePath is: "_qs + FakeFlashingTool::path());
+    QCOMPARE(m->log.lines().at(1), u"##222 exePath is: "_s + FakeFlashingTool::path());
     QCOMPARE(m->log.lines().at(2), line);
     QCOMPARE(panel.m_dfuProcess->state(), QProcess::NotRunning);
     QVERIFY(!panel.m_dfuTimeoutTimer->isActive());
@@ -108,10 +109,10 @@ void FlashingToolEndTest::itsEndDecidesNothing_data()
 {
     QTest::addColumn<QByteArray>("script");
     QTest::addColumn<QString>("line");
-    const QString exit = u"OrvikFirmwareUpdata.exe process exit, exitCode="_qs;
-    QTest::newRow("exit code 0") << "await go\nexit 0"_qba << QString(exit + u"0");
-    QTest::newRow("exit code 3") << "await go\nexit 3"_qba << QString(exit + u"3");
-    QTest::newRow("a crash") << "await go\ncrash"_qba << exit;
+    const QString exit = u"OrvikFirmwareUpdata.exe process exit, exitCode="_s;
+    QTest::newRow("exit code 0") << "await go\nexit 0"_ba << QString(exit + u"0");
+    QTest::newRow("exit code 3") << "await go\nexit 3"_ba << QString(exit + u"3");
+    QTest::newRow("a crash") << "await go\ncrash"_ba << exit;
 }
 
 void FlashingToolEndTest::itsEndDecidesNothing()
@@ -126,7 +127,7 @@ void FlashingToolEndTest::itsEndDecidesNothing()
     const QStringList state = panelState(*m->panel);
     const QStringList screen = Screen::everything(*m->panel);
     m->log.clear();
-    FakeFlashingTool::signal(u"go"_qs);
+    FakeFlashingTool::signal(u"go"_s);
     QTRY_COMPARE(m->panel->m_dfuProcess->state(), QProcess::NotRunning);
     QCOMPARE(m->log.lines().size(), 1);
     QVERIFY2(m->log.lines().first().startsWith(line), qPrintable(m->log.lines().first()));
@@ -139,7 +140,7 @@ void FlashingToolEndTest::itsEndIsHeardWithoutAWatchdog()
 {
     m->log.clear();
     m->panel->onDfuProcessFinished(7, QProcess::NormalExit);
-    QCOMPARE(m->log.lines(), QStringList(u"OrvikFirmwareUpdata.exe process exit, exitCode=7"_qs));
+    QCOMPARE(m->log.lines(), QStringList(u"OrvikFirmwareUpdata.exe process exit, exitCode=7"_s));
 }
 
 void FlashingToolEndTest::theTimeLimitKills()
@@ -155,7 +156,7 @@ void FlashingToolEndTest::theTimeLimitKills()
     m->panel->onDfuTimeout();
     QVERIFY(time.elapsed() < 1500);
     QCOMPARE(m->panel->m_dfuProcess->state(), QProcess::NotRunning);
-    QCOMPARE(m->log.lines(), m->log.startingWith(u"OrvikFirmwareUpdata.exe process exit, exitCode="_qs));
+    QCOMPARE(m->log.lines(), m->log.startingWith(u"OrvikFirmwareUpdata.exe process exit, exitCode="_s));
     QCOMPARE(m->log.lines().size(), 1);
     QCOMPARE(panelState(*m->panel), state);
     QCOMPARE(Screen::everything(*m->panel), screen);
@@ -189,9 +190,9 @@ void FlashingToolEndTest::endsWithThePanel_data()
 #else
     constexpr int kNeighbours = 0;
 #endif
-    QTest::newRow("a tool that ends when asked") << "write 5%\nhang"_qba << 900 + kNeighbours;
+    QTest::newRow("a tool that ends when asked") << "write 5%\nhang"_ba << 900 + kNeighbours;
     QTest::newRow("a tool that has to be killed")
-        << "ignore-terminate\nwrite 5%\nhang"_qba << 1500 + kNeighbours;
+        << "ignore-terminate\nwrite 5%\nhang"_ba << 1500 + kNeighbours;
 }
 
 void FlashingToolEndTest::endsWithThePanel()

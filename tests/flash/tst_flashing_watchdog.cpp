@@ -4,6 +4,8 @@
 #include <QElapsedTimer>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 class FlashingWatchdogTest : public QObject {
     Q_OBJECT
 
@@ -37,12 +39,12 @@ void FlashingWatchdogTest::aMinuteIsTheLimit_data()
 {
     QTest::addColumn<QByteArray>("script");
     QTest::addColumn<QString>("verdict");
-    QTest::newRow("no report") << "ignore-terminate\nhang"_qba
-                               << u"[状态] 进程已退出但无进度文件，判定为失败"_qs;
-    QTest::newRow("an empty report") << "empty\nhang"_qba
-                                     << u"[状态] 进程已退出但进度文件为空，判定为失败"_qs;
-    QTest::newRow("0 % is never judged") << "write 0%\nhang"_qba << QString();
-    QTest::newRow("an unknown line is never judged") << "write erasing\nhang"_qba << QString();
+    QTest::newRow("no report") << "ignore-terminate\nhang"_ba
+                               << u"[状态] 进程已退出但无进度文件，判定为失败"_s;
+    QTest::newRow("an empty report") << "empty\nhang"_ba
+                                     << u"[状态] 进程已退出但进度文件为空，判定为失败"_s;
+    QTest::newRow("0 % is never judged") << "write 0%\nhang"_ba << QString();
+    QTest::newRow("an unknown line is never judged") << "write erasing\nhang"_ba << QString();
 }
 
 void FlashingWatchdogTest::aMinuteIsTheLimit()
@@ -57,7 +59,7 @@ void FlashingWatchdogTest::aMinuteIsTheLimit()
         QVERIFY(m->panel->m_progressTimer->isActive());
         QVERIFY(m->panel->m_isUpgrading);
         QVERIFY(!m->showsFailure());
-        QCOMPARE(m->percentText(), u"0%"_qs);
+        QCOMPARE(m->percentText(), u"0%"_s);
         QCOMPARE(m->panel->m_lastProgressPercent, -1);
     } else {
         QTRY_VERIFY(m->log.contains(verdict));

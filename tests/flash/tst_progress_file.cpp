@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
 using ProgressFile::Report;
 
 namespace {
@@ -55,20 +56,20 @@ void ProgressFileTest::lastLineCounts_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QString>("line");
-    QTest::newRow("one line without an end") << "37%"_qba << u"37%"_qs;
-    QTest::newRow("one line with LF") << "37%\n"_qba << u"37%"_qs;
-    QTest::newRow("one line with CR LF") << "37%\r\n"_qba << u"37%"_qs;
-    QTest::newRow("the last of two") << "10%\n55%"_qba << u"55%"_qs;
-    QTest::newRow("the last of two with LF") << "10%\n55%\n"_qba << u"55%"_qs;
-    QTest::newRow("the last of two with CR LF") << "10%\r\n55%\r\n"_qba << u"55%"_qs;
-    QTest::newRow("the last of many") << QByteArray("12%\n").repeated(500) + "success 1\n" << u"success 1"_qs;
-    QTest::newRow("blanks and tabulators around it") << "10%\n \t 55% \t \n"_qba << u"55%"_qs;
-    QTest::newRow("a blank last line") << "55%\n\n"_qba << u""_qs;
-    QTest::newRow("a blank last line with CR LF") << "55%\r\n\r\n"_qba << u""_qs;
-    QTest::newRow("a last line of blanks") << "55%\n   "_qba << u""_qs;
-    QTest::newRow("nothing but a line end") << "\n"_qba << u""_qs;
-    QTest::newRow("nothing but blanks") << "  "_qba << u""_qs;
-    QTest::newRow("blanks inside it stay") << "success   1  2"_qba << u"success   1  2"_qs;
+    QTest::newRow("one line without an end") << "37%"_ba << u"37%"_s;
+    QTest::newRow("one line with LF") << "37%\n"_ba << u"37%"_s;
+    QTest::newRow("one line with CR LF") << "37%\r\n"_ba << u"37%"_s;
+    QTest::newRow("the last of two") << "10%\n55%"_ba << u"55%"_s;
+    QTest::newRow("the last of two with LF") << "10%\n55%\n"_ba << u"55%"_s;
+    QTest::newRow("the last of two with CR LF") << "10%\r\n55%\r\n"_ba << u"55%"_s;
+    QTest::newRow("the last of many") << QByteArray("12%\n").repeated(500) + "success 1\n" << u"success 1"_s;
+    QTest::newRow("blanks and tabulators around it") << "10%\n \t 55% \t \n"_ba << u"55%"_s;
+    QTest::newRow("a blank last line") << "55%\n\n"_ba << u""_s;
+    QTest::newRow("a blank last line with CR LF") << "55%\r\n\r\n"_ba << u""_s;
+    QTest::newRow("a last line of blanks") << "55%\n   "_ba << u""_s;
+    QTest::newRow("nothing but a line end") << "\n"_ba << u""_s;
+    QTest::newRow("nothing but blanks") << "  "_ba << u""_s;
+    QTest::newRow("blanks inside it stay") << "success   1  2"_ba << u"success   1  2"_s;
 }
 
 void ProgressFileTest::lastLineCounts()
@@ -98,50 +99,50 @@ void ProgressFileTest::aLineSays_data()
     const auto result = Report::Kind::Result;
     const auto unknown = Report::Kind::Unknown;
 
-    QTest::newRow("a percentage") << u"37%"_qs << percentage << 37;
-    QTest::newRow("0 %") << u"0%"_qs << percentage << 0;
-    QTest::newRow("100 %") << u"100%"_qs << percentage << 100;
-    QTest::newRow("leading zeros") << u"007%"_qs << percentage << 7;
-    QTest::newRow("more than everything") << u"250%"_qs << percentage << 250;
+    QTest::newRow("a percentage") << u"37%"_s << percentage << 37;
+    QTest::newRow("0 %") << u"0%"_s << percentage << 0;
+    QTest::newRow("100 %") << u"100%"_s << percentage << 100;
+    QTest::newRow("leading zeros") << u"007%"_s << percentage << 7;
+    QTest::newRow("more than everything") << u"250%"_s << percentage << 250;
 
-    QTest::newRow("no number before the %") << u"%"_qs << unknown << 0;
-    QTest::newRow("a word before the %") << u"half%"_qs << unknown << 0;
-    QTest::newRow("a fraction") << u"5.5%"_qs << unknown << 0;
-    QTest::newRow("two %") << u"55%%"_qs << unknown << 0;
-    QTest::newRow("a number in hexadecimal") << u"0x10%"_qs << unknown << 0;
-    QTest::newRow("a number beyond all numbers") << u"99999999999%"_qs << unknown << 0;
-    QTest::newRow("words before the number") << u"written 55%"_qs << unknown << 0;
-    QTest::newRow("words behind the %") << u"55% written"_qs << unknown << 0;
-    QTest::newRow("a number without %") << u"55"_qs << unknown << 0;
-    QTest::newRow("full-width digits' percent sign") << u"55％"_qs << unknown << 0;
-    QTest::newRow("nothing") << u""_qs << unknown << 0;
+    QTest::newRow("no number before the %") << u"%"_s << unknown << 0;
+    QTest::newRow("a word before the %") << u"half%"_s << unknown << 0;
+    QTest::newRow("a fraction") << u"5.5%"_s << unknown << 0;
+    QTest::newRow("two %") << u"55%%"_s << unknown << 0;
+    QTest::newRow("a number in hexadecimal") << u"0x10%"_s << unknown << 0;
+    QTest::newRow("a number beyond all numbers") << u"99999999999%"_s << unknown << 0;
+    QTest::newRow("words before the number") << u"written 55%"_s << unknown << 0;
+    QTest::newRow("words behind the %") << u"55% written"_s << unknown << 0;
+    QTest::newRow("a number without %") << u"55"_s << unknown << 0;
+    QTest::newRow("full-width digits' percent sign") << u"55％"_s << unknown << 0;
+    QTest::newRow("nothing") << u""_s << unknown << 0;
 
-    QTest::newRow("success 1") << u"success 1"_qs << result << 1;
-    QTest::newRow("several blanks") << u"success    1"_qs << result << 1;
-    QTest::newRow("a third field") << u"success 1 7"_qs << result << 1;
-    QTest::newRow("a third field that is a word") << u"success 1 done"_qs << result << 1;
-    QTest::newRow("a status with a zero before it") << u"success 01"_qs << result << 1;
-    QTest::newRow("success 0") << u"success 0"_qs << result << 0;
-    QTest::newRow("another status") << u"success 2"_qs << result << 2;
-    QTest::newRow("a negative status") << u"success -1"_qs << result << -1;
-    QTest::newRow("no status") << u"success"_qs << result << 0;
-    QTest::newRow("a status that is a word") << u"success x"_qs << result << 0;
-    QTest::newRow("a status that is a fraction") << u"success 1.0"_qs << result << 0;
-    QTest::newRow("a status in hexadecimal") << u"success 0x1"_qs << result << 0;
-    QTest::newRow("a status with a word behind it") << u"success 1ok"_qs << result << 0;
-    QTest::newRow("a status beyond all numbers") << u"success 4294967297"_qs << result << 0;
-    QTest::newRow("a tabulator does not split") << u"success\t1"_qs << result << 0;
-    QTest::newRow("the status stuck to the word") << u"success1"_qs << result << 0;
-    QTest::newRow("a longer word") << u"successful 1"_qs << result << 1;
-    QTest::newRow("a % at the end of a result") << u"success 1%"_qs << result << 0;
-    QTest::newRow("a % behind the word") << u"success%"_qs << result << 0;
-    QTest::newRow("a lone % behind the status") << u"success 1 %"_qs << result << 1;
+    QTest::newRow("success 1") << u"success 1"_s << result << 1;
+    QTest::newRow("several blanks") << u"success    1"_s << result << 1;
+    QTest::newRow("a third field") << u"success 1 7"_s << result << 1;
+    QTest::newRow("a third field that is a word") << u"success 1 done"_s << result << 1;
+    QTest::newRow("a status with a zero before it") << u"success 01"_s << result << 1;
+    QTest::newRow("success 0") << u"success 0"_s << result << 0;
+    QTest::newRow("another status") << u"success 2"_s << result << 2;
+    QTest::newRow("a negative status") << u"success -1"_s << result << -1;
+    QTest::newRow("no status") << u"success"_s << result << 0;
+    QTest::newRow("a status that is a word") << u"success x"_s << result << 0;
+    QTest::newRow("a status that is a fraction") << u"success 1.0"_s << result << 0;
+    QTest::newRow("a status in hexadecimal") << u"success 0x1"_s << result << 0;
+    QTest::newRow("a status with a word behind it") << u"success 1ok"_s << result << 0;
+    QTest::newRow("a status beyond all numbers") << u"success 4294967297"_s << result << 0;
+    QTest::newRow("a tabulator does not split") << u"success\t1"_s << result << 0;
+    QTest::newRow("the status stuck to the word") << u"success1"_s << result << 0;
+    QTest::newRow("a longer word") << u"successful 1"_s << result << 1;
+    QTest::newRow("a % at the end of a result") << u"success 1%"_s << result << 0;
+    QTest::newRow("a % behind the word") << u"success%"_s << result << 0;
+    QTest::newRow("a lone % behind the status") << u"success 1 %"_s << result << 1;
 
-    QTest::newRow("upper case") << u"SUCCESS 1"_qs << unknown << 0;
-    QTest::newRow("a capital") << u"Success 1"_qs << unknown << 0;
-    QTest::newRow("half a word") << u"succ"_qs << unknown << 0;
-    QTest::newRow("the word in second place") << u"no success 1"_qs << unknown << 0;
-    QTest::newRow("another word") << u"failed 1"_qs << unknown << 0;
+    QTest::newRow("upper case") << u"SUCCESS 1"_s << unknown << 0;
+    QTest::newRow("a capital") << u"Success 1"_s << unknown << 0;
+    QTest::newRow("half a word") << u"succ"_s << unknown << 0;
+    QTest::newRow("the word in second place") << u"no success 1"_s << unknown << 0;
+    QTest::newRow("another word") << u"failed 1"_s << unknown << 0;
 }
 
 void ProgressFileTest::aLineSays()
@@ -156,10 +157,10 @@ void ProgressFileTest::aLargeFileIsReadFromItsEnd_data()
 {
     QTest::addColumn<QByteArray>("end");
     QTest::addColumn<QString>("line");
-    QTest::newRow("a report behind a lot of text") << "\nsuccess 1\n"_qba << u"success 1"_qs;
-    QTest::newRow("a percentage behind a lot of text") << "\r\n55%"_qba << u"55%"_qs;
-    QTest::newRow("one line longer than any report") << "55%"_qba << u""_qs;
-    QTest::newRow("a blank line at the end") << "\n55%\n\n"_qba << u""_qs;
+    QTest::newRow("a report behind a lot of text") << "\nsuccess 1\n"_ba << u"success 1"_s;
+    QTest::newRow("a percentage behind a lot of text") << "\r\n55%"_ba << u"55%"_s;
+    QTest::newRow("one line longer than any report") << "55%"_ba << u""_s;
+    QTest::newRow("a blank line at the end") << "\n55%\n\n"_ba << u""_s;
 }
 
 void ProgressFileTest::aLargeFileIsReadFromItsEnd()

@@ -12,6 +12,8 @@
 #include <psapi.h>
 #endif
 
+using namespace Qt::StringLiterals;
+
 class ProgressHostileTest : public QObject {
     Q_OBJECT
 
@@ -45,7 +47,7 @@ qint64 peakMemory()
         ? qint64(memory.PeakWorkingSetSize / 1024)
         : -1;
 #else
-    QFile status(u"/proc/self/status"_qs);
+    QFile status(u"/proc/self/status"_s);
     if (!status.open(QIODevice::ReadOnly))
         return -1;
     const QByteArray text = status.readAll();
@@ -68,16 +70,16 @@ void ProgressHostileTest::aHugeFileCostsNothing_data()
 {
     QTest::addColumn<QByteArray>("end");
     QTest::addColumn<QString>("text");
-    QTest::newRow("without a line end") << ""_qba << u"7%"_qs;
-    QTest::newRow("without a line end before the percentage") << "55%"_qba << u"7%"_qs;
-    QTest::newRow("with a percentage in its last line") << "\n55%\n"_qba << u"55%"_qs;
+    QTest::newRow("without a line end") << ""_ba << u"7%"_s;
+    QTest::newRow("without a line end before the percentage") << "55%"_ba << u"7%"_s;
+    QTest::newRow("with a percentage in its last line") << "\n55%\n"_ba << u"55%"_s;
 }
 
 void ProgressHostileTest::aHugeFileCostsNothing()
 {
     QFETCH(QByteArray, end);
     m->beginRun(UpgradePlan::PcOnly);
-    m->panel->upgradeProgDisPlay->setText(u"7%"_qs);
+    m->panel->upgradeProgDisPlay->setText(u"7%"_s);
     makeHugeFile(end);
     const qint64 before = peakMemory();
     QElapsedTimer time;
@@ -92,7 +94,7 @@ void ProgressHostileTest::aHugeFileCostsNothing()
 
 void ProgressHostileTest::aDeviceWithoutEndIsNotReadToItsEnd()
 {
-    const QString endless = u"/dev/zero"_qs;
+    const QString endless = u"/dev/zero"_s;
     if (!QFile::exists(endless))
         QSKIP("this machine has no device without an end");
     m->beginRun(UpgradePlan::PcOnly);
@@ -120,7 +122,7 @@ void ProgressHostileTest::aFolderCannotBeOpened()
     m->beginRun(UpgradePlan::PcOnly);
     QVERIFY(QDir().mkpath(m->sandbox.progressFile()));
     m->panel->onReadFirmwareTxt();
-    QCOMPARE(m->log.contains(u"[状态] 进程已退出但无进度文件，判定为失败"_qs), !isToolRunning);
+    QCOMPARE(m->log.contains(u"[状态] 进程已退出但无进度文件，判定为失败"_s), !isToolRunning);
     QCOMPARE(m->showsFailure(), !isToolRunning);
     QCOMPARE(m->panel->m_progressTimer->isActive(), isToolRunning);
 }
@@ -145,13 +147,13 @@ void ProgressHostileTest::aHomeThatIsNoFolderHoldsNoFile()
     m->panel->onReadFirmwareTxt();
     qputenv("HOME", home);
     QVERIFY(m->showsFailure());
-    QVERIFY(m->log.contains(u"[状态] 进程已退出但无进度文件，判定为失败"_qs));
+    QVERIFY(m->log.contains(u"[状态] 进程已退出但无进度文件，判定为失败"_s));
 }
 
 void ProgressHostileTest::noiseIsNoVerdict()
 {
     QRandomGenerator random(20'240'607);
-    const QByteArray alphabet = "0123456789% \r\n\t\xff"_qba + '\0';
+    const QByteArray alphabet = "0123456789% \r\n\t\xff"_ba + '\0';
     m->beginRun(UpgradePlan::PcOnly);
     for (int i = 0; i < 2'000; ++i) {
         QByteArray noise;

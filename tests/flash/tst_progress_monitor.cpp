@@ -6,6 +6,8 @@
 #include <QScopeGuard>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 class ProgressMonitorTest : public QObject {
     Q_OBJECT
 
@@ -30,10 +32,10 @@ private:
 
 void ProgressMonitorTest::thePathIsBelowTheHome()
 {
-    const QString folder = m->sandbox.home() + u"/AppData/Roaming/OrvikQuillon2x2"_qs;
+    const QString folder = m->sandbox.home() + u"/AppData/Roaming/OrvikQuillon2x2"_s;
     for (int call = 0; call < 2; ++call) {
         QVERIFY(QDir(folder).removeRecursively());
-        QCOMPARE(m->panel->firmwareTxtPath(), QString(folder + u"/Firmware_bin.txt"_qs));
+        QCOMPARE(m->panel->firmwareTxtPath(), QString(folder + u"/Firmware_bin.txt"_s));
         QVERIFY(QFileInfo(folder).isDir());
     }
 }
@@ -44,8 +46,8 @@ void ProgressMonitorTest::withoutAReportOnlyAnEndedRunFails_data()
     QTest::addColumn<bool>("isUpgrading");
     QTest::addColumn<bool>("isToolRunning");
     QTest::addColumn<QString>("line");
-    const QString noFile = u"[状态] 进程已退出但无进度文件，判定为失败"_qs;
-    const QString emptyFile = u"[状态] 进程已退出但进度文件为空，判定为失败"_qs;
+    const QString noFile = u"[状态] 进程已退出但无进度文件，判定为失败"_s;
+    const QString emptyFile = u"[状态] 进程已退出但进度文件为空，判定为失败"_s;
     QTest::newRow("no file, the tool has ended") << false << true << false << noFile;
     QTest::newRow("no file, the tool is starting") << false << true << true << QString();
     QTest::newRow("no file, no run") << false << false << false << QString();
@@ -81,14 +83,14 @@ void ProgressMonitorTest::withoutAReportOnlyAnEndedRunFails()
 void ProgressMonitorTest::otherLinesAreIgnored_data()
 {
     QTest::addColumn<QByteArray>("content");
-    QTest::newRow("a word") << "erasing flash\n"_qba;
-    QTest::newRow("a blank last line") << "55%\n\n"_qba;
-    QTest::newRow("half a result") << "55%\nsucc"_qba;
-    QTest::newRow("a result in capitals") << "SUCCESS 1"_qba;
-    QTest::newRow("a fraction") << "5.5%"_qba;
-    QTest::newRow("a number without %") << "55"_qba;
-    QTest::newRow("only a %") << "%"_qba;
-    QTest::newRow("a number beyond all numbers") << "4294967396%"_qba;
+    QTest::newRow("a word") << "erasing flash\n"_ba;
+    QTest::newRow("a blank last line") << "55%\n\n"_ba;
+    QTest::newRow("half a result") << "55%\nsucc"_ba;
+    QTest::newRow("a result in capitals") << "SUCCESS 1"_ba;
+    QTest::newRow("a fraction") << "5.5%"_ba;
+    QTest::newRow("a number without %") << "55"_ba;
+    QTest::newRow("only a %") << "%"_ba;
+    QTest::newRow("a number beyond all numbers") << "4294967396%"_ba;
     QTest::newRow("zero bytes") << QByteArray(5000, '\0');
     QTest::newRow("a program") << QByteArray::fromHex(
         "7f454c4602010100000000000000000003003e0001000000ff25e22f");
@@ -123,22 +125,22 @@ void ProgressMonitorTest::percentagesAreShown_data()
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<int>("percent");
     QTest::addColumn<int>("displayed");
-    const QByteArray lines = "10%\n55%"_qba;
+    const QByteArray lines = "10%\n55%"_ba;
     QTest::newRow("PC only") << UpgradePlan::PcOnly << false << lines << 55 << 55;
     QTest::newRow("OTG only") << UpgradePlan::OtgOnly << false << lines << 55 << 55;
     QTest::newRow("the PC half of both") << UpgradePlan::Both << false << lines << 55 << 27;
     QTest::newRow("the OTG half of both") << UpgradePlan::Both << true << lines << 55 << 77;
     QTest::newRow("no plan") << UpgradePlan::None << false << lines << 55 << 55;
     QTest::newRow("OTG only, after a PC half") << UpgradePlan::OtgOnly << true << lines << 55 << 55;
-    QTest::newRow("the PC half at 0") << UpgradePlan::Both << false << "0%"_qba << 0 << 0;
-    QTest::newRow("the PC half at 1") << UpgradePlan::Both << false << "1%"_qba << 1 << 0;
-    QTest::newRow("the PC half at 99") << UpgradePlan::Both << false << "99%"_qba << 99 << 49;
-    QTest::newRow("the OTG half at 0") << UpgradePlan::Both << true << "0%"_qba << 0 << 50;
-    QTest::newRow("the OTG half at 1") << UpgradePlan::Both << true << "1%"_qba << 1 << 50;
-    QTest::newRow("the OTG half at 99") << UpgradePlan::Both << true << "99%"_qba << 99 << 99;
-    QTest::newRow("PC only at 0") << UpgradePlan::PcOnly << false << "0%"_qba << 0 << 0;
-    QTest::newRow("CR LF") << UpgradePlan::PcOnly << false << "10%\r\n55%\r\n"_qba << 55 << 55;
-    QTest::newRow("blanks around it") << UpgradePlan::PcOnly << false << "  55%  \n"_qba << 55 << 55;
+    QTest::newRow("the PC half at 0") << UpgradePlan::Both << false << "0%"_ba << 0 << 0;
+    QTest::newRow("the PC half at 1") << UpgradePlan::Both << false << "1%"_ba << 1 << 0;
+    QTest::newRow("the PC half at 99") << UpgradePlan::Both << false << "99%"_ba << 99 << 49;
+    QTest::newRow("the OTG half at 0") << UpgradePlan::Both << true << "0%"_ba << 0 << 50;
+    QTest::newRow("the OTG half at 1") << UpgradePlan::Both << true << "1%"_ba << 1 << 50;
+    QTest::newRow("the OTG half at 99") << UpgradePlan::Both << true << "99%"_ba << 99 << 99;
+    QTest::newRow("PC only at 0") << UpgradePlan::PcOnly << false << "0%"_ba << 0 << 0;
+    QTest::newRow("CR LF") << UpgradePlan::PcOnly << false << "10%\r\n55%\r\n"_ba << 55 << 55;
+    QTest::newRow("blanks around it") << UpgradePlan::PcOnly << false << "  55%  \n"_ba << 55 << 55;
 }
 
 void ProgressMonitorTest::percentagesAreShown()
@@ -155,13 +157,13 @@ void ProgressMonitorTest::percentagesAreShown()
     m->poll(content);
     QCOMPARE(m->percentOnBar(), displayed);
     QCOMPARE(m->percentText(), QString::number(displayed) + u'%');
-    const QString flag = pcCompleted ? u"true"_qs : u"false"_qs;
+    const QString flag = pcCompleted ? u"true"_s : u"false"_s;
     QCOMPARE(m->log.lines(),
              (QStringList{u"[onReadFirmwareTxt] percent=%1 displayPercent=%2 progressColor=red?false "
-                          "pcUpgradeCompleted=%3"_qs.arg(percent)
+                          "pcUpgradeCompleted=%3"_s.arg(percent)
                               .arg(displayed)
                               .arg(flag),
-                          u"[onReadFirmwareTxt] 界面切换条件=false"_qs}));
+                          u"[onReadFirmwareTxt] 界面切换条件=false"_s}));
     QVERIFY(m->panel->m_progressTimer->isActive());
     QVERIFY(m->panel->m_dfuTimeoutTimer->isActive());
 }
@@ -170,9 +172,9 @@ void ProgressMonitorTest::strangePercentagesAreShownAsTheyAre_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QString>("text");
-    QTest::newRow("more than everything") << "250%"_qba << u"250%"_qs;
-    QTest::newRow("less than nothing") << "-3%"_qba << u"-3%"_qs;
-    QTest::newRow("the largest number") << "2147483647%"_qba << u"2147483647%"_qs;
+    QTest::newRow("more than everything") << "250%"_ba << u"250%"_s;
+    QTest::newRow("less than nothing") << "-3%"_ba << u"-3%"_s;
+    QTest::newRow("the largest number") << "2147483647%"_ba << u"2147483647%"_s;
 }
 
 void ProgressMonitorTest::strangePercentagesAreShownAsTheyAre()
@@ -202,7 +204,7 @@ void ProgressMonitorTest::aHalfWrittenLineIsCorrected()
     m->beginRun(UpgradePlan::PcOnly);
     for (const char *content : {"10%\n5", "10%\n", "10%\n55", "10%\n55%"})
         m->poll(content);
-    QCOMPARE(m->percentText(), u"55%"_qs);
+    QCOMPARE(m->percentText(), u"55%"_s);
     m->poll("55%\nsuccess");
     QVERIFY(m->showsFailure());
 }

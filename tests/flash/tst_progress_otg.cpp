@@ -7,6 +7,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 class ProgressOtgTest : public QObject {
     Q_OBJECT
 
@@ -35,22 +37,22 @@ void ProgressOtgTest::handOverAsksForTheOtgCable_data()
     QTest::addColumn<QString>("movie");
     QTest::addColumn<QString>("detecting");
     QTest::addColumn<QString>("hint");
-    const QString r1Movie = u":/new/prefix1/image/pc_otg.gif"_qs;
-    const QString r2Movie = u":/new/prefix1/image/dc5v_otg.gif"_qs;
+    const QString r1Movie = u":/new/prefix1/image/pc_otg.gif"_s;
+    const QString r2Movie = u":/new/prefix1/image/dc5v_otg.gif"_s;
     QTest::newRow("R1, Chinese") << DeviceModel::R1 << Language::Chinese << r1Movie
-                                 << u"正在检测OTG接入..."_qs
-                                 << u"请使用配件附带的USB线，接入并保持USB-C和OTG口\n与电脑的连接。"_qs;
+                                 << u"正在检测OTG接入..."_s
+                                 << u"请使用配件附带的USB线，接入并保持USB-C和OTG口\n与电脑的连接。"_s;
     QTest::newRow("R2, Chinese") << DeviceModel::R2 << Language::Chinese << r2Movie
-                                 << u"正在检测OTG接入..."_qs
-                                 << u"请使用配件附带USB线接入图示DC-5V和OTG口,\n继续完成升级。"_qs;
+                                 << u"正在检测OTG接入..."_s
+                                 << u"请使用配件附带USB线接入图示DC-5V和OTG口,\n继续完成升级。"_s;
     QTest::newRow("R1, English")
-        << DeviceModel::R1 << Language::English << r1Movie << u"Detecting OTG connection..."_qs
+        << DeviceModel::R1 << Language::English << r1Movie << u"Detecting OTG connection..."_s
         << u"Please use the USB cable provided with the \naccessory to connect and maintain "
-           "the connection\n between the USB-C and OTG port to the computer."_qs;
+           "the connection\n between the USB-C and OTG port to the computer."_s;
     QTest::newRow("R2, English")
-        << DeviceModel::R2 << Language::English << r2Movie << u"Detecting OTG connection..."_qs
+        << DeviceModel::R2 << Language::English << r2Movie << u"Detecting OTG connection..."_s
         << u"To continue and complete the update, use the provided\nUSB cables to connect "
-           "the DC-5V and OTG ports as\nshown."_qs;
+           "the DC-5V and OTG ports as\nshown."_s;
 }
 
 void ProgressOtgTest::handOverAsksForTheOtgCable()
@@ -72,7 +74,7 @@ void ProgressOtgTest::handOverAsksForTheOtgCable()
     QTEST(panel.m_connectHintLb->text(), "hint");
     const bool isChinese = language == Language::Chinese;
     QCOMPARE(panel.m_upgradingLb->text(),
-             isChinese ? u"待USB线接入图示口..."_qs : u"Connect to the indicated USB ports. "_qs);
+             isChinese ? u"待USB线接入图示口..."_s : u"Connect to the indicated USB ports. "_s);
     QCOMPARE(panel.m_upgradingLb->geometry(), isChinese ? QRect(140, 13, 159, 21) : QRect(83, 13, 290, 21));
     QCOMPARE(panel.m_waitingIconLb->geometry(), isChinese ? QRect(108, 12, 24, 24) : QRect(51, 12, 24, 24));
 }
@@ -84,19 +86,19 @@ void ProgressOtgTest::handOverChangesTheScreen()
     panel.m_isWaitingForUSB = false;
     panel.m_progressBar->setBackgroundColor(Qt::yellow);
     const ScreenChange screen(panel,
-                              {u"tipMoiveLb"_qs, u"m_detectingUsbLb"_qs, u"m_connectHintLb"_qs,
-                               u"m_waitingIconLb"_qs, u"m_upgradingLb"_qs},
-                              {u"verCompLb"_qs, u"m_notesEdit"_qs, u"m_notesIconLb"_qs, u"m_notesTitleLb"_qs,
-                               u"m_notesLineLb"_qs, u"m_rocketLb"_qs, u"m_upgradeTextLb"_qs});
+                              {u"tipMoiveLb"_s, u"m_detectingUsbLb"_s, u"m_connectHintLb"_s,
+                               u"m_waitingIconLb"_s, u"m_upgradingLb"_s},
+                              {u"verCompLb"_s, u"m_notesEdit"_s, u"m_notesIconLb"_s, u"m_notesTitleLb"_s,
+                               u"m_notesLineLb"_s, u"m_rocketLb"_s, u"m_upgradeTextLb"_s});
     const QStringList before = panelState(panel);
     m->poll("success 1");
     QCOMPARE(screen.actual(), screen.expected());
     QCOMPARE(m->percentOnBar(), 50);
-    QCOMPARE(m->percentText(), u"50%"_qs);
+    QCOMPARE(m->percentText(), u"50%"_s);
     QCOMPARE(panel.m_progressBar->m_progressColor, FlashingStage::kWaitingRed);
     QCOMPARE(panel.m_progressBar->m_backgroundColor, FlashingStage::kGrey);
     QCOMPARE(changedState(before, panelState(panel)),
-             (QStringList{u"pcUpgradeCompleted=true"_qs, u"m_isWaitingForUSB=true"_qs}));
+             (QStringList{u"pcUpgradeCompleted=true"_s, u"m_isWaitingForUSB=true"_s}));
     QVERIFY(!panel.m_progressTimer->isActive());
     QVERIFY(!panel.m_dfuTimeoutTimer->isActive());
 }
@@ -111,9 +113,9 @@ void ProgressOtgTest::handOverLooksForTheChipAtOnce()
     QCOMPARE(ready.size(), 1);
     QCOMPARE(
         missingInOrder(m->log.lines(),
-                       {u"Successfully upgrade !!!"_qs, u"PC upgrade completed, waiting for OTG device..."_qs,
-                        u"[ConnectingR2] START - m_isUpgrading=true m_autoRecoverRunning=false"_qs,
-                        u"OTG already present, trigger OTG upgrade directly"_qs}),
+                       {u"Successfully upgrade !!!"_s, u"PC upgrade completed, waiting for OTG device..."_s,
+                        u"[ConnectingR2] START - m_isUpgrading=true m_autoRecoverRunning=false"_s,
+                        u"OTG already present, trigger OTG upgrade directly"_s}),
         QString());
     QCOMPARE(m->panel->lastDetectedOtgPid, 31);
 }
@@ -127,7 +129,7 @@ void ProgressOtgTest::handOverDoesWithoutTheLibrary()
     m->log.clear();
     m->poll("success 1");
     QVERIFY(m->panel->pcUpgradeCompleted);
-    QCOMPARE(m->log.startingWith(u"[ConnectingR2]"_qs), QStringList());
+    QCOMPARE(m->log.startingWith(u"[ConnectingR2]"_s), QStringList());
 }
 
 void ProgressOtgTest::handOverMayBeThePanelsEnd()
@@ -174,13 +176,13 @@ void ProgressOtgTest::theOtgHalfSwitchesAtThreePercent()
     const QStringList visible = Screen::visibleWidgets(*m->panel);
     m->log.clear();
     m->poll(QByteArray::number(percent) + '%');
-    const QStringList lines = m->log.startingWith(u"[onReadFirmwareTxt]"_qs);
+    const QStringList lines = m->log.startingWith(u"[onReadFirmwareTxt]"_s);
     QVERIFY(lines.value(0).contains(progressColor == FlashingStage::kWaitingRed
-                                        ? u" progressColor=red?true "_qs
-                                        : u" progressColor=red?false "_qs));
-    QStringList expected{u"[onReadFirmwareTxt] 界面切换条件="_qs + (switches ? u"true"_qs : u"false"_qs)};
+                                        ? u" progressColor=red?true "_s
+                                        : u" progressColor=red?false "_s));
+    QStringList expected{u"[onReadFirmwareTxt] 界面切换条件="_s + (switches ? u"true"_s : u"false"_s)};
     if (switches)
-        expected.append(u"[onReadFirmwareTxt] 执行界面切换：隐藏动图，恢复版本号"_qs);
+        expected.append(u"[onReadFirmwareTxt] 执行界面切换：隐藏动图，恢复版本号"_s);
     QCOMPARE(lines.mid(1), expected);
     QCOMPARE(m->panel->m_progressBar->m_progressColor, switches ? FlashingStage::kNeutral : progressColor);
     QCOMPARE(m->panel->m_isWaitingForUSB, !switches);
@@ -195,15 +197,15 @@ void ProgressOtgTest::theSwitchShowsTheProgress()
     panel.m_isWaitingForUSB = true;
     panel.m_tipMovie->start();
     const ScreenChange screen(panel,
-                              {u"verCompLb"_qs, u"m_notesEdit"_qs, u"m_notesIconLb"_qs, u"m_notesTitleLb"_qs,
-                               u"m_notesLineLb"_qs, u"upgradeProgDisPlay"_qs},
-                              {u"tipMoiveLb"_qs, u"m_detectingUsbLb"_qs, u"m_connectHintLb"_qs});
+                              {u"verCompLb"_s, u"m_notesEdit"_s, u"m_notesIconLb"_s, u"m_notesTitleLb"_s,
+                               u"m_notesLineLb"_s, u"upgradeProgDisPlay"_s},
+                              {u"tipMoiveLb"_s, u"m_detectingUsbLb"_s, u"m_connectHintLb"_s});
     m->poll("3%");
     QCOMPARE(screen.actual(), screen.expected());
     QCOMPARE(panel.m_tipMovie->state(), QMovie::NotRunning);
-    QCOMPARE(panel.m_upgradingLb->text(), u"升级中，请勿关闭设备..."_qs);
+    QCOMPARE(panel.m_upgradingLb->text(), u"升级中，请勿关闭设备..."_s);
     QCOMPARE(panel.m_upgradingLb->geometry(), QRect(133, 13, 174, 21));
-    QCOMPARE(m->percentText(), u"51%"_qs);
+    QCOMPARE(m->percentText(), u"51%"_s);
     QCOMPARE(m->percentOnBar(), 51);
 }
 
@@ -214,7 +216,7 @@ void ProgressOtgTest::theSwitchHappensOnce()
     m->panel->tipMoiveLb->show();
     m->log.clear();
     m->poll("4%");
-    QVERIFY(m->log.contains(u"[onReadFirmwareTxt] 界面切换条件=false"_qs));
+    QVERIFY(m->log.contains(u"[onReadFirmwareTxt] 界面切换条件=false"_s));
     QVERIFY(!m->panel->tipMoiveLb->isHidden());
 }
 

@@ -9,6 +9,8 @@
 
 #include <functional>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 /// For a machine that is busy with other things.
 constexpr int kPatience = 20'000;
@@ -42,15 +44,15 @@ private:
 void ProgressSharedTest::everyPollReadsIt_data()
 {
     QTest::addColumn<QByteArray>("share");
-    QTest::newRow("which others may read") << "read"_qba;
-    QTest::newRow("which others may read and write") << "read-write"_qba;
+    QTest::newRow("which others may read") << "read"_ba;
+    QTest::newRow("which others may read and write") << "read-write"_ba;
 }
 
 void ProgressSharedTest::everyPollReadsIt()
 {
     QFETCH(QByteArray, share);
     start("hold " + share + "\nappend 10%\nappend 30%\nhang");
-    QTRY_COMPARE_WITH_TIMEOUT(m->percentText(), u"30%"_qs, kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(m->percentText(), u"30%"_s, kPatience);
     m->panel->m_progressTimer->stop();
     m->log.clear();
 
@@ -60,14 +62,14 @@ void ProgressSharedTest::everyPollReadsIt()
         m->panel->m_lastProgressTime = QDateTime::currentDateTime();
         m->panel->onReadFirmwareTxt();
     }
-    QCOMPARE(m->log.startingWith(u"[onReadFirmwareTxt] percent=30 "_qs).size(), kPolls);
+    QCOMPARE(m->log.startingWith(u"[onReadFirmwareTxt] percent=30 "_s).size(), kPolls);
     QVERIFY(m->isToolRunning());
 }
 
 void ProgressSharedTest::aRunIsFollowedToItsEnd_data()
 {
     everyPollReadsIt_data();
-    QTest::newRow("which others may do nothing with until the tool ends") << "nothing"_qba;
+    QTest::newRow("which others may do nothing with until the tool ends") << "nothing"_ba;
 }
 
 void ProgressSharedTest::aRunIsFollowedToItsEnd()

@@ -4,6 +4,8 @@
 #include <QDir>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 class ProgressStallTest : public QObject {
     Q_OBJECT
 
@@ -80,13 +82,13 @@ void ProgressStallTest::aStallBelowAllFails()
     m->panel->m_lastProgressTime = QDateTime::currentDateTime().addSecs(-3);
     m->log.clear();
     m->poll(QByteArray::number(percent) + '%');
-    QCOMPARE(m->log.lines().value(0), u"[状态] 升级进度停滞3秒，判定为失败"_qs);
+    QCOMPARE(m->log.lines().value(0), u"[状态] 升级进度停滞3秒，判定为失败"_s);
     QCOMPARE(m->log.lines().size(), isToolRunning ? 2 : 1);
     QVERIFY(!m->panel->m_progressTimer->isActive());
     QCOMPARE(m->panel->m_dfuProcess->state(), QProcess::NotRunning);
     QVERIFY(m->showsFailure());
     QVERIFY(!m->panel->m_isUpgrading);
-    QCOMPARE(m->percentText(), u"0%"_qs);
+    QCOMPARE(m->percentText(), u"0%"_s);
 }
 
 void ProgressStallTest::aStallAtAllEndsTheToolAndSucceeds()
@@ -97,7 +99,7 @@ void ProgressStallTest::aStallAtAllEndsTheToolAndSucceeds()
     m->panel->m_lastProgressTime = QDateTime::currentDateTime().addSecs(-3);
     m->log.clear();
     m->poll("100%");
-    QCOMPARE(m->log.lines().value(0), u"[状态] 进度100%停滞3秒，主动终止外部工具"_qs);
+    QCOMPARE(m->log.lines().value(0), u"[状态] 进度100%停滞3秒，主动终止外部工具"_s);
     QCOMPARE(m->panel->m_dfuProcess->state(), QProcess::NotRunning);
     QVERIFY(m->panel->m_progressTimer->isActive());
     QVERIFY(m->panel->m_isUpgrading);
@@ -107,7 +109,7 @@ void ProgressStallTest::aStallAtAllEndsTheToolAndSucceeds()
     m->log.clear();
     m->panel->onReadFirmwareTxt();
     QCOMPARE(m->log.lines().mid(0, 2),
-             (QStringList{u"[状态] 进度100%且进程已退出，视为升级成功"_qs, u"Successfully upgrade !!!"_qs}));
+             (QStringList{u"[状态] 进度100%且进程已退出，视为升级成功"_s, u"Successfully upgrade !!!"_s}));
     QVERIFY(!m->panel->m_progressTimer->isActive());
     QVERIFY(!m->panel->m_isUpgrading);
     QVERIFY(!m->panel->m_doneLb->isHidden());
@@ -130,7 +132,7 @@ void ProgressStallTest::aStallNeedsThreeSeconds()
     m->panel->m_lastProgressPercent = 42;
     m->panel->m_lastProgressTime = recordedAt;
     m->poll("42%");
-    QCOMPARE(m->percentText(), u"42%"_qs);
+    QCOMPARE(m->percentText(), u"42%"_s);
     QVERIFY(!m->showsFailure());
     QVERIFY(m->panel->m_progressTimer->isActive());
     QCOMPARE(m->panel->m_lastProgressTime, recordedAt);

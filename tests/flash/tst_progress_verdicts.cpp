@@ -8,6 +8,8 @@
 #include <QScopeGuard>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 class ProgressVerdictsTest : public QObject {
     Q_OBJECT
 
@@ -38,13 +40,13 @@ void ProgressVerdictsTest::aBadResultFails_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<int>("status");
-    QTest::newRow("no status") << "success"_qba << 0;
-    QTest::newRow("status 0") << "success 0"_qba << 0;
-    QTest::newRow("a word") << "success x"_qba << 0;
-    QTest::newRow("status 2") << "99%\nsuccess 2\n"_qba << 2;
-    QTest::newRow("a negative status") << "success -1\r\n"_qba << -1;
-    QTest::newRow("a % at the end") << "success 1%"_qba << 0;
-    QTest::newRow("a tabulator in place of the blank") << "success\t1"_qba << 0;
+    QTest::newRow("no status") << "success"_ba << 0;
+    QTest::newRow("status 0") << "success 0"_ba << 0;
+    QTest::newRow("a word") << "success x"_ba << 0;
+    QTest::newRow("status 2") << "99%\nsuccess 2\n"_ba << 2;
+    QTest::newRow("a negative status") << "success -1\r\n"_ba << -1;
+    QTest::newRow("a % at the end") << "success 1%"_ba << 0;
+    QTest::newRow("a tabulator in place of the blank") << "success\t1"_ba << 0;
 }
 
 void ProgressVerdictsTest::aBadResultFails()
@@ -56,8 +58,8 @@ void ProgressVerdictsTest::aBadResultFails()
     m->log.clear();
     m->poll(content);
     QCOMPARE(m->log.lines().mid(0, 1),
-             QStringList(u"[状态] 升级失败(status=%1)，显示失败重试 UI"_qs.arg(status)));
-    QVERIFY(!m->log.contains(u"Successfully upgrade !!!"_qs));
+             QStringList(u"[状态] 升级失败(status=%1)，显示失败重试 UI"_s.arg(status)));
+    QVERIFY(!m->log.contains(u"Successfully upgrade !!!"_s));
     QVERIFY(m->showsFailure());
     QVERIFY(!m->panel->m_isUpgrading);
     QVERIFY(!m->panel->m_progressTimer->isActive());
@@ -79,12 +81,12 @@ void ProgressVerdictsTest::aResultKillsTheToolLast_data()
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<QString>("lineBefore");
-    QTest::newRow("failure") << "success 0"_qba << UpgradePlan::PcOnly
-                             << u"[状态] 升级失败(status=0)，显示失败重试 UI"_qs;
-    QTest::newRow("complete") << "success 1"_qba << UpgradePlan::PcOnly
-                              << u"[VersionRead] 清空版本号，准备重新读取"_qs;
-    QTest::newRow("PC half") << "success 1"_qba << UpgradePlan::Both
-                             << u"OTG ready phase, but OTG device not found yet"_qs;
+    QTest::newRow("failure") << "success 0"_ba << UpgradePlan::PcOnly
+                             << u"[状态] 升级失败(status=0)，显示失败重试 UI"_s;
+    QTest::newRow("complete") << "success 1"_ba << UpgradePlan::PcOnly
+                              << u"[VersionRead] 清空版本号，准备重新读取"_s;
+    QTest::newRow("PC half") << "success 1"_ba << UpgradePlan::Both
+                             << u"OTG ready phase, but OTG device not found yet"_s;
 }
 
 void ProgressVerdictsTest::aResultKillsTheToolLast()
@@ -101,7 +103,7 @@ void ProgressVerdictsTest::aResultKillsTheToolLast()
     m->poll(content);
     QVERIFY(time.elapsed() < 1500);
     QCOMPARE(m->panel->m_dfuProcess->state(), QProcess::NotRunning);
-    const QString end = m->log.startingWith(u"OrvikFirmwareUpdata.exe process exit, exitCode="_qs).value(0);
+    const QString end = m->log.startingWith(u"OrvikFirmwareUpdata.exe process exit, exitCode="_s).value(0);
     QVERIFY(!end.isEmpty());
     QCOMPARE(missingInOrder(m->log.lines(), {lineBefore, end}), QString());
 }
@@ -113,15 +115,15 @@ void ProgressVerdictsTest::successIsLogged_data()
     QTest::addColumn<bool>("isWaiting");
     QTest::addColumn<QString>("line");
     QTest::newRow("card and percentage")
-        << QStringList{u"verCompLb"_qs, u"upgradeProgDisPlay"_qs} << false << false
+        << QStringList{u"verCompLb"_s, u"upgradeProgDisPlay"_s} << false << false
         << u"[onReadFirmwareTxt] success! verCompLb visible=true tipMoiveLb "
            "visible=false progressColor=red?false upgradeProgDisPlay visible=true "
-           "m_isWaitingForUSB=false"_qs;
+           "m_isWaitingForUSB=false"_s;
     QTest::newRow("the hint of the OTG half")
-        << QStringList{u"tipMoiveLb"_qs} << true << true
+        << QStringList{u"tipMoiveLb"_s} << true << true
         << u"[onReadFirmwareTxt] success! verCompLb visible=false tipMoiveLb "
            "visible=true progressColor=red?true upgradeProgDisPlay "
-           "visible=false m_isWaitingForUSB=true"_qs;
+           "visible=false m_isWaitingForUSB=true"_s;
 }
 
 void ProgressVerdictsTest::successIsLogged()
@@ -133,12 +135,12 @@ void ProgressVerdictsTest::successIsLogged()
     m->beginRun(UpgradePlan::Both, true);
     m->panel->m_progressBar->setProgressColor(isRed ? FlashingStage::kWaitingRed : FlashingStage::kNeutral);
     m->panel->m_isWaitingForUSB = isWaiting;
-    Screen::showOnly(*m->panel, visible + QStringList{u"m_progressBar"_qs});
+    Screen::showOnly(*m->panel, visible + QStringList{u"m_progressBar"_s});
     m->log.clear();
     m->poll("success 1");
     QCOMPARE(
         m->log.lines(),
-        (QStringList{u"Successfully upgrade !!!"_qs, line, u"[VersionRead] 清空版本号，准备重新读取"_qs}));
+        (QStringList{u"Successfully upgrade !!!"_s, line, u"[VersionRead] 清空版本号，准备重新读取"_s}));
 }
 
 void ProgressVerdictsTest::completionForgetsTheVersions_data()
@@ -160,18 +162,18 @@ void ProgressVerdictsTest::completionForgetsTheVersions()
     panel.m_autoRecoverRunning = true;
     panel.lastDetectedOtgPid = 31;
     panel.lastDetectedPcPid = 14;
-    panel.m_devicePcVersion = u"1.1.1"_qs;
-    panel.m_deviceOtgVersion = u"1.1.2"_qs;
-    panel.m_remotePcVersion = u"1.2.0"_qs;
-    panel.m_remoteOtgVersion = u"1.2.1"_qs;
+    panel.m_devicePcVersion = u"1.1.1"_s;
+    panel.m_deviceOtgVersion = u"1.1.2"_s;
+    panel.m_remotePcVersion = u"1.2.0"_s;
+    panel.m_remoteOtgVersion = u"1.2.1"_s;
     panel.m_zeroVersionCount = 3;
     const QStringList before = panelState(panel);
     m->poll("success 1");
     QCOMPARE(
         changedState(before, panelState(panel)),
-        (QStringList{u"m_devicePcVersion="_qs, u"m_deviceOtgVersion="_qs, u"m_autoRecoverRunning=false"_qs,
-                     u"m_isUpgrading=false"_qs, u"lastDetectedOtgPid=0"_qs, u"m_postUpgradeWaiting=true"_qs,
-                     u"m_zeroVersionCount=0"_qs}));
+        (QStringList{u"m_devicePcVersion="_s, u"m_deviceOtgVersion="_s, u"m_autoRecoverRunning=false"_s,
+                     u"m_isUpgrading=false"_s, u"lastDetectedOtgPid=0"_s, u"m_postUpgradeWaiting=true"_s,
+                     u"m_zeroVersionCount=0"_s}));
     QVERIFY(!panel.m_progressTimer->isActive());
     QVERIFY(!panel.m_dfuTimeoutTimer->isActive());
 }
@@ -182,13 +184,13 @@ void ProgressVerdictsTest::completionIsShown()
     m->beginRun(UpgradePlan::Both, true);
     panel.m_tipMovie->start();
     panel.m_progressBar->setBackgroundColor(Qt::yellow);
-    const ScreenChange screen(panel, {u"m_doneIconLb"_qs, u"m_doneLb"_qs},
-                              {u"tipMoiveLb"_qs, u"m_detectingUsbLb"_qs, u"m_connectHintLb"_qs,
-                               u"m_waitingIconLb"_qs, u"m_upgradingLb"_qs, u"upgradeProgDisPlay"_qs});
+    const ScreenChange screen(panel, {u"m_doneIconLb"_s, u"m_doneLb"_s},
+                              {u"tipMoiveLb"_s, u"m_detectingUsbLb"_s, u"m_connectHintLb"_s,
+                               u"m_waitingIconLb"_s, u"m_upgradingLb"_s, u"upgradeProgDisPlay"_s});
     m->poll("success 1");
     QCOMPARE(screen.actual(), screen.expected());
     QCOMPARE(m->percentOnBar(), 100);
-    QCOMPARE(m->percentText(), u"100%"_qs);
+    QCOMPARE(m->percentText(), u"100%"_s);
     QCOMPARE(panel.m_progressBar->m_progressColor, FlashingStage::kNeutral);
     QCOMPARE(panel.m_progressBar->m_backgroundColor, QColor(Qt::yellow));
     QCOMPARE(panel.m_tipMovie->state(), QMovie::NotRunning);
@@ -223,9 +225,9 @@ void ProgressVerdictsTest::completionReadsTheNewVersions()
     QVERIFY2(waited >= 2250 && waited < 3000, qPrintable(QString::number(waited)));
     QCOMPARE(m->bus().written().first(), ControlMessages::getInstance()->randomRead(0x1008));
     QCOMPARE(m->log.lines().mid(0, 2),
-             (QStringList{u"[ConnectingR2] START - m_isUpgrading=false m_autoRecoverRunning=false"_qs,
-                          u"[FirmwareUpgradeWidget定时器扫描] 发现 1 个设备"_qs}));
-    QCOMPARE(m->log.startingWith(u"[ConnectingR2] START"_qs).size(), 1);
+             (QStringList{u"[ConnectingR2] START - m_isUpgrading=false m_autoRecoverRunning=false"_s,
+                          u"[FirmwareUpgradeWidget定时器扫描] 发现 1 个设备"_s}));
+    QCOMPARE(m->log.startingWith(u"[ConnectingR2] START"_s).size(), 1);
 }
 
 void ProgressVerdictsTest::completionOfADeletedPanelReadsNothing()
@@ -235,7 +237,7 @@ void ProgressVerdictsTest::completionOfADeletedPanelReadsNothing()
     m->panel.reset();
     m->log.clear();
     QTest::qWait(2700);
-    QCOMPARE(m->log.startingWith(u"[ConnectingR2]"_qs), QStringList());
+    QCOMPARE(m->log.startingWith(u"[ConnectingR2]"_s), QStringList());
 }
 
 void ProgressVerdictsTest::allWrittenAndEndedIsSuccess_data()
@@ -244,12 +246,12 @@ void ProgressVerdictsTest::allWrittenAndEndedIsSuccess_data()
     QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<bool>("isToolRunning");
     QTest::addColumn<bool>("succeeds");
-    QTest::newRow("PC only, ended") << "100%"_qba << UpgradePlan::PcOnly << false << true;
-    QTest::newRow("CR LF, ended") << "99%\r\n100%\r\n"_qba << UpgradePlan::PcOnly << false << true;
-    QTest::newRow("the PC half, ended") << "100%"_qba << UpgradePlan::Both << false << true;
-    QTest::newRow("PC only, running") << "100%"_qba << UpgradePlan::PcOnly << true << false;
-    QTest::newRow("99 %, ended") << "99%"_qba << UpgradePlan::PcOnly << false << false;
-    QTest::newRow("another spelling, ended") << "0100%"_qba << UpgradePlan::PcOnly << false << false;
+    QTest::newRow("PC only, ended") << "100%"_ba << UpgradePlan::PcOnly << false << true;
+    QTest::newRow("CR LF, ended") << "99%\r\n100%\r\n"_ba << UpgradePlan::PcOnly << false << true;
+    QTest::newRow("the PC half, ended") << "100%"_ba << UpgradePlan::Both << false << true;
+    QTest::newRow("PC only, running") << "100%"_ba << UpgradePlan::PcOnly << true << false;
+    QTest::newRow("99 %, ended") << "99%"_ba << UpgradePlan::PcOnly << false << false;
+    QTest::newRow("another spelling, ended") << "0100%"_ba << UpgradePlan::PcOnly << false << false;
 }
 
 void ProgressVerdictsTest::allWrittenAndEndedIsSuccess()
@@ -263,8 +265,8 @@ void ProgressVerdictsTest::allWrittenAndEndedIsSuccess()
     m->beginRun(plan);
     m->log.clear();
     m->poll(content);
-    QCOMPARE(m->log.contains(u"[状态] 进度100%且进程已退出，视为升级成功"_qs), succeeds);
-    QCOMPARE(m->log.contains(u"Successfully upgrade !!!"_qs), succeeds);
+    QCOMPARE(m->log.contains(u"[状态] 进度100%且进程已退出，视为升级成功"_s), succeeds);
+    QCOMPARE(m->log.contains(u"Successfully upgrade !!!"_s), succeeds);
     QCOMPARE(m->panel->m_progressTimer->isActive(), !succeeds);
     QCOMPARE(m->panel->pcUpgradeCompleted, succeeds && plan == UpgradePlan::Both);
     QCOMPARE(m->panel->m_postUpgradeWaiting, succeeds && plan != UpgradePlan::Both);

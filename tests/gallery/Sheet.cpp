@@ -5,6 +5,8 @@
 #include <QFont>
 #include <QPainter>
 
+using namespace Qt::StringLiterals;
+
 namespace Sheet {
 
 using Gallery::View;
@@ -47,7 +49,7 @@ QImage contactSheet(const QString &gallery)
     QImage sheet(end.x() - kGap, int(kGap + rows * (kCell.height() + kCaption + kGap)), QImage::Format_RGB32);
     sheet.fill(kGround);
     QPainter painter(&sheet);
-    QFont font(u"Roboto"_qs);
+    QFont font(u"Roboto"_s);
     font.setPixelSize(14);
     painter.setFont(font);
     painter.setPen(kText);
@@ -59,7 +61,7 @@ QImage contactSheet(const QString &gallery)
                 return {};
             const QPoint corner = cornerOf(screen, rows, view, views.size());
             const QString caption
-                = view == 0 ? QString::fromLatin1(screens.at(screen).title) + u" \u00b7 "_qs : QString();
+                = view == 0 ? QString::fromLatin1(screens.at(screen).title) + u" \u00b7 "_s : QString();
             painter.drawText(QRect(corner, QSize(kCell.width(), kCaption)), Qt::AlignVCenter,
                              caption + views.at(view).model + u' ' + views.at(view).language);
             painter.drawImage(corner + QPoint(0, kCaption),
@@ -75,19 +77,19 @@ QString indexPage()
                    "<style>body { background: #16171c; color: #c8cad6; font: 14px Roboto, sans-serif; }\n"
                    "a { color: inherit; }\n"
                    "table { border-spacing: 12px; } th { text-align: left; }\n"
-                   "img { width: 472px; height: 418px; }</style>\n<table>\n"_qs;
+                   "img { width: 472px; height: 418px; }</style>\n<table>\n"_s;
     for (const Gallery::Screen &screen : Gallery::screens()) {
         const QString name = QLatin1StringView(screen.name);
         QString captions;
         QString pictures;
         for (const View &view : Gallery::views()) {
-            captions += u"<th>%1<br>%2 \u00b7 <a href='%3'>texts</a></th>"_qs.arg(
+            captions += u"<th>%1<br>%2 \u00b7 <a href='%3'>texts</a></th>"_s.arg(
                 QLatin1StringView(screen.title), view.folder(), Gallery::widgetsPath(view, name));
-            pictures += u"<td><a href='%1'><img src='%1'></a></td>"_qs.arg(Gallery::picturePath(view, name));
+            pictures += u"<td><a href='%1'><img src='%1'></a></td>"_s.arg(Gallery::picturePath(view, name));
         }
-        page += u"<tr id='%1'>%2</tr>\n<tr>%3</tr>\n"_qs.arg(name, captions, pictures);
+        page += u"<tr id='%1'>%2</tr>\n<tr>%3</tr>\n"_s.arg(name, captions, pictures);
     }
-    return page + u"</table>\n"_qs;
+    return page + u"</table>\n"_s;
 }
 
 } // namespace Sheet

@@ -6,13 +6,15 @@
 #include <QDir>
 #include <QGuiApplication>
 
+using namespace Qt::StringLiterals;
+
 Tour::Tour(const Gallery::View &view, const QString &folder)
     : m_view(view)
     , m_holder(view.model == u"R1" ? rig::Model::R1 : rig::Model::R2)
     , m_camera(folder, view)
 {
     QDir().mkpath(folder);
-    m_log.writeTo(folder + u'/' + view.folder() + u".log"_qs);
+    m_log.writeTo(folder + u'/' + view.folder() + u".log"_s);
 }
 
 Tour::~Tour()
@@ -35,7 +37,7 @@ bool Tour::start(const QString &scenario, QString *error)
     host::PanelHolder::setEnglish(m_view.language == u"en");
     m_player = std::make_unique<rig::ScenarioPlayer>(m_rig, controls());
     connect(m_player.get(), &rig::ScenarioPlayer::progressed, this,
-            [this](const QString &line) { m_log.record(u"scenario"_qs, line); });
+            [this](const QString &line) { m_log.record(u"scenario"_s, line); });
     connect(m_player.get(), &rig::ScenarioPlayer::finished, this, &Tour::end);
     m_player->setPanel(m_holder.create());
     m_player->play(*loaded);
@@ -57,7 +59,7 @@ void Tour::end(bool passed, const QString &verdict)
     if (!passed)
         host::Terminal::complain(verdict);
     else if (!m_camera.isComplete())
-        host::Terminal::complain(u"a picture is missing"_qs);
+        host::Terminal::complain(u"a picture is missing"_s);
     else
         return QCoreApplication::exit(0);
     QCoreApplication::exit(1);

@@ -1,5 +1,7 @@
 #include "tests/gallery/Views.h"
 
+using namespace Qt::StringLiterals;
+
 namespace Gallery {
 
 const QList<Screen> &screens()
@@ -25,14 +27,14 @@ const QList<Screen> &screens()
 QString View::folder() const
 {
     const QString name = model + u'-' + language;
-    return scale == 1 ? name : name + u"@%1x"_qs.arg(scale);
+    return scale == 1 ? name : name + u"@%1x"_s.arg(scale);
 }
 
 QList<View> views()
 {
     QList<View> all;
-    for (const QString &model : {u"R1"_qs, u"R2"_qs}) {
-        for (const QString &language : {u"en"_qs, u"zh"_qs}) {
+    for (const QString &model : {u"R1"_s, u"R2"_s}) {
+        for (const QString &language : {u"en"_s, u"zh"_s}) {
             for (const int scale : {1, 2})
                 all.append({model, language, scale});
         }
@@ -42,17 +44,17 @@ QList<View> views()
 
 QString picturePath(const View &view, const QString &screen)
 {
-    return u"pictures/"_qs + view.folder() + u'/' + screen + u".png"_qs;
+    return u"pictures/"_s + view.folder() + u'/' + screen + u".png"_s;
 }
 
 QString widgetsPath(const View &view, const QString &screen)
 {
-    return u"pictures/"_qs + view.folder() + u'/' + screen + u".txt"_qs;
+    return u"pictures/"_s + view.folder() + u'/' + screen + u".txt"_s;
 }
 
 QString factsPath(const View &view, const QString &screen)
 {
-    return u"facts/"_qs + view.folder() + u'/' + screen + u".json"_qs;
+    return u"facts/"_s + view.folder() + u'/' + screen + u".json"_s;
 }
 
 } // namespace Gallery

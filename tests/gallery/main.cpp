@@ -18,6 +18,7 @@
 #include <memory>
 #include <vector>
 
+using namespace Qt::StringLiterals;
 using Gallery::View;
 
 namespace {
@@ -95,13 +96,13 @@ int makeGallery(const QString &folder)
     for (const char *part : {"pictures", "facts", "differences"})
         QDir(folder + u'/' + QLatin1StringView(part)).removeRecursively();
     if (!takeAllTours(folder))
-        return fail(u"a tour failed; its log is in "_qs + folder);
+        return fail(u"a tour failed; its log is in "_s + folder);
     const QImage sheet = Sheet::contactSheet(folder);
-    if (sheet.isNull() || !PictureFile::save(sheet, folder + u"/sheet.png"_qs))
-        return fail(u"the contact sheet could not be made"_qs);
-    QFile page(folder + u"/index.html"_qs);
+    if (sheet.isNull() || !PictureFile::save(sheet, folder + u"/sheet.png"_s))
+        return fail(u"the contact sheet could not be made"_s);
+    QFile page(folder + u"/index.html"_s);
     if (!page.open(QIODevice::WriteOnly) || page.write(Sheet::indexPage().toUtf8()) < 0)
-        return fail(u"index.html could not be written"_qs);
+        return fail(u"index.html could not be written"_s);
     return 0;
 }
 } // namespace
@@ -114,10 +115,10 @@ int main(int argc, char *argv[])
         = std::find_if(views.begin(), views.end(), [&](const View &one) { return one.folder() == asked; });
     const bool isTour = view != views.end();
     if (argc < 2 || argc > 3 || (argc == 3 && !isTour))
-        return fail(u"usage: quillon-gallery FOLDER [VIEW]"_qs);
+        return fail(u"usage: quillon-gallery FOLDER [VIEW]"_s);
     settleSurroundings(isTour ? view->scale : 1);
     QApplication application(argc, argv);
-    QApplication::setStyle(QStyleFactory::create(u"Fusion"_qs));
+    QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
     const QString folder = QDir(QString::fromLocal8Bit(argv[1])).absolutePath();
     return isTour ? takeTour(folder, *view) : makeGallery(folder);
 }

@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
 using Gallery::View;
 
 namespace {
@@ -110,7 +111,7 @@ void GalleryContrastTest::everyTextCanBeRead()
         const Known *known = knownOf(screen, text.widget.name);
         const double least = known ? known->contrast : needed(text.widget);
         QVERIFY2(text.contrast >= least,
-                 qPrintable(u"%1: %2 of %3"_qs.arg(text.widget.name).arg(text.contrast).arg(least)));
+                 qPrintable(u"%1: %2 of %3"_s.arg(text.widget.name).arg(text.contrast).arg(least)));
     }
 }
 

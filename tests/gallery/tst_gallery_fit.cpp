@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 
+using namespace Qt::StringLiterals;
 using Gallery::View;
 
 namespace {
@@ -93,7 +94,7 @@ QStringList cutOnWindows(const QList<WidgetFacts> &widgets)
         // The last pixel is the blank above the first line's strokes and below the last one's.
         if (widget.fontSize <= 0 || widthOnWindows(widget) > widget.place.width()
             || std::floor(heightOnWindows(widget)) > widget.place.height())
-            cut.append(u"%1 on Windows (%2 x %3)"_qs.arg(widget.name)
+            cut.append(u"%1 on Windows (%2 x %3)"_s.arg(widget.name)
                            .arg(widthOnWindows(widget))
                            .arg(heightOnWindows(widget)));
     }
@@ -134,7 +135,7 @@ QStringList overlaps(const QList<WidgetFacts> &widgets)
             const WidgetFacts &below = widgets.at(i);
             const WidgetFacts &above = widgets.at(j);
             if (below.parent == above.parent && liesOver(above, below))
-                found.append(above.name + u" over "_qs + below.name);
+                found.append(above.name + u" over "_s + below.name);
         }
     }
     return found;
@@ -186,9 +187,9 @@ void GalleryFitTest::everythingHasItsRoom()
     // The fonts that stand for Windows' own are drawn by Qt there, each letter as wide as whole pixels: one
     // hint gets a line more than it has room for.
     if (view.model == u"R2" && view.language == u"en" && screen == u"waiting-otg")
-        QCOMPARE(flaws.removeAll(u"m_connectHintLb"_qs), qsizetype(1));
+        QCOMPARE(flaws.removeAll(u"m_connectHintLb"_s), qsizetype(1));
 #endif
-    QVERIFY2(flaws.isEmpty(), qPrintable(flaws.join(u", "_qs)));
+    QVERIFY2(flaws.isEmpty(), qPrintable(flaws.join(u", "_s)));
 }
 
 void GalleryFitTest::theOfflineToolsLineFitsOnWindows_data()
@@ -202,7 +203,7 @@ void GalleryFitTest::theOfflineToolsLineFitsOnWindows()
 {
     QFETCH(View, view);
     double width = kIconAndGap;
-    for (WidgetFacts &widget : factsOf(view, u"too-old"_qs)) {
+    for (WidgetFacts &widget : factsOf(view, u"too-old"_s)) {
         if (!widget.name.startsWith(u"m_offlineTool") || widget.text.isEmpty())
             continue;
         widget.isBold = true; // the link's markup makes it so
@@ -218,15 +219,15 @@ void GalleryFitTest::aTextTooLargeForWindowsIsSeen_data()
     QTest::addColumn<bool>("bold");
     QTest::addColumn<QSize>("place");
     QTest::addColumn<bool>("seen");
-    QTest::newRow("fits to the pixel") << u"Update Completed"_qs << true << QSize(142, 21) << false;
-    QTest::newRow("one pixel less") << u"Update Completed"_qs << true << QSize(141, 21) << true;
-    QTest::newRow("narrower when not bold") << u"Update Completed"_qs << false << QSize(135, 21) << false;
-    QTest::newRow("nobody misses a blank at the end") << u"ports. "_qs << true << QSize(48, 21) << false;
-    QTest::newRow("Chinese") << u"\u5347\u7ea7\u5b8c\u6210"_qs << true << QSize(64, 21) << false;
+    QTest::newRow("fits to the pixel") << u"Update Completed"_s << true << QSize(142, 21) << false;
+    QTest::newRow("one pixel less") << u"Update Completed"_s << true << QSize(141, 21) << true;
+    QTest::newRow("narrower when not bold") << u"Update Completed"_s << false << QSize(135, 21) << false;
+    QTest::newRow("nobody misses a blank at the end") << u"ports. "_s << true << QSize(48, 21) << false;
+    QTest::newRow("Chinese") << u"\u5347\u7ea7\u5b8c\u6210"_s << true << QSize(64, 21) << false;
     QTest::newRow("Chinese, one pixel less")
-        << u"\u5347\u7ea7\u5b8c\u6210"_qs << true << QSize(63, 21) << true;
-    QTest::newRow("the longer of two lines") << u"to\nUpdate Completed"_qs << true << QSize(141, 42) << true;
-    QTest::newRow("one line too many") << u"to\nto"_qs << true << QSize(142, 41) << true;
+        << u"\u5347\u7ea7\u5b8c\u6210"_s << true << QSize(63, 21) << true;
+    QTest::newRow("the longer of two lines") << u"to\nUpdate Completed"_s << true << QSize(141, 42) << true;
+    QTest::newRow("one line too many") << u"to\nto"_s << true << QSize(142, 41) << true;
 }
 
 void GalleryFitTest::aTextTooLargeForWindowsIsSeen()
@@ -253,13 +254,13 @@ void GalleryFitTest::everyMeantOverlapIsStillThere()
             for (const WidgetFacts &below : widgets) {
                 for (const WidgetFacts &above : widgets) {
                     if (below.geometry.intersects(above.geometry))
-                        found.insert(above.name + u" over "_qs + below.name);
+                        found.insert(above.name + u" over "_s + below.name);
                 }
             }
         }
     }
     for (const Meant &meant : kMeant) {
-        const QString pair = QLatin1StringView(meant.above) + u" over "_qs + QLatin1StringView(meant.below);
+        const QString pair = QLatin1StringView(meant.above) + u" over "_s + QLatin1StringView(meant.below);
         QVERIFY2(found.contains(pair), qPrintable(pair));
     }
 }
@@ -272,14 +273,14 @@ void GalleryFitTest::aFlawIsSeen_data()
     QTest::addColumn<QStringList>("flaws");
     const QRect beside(100, 10, 100, 10);
     const QRect over(99, 10, 100, 10);
-    const QStringList cut{u"b"_qs};
-    const QStringList covers{u"b over a"_qs};
-    QTest::newRow("all fits") << beside << QRect(101, 11, 98, 8) << u"panel"_qs << QStringList();
-    QTest::newRow("too wide") << beside << QRect(100, 10, 101, 8) << u"panel"_qs << cut;
-    QTest::newRow("too high") << beside << QRect(101, 9, 20, 8) << u"panel"_qs << cut;
-    QTest::newRow("nowhere to be seen") << beside << QRect() << u"panel"_qs << cut;
-    QTest::newRow("over its neighbour") << over << QRect(120, 11, 50, 8) << u"panel"_qs << covers;
-    QTest::newRow("over another's child") << over << QRect(120, 11, 50, 8) << u"card"_qs << QStringList();
+    const QStringList cut{u"b"_s};
+    const QStringList covers{u"b over a"_s};
+    QTest::newRow("all fits") << beside << QRect(101, 11, 98, 8) << u"panel"_s << QStringList();
+    QTest::newRow("too wide") << beside << QRect(100, 10, 101, 8) << u"panel"_s << cut;
+    QTest::newRow("too high") << beside << QRect(101, 9, 20, 8) << u"panel"_s << cut;
+    QTest::newRow("nowhere to be seen") << beside << QRect() << u"panel"_s << cut;
+    QTest::newRow("over its neighbour") << over << QRect(120, 11, 50, 8) << u"panel"_s << covers;
+    QTest::newRow("over another's child") << over << QRect(120, 11, 50, 8) << u"card"_s << QStringList();
 }
 
 void GalleryFitTest::aFlawIsSeen()
@@ -289,17 +290,17 @@ void GalleryFitTest::aFlawIsSeen()
     QFETCH(QString, parent);
     QFETCH(QStringList, flaws);
     WidgetFacts a;
-    a.name = u"a"_qs;
-    a.parent = u"panel"_qs;
+    a.name = u"a"_s;
+    a.parent = u"panel"_s;
     a.geometry = a.place = QRect(0, 10, 100, 10);
     a.ink = QRect(0, 10, 90, 10);
     WidgetFacts b;
-    b.name = u"b"_qs;
+    b.name = u"b"_s;
     b.parent = parent;
     b.geometry = b.place = place;
     b.ink = ink;
     b.isLabel = true;
-    b.text = u"words"_qs;
+    b.text = u"words"_s;
     b.fontSize = 7;
     QCOMPARE(flawsOf({a, b}), flaws);
     QCOMPARE(WidgetFacts::fromJson(b.toJson()).ink, ink);
@@ -309,15 +310,15 @@ void GalleryFitTest::aFlawIsSeen()
 void GalleryFitTest::adviceOverTheNotesIsSeen()
 {
     WidgetFacts notes;
-    notes.name = u"m_notesEdit"_qs;
+    notes.name = u"m_notesEdit"_s;
     notes.geometry = notes.place = QRect(0, 0, 100, 100);
     notes.ink = QRect(0, 0, 90, 80);
     WidgetFacts advice;
-    advice.name = u"m_failTextLb"_qs;
+    advice.name = u"m_failTextLb"_s;
     advice.geometry = advice.place = advice.ink = QRect(0, 90, 100, 20);
     QCOMPARE(overlaps({notes, advice}), QStringList());
     notes.ink.setHeight(95);
-    QCOMPARE(overlaps({notes, advice}), QStringList{u"m_failTextLb over m_notesEdit"_qs});
+    QCOMPARE(overlaps({notes, advice}), QStringList{u"m_failTextLb over m_notesEdit"_s});
 }
 
 QTEST_GUILESS_MAIN(GalleryFitTest)

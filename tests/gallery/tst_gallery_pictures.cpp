@@ -10,6 +10,7 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
 using Gallery::View;
 
 namespace {
@@ -47,7 +48,7 @@ constexpr int kLettersTolerance = PictureFile::kTolerance;
 /// These are as wide as their text, and stand side by side.
 bool isSizedByText(const QString &widget)
 {
-    return widget.startsWith(u"m_offlineTool"_qs);
+    return widget.startsWith(u"m_offlineTool"_s);
 }
 
 /// Where letters differ.
@@ -85,15 +86,15 @@ void compareWithKept(const QString &kept, const QString &taken, const QString &s
                      const QList<QRect> &letters = {})
 {
     const QImage picture(taken);
-    QVERIFY2(!picture.isNull(), qPrintable(taken + u" is missing"_qs));
+    QVERIFY2(!picture.isNull(), qPrintable(taken + u" is missing"_s));
     const PictureFile::Difference difference = PictureFile::compare(
         PictureFile::withoutStrokes(QImage(kept), letters), PictureFile::withoutStrokes(picture, letters),
         letters.isEmpty() ? PictureFile::kTolerance : kLettersTolerance);
-    QVERIFY2(difference.sameSize, qPrintable(kept + u" is missing or of another size"_qs));
+    QVERIFY2(difference.sameSize, qPrintable(kept + u" is missing or of another size"_s));
     if (difference.pixels <= PictureFile::kToleratedPixels)
         return;
     PictureFile::save(difference.shown, kDifferences + shown);
-    QFAIL(qPrintable(u"%1 pixels differ, by %2 at most: see %3"_qs.arg(difference.pixels)
+    QFAIL(qPrintable(u"%1 pixels differ, by %2 at most: see %3"_s.arg(difference.pixels)
                          .arg(difference.largest)
                          .arg(kDifferences + shown)));
 }
@@ -135,7 +136,7 @@ void GalleryPicturesTest::everyScreenLooksAsKept()
     QFETCH(View, view);
     QFETCH(QString, screen);
     const QString picture = Gallery::picturePath(view, screen);
-    compareWithKept(kReference + picture, kGallery + picture, QString(picture).remove(u"pictures/"_qs),
+    compareWithKept(kReference + picture, kGallery + picture, QString(picture).remove(u"pictures/"_s),
                     placesOfLetters(view, screen));
 }
 
@@ -143,10 +144,10 @@ void GalleryPicturesTest::theReadmeShowsWhatThereIs_data()
 {
     QTest::addColumn<QString>("documented");
     QTest::addColumn<QString>("picture");
-    QTest::newRow("every screen at a glance") << u"gallery.png"_qs << u"sheet.png"_qs;
+    QTest::newRow("every screen at a glance") << u"gallery.png"_s << u"sheet.png"_s;
     QTest::newRow("an upgrade on offer")
-        << u"upgrade-available.png"_qs
-        << Gallery::picturePath({u"R2"_qs, u"en"_qs, 2}, u"upgrade-available"_qs);
+        << u"upgrade-available.png"_s
+        << Gallery::picturePath({u"R2"_s, u"en"_s, 2}, u"upgrade-available"_s);
 }
 
 void GalleryPicturesTest::theReadmeShowsWhatThereIs()
@@ -155,7 +156,7 @@ void GalleryPicturesTest::theReadmeShowsWhatThereIs()
         QSKIP("the README shows pictures from Linux");
     QFETCH(QString, documented);
     QFETCH(QString, picture);
-    compareWithKept(kDocumented + documented, kGallery + picture, u"readme-"_qs + documented);
+    compareWithKept(kDocumented + documented, kGallery + picture, u"readme-"_s + documented);
 }
 
 void GalleryPicturesTest::everyWidgetSaysAndStandsAsKept_data()
@@ -174,10 +175,10 @@ void GalleryPicturesTest::everyWidgetSaysAndStandsAsKept()
     QFETCH(QString, widgets);
     const QStringList kept = linesOf(kReference + widgets);
     const QStringList taken = linesOf(kGallery + widgets);
-    QVERIFY2(taken.size() > 1, qPrintable(kGallery + widgets + u" is missing"_qs));
+    QVERIFY2(taken.size() > 1, qPrintable(kGallery + widgets + u" is missing"_s));
     for (qsizetype i = 0; i < std::min(kept.size(), taken.size()); ++i)
         QVERIFY2(comparable(taken.at(i)) == comparable(kept.at(i)),
-                 qPrintable(u"line %1\n  kept:  %2\n  taken: %3"_qs.arg(i + 1).arg(kept.at(i), taken.at(i))));
+                 qPrintable(u"line %1\n  kept:  %2\n  taken: %3"_s.arg(i + 1).arg(kept.at(i), taken.at(i))));
     QCOMPARE(taken.size(), kept.size());
 }
 
@@ -208,7 +209,7 @@ void GalleryPicturesTest::bothSizesSayTheSame()
 
 void GalleryPicturesTest::nothingIsKeptThatIsNoLongerPictured()
 {
-    QCOMPARE(filesIn(kReference + u"pictures"_qs), filesIn(kGallery + u"pictures"_qs));
+    QCOMPARE(filesIn(kReference + u"pictures"_s), filesIn(kGallery + u"pictures"_s));
 }
 
 void GalleryPicturesTest::aDifferenceIsSeen_data()

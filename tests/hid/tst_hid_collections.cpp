@@ -3,14 +3,15 @@
 
 #include <QTest>
 
+using namespace Qt::StringLiterals;
 using namespace HIDCommunicator;
 
 namespace {
-const QString kMouse = u"\\\\?\\hid#vid_352f&pid_000e&mi_03&col01#8&1a2b&0&0000#{4d1e55b2}"_qs;
-const QString kFamily = u"\\\\?\\hid#vid_352f&pid_000e&mi_03&col02#8&1a2b&0&0001#{4d1e55b2}"_qs;
-const QString kOther = u"\\\\?\\hid#vid_352f&pid_000e&mi_03&col03#8&1a2b&0&0002#{4d1e55b2}"_qs;
-const QString kTwin = u"\\\\?\\hid#vid_352f&pid_000e&mi_03&col02#8&ffff&0&0001#{4d1e55b2}"_qs;
-const QString kAlone = u"\\\\?\\hid#vid_352f&pid_000e#7&77&0&0000#{4d1e55b2}"_qs;
+const QString kMouse = u"\\\\?\\hid#vid_352f&pid_000e&mi_03&col01#8&1a2b&0&0000#{4d1e55b2}"_s;
+const QString kFamily = u"\\\\?\\hid#vid_352f&pid_000e&mi_03&col02#8&1a2b&0&0001#{4d1e55b2}"_s;
+const QString kOther = u"\\\\?\\hid#vid_352f&pid_000e&mi_03&col03#8&1a2b&0&0002#{4d1e55b2}"_s;
+const QString kTwin = u"\\\\?\\hid#vid_352f&pid_000e&mi_03&col02#8&ffff&0&0001#{4d1e55b2}"_s;
+const QString kAlone = u"\\\\?\\hid#vid_352f&pid_000e#7&77&0&0000#{4d1e55b2}"_s;
 
 const CollectionReports kFamilyReports{{0x51}, {0x51}};
 const CollectionReports kMouseReports{{0x01, 0x01, 0x02}, {}};

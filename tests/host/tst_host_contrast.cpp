@@ -23,6 +23,7 @@
 #include <QTest>
 #include <QTextBlock>
 
+using namespace Qt::StringLiterals;
 using namespace host;
 
 namespace {
@@ -160,7 +161,7 @@ void HostContrastTest::init()
     m_window->setEnglish(true);
     m_window->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
-    m_window->findChild<QPlainTextEdit *>(u"log"_qs)->setPlainText(kLogLine);
+    m_window->findChild<QPlainTextEdit *>(u"log"_s)->setPlainText(kLogLine);
 }
 
 void HostContrastTest::cleanup()
@@ -208,7 +209,7 @@ void HostContrastTest::everythingCanBeRead()
             m_window->grab(QRect(widget->mapTo(m_window.get(), QPoint()), widget->size())).toImage(),
             inkOf(words, widget->font()));
         ++measured;
-        QVERIFY2(contrast >= kReadable, qPrintable(u"\"%1\": %2"_qs.arg(words.text).arg(contrast)));
+        QVERIFY2(contrast >= kReadable, qPrintable(u"\"%1\": %2"_s.arg(words.text).arg(contrast)));
     }
     // Captions and titles, buttons, check boxes, lists, versions, the log.
     QVERIFY2(measured > 20, qPrintable(QString::number(measured)));
@@ -224,7 +225,7 @@ void HostContrastTest::everyLineOfAListCanBeRead_data()
 void HostContrastTest::everyLineOfAListCanBeRead()
 {
     QFETCH(bool, current);
-    auto *box = m_window->findChild<QComboBox *>(u"fault"_qs);
+    auto *box = m_window->findChild<QComboBox *>(u"fault"_s);
     box->showPopup();
     QAbstractItemView *list = box->view();
     const QModelIndex index = box->model()->index(current ? 0 : 1, 0);

@@ -6,6 +6,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 class HostOptionsTest : public QObject {
     Q_OBJECT
 
@@ -25,36 +27,36 @@ void HostOptionsTest::aWrongCommandLineIsRefused_data()
 
     const QString scenario = QStringLiteral("--scenario");
     const QString simulate = QStringLiteral("--simulate");
-    QTest::newRow("an option that is none") << QStringList{u"--colour"_qs} << u"Unknown option 'colour'"_qs;
-    QTest::newRow("a word too many") << QStringList{u"--simulate"_qs, u"R2"_qs}
-                                     << u"unexpected argument \"R2\""_qs;
+    QTest::newRow("an option that is none") << QStringList{u"--colour"_s} << u"Unknown option 'colour'"_s;
+    QTest::newRow("a word too many") << QStringList{u"--simulate"_s, u"R2"_s}
+                                     << u"unexpected argument \"R2\""_s;
     QTest::newRow("a model that is none")
-        << QStringList{u"--model"_qs, u"R3"_qs} << u"--model takes R1 or R2, not \"R3\""_qs;
-    QTest::newRow("an empty model") << QStringList{u"--model="_qs} << u"--model takes R1 or R2, not \"\""_qs;
-    QTest::newRow("a model left out") << QStringList{u"--model"_qs} << u"Missing value after '--model'"_qs;
+        << QStringList{u"--model"_s, u"R3"_s} << u"--model takes R1 or R2, not \"R3\""_s;
+    QTest::newRow("an empty model") << QStringList{u"--model="_s} << u"--model takes R1 or R2, not \"\""_s;
+    QTest::newRow("a model left out") << QStringList{u"--model"_s} << u"Missing value after '--model'"_s;
     QTest::newRow("a language that is none")
-        << QStringList{u"--language"_qs, u"de"_qs} << u"--language takes zh or en, not \"de\""_qs;
+        << QStringList{u"--language"_s, u"de"_s} << u"--language takes zh or en, not \"de\""_s;
     QTest::newRow("a language in capitals")
-        << QStringList{u"--language"_qs, u"EN"_qs} << u"--language takes zh or en, not \"EN\""_qs;
+        << QStringList{u"--language"_s, u"EN"_s} << u"--language takes zh or en, not \"EN\""_s;
     QTest::newRow("a value for a switch")
-        << QStringList{u"--simulate=yes"_qs} << u"Unexpected value after '--simulate'"_qs;
+        << QStringList{u"--simulate=yes"_s} << u"Unexpected value after '--simulate'"_s;
     QTest::newRow("a fault that is none")
-        << QStringList{simulate, u"--fault"_qs, u"tool-sings"_qs}
-        << u"--fault: there is no fault \"tool-sings\"; --help lists them"_qs;
+        << QStringList{simulate, u"--fault"_s, u"tool-sings"_s}
+        << u"--fault: there is no fault \"tool-sings\"; --help lists them"_s;
     QTest::newRow("a fault on real hardware")
-        << QStringList{u"--fault"_qs, u"tool-missing"_qs} << u"--fault needs --simulate"_qs;
-    QTest::newRow("real hardware on USB") << QStringList{u"--usb"_qs} << u"--usb needs --simulate"_qs;
+        << QStringList{u"--fault"_s, u"tool-missing"_s} << u"--fault needs --simulate"_s;
+    QTest::newRow("real hardware on USB") << QStringList{u"--usb"_s} << u"--usb needs --simulate"_s;
     QTest::newRow("a scenario on real hardware")
-        << QStringList{scenario, u"x.scn"_qs} << u"--scenario needs --simulate"_qs;
+        << QStringList{scenario, u"x.scn"_s} << u"--scenario needs --simulate"_s;
     QTest::newRow("headless with nothing to play")
-        << QStringList{simulate, u"--headless"_qs} << u"--headless needs --scenario"_qs;
+        << QStringList{simulate, u"--headless"_s} << u"--headless needs --scenario"_s;
     QTest::newRow("a scenario without a name")
-        << QStringList{simulate, u"--scenario="_qs} << u"--scenario takes the name of a file"_qs;
+        << QStringList{simulate, u"--scenario="_s} << u"--scenario takes the name of a file"_s;
     QTest::newRow("a folder without a name")
-        << QStringList{u"--record="_qs} << u"--record takes the name of a folder"_qs;
-    QTest::newRow("a scenario that is not there") << QStringList{simulate, scenario, u"/nowhere/x.scn"_qs}
-                                                  << u"/nowhere/x.scn: "_qs;
-    QTest::newRow("a scenario that is a folder") << QStringList{simulate, scenario, u"/"_qs} << u"/: "_qs;
+        << QStringList{u"--record="_s} << u"--record takes the name of a folder"_s;
+    QTest::newRow("a scenario that is not there") << QStringList{simulate, scenario, u"/nowhere/x.scn"_s}
+                                                  << u"/nowhere/x.scn: "_s;
+    QTest::newRow("a scenario that is a folder") << QStringList{simulate, scenario, u"/"_s} << u"/: "_s;
 }
 
 void HostOptionsTest::aWrongCommandLineIsRefused()
@@ -70,7 +72,7 @@ void HostOptionsTest::aWrongCommandLineIsRefused()
 
 void HostOptionsTest::helpNamesEveryOptionAndFault()
 {
-    const HostRun run = HostRun::with({u"--help"_qs});
+    const HostRun run = HostRun::with({u"--help"_s});
     QCOMPARE(run.status, 0);
     QCOMPARE(run.errors, QString());
     for (const char *option :
@@ -83,13 +85,13 @@ void HostOptionsTest::helpNamesEveryOptionAndFault()
 void HostOptionsTest::aFolderThatCannotBeMadeIsRefused()
 {
     QTemporaryDir folder;
-    QFile scenario(folder.filePath(u"x.scn"_qs));
+    QFile scenario(folder.filePath(u"x.scn"_s));
     QVERIFY(scenario.open(QIODevice::WriteOnly));
     scenario.write("expect screen searching\n");
     scenario.close();
-    const QString blocked = scenario.fileName() + u"/pictures"_qs;
+    const QString blocked = scenario.fileName() + u"/pictures"_s;
     const HostRun run = HostRun::with(
-        {u"--simulate"_qs, u"--headless"_qs, u"--scenario"_qs, scenario.fileName(), u"--record"_qs, blocked});
+        {u"--simulate"_s, u"--headless"_s, u"--scenario"_s, scenario.fileName(), u"--record"_s, blocked});
     QCOMPARE(run.status, 2);
     QVERIFY2(run.errors.contains(u"cannot write to the folder " + blocked), qPrintable(run.errors));
 }
@@ -102,22 +104,22 @@ void HostOptionsTest::withoutADisplayAWindowIsRefused()
     QProcessEnvironment bare = QProcessEnvironment::systemEnvironment();
     for (const char *variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
         bare.remove(QLatin1StringView(variable));
-    const HostRun run = HostRun::with({u"--simulate"_qs}, bare);
+    const HostRun run = HostRun::with({u"--simulate"_s}, bare);
     QCOMPARE(run.status, 2);
-    QCOMPARE(run.errors, u"quillon-host: there is no display; play a scenario with --headless\n"_qs);
+    QCOMPARE(run.errors, u"quillon-host: there is no display; play a scenario with --headless\n"_s);
 }
 
 void HostOptionsTest::withoutControllersTheDeviceIsNotPutOnUsb()
 {
-    if (QFile::exists(u"/sys/class/udc/dummy_udc.0"_qs))
+    if (QFile::exists(u"/sys/class/udc/dummy_udc.0"_s))
         QSKIP("this machine has USB device controllers");
     QTemporaryDir folder;
-    QFile scenario(folder.filePath(u"x.scn"_qs));
+    QFile scenario(folder.filePath(u"x.scn"_s));
     QVERIFY(scenario.open(QIODevice::WriteOnly));
     scenario.write("expect screen searching\n");
     scenario.close();
     const HostRun run = HostRun::with(
-        {u"--simulate"_qs, u"--usb"_qs, u"--headless"_qs, u"--scenario"_qs, scenario.fileName()});
+        {u"--simulate"_s, u"--usb"_s, u"--headless"_s, u"--scenario"_s, scenario.fileName()});
     QCOMPARE(run.status, 2);
     QVERIFY2(run.errors.contains(u"USB device"), qPrintable(run.errors));
 }

@@ -7,6 +7,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 class HostPlacesTest : public QObject {
     Q_OBJECT
 
@@ -22,8 +24,8 @@ private:
 QString HostPlacesTest::copyHostTo(const QString &folder)
 {
     const QFileInfo host(QStringLiteral(QUILLON_HOST));
-    QStringList names = host.dir().entryList({u"*.dll"_qs}, QDir::Files);
-    names << host.fileName() << u"OrvikFirmwareUpdata.exe"_qs;
+    QStringList names = host.dir().entryList({u"*.dll"_s}, QDir::Files);
+    names << host.fileName() << u"OrvikFirmwareUpdata.exe"_s;
     for (const QString &name : std::as_const(names)) {
         if (!QFile::copy(host.dir().filePath(name), folder + u'/' + name))
             qFatal("cannot copy %s", qPrintable(name));
@@ -34,10 +36,10 @@ QString HostPlacesTest::copyHostTo(const QString &folder)
 void HostPlacesTest::anUpgradeSucceeds_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::newRow("a German name") << u"Jörg Müller"_qs;
-    QTest::newRow("a Chinese name") << u"用户 一"_qs;
-    QTest::newRow("a company with signs") << u"O'Brien & Söhne 100%"_qs;
-    QTest::newRow("brackets and blanks at both ends of a word") << u"a (x86)  b;c"_qs;
+    QTest::newRow("a German name") << u"Jörg Müller"_s;
+    QTest::newRow("a Chinese name") << u"用户 一"_s;
+    QTest::newRow("a company with signs") << u"O'Brien & Söhne 100%"_s;
+    QTest::newRow("brackets and blanks at both ends of a word") << u"a (x86)  b;c"_s;
 }
 
 void HostPlacesTest::anUpgradeSucceeds()
@@ -45,28 +47,28 @@ void HostPlacesTest::anUpgradeSucceeds()
     QFETCH(QString, name);
     const QTemporaryDir folder;
     const QDir place(folder.filePath(name));
-    QVERIFY(place.mkpath(u"temporary files"_qs));
-    const QString scenario = place.filePath(u"升级 – one.scn"_qs);
+    QVERIFY(place.mkpath(u"temporary files"_s));
+    const QString scenario = place.filePath(u"升级 – one.scn"_s);
     QVERIFY(QFile::copy(QStringLiteral(QUILLON_SCENARIO_DIR "/pc-only.scn"), scenario));
     // The home and the folder for images are made among the temporary files.
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const char *variable : {"TMPDIR", "TMP", "TEMP"})
-        environment.insert(QString::fromLatin1(variable), place.filePath(u"temporary files"_qs));
+        environment.insert(QString::fromLatin1(variable), place.filePath(u"temporary files"_s));
 
     QProcess host;
     host.setProcessEnvironment(environment);
     host.setProcessChannelMode(QProcess::MergedChannels);
     host.start(copyHostTo(place.path()),
-               {u"--simulate"_qs, u"--headless"_qs, u"--scenario"_qs, scenario, u"--record"_qs,
-                place.filePath(u"记录 1"_qs)});
+               {u"--simulate"_s, u"--headless"_s, u"--scenario"_s, scenario, u"--record"_s,
+                place.filePath(u"记录 1"_s)});
     constexpr int kPatience = 600'000;
     QVERIFY(host.waitForFinished(kPatience));
     const QByteArray said = host.readAll();
     QVERIFY2(host.exitCode() == 0 && host.exitStatus() == QProcess::NormalExit, said.constData());
 
-    QFile log(place.filePath(u"记录 1/log.txt"_qs));
+    QFile log(place.filePath(u"记录 1/log.txt"_s));
     QVERIFY(log.open(QIODevice::ReadOnly));
-    const QByteArray image = place.filePath(u"temporary files"_qs).toUtf8();
+    const QByteArray image = place.filePath(u"temporary files"_s).toUtf8();
     QVERIFY2(log.readAll().contains(image), "the tool got its image from somewhere else");
 }
 

@@ -7,6 +7,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 // One recorded run, looked at from several sides.
 class HostRecordTest : public QObject {
     Q_OBJECT
@@ -29,18 +31,18 @@ private:
 
 void HostRecordTest::initTestCase()
 {
-    QFile scenario(m_folder.filePath(u"x.scn"_qs));
+    QFile scenario(m_folder.filePath(u"x.scn"_s));
     QVERIFY(scenario.open(QIODevice::WriteOnly));
     scenario.write(
         "device R2 pc 1.1.1 otg 1.1.1\nserver pc 1.2.0 otg 1.2.0\npause 300ms\nplug pc\n"
         "wait screen upgrade-available\nhold screen upgrade-available 1s\nlanguage en\npause 300ms\n"
         "picture in-english\nsay \"here we go\"\nclick upgrade\nwait screen waiting-pc\npause 300ms\n");
     scenario.close();
-    m_run = HostRun::with({u"--simulate"_qs, u"--headless"_qs, u"--scenario"_qs, scenario.fileName(),
-                           u"--record"_qs, m_folder.filePath(u"deep/down"_qs)});
+    m_run = HostRun::with({u"--simulate"_s, u"--headless"_s, u"--scenario"_s, scenario.fileName(),
+                           u"--record"_s, m_folder.filePath(u"deep/down"_s)});
     QVERIFY2(m_run.status == 0, qPrintable(m_run.errors));
 
-    QFile log(m_folder.filePath(u"deep/down/log.txt"_qs));
+    QFile log(m_folder.filePath(u"deep/down/log.txt"_s));
     QVERIFY(log.open(QIODevice::ReadOnly));
     m_log = QString::fromUtf8(log.readAll()).split(u'\n', Qt::SkipEmptyParts);
 }
@@ -48,18 +50,18 @@ void HostRecordTest::initTestCase()
 void HostRecordTest::eachScreenHasOnePicture()
 {
     const QStringList pictures
-        = QDir(m_folder.filePath(u"deep/down"_qs)).entryList({u"screen-*.png"_qs}, QDir::Files, QDir::Name);
-    const QStringList expected{u"screen-01-searching.png"_qs, u"screen-02-upgrade-available.png"_qs,
-                               u"screen-03-waiting-pc.png"_qs};
+        = QDir(m_folder.filePath(u"deep/down"_s)).entryList({u"screen-*.png"_s}, QDir::Files, QDir::Name);
+    const QStringList expected{u"screen-01-searching.png"_s, u"screen-02-upgrade-available.png"_s,
+                               u"screen-03-waiting-pc.png"_s};
     QCOMPARE(pictures, expected);
 }
 
 void HostRecordTest::picturesShowThePanel()
 {
-    const QDir folder(m_folder.filePath(u"deep/down"_qs));
-    const QColor bar = QImage(folder.filePath(u"screen-02-upgrade-available.png"_qs)).pixelColor(60, 370);
+    const QDir folder(m_folder.filePath(u"deep/down"_s));
+    const QColor bar = QImage(folder.filePath(u"screen-02-upgrade-available.png"_s)).pixelColor(60, 370);
     QCOMPARE(bar, QColor(87, 110, 246));
-    const QStringList pictures = folder.entryList({u"*.png"_qs}, QDir::Files);
+    const QStringList pictures = folder.entryList({u"*.png"_s}, QDir::Files);
     for (const QString &name : pictures) {
         const QImage picture(folder.filePath(name));
         QCOMPARE(picture.size(), QSize(472, 418));
@@ -69,15 +71,15 @@ void HostRecordTest::picturesShowThePanel()
 
 void HostRecordTest::aPictureCanBeAskedFor()
 {
-    const QImage english(m_folder.filePath(u"deep/down/in-english.png"_qs));
-    const QImage chinese(m_folder.filePath(u"deep/down/screen-02-upgrade-available.png"_qs));
+    const QImage english(m_folder.filePath(u"deep/down/in-english.png"_s));
+    const QImage chinese(m_folder.filePath(u"deep/down/screen-02-upgrade-available.png"_s));
     QVERIFY(!english.isNull());
     QVERIFY(english != chinese);
 }
 
 void HostRecordTest::theLogIsPlainTextWithTimes()
 {
-    static const QRegularExpression form(u"^ *([0-9]+\\.[0-9]{3})  [a-z ]{12} .*$"_qs);
+    static const QRegularExpression form(u"^ *([0-9]+\\.[0-9]{3})  [a-z ]{12} .*$"_s);
     double latest = 0;
     for (const QString &line : std::as_const(m_log)) {
         const QRegularExpressionMatch match = form.match(line);
@@ -91,13 +93,13 @@ void HostRecordTest::theLogTellsWhatHappenedInOrder_data()
 {
     QTest::addColumn<QStringList>("happened");
     QTest::newRow("screens") << QStringList{
-        u"screen       searching"_qs,         u"device       PC interface appeared"_qs,
-        u"screen       upgrade-available"_qs, u"scenario     here we go"_qs,
-        u"screen       waiting-pc"_qs,        u"scenario     passed"_qs};
+        u"screen       searching"_s,         u"device       PC interface appeared"_s,
+        u"screen       upgrade-available"_s, u"scenario     here we go"_s,
+        u"screen       waiting-pc"_s,        u"scenario     passed"_s};
     // The OTG version alone can bring the bar, before or after the PC version is compared.
     QTest::newRow("versions") << QStringList{
-        u"device       PC interface appeared"_qs, u"panel        DEVICE PC VERSION"_qs,
-        u"host         compared: 1.2.0, upgrade needed"_qs, u"scenario     here we go"_qs};
+        u"device       PC interface appeared"_s, u"panel        DEVICE PC VERSION"_s,
+        u"host         compared: 1.2.0, upgrade needed"_s, u"scenario     here we go"_s};
 }
 
 void HostRecordTest::theLogTellsWhatHappenedInOrder()
@@ -115,10 +117,10 @@ void HostRecordTest::theLogTellsWhatHappenedInOrder()
 void HostRecordTest::theTerminalTellsTheProgress()
 {
     const QStringList lines = m_run.output.split(u'\n', Qt::SkipEmptyParts);
-    QVERIFY(lines.contains(u"here we go"_qs));
-    QVERIFY(lines.filter(u"screen: "_qs).size() == 3);
-    QVERIFY(lines.filter(u"x.scn:"_qs).isEmpty());
-    QVERIFY2(lines.first().endsWith(m_folder.filePath(u"deep/down"_qs)), qPrintable(lines.first()));
+    QVERIFY(lines.contains(u"here we go"_s));
+    QVERIFY(lines.filter(u"screen: "_s).size() == 3);
+    QVERIFY(lines.filter(u"x.scn:"_s).isEmpty());
+    QVERIFY2(lines.first().endsWith(m_folder.filePath(u"deep/down"_s)), qPrintable(lines.first()));
 }
 
 QTEST_GUILESS_MAIN(HostRecordTest)

@@ -4,6 +4,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 class HostScenariosTest : public QObject {
     Q_OBJECT
 
@@ -24,7 +26,7 @@ private:
 
 QString HostScenariosTest::write(const QByteArray &text)
 {
-    QFile file(m_folder.filePath(u"x.scn"_qs));
+    QFile file(m_folder.filePath(u"x.scn"_s));
     if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
         qFatal("cannot write %s", qPrintable(file.fileName()));
     return file.fileName();
@@ -32,7 +34,7 @@ QString HostScenariosTest::write(const QByteArray &text)
 
 HostRun HostScenariosTest::play(const QByteArray &text, const QStringList &options)
 {
-    return HostRun::with(QStringList{u"--simulate"_qs, u"--headless"_qs, u"--scenario"_qs, write(text)}
+    return HostRun::with(QStringList{u"--simulate"_s, u"--headless"_s, u"--scenario"_s, write(text)}
                          + options);
 }
 
@@ -41,17 +43,17 @@ void HostScenariosTest::aMalformedScenarioIsRefused_data()
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QString>("place");
     QTest::newRow("no such statement")
-        << QByteArray("plug pc\ndance\n") << u":2: no such statement: \"dance\""_qs;
-    QTest::newRow("a chip that is none") << QByteArray("plug usb\n") << u":1: expected "_qs;
-    QTest::newRow("a screen that is none") << QByteArray("\n\nwait screen blue\n") << u":3: expected "_qs;
-    QTest::newRow("a fault that is none") << QByteArray("fault gremlin\n") << u":1: expected "_qs;
-    QTest::newRow("a line that breaks off") << QByteArray("plug\n") << u":1: expected "_qs;
+        << QByteArray("plug pc\ndance\n") << u":2: no such statement: \"dance\""_s;
+    QTest::newRow("a chip that is none") << QByteArray("plug usb\n") << u":1: expected "_s;
+    QTest::newRow("a screen that is none") << QByteArray("\n\nwait screen blue\n") << u":3: expected "_s;
+    QTest::newRow("a fault that is none") << QByteArray("fault gremlin\n") << u":1: expected "_s;
+    QTest::newRow("a line that breaks off") << QByteArray("plug\n") << u":1: expected "_s;
     QTest::newRow("a line that goes on")
-        << QByteArray("plug pc now\n") << u":1: expected the end of the line"_qs;
-    QTest::newRow("a quote that stays open") << QByteArray("say \"hello\n") << u":1: "_qs;
-    QTest::newRow("nothing at all") << QByteArray() << u": holds no statement"_qs;
-    QTest::newRow("comments alone") << QByteArray("# plug pc\n") << u": holds no statement"_qs;
-    QTest::newRow("bytes that are no text") << QByteArray::fromHex("ff00fe80") << u":1: "_qs;
+        << QByteArray("plug pc now\n") << u":1: expected the end of the line"_s;
+    QTest::newRow("a quote that stays open") << QByteArray("say \"hello\n") << u":1: "_s;
+    QTest::newRow("nothing at all") << QByteArray() << u": holds no statement"_s;
+    QTest::newRow("comments alone") << QByteArray("# plug pc\n") << u": holds no statement"_s;
+    QTest::newRow("bytes that are no text") << QByteArray::fromHex("ff00fe80") << u":1: "_s;
 }
 
 void HostScenariosTest::aMalformedScenarioIsRefused()
@@ -60,7 +62,7 @@ void HostScenariosTest::aMalformedScenarioIsRefused()
     QFETCH(QString, place);
     const HostRun run = play(text);
     QCOMPARE(run.status, 2);
-    const QString message = u"quillon-host: " + m_folder.filePath(u"x.scn"_qs) + place;
+    const QString message = u"quillon-host: " + m_folder.filePath(u"x.scn"_s) + place;
     QVERIFY2(run.errors.startsWith(message), qPrintable(run.errors));
 }
 
@@ -74,9 +76,9 @@ void HostScenariosTest::theEndOfAScenarioGivesTheStatus_data()
         << QByteArray("destroy panel\npause 1s\ncreate panel\n") << 0 << QString();
     QTest::newRow("the panel may be closed") << QByteArray("click close\npause 1s\n") << 0 << QString();
     QTest::newRow("something else is seen") << QByteArray("pause 1s\nexpect screen completed\n") << 1
-                                            << u"x.scn:2: expect screen completed: searching"_qs;
+                                            << u"x.scn:2: expect screen completed: searching"_s;
     QTest::newRow("a wait is over") << QByteArray("wait screen completed 1s\n") << 1
-                                    << u"x.scn:1: wait screen completed 1s: searching"_qs;
+                                    << u"x.scn:1: wait screen completed 1s: searching"_s;
 }
 
 void HostScenariosTest::theEndOfAScenarioGivesTheStatus()
@@ -95,23 +97,23 @@ void HostScenariosTest::faultsOfTheCommandLineAreArmed()
     const QByteArray text(
         "device R2 pc 1.2.0 otg 1.2.0\nserver pc 1.2.0 otg 1.2.0\nplug pc\nwait screen up-to-date 5s\n");
     QCOMPARE(play(text).status, 0);
-    QCOMPARE(play(text, {u"--fault"_qs, u"device-refuses-open"_qs}).status, 1);
+    QCOMPARE(play(text, {u"--fault"_s, u"device-refuses-open"_s}).status, 1);
 }
 
 void HostScenariosTest::theRealHomeIsLeftAlone()
 {
     QTemporaryDir home;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(u"HOME"_qs, home.path());
-    environment.insert(u"ALLUSERSPROFILE"_qs, home.path());
+    environment.insert(u"HOME"_s, home.path());
+    environment.insert(u"ALLUSERSPROFILE"_s, home.path());
     const QByteArray text("device R2 pc 1.1.1 otg 1.1.1\nserver pc 1.2.0 otg 1.2.0\nplug pc\n"
                           "wait screen upgrade-available\nhold screen upgrade-available 1s\nclick upgrade\n"
                           "wait screen waiting-pc\n");
     const HostRun run
-        = HostRun::with({u"--simulate"_qs, u"--headless"_qs, u"--scenario"_qs, write(text)}, environment);
+        = HostRun::with({u"--simulate"_s, u"--headless"_s, u"--scenario"_s, write(text)}, environment);
     QVERIFY2(run.status == 0, qPrintable(run.errors));
-    QVERIFY(!QDir(home.path()).exists(u"Orvik"_qs));
-    QVERIFY(!QDir(home.path()).exists(u"AppData"_qs));
+    QVERIFY(!QDir(home.path()).exists(u"Orvik"_s));
+    QVERIFY(!QDir(home.path()).exists(u"AppData"_s));
 }
 
 QTEST_GUILESS_MAIN(HostScenariosTest)

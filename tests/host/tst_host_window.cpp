@@ -12,6 +12,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
 using namespace host;
 using rig::Chip;
 
@@ -114,8 +115,8 @@ void HostWindowTest::aCableGoesInAndOut_data()
 {
     QTest::addColumn<QString>("box");
     QTest::addColumn<Chip>("port");
-    QTest::newRow("PC cable") << u"pcCable"_qs << Chip::Pc;
-    QTest::newRow("OTG cable") << u"otgCable"_qs << Chip::Otg;
+    QTest::newRow("PC cable") << u"pcCable"_s << Chip::Pc;
+    QTest::newRow("OTG cable") << u"otgCable"_s << Chip::Otg;
 }
 
 void HostWindowTest::aCableGoesInAndOut()
@@ -133,7 +134,7 @@ void HostWindowTest::aCableGoesInAndOut()
 
 void HostWindowTest::theCheckBoxFollowsTheDevice()
 {
-    auto *cable = find<QCheckBox>(u"otgCable"_qs);
+    auto *cable = find<QCheckBox>(u"otgCable"_s);
     m_rig->device().plug(Chip::Otg);
     QTRY_VERIFY(cable->isChecked());
     m_rig->device().unplug(Chip::Otg);
@@ -144,8 +145,8 @@ void HostWindowTest::aVersionIsTypedIn_data()
 {
     QTest::addColumn<QString>("box");
     QTest::addColumn<Chip>("chip");
-    QTest::newRow("PC firmware") << u"pcFirmware"_qs << Chip::Pc;
-    QTest::newRow("OTG firmware") << u"otgFirmware"_qs << Chip::Otg;
+    QTest::newRow("PC firmware") << u"pcFirmware"_s << Chip::Pc;
+    QTest::newRow("OTG firmware") << u"otgFirmware"_s << Chip::Otg;
 }
 
 void HostWindowTest::aVersionIsTypedIn()
@@ -154,38 +155,38 @@ void HostWindowTest::aVersionIsTypedIn()
     QFETCH(Chip, chip);
     QLineEdit *line = find<FirmwareBox>(box)->lineEdit();
     line->selectAll();
-    QTest::keyClicks(line, u"3.2.10"_qs);
+    QTest::keyClicks(line, u"3.2.10"_s);
     QTest::keyClick(line, Qt::Key_Return);
     QTRY_COMPARE(m_rig->device().runningVersion(chip), QVersionNumber(3, 2, 10));
-    QTRY_COMPARE(line->text(), u"3.2.10"_qs);
+    QTRY_COMPARE(line->text(), u"3.2.10"_s);
 }
 
 void HostWindowTest::whatIsNoVersionIsNotTaken_data()
 {
     QTest::addColumn<QString>("typed");
-    QTest::newRow("two numbers") << u"3.2"_qs;
+    QTest::newRow("two numbers") << u"3.2"_s;
     QTest::newRow("nothing") << QString();
-    QTest::newRow("a dot at the end") << u"3.2."_qs;
+    QTest::newRow("a dot at the end") << u"3.2."_s;
 }
 
 void HostWindowTest::whatIsNoVersionIsNotTaken()
 {
     QFETCH(QString, typed);
-    auto *box = find<FirmwareBox>(u"pcFirmware"_qs);
+    auto *box = find<FirmwareBox>(u"pcFirmware"_s);
     QSignalSpy entered(box, &FirmwareBox::versionEntered);
     box->lineEdit()->setFocus();
     box->lineEdit()->clear();
     QTest::keyClicks(box->lineEdit(), typed);
-    find<QCheckBox>(u"pcCable"_qs)->setFocus();
-    QTRY_COMPARE(box->currentText(), u"1.1.1"_qs);
+    find<QCheckBox>(u"pcCable"_s)->setFocus();
+    QTRY_COMPARE(box->currentText(), u"1.1.1"_s);
     QCOMPARE(entered.size(), 0);
 }
 
 void HostWindowTest::theServersVersionIsTypedIn()
 {
-    QLineEdit *line = find<FirmwareBox>(u"otgNewest"_qs)->lineEdit();
+    QLineEdit *line = find<FirmwareBox>(u"otgNewest"_s)->lineEdit();
     line->selectAll();
-    QTest::keyClicks(line, u"2.0.0"_qs);
+    QTest::keyClicks(line, u"2.0.0"_s);
     QTest::keyClick(line, Qt::Key_Return);
     QCOMPARE(m_rig->server().version(rig::Model::R2, Chip::Otg), QVersionNumber(2, 0, 0));
     QCOMPARE(m_rig->server().version(rig::Model::R2, Chip::Pc), QVersionNumber(1, 1, 1));
@@ -193,48 +194,48 @@ void HostWindowTest::theServersVersionIsTypedIn()
 
 void HostWindowTest::aChipIsErased()
 {
-    find<QPushButton>(u"pcErase"_qs)->click();
+    find<QPushButton>(u"pcErase"_s)->click();
     QCOMPARE(m_rig->device().state(Chip::Pc), rig::ChipState::BootLoader);
-    QTRY_COMPARE(find<FirmwareBox>(u"pcFirmware"_qs)->currentText(), u"-"_qs);
+    QTRY_COMPARE(find<FirmwareBox>(u"pcFirmware"_s)->currentText(), u"-"_s);
     QCOMPARE(m_rig->device().state(Chip::Otg), rig::ChipState::Running);
 }
 
 void HostWindowTest::theDeviceIsReplacedByOneOfTheOtherModel()
 {
-    choose(u"deviceModel"_qs, 0);
+    choose(u"deviceModel"_s, 0);
     QCOMPARE(m_rig->device().model(), rig::Model::R1);
     QCOMPARE(m_holder->model(), rig::Model::R2);
 }
 
 void HostWindowTest::thePanelIsToldItsModel()
 {
-    choose(u"panelModel"_qs, 0);
+    choose(u"panelModel"_s, 0);
     QCOMPARE(m_holder->model(), rig::Model::R1);
     QCOMPARE(m_rig->device().model(), rig::Model::R2);
 }
 
 void HostWindowTest::aFaultIsChosen()
 {
-    QCOMPARE(find<QComboBox>(u"fault"_qs)->count(), rig::faultTable().size() + 1);
-    choose(u"fault"_qs, int(rig::Fault::ToolCrashes) + 1);
+    QCOMPARE(find<QComboBox>(u"fault"_s)->count(), rig::faultTable().size() + 1);
+    choose(u"fault"_s, int(rig::Fault::ToolCrashes) + 1);
     QCOMPARE(m_rig->faults().armed(), QList<rig::Fault>{rig::Fault::ToolCrashes});
-    choose(u"fault"_qs, int(rig::Fault::ServerSilent) + 1);
+    choose(u"fault"_s, int(rig::Fault::ServerSilent) + 1);
     QCOMPARE(m_rig->faults().armed(), QList<rig::Fault>{rig::Fault::ServerSilent});
-    choose(u"fault"_qs, 0);
+    choose(u"fault"_s, 0);
     QVERIFY(m_rig->faults().armed().isEmpty());
 }
 
 void HostWindowTest::aFaultThatIsArmedElsewhereIsShown()
 {
     m_rig->faults().arm(rig::Fault::DeviceSilent);
-    QTRY_COMPARE(find<QComboBox>(u"fault"_qs)->currentIndex(), int(rig::Fault::DeviceSilent) + 1);
+    QTRY_COMPARE(find<QComboBox>(u"fault"_s)->currentIndex(), int(rig::Fault::DeviceSilent) + 1);
 }
 
 void HostWindowTest::everyTextIsThereInBothLanguages()
 {
     const auto texts = [this] {
         QStringList all{m_window->windowTitle()};
-        for (const QWidget *widget : m_window->findChild<QWidget *>(u"side"_qs)->findChildren<QWidget *>()) {
+        for (const QWidget *widget : m_window->findChild<QWidget *>(u"side"_s)->findChildren<QWidget *>()) {
             for (const char *property : {"title", "text"})
                 all.append(widget->property(property).toString());
         }
@@ -249,28 +250,28 @@ void HostWindowTest::everyTextIsThereInBothLanguages()
         for (const QChar letter : text)
             QVERIFY2(letter.unicode() < 0x3000, qPrintable(text));
     }
-    QCOMPARE(find<QComboBox>(u"language"_qs)->currentIndex(), 1);
+    QCOMPARE(find<QComboBox>(u"language"_s)->currentIndex(), 1);
 }
 
 void HostWindowTest::thePanelIsDeletedAndMadeAnew()
 {
-    find<QPushButton>(u"deletePanel"_qs)->click();
+    find<QPushButton>(u"deletePanel"_s)->click();
     QVERIFY(!m_holder->panel());
-    find<QPushButton>(u"newPanel"_qs)->click();
+    find<QPushButton>(u"newPanel"_s)->click();
     QVERIFY(m_holder->panel());
     QVERIFY(m_holder->panel()->isVisible());
 }
 
 void HostWindowTest::theLogIsShown()
 {
-    m_log->record(u"host"_qs, u"a line of its own"_qs);
-    QTRY_VERIFY(find<QPlainTextEdit>(u"log"_qs)->toPlainText().contains(u"a line of its own"));
+    m_log->record(u"host"_s, u"a line of its own"_s);
+    QTRY_VERIFY(find<QPlainTextEdit>(u"log"_s)->toPlainText().contains(u"a line of its own"));
 }
 
 void HostWindowTest::everyControlIsReachedByKeyboard()
 {
     QStringList reached;
-    QWidget *widget = find<QComboBox>(u"deviceModel"_qs);
+    QWidget *widget = find<QComboBox>(u"deviceModel"_s);
     const QWidget *first = widget;
     do {
         if (widget->isVisibleTo(m_window.get()) && widget->focusPolicy() & Qt::TabFocus)

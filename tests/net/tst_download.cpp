@@ -8,6 +8,7 @@
 
 #include <chrono>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 /// The download of an image into a file.
@@ -50,7 +51,7 @@ void DownloadTest::storesTheImageAndSaysSoOnce()
 
 void DownloadTest::returnsBeforeAnythingArrives()
 {
-    m->server.answer(m->kImagePath, ScriptedHttpServer::page("image"_qba));
+    m->server.answer(m->kImagePath, ScriptedHttpServer::page("image"_ba));
     m->download(m->image());
     QCOMPARE(m->ended.size(), 0);
     QVERIFY(QFile::exists(m->image()));
@@ -59,7 +60,7 @@ void DownloadTest::returnsBeforeAnythingArrives()
 
 void DownloadTest::logsTheFileAndTheProgress()
 {
-    m->server.answer(m->kImagePath, ScriptedHttpServer::page("twelve bytes"_qba));
+    m->server.answer(m->kImagePath, ScriptedHttpServer::page("twelve bytes"_ba));
     m->download(m->image());
     QCOMPARE(m->log.lines(), QStringList(QStringLiteral("ggxxxxxxxxx") + m->image()));
     QTRY_COMPARE(m->ended.size(), 1);
@@ -72,18 +73,18 @@ void DownloadTest::emptiesTheFileFirst()
     QFile old(m->image());
     QVERIFY(old.open(QIODevice::WriteOnly) && old.write(QByteArray(5000, 'o')) == 5000);
     old.close();
-    m->server.answer(m->kImagePath, ScriptedHttpServer::page("new"_qba));
+    m->server.answer(m->kImagePath, ScriptedHttpServer::page("new"_ba));
     m->download(m->image());
     QCOMPARE(QFile(m->image()).size(), 0);
     QTRY_COMPARE(m->ended.size(), 1);
-    QCOMPARE(m->contentOf(m->image()), "new"_qba);
+    QCOMPARE(m->contentOf(m->image()), "new"_ba);
 }
 
 void DownloadTest::endsWithWhatArrived_data()
 {
     QTest::addColumn<ScriptedHttpServer::Answer>("answer");
     QTest::addColumn<QByteArray>("content");
-    const QByteArray page = "<html>not here</html>"_qba;
+    const QByteArray page = "<html>not here</html>"_ba;
 
     QTest::newRow("404 leaves the error page") << ScriptedHttpServer::page(page, 404) << page;
     QTest::newRow("500 leaves the error page") << ScriptedHttpServer::page(page, 500) << page;
@@ -95,9 +96,9 @@ void DownloadTest::endsWithWhatArrived_data()
     QTest::newRow("a cut answer leaves its beginning") << cut << QByteArray(70'000, 'i');
     cut.cutAfter = 0;
     QTest::newRow("a cut before the first byte leaves an empty file") << cut << QByteArray();
-    auto late = ScriptedHttpServer::page("late"_qba);
+    auto late = ScriptedHttpServer::page("late"_ba);
     late.delay = 2500ms;
-    QTest::newRow("an answer later than a query may wait is still taken") << late << "late"_qba;
+    QTest::newRow("an answer later than a query may wait is still taken") << late << "late"_ba;
 }
 
 void DownloadTest::endsWithWhatArrived()
@@ -136,7 +137,7 @@ void DownloadTest::asksNothingWhenTheFileCannotBeOpened()
     QFETCH(QString, name);
     QVERIFY(QDir(m->folder.path()).mkdir(QStringLiteral("folder")));
     QVERIFY(QFile(m->image(QStringLiteral("file"))).open(QIODevice::WriteOnly));
-    m->server.answer(m->kImagePath, ScriptedHttpServer::page("image"_qba));
+    m->server.answer(m->kImagePath, ScriptedHttpServer::page("image"_ba));
     m->download(m->image(name));
     QCOMPARE(m->log.lines(), QStringList(QStringLiteral("ggxxxxxxxxx") + m->image(name)));
 
@@ -147,7 +148,7 @@ void DownloadTest::asksNothingWhenTheFileCannotBeOpened()
 
     m->download(m->image());
     QTRY_COMPARE(m->ended.size(), 1);
-    QCOMPARE(m->contentOf(m->image()), "image"_qba);
+    QCOMPARE(m->contentOf(m->image()), "image"_ba);
 }
 
 void DownloadTest::survivesAFullDisk()

@@ -4,6 +4,7 @@
 
 #include <chrono>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 /// A download and what goes on at the same time: queries, another download, a receiver that leaves.
@@ -41,32 +42,32 @@ void DownloadOverlapTest::letsQueriesThrough()
 
 void DownloadOverlapTest::endsInsideAQuery()
 {
-    m->server.answer(m->kImagePath, ScriptedHttpServer::page("image"_qba));
+    m->server.answer(m->kImagePath, ScriptedHttpServer::page("image"_ba));
     auto late = ScriptedHttpServer::version("1.2.3");
     late.delay = 500ms;
     m->server.answer(m->kVersionPath, late);
     m->download(m->image());
     QCOMPARE(m->query(), QStringLiteral("1.2.3"));
     QCOMPARE(m->ended.size(), 1);
-    QCOMPARE(m->contentOf(m->image()), "image"_qba);
+    QCOMPARE(m->contentOf(m->image()), "image"_ba);
 }
 
 void DownloadOverlapTest::mayBeStartedAgainInItsOwnSignal()
 {
     const QString second = m->image(QStringLiteral("second"));
-    m->server.answer(m->kImagePath, ScriptedHttpServer::page("first image"_qba));
-    m->server.answer(QStringLiteral("/second"), ScriptedHttpServer::page("second image"_qba));
+    m->server.answer(m->kImagePath, ScriptedHttpServer::page("first image"_ba));
+    m->server.answer(QStringLiteral("/second"), ScriptedHttpServer::page("second image"_ba));
     QObject once;
     connect(m->client, &networking_class::network_finish_download, &once, [this, &once, second] {
         once.disconnect();
         m->client->disconnect(&once);
-        QCOMPARE(m->contentOf(m->image()), "first image"_qba);
+        QCOMPARE(m->contentOf(m->image()), "first image"_ba);
         m->download(second, QStringLiteral("/second"));
     });
     m->download(m->image());
     QTRY_COMPARE(m->ended.size(), 2);
-    QCOMPARE(m->contentOf(m->image()), "first image"_qba);
-    QCOMPARE(m->contentOf(second), "second image"_qba);
+    QCOMPARE(m->contentOf(m->image()), "first image"_ba);
+    QCOMPARE(m->contentOf(second), "second image"_ba);
     QTRY_COMPARE(m->repliesKept(), 0);
 }
 
@@ -118,11 +119,11 @@ void DownloadOverlapTest::anUnwritablePathEndsNoOtherFile()
     QVERIFY(!m->contentOf(m->image()).contains('2'));
     QVERIFY(!QFile::exists(m->image(QStringLiteral("missing/image.bin"))));
 
-    m->server.answer(QStringLiteral("/second"), ScriptedHttpServer::page("second"_qba));
+    m->server.answer(QStringLiteral("/second"), ScriptedHttpServer::page("second"_ba));
     const auto before = m->ended.size();
     m->download(m->image(QStringLiteral("second")), QStringLiteral("/second"));
     QTRY_COMPARE(m->ended.size(), before + 1);
-    QCOMPARE(m->contentOf(m->image(QStringLiteral("second"))), "second"_qba);
+    QCOMPARE(m->contentOf(m->image(QStringLiteral("second"))), "second"_ba);
 }
 
 void DownloadOverlapTest::outlivesItsReceiver()

@@ -7,6 +7,7 @@
 
 #include <chrono>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 /// The shape of the class, and the version query but for what it makes of the answer.
@@ -17,8 +18,8 @@ private Q_SLOTS:
     void init()
     {
         m = std::make_unique<NetworkingFixture>();
-        m->client->f_remark = u"旧说明"_qs;
-        m->client->f_remark_en = u"old notes"_qs;
+        m->client->f_remark = u"旧说明"_s;
+        m->client->f_remark_en = u"old notes"_s;
     }
     void cleanup() { m.reset(); }
     void hasOneSignalAndThreeSlotsInThisOrder();
@@ -52,15 +53,15 @@ void NetworkingTest::hasOneSignalAndThreeSlotsInThisOrder()
         const bool isSignal = method.methodType() == QMetaMethod::Signal;
         const bool isPrivateSlot
             = method.methodType() == QMetaMethod::Slot && method.access() == QMetaMethod::Private;
-        methods.append((isSignal            ? u"signal "_qs
-                            : isPrivateSlot ? u"private slot "_qs
-                                            : u"other "_qs)
+        methods.append((isSignal            ? u"signal "_s
+                            : isPrivateSlot ? u"private slot "_s
+                                            : u"other "_s)
                        + QString::fromLatin1(method.methodSignature()));
     }
     QCOMPARE(methods,
-             (QStringList{u"signal network_finish_download()"_qs, u"private slot httpFinished()"_qs,
-                          u"private slot httpReadyRead()"_qs,
-                          u"private slot updateDataReadProgress(qlonglong,qlonglong)"_qs}));
+             (QStringList{u"signal network_finish_download()"_s, u"private slot httpFinished()"_s,
+                          u"private slot httpReadyRead()"_s,
+                          u"private slot updateDataReadProgress(qlonglong,qlonglong)"_s}));
 }
 
 void NetworkingTest::thereIsOneInstanceWithoutParent()
@@ -78,14 +79,14 @@ void NetworkingTest::logsAFailedQuery_data()
     QTest::addColumn<QString>("error");
 
     const QString address = m->address(m->kVersionPath);
-    QTest::newRow("status 404") << ScriptedHttpServer::page("no"_qba, 404) << u"404203"_qs
-                                << u"Error transferring "_qs + address + u" - server replied: Scripted"_qs;
+    QTest::newRow("status 404") << ScriptedHttpServer::page("no"_ba, 404) << u"404203"_s
+                                << u"Error transferring "_s + address + u" - server replied: Scripted"_s;
     QTest::newRow("status 500 with a list")
-        << ScriptedHttpServer::page("[{}]"_qba, 500) << u"500401"_qs
-        << u"Error transferring "_qs + address + u" - server replied: Scripted"_qs;
+        << ScriptedHttpServer::page("[{}]"_ba, 500) << u"500401"_s
+        << u"Error transferring "_s + address + u" - server replied: Scripted"_s;
     QTest::newRow("no answer at all")
-        << ScriptedHttpServer::silence() << u"05"_qs << u"Operation canceled"_qs;
-    QTest::newRow("closed unanswered") << ScriptedHttpServer::hangUp() << u"02"_qs << u"Connection closed"_qs;
+        << ScriptedHttpServer::silence() << u"05"_s << u"Operation canceled"_s;
+    QTest::newRow("closed unanswered") << ScriptedHttpServer::hangUp() << u"02"_s << u"Connection closed"_s;
 }
 
 void NetworkingTest::logsAFailedQuery()
@@ -95,15 +96,15 @@ void NetworkingTest::logsAFailedQuery()
     QFETCH(QString, error);
     m->server.answer(m->kVersionPath, answer);
     m->query();
-    QCOMPARE(m->log.startingWith(u"request"_qs),
-             (QStringList{u"request protobufHttp handle errors here"_qs,
-                          u"request protobufHttp found error ....code: %d %d\n"_qs + codes + error}));
+    QCOMPARE(m->log.startingWith(u"request"_s),
+             (QStringList{u"request protobufHttp handle errors here"_s,
+                          u"request protobufHttp found error ....code: %d %d\n"_s + codes + error}));
 }
 
 void NetworkingTest::logsNothingOfAnAnsweredQuery()
 {
-    m->server.answer(m->kVersionPath, ScriptedHttpServer::page("not a list"_qba));
-    QCOMPARE(m->query(), u"104"_qs);
+    m->server.answer(m->kVersionPath, ScriptedHttpServer::page("not a list"_ba));
+    QCOMPARE(m->query(), u"104"_s);
     QCOMPARE(m->log.lines(), QStringList());
 }
 
@@ -111,7 +112,7 @@ void NetworkingTest::givesUpAfterTwoSeconds_data()
 {
     QTest::addColumn<ScriptedHttpServer::Answer>("answer");
     QTest::newRow("a silent server") << ScriptedHttpServer::silence();
-    auto stuck = ScriptedHttpServer::page(R"([{"f_ver":"1.2.3"}])"_qba + QByteArray(100, ' '));
+    auto stuck = ScriptedHttpServer::page(R"([{"f_ver":"1.2.3"}])"_ba + QByteArray(100, ' '));
     stuck.holdAfter = 60;
     QTest::newRow("an answer that stops behind a complete list") << stuck;
     stuck.holdAfter = 0;
@@ -124,12 +125,12 @@ void NetworkingTest::givesUpAfterTwoSeconds()
     m->server.answer(m->kVersionPath, answer);
     QElapsedTimer time;
     time.start();
-    QCOMPARE(m->query(), u"104"_qs);
+    QCOMPARE(m->query(), u"104"_s);
     const auto waited = std::chrono::milliseconds(time.elapsed());
     // A timer of this length may fire a twentieth of it early.
     QVERIFY2(waited >= 1890ms && waited < 3500ms, qPrintable(QString::number(waited.count())));
-    QCOMPARE(m->log.count(u"request protobufHttp handle errors here"_qs), 1);
-    QCOMPARE(m->client->f_remark, u"旧说明"_qs);
+    QCOMPARE(m->log.count(u"request protobufHttp handle errors here"_s), 1);
+    QCOMPARE(m->client->f_remark, u"旧说明"_s);
 }
 
 void NetworkingTest::waitsForALateAnswer()
@@ -137,7 +138,7 @@ void NetworkingTest::waitsForALateAnswer()
     auto late = ScriptedHttpServer::version("1.2.3", "新", "new");
     late.delay = 1500ms;
     m->server.answer(m->kVersionPath, late);
-    QCOMPARE(m->query(), u"1.2.3"_qs);
+    QCOMPARE(m->query(), u"1.2.3"_s);
     QCOMPARE(m->log.lines(), QStringList());
 }
 
@@ -145,16 +146,16 @@ void NetworkingTest::asksForTheAddressAsItIs_data()
 {
     QTest::addColumn<QString>("path");
     for (const char *project : {"R1MCU", "R2MCU", "R1OTG", "R2OTG"})
-        QTest::newRow(project) << u"/upinfo_test.aspx?proj_name="_qs + QLatin1String(project);
+        QTest::newRow(project) << u"/upinfo_test.aspx?proj_name="_s + QLatin1String(project);
 }
 
 void NetworkingTest::asksForTheAddressAsItIs()
 {
     QFETCH(QString, path);
     m->server.answer(path, ScriptedHttpServer::version("4.5.6"));
-    QCOMPARE(m->query(path), u"4.5.6"_qs);
+    QCOMPARE(m->query(path), u"4.5.6"_s);
     QCOMPARE(m->server.requests().size(), 1);
-    QCOMPARE(m->server.requests().first().method, "GET"_qba);
+    QCOMPARE(m->server.requests().first().method, "GET"_ba);
     QCOMPARE(m->server.requests().first().url, QUrl(m->address(path)));
 }
 
@@ -165,7 +166,7 @@ void NetworkingTest::addsNothingToTheRequest()
     QNetworkAccessManager plain;
     QNetworkReply *reply = plain.get(QNetworkRequest(QUrl(m->address(m->kVersionPath))));
     QTRY_VERIFY(reply->isFinished());
-    m->server.answer(m->kImagePath, ScriptedHttpServer::page("image"_qba));
+    m->server.answer(m->kImagePath, ScriptedHttpServer::page("image"_ba));
     m->download(m->image());
     QTRY_COMPARE(m->ended.size(), 1);
 
@@ -184,7 +185,7 @@ void NetworkingTest::deliversEventsWhileItWaits()
     QTimer ticking;
     QSignalSpy ticks(&ticking, &QTimer::timeout);
     ticking.start(20ms);
-    QCOMPARE(m->query(), u"1.2.3"_qs);
+    QCOMPARE(m->query(), u"1.2.3"_s);
     QVERIFY2(ticks.size() >= 5, qPrintable(QString::number(ticks.size())));
 }
 
@@ -205,24 +206,24 @@ void NetworkingTest::mayBeAskedAgainWhileItWaits()
     auto inner = ScriptedHttpServer::version("2.2.2");
     inner.delay = innerDelay;
     m->server.answer(m->kVersionPath, outer);
-    m->server.answer(u"/inner"_qs, inner);
+    m->server.answer(u"/inner"_s, inner);
     QString innerVersion;
-    QTimer::singleShot(50ms, this, [this, &innerVersion] { innerVersion = m->query(u"/inner"_qs); });
-    QCOMPARE(m->query(), u"1.1.1"_qs);
-    QCOMPARE(innerVersion, u"2.2.2"_qs);
+    QTimer::singleShot(50ms, this, [this, &innerVersion] { innerVersion = m->query(u"/inner"_s); });
+    QCOMPARE(m->query(), u"1.1.1"_s);
+    QCOMPARE(innerVersion, u"2.2.2"_s);
 }
 
 void NetworkingTest::releasesItsReplies()
 {
     m->server.answer(m->kVersionPath, ScriptedHttpServer::version("1.2.3"));
-    m->server.answer(m->kImagePath, ScriptedHttpServer::page("image"_qba));
+    m->server.answer(m->kImagePath, ScriptedHttpServer::page("image"_ba));
     for (int i = 0; i < 5; ++i) {
         m->query();
-        m->query(u"/missing"_qs);
+        m->query(u"/missing"_s);
     }
     m->download(m->image());
     QTRY_COMPARE(m->ended.size(), 1);
-    m->download(m->image(), u"/missing"_qs);
+    m->download(m->image(), u"/missing"_s);
     QTRY_COMPARE(m->ended.size(), 2);
     QTRY_COMPARE(m->repliesKept(), 0);
 }

@@ -99,7 +99,7 @@ inline void PanelInStates::answerEverything()
 
 inline void PanelInStates::click()
 {
-    setVersions(*panel, u"1.2.0"_qs, u"1.3.0"_qs, u"1.2.0"_qs, u"1.3.0"_qs);
+    setVersions(*panel, QStringLiteral("1.2.0"), QStringLiteral("1.3.0"), QStringLiteral("1.2.0"), QStringLiteral("1.3.0"));
     panel->m_upgradePlan = UpgradePlan::Both;
     panel->onUpgradeClicked();
 }
@@ -107,7 +107,7 @@ inline void PanelInStates::click()
 /// The tool runs, with an image that exists, and has reported something.
 inline void PanelInStates::startTool()
 {
-    const QString image = QDir(stage.sandbox.home()).filePath(u"image.bin"_qs);
+    const QString image = QDir(stage.sandbox.home()).filePath(QStringLiteral("image.bin"));
     QFile file(image);
     QVERIFY(file.open(QIODevice::WriteOnly) && file.write("image") > 0);
     file.close();
@@ -159,7 +159,7 @@ inline void PanelInStates::downloadsTheOtgImage()
 inline void PanelInStates::waitsBeforeThePcChip()
 {
     click();
-    QTRY_VERIFY_WITH_TIMEOUT(stage.log.contains(u"[Upgrade] 先升 PC 再升 OTG"_qs), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(stage.log.contains(QStringLiteral("[Upgrade] 先升 PC 再升 OTG")), kPatience);
 }
 
 inline void PanelInStates::flashesThePcChip()
@@ -177,8 +177,8 @@ inline void PanelInStates::waitsForTheOtgChip()
 inline void PanelInStates::waitsBeforeTheOtgChip()
 {
     waitsForTheOtgChip();
-    panel->ConnectingR2({u"pid_001f"_qs}, {});
-    QTRY_VERIFY_WITH_TIMEOUT(stage.log.contains(u"[OTG] OTG设备已就绪，延迟后启动OTG升级"_qs), kPatience);
+    panel->ConnectingR2({QStringLiteral("pid_001f")}, {});
+    QTRY_VERIFY_WITH_TIMEOUT(stage.log.contains(QStringLiteral("[OTG] OTG设备已就绪，延迟后启动OTG升级")), kPatience);
 }
 
 inline void PanelInStates::flashesTheOtgChip()
@@ -204,14 +204,14 @@ inline void PanelInStates::hasFailed()
 
 inline void PanelInStates::recovers()
 {
-    panel->ConnectingR2({u"pid_00ff"_qs}, {});
+    panel->ConnectingR2({QStringLiteral("pid_00ff")}, {});
     QVERIFY(panel->m_autoRecoverRunning);
     QVERIFY(stage.server.paths().contains(ServerPaths::kR2OtgVersion));
 }
 
 inline void PanelInStates::refreshes()
 {
-    setVersions(*panel, u"1.2.0"_qs, u"1.3.0"_qs, u"1.2.0"_qs, u"1.3.0"_qs);
+    setVersions(*panel, QStringLiteral("1.2.0"), QStringLiteral("1.3.0"), QStringLiteral("1.2.0"), QStringLiteral("1.3.0"));
     panel->requestVersionRefreshWithRetry(5);
 }
 

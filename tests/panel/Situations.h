@@ -25,7 +25,7 @@ struct Situation {
     Step step; ///< what makes the panel wait
 };
 
-inline const QString kBrick = u"hid#vid_352f&pid_00ff"_qs;
+inline const QString kBrick = QStringLiteral("hid#vid_352f&pid_00ff");
 
 inline void pressBar(FirmwareUpgradeWidget &panel)
 {
@@ -37,7 +37,7 @@ inline void pressBar(FirmwareUpgradeWidget &panel)
 
 inline void readWith(FirmwareUpgradeWidget &panel, const QString &devicePc)
 {
-    setVersions(panel, devicePc, u"1.3.0"_qs, u"1.2.0"_qs, u"1.3.0"_qs);
+    setVersions(panel, devicePc, QStringLiteral("1.3.0"), QStringLiteral("1.2.0"), QStringLiteral("1.3.0"));
     panel.onReceiveHIDdata(DeviceReplies::version(0x0033, {1, 1, 1}));
 }
 
@@ -49,37 +49,37 @@ inline QList<Situation> all()
         return [reply](auto &panel) { panel.onReceiveHIDdata(reply); };
     };
     return {
-        {u"the PC version's query"_qs, pc, receive(DeviceReplies::pcVersion({1, 2, 3}))},
-        {u"the OTG version's query"_qs, otg, receive(DeviceReplies::otgVersion({1, 2, 3}))},
-        {u"the query of a reply that came through the link"_qs, pc,
+        {QStringLiteral("the PC version's query"), pc, receive(DeviceReplies::pcVersion({1, 2, 3}))},
+        {QStringLiteral("the OTG version's query"), otg, receive(DeviceReplies::otgVersion({1, 2, 3}))},
+        {QStringLiteral("the query of a reply that came through the link"), pc,
          [](auto &) {
              Q_EMIT HIDCommunicator::OrvikHIDManager::instance()->blockReceiveData(
                  DeviceReplies::pcVersion({1, 2, 3}));
          }},
-        {u"the notes of an upgrade"_qs, pc, [](auto &panel) { readWith(panel, u"1.2.0"_qs); }},
-        {u"the notes for a device that is too old"_qs, pc, [](auto &panel) { readWith(panel, u"1.0.9"_qs); }},
-        {u"the click's first query"_qs, pc, pressBar},
-        {u"the click's second query"_qs, otg, pressBar},
-        {u"the query of a recovery that discovery started"_qs, pc,
+        {QStringLiteral("the notes of an upgrade"), pc, [](auto &panel) { readWith(panel, QStringLiteral("1.2.0")); }},
+        {QStringLiteral("the notes for a device that is too old"), pc, [](auto &panel) { readWith(panel, QStringLiteral("1.0.9")); }},
+        {QStringLiteral("the click's first query"), pc, pressBar},
+        {QStringLiteral("the click's second query"), otg, pressBar},
+        {QStringLiteral("the query of a recovery that discovery started"), pc,
          [](auto &panel) { panel.ConnectingR2({kBrick}, {0x00FF}); }},
-        {u"the second query of a recovery"_qs, otg, [](auto &panel) { panel.startAutoRecoverUpgrade(); }},
-        {u"the notes of a recovery"_qs, pc,
+        {QStringLiteral("the second query of a recovery"), otg, [](auto &panel) { panel.startAutoRecoverUpgrade(); }},
+        {QStringLiteral("the notes of a recovery"), pc,
          [](auto &panel) {
-             panel.m_remotePcVersion = u"1.3.0"_qs;
+             panel.m_remotePcVersion = QStringLiteral("1.3.0");
              panel.startAutoRecoverUpgrade();
          }},
-        {u"a recovery that the change of the model found"_qs, ServerPaths::kR1PcVersion,
+        {QStringLiteral("a recovery that the change of the model found"), ServerPaths::kR1PcVersion,
          [](auto &panel) {
              PanelStage::bus().plug(0x0010);
              panel.setDeviceModel(DeviceModel::R1);
          }},
-        {u"the last refresh"_qs, pc,
+        {QStringLiteral("the last refresh"), pc,
          [](auto &panel) {
-             setVersions(panel, u"1.2.0"_qs, u"1.3.0"_qs, u"1.2.0"_qs, u"1.3.0"_qs);
+             setVersions(panel, QStringLiteral("1.2.0"), QStringLiteral("1.3.0"), QStringLiteral("1.2.0"), QStringLiteral("1.3.0"));
              panel.requestVersionRefreshWithRetry(1);
          }},
-        {u"the warning box"_qs, QString(), receive(DeviceReplies::mode(1))},
-        {u"the first of two warning boxes"_qs, QString(),
+        {QStringLiteral("the warning box"), QString(), receive(DeviceReplies::mode(1))},
+        {QStringLiteral("the first of two warning boxes"), QString(),
          receive(DeviceReplies::reply(4, {0x1008, 1, 0x1008, 1}))},
     };
 }

@@ -10,6 +10,8 @@
 #include <QTextEdit>
 #include <QUrl>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 QString nameOf(QWidget *widget)
 {
@@ -154,9 +156,9 @@ void TestAccess::aPressMayDeleteTheBar()
 void TestAccess::aKeyOpensTheLink()
 {
     UrlHandler handler;
-    QDesktopServices::setUrlHandler(u"http"_qs, &handler, "open");
+    QDesktopServices::setUrlHandler(u"http"_s, &handler, "open");
     QTest::keyClick(panel().m_offlineToolLinkLb, Qt::Key_Return);
-    QDesktopServices::unsetUrlHandler(u"http"_qs);
+    QDesktopServices::unsetUrlHandler(u"http"_s);
     QCOMPARE(handler.opened, QList<QUrl>{QUrl(panel().offlineToolAddress())});
     QVERIFY(panel().m_offlineToolLinkLb->text().contains(panel().offlineToolAddress()));
 }
@@ -166,10 +168,10 @@ void TestAccess::tabGoesThroughTheControls_data()
     QTest::addColumn<bool>("tooOld");
     QTest::addColumn<QStringList>("controls");
     QTest::newRow("most screens") << false
-                                  << QStringList{u"m_notesEdit"_qs, u"m_progressBar"_qs, u"m_closeBtn"_qs};
+                                  << QStringList{u"m_notesEdit"_s, u"m_progressBar"_s, u"m_closeBtn"_s};
     QTest::newRow("with the link") << true
-                                   << QStringList{u"m_notesEdit"_qs, u"m_offlineToolLinkLb"_qs,
-                                                  u"m_progressBar"_qs, u"m_closeBtn"_qs};
+                                   << QStringList{u"m_notesEdit"_s, u"m_offlineToolLinkLb"_s,
+                                                  u"m_progressBar"_s, u"m_closeBtn"_s};
 }
 
 void TestAccess::tabGoesThroughTheControls()
@@ -270,10 +272,10 @@ void TestAccess::aKeyPressesTheCloseButton()
 void TestAccess::theFocusIsSeenAfterTabOnly_data()
 {
     QTest::addColumn<QString>("control");
-    QTest::newRow("bar") << u"m_progressBar"_qs;
-    QTest::newRow("close button") << u"m_closeBtn"_qs;
-    QTest::newRow("link") << u"m_offlineToolLinkLb"_qs;
-    QTest::newRow("notes") << u"m_notesEdit"_qs;
+    QTest::newRow("bar") << u"m_progressBar"_s;
+    QTest::newRow("close button") << u"m_closeBtn"_s;
+    QTest::newRow("link") << u"m_offlineToolLinkLb"_s;
+    QTest::newRow("notes") << u"m_notesEdit"_s;
 }
 
 void TestAccess::theFocusIsSeenAfterTabOnly()
@@ -302,11 +304,11 @@ void TestAccess::controlsHaveNames_data()
     QTest::addColumn<QString>("control");
     QTest::addColumn<QString>("chinese");
     QTest::addColumn<QString>("english");
-    QTest::newRow("close button") << u"m_closeBtn"_qs << u"关闭"_qs << u"Close"_qs;
-    QTest::newRow("notes") << u"m_notesEdit"_qs << u"新版概述"_qs << u"What's New"_qs;
-    QTest::newRow("link") << u"m_offlineToolLinkLb"_qs << u"需使用离线升级工具进行更新，前往官网下载>>"_qs
-                          << u"Update requires offline tool ,Download>>"_qs;
-    QTest::newRow("bar without words") << u"m_progressBar"_qs << u"固件升级"_qs << u"Firmware Update"_qs;
+    QTest::newRow("close button") << u"m_closeBtn"_s << u"关闭"_s << u"Close"_s;
+    QTest::newRow("notes") << u"m_notesEdit"_s << u"新版概述"_s << u"What's New"_s;
+    QTest::newRow("link") << u"m_offlineToolLinkLb"_s << u"需使用离线升级工具进行更新，前往官网下载>>"_s
+                          << u"Update requires offline tool ,Download>>"_s;
+    QTest::newRow("bar without words") << u"m_progressBar"_s << u"固件升级"_s << u"Firmware Update"_s;
 }
 
 void TestAccess::controlsHaveNames()
@@ -327,12 +329,12 @@ void TestAccess::theBarIsCalledByItsWords_data()
     QTest::addColumn<QString>("label");
     QTest::addColumn<QString>("chinese");
     QTest::addColumn<QString>("english");
-    QTest::newRow("upgrade") << u"m_upgradeTextLb"_qs << u"立即升级"_qs << u"Update Now"_qs;
-    QTest::newRow("too old") << u"m_tooOldLb"_qs << u"固件版本过低，无法升级"_qs
-                             << u"Firmware version is too low to update."_qs;
-    QTest::newRow("waiting") << u"m_upgradingLb"_qs << u"待USB线接入图示口..."_qs
-                             << u"Connect to the indicated USB ports."_qs;
-    QTest::newRow("completed") << u"m_doneLb"_qs << u"升级完成"_qs << u"Update Completed"_qs;
+    QTest::newRow("upgrade") << u"m_upgradeTextLb"_s << u"立即升级"_s << u"Update Now"_s;
+    QTest::newRow("too old") << u"m_tooOldLb"_s << u"固件版本过低，无法升级"_s
+                             << u"Firmware version is too low to update."_s;
+    QTest::newRow("waiting") << u"m_upgradingLb"_s << u"待USB线接入图示口..."_s
+                             << u"Connect to the indicated USB ports."_s;
+    QTest::newRow("completed") << u"m_doneLb"_s << u"升级完成"_s << u"Update Completed"_s;
 }
 
 void TestAccess::theBarIsCalledByItsWords()
@@ -364,7 +366,7 @@ void TestAccess::aScreenReaderPressesTheBar()
     QVERIFY(!access->actionInterface()->actionNames().contains(press));
     access->actionInterface()->doAction(press);
     QCOMPARE(clicked.count(), 1);
-    QCOMPARE(access->text(QAccessible::Value), u"42%"_qs);
+    QCOMPARE(access->text(QAccessible::Value), u"42%"_s);
     QCOMPARE(access->valueInterface()->currentValue().toInt(), 42);
     QCOMPARE(access->valueInterface()->maximumValue().toInt(), 100);
 }

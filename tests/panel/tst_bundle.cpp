@@ -4,6 +4,8 @@
 #include <QResource>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 const QString kImages = QStringLiteral(":/new/prefix1/image/");
 const QString kCatalogues = QStringLiteral(":/QUILLON/Translate/");
@@ -71,18 +73,18 @@ void TestBundle::holdsImage()
 
 void TestBundle::keepsTheAccentBarCompressed()
 {
-    QCOMPARE(QResource(kImages + u"blue_rect.png"_qs).compressionAlgorithm(), QResource::ZlibCompression);
+    QCOMPARE(QResource(kImages + u"blue_rect.png"_s).compressionAlgorithm(), QResource::ZlibCompression);
 }
 
 void TestBundle::holdsTheEnglishCatalogue()
 {
-    QVERIFY(QResource(kCatalogues + u"QuillonFirmwareUpgrade_en.qm"_qs).uncompressedSize() > 0);
+    QVERIFY(QResource(kCatalogues + u"QuillonFirmwareUpgrade_en.qm"_s).uncompressedSize() > 0);
 }
 
 void TestBundle::holdsNothingElse()
 {
     QCOMPARE(QDir(kImages).entryList(QDir::AllEntries).size(), 13);
-    QCOMPARE(QDir(kCatalogues).entryList(QDir::AllEntries), QStringList{u"QuillonFirmwareUpgrade_en.qm"_qs});
+    QCOMPARE(QDir(kCatalogues).entryList(QDir::AllEntries), QStringList{u"QuillonFirmwareUpgrade_en.qm"_s});
 }
 
 QTEST_MAIN(TestBundle)

@@ -4,6 +4,7 @@
 
 #include <QTimer>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -110,14 +111,14 @@ void CallsAnytimeTest::languageInAState()
     QVERIFY(enterState());
     const auto expected = [&](const QString &language) {
         QStringList state = panelState(panel());
-        state.replaceInStrings(u"isChinese=true"_qs, language);
+        state.replaceInStrings(u"isChinese=true"_s, language);
         return state;
     };
-    const QStringList before = expected(u"isChinese=false"_qs);
+    const QStringList before = expected(u"isChinese=false"_s);
 
     QuillonFirmwareUpgrade::setLanguage(Language::English);
     QCOMPARE(panelState(panel()), before); // but for the language nothing changes
-    QCOMPARE(panel().windowTitle(), u"固件升级"_qs); // given once, when the panel was built
+    QCOMPARE(panel().windowTitle(), u"固件升级"_s); // given once, when the panel was built
     for (int i = 0; i < 3; ++i) {
         QuillonFirmwareUpgrade::setLanguage(Language::Chinese);
         QuillonFirmwareUpgrade::setLanguage(Language::English);
@@ -138,7 +139,7 @@ void CallsAnytimeTest::recoveryInAState()
     stage().log.clear();
 
     panel().startAutoRecoverUpgrade();
-    QCOMPARE(stage().log.count(u"[AutoRecover] start auto recover upgrade flow."_qs), 1);
+    QCOMPARE(stage().log.count(u"[AutoRecover] start auto recover upgrade flow."_s), 1);
     QCOMPARE(panel().m_upgradePlan, UpgradePlan::Both);
     QCOMPARE(panel().m_isUpgrading, !isFailed); // after a failure only the retry is offered
     QCOMPARE(panel().m_dfuProcess->state() == QProcess::Running, toolRuns);

@@ -6,6 +6,7 @@
 #include <QTest>
 #include <QTimer>
 
+using namespace Qt::StringLiterals;
 using namespace Situations;
 using namespace std::chrono_literals;
 
@@ -97,10 +98,10 @@ void CallsInLoopsTest::calledWhileItWaits()
     FirmwareUpgradeWidget &panel = *m_stage->panel;
     panel.m_isUpgrading = panel.m_postUpgradeWaiting = panel.m_autoRecoverRunning = panel.m_inFailureRetry
         = false;
-    setVersions(panel, u"1.3.0"_qs, u"1.3.0"_qs, u"1.3.0"_qs, u"1.3.0"_qs);
+    setVersions(panel, u"1.3.0"_s, u"1.3.0"_s, u"1.3.0"_s, u"1.3.0"_s);
     panel.onReceiveHIDdata(DeviceReplies::version(0x0033, {1, 1, 1}));
     QCOMPARE(panel.m_upgradePlan, UpgradePlan::None);
-    QVERIFY(m_stage->log.contains(u"[Upgrade] 不需要升级"_qs));
+    QVERIFY(m_stage->log.contains(u"[Upgrade] 不需要升级"_s));
 }
 
 QTEST_MAIN(CallsInLoopsTest)

@@ -4,6 +4,8 @@
 #include <QTranslator>
 #include <QtEndian>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 const QString kCatalogue = QStringLiteral(":/QUILLON/Translate/QuillonFirmwareUpgrade_en.qm");
@@ -94,7 +96,7 @@ CompiledCatalogue compiledCatalogue()
 QString translated(const char *source, const char *context = kContext)
 {
     QTranslator translator;
-    return translator.load(kCatalogue) ? translator.translate(context, source) : u"(no catalogue)"_qs;
+    return translator.load(kCatalogue) ? translator.translate(context, source) : u"(no catalogue)"_s;
 }
 
 } // namespace

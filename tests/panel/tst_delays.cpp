@@ -9,6 +9,8 @@
 
 #include <functional>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr int kLongEnough = 60000;
@@ -105,7 +107,7 @@ void TestDelays::pcFlashingStartsAfterItsDelay()
     QFETCH(DeviceModel, model);
     QFETCH(QString, start);
     PhaseStage stage(plan, model);
-    const TimeBetween delay(u"all firmware has downlaod well"_qs, u"startUpgradeWithExternalTool"_qs);
+    const TimeBetween delay(u"all firmware has downlaod well"_s, u"startUpgradeWithExternalTool"_s);
     stage.finishDownloads();
     QTRY_VERIFY_WITH_TIMEOUT(delay.isOver(), kLongEnough);
     QVERIFY2(delay.isAbout(6000), delay.shown().constData());
@@ -120,8 +122,8 @@ void TestDelays::pcFlashingShowsCardAndNotes()
     QTRY_VERIFY_WITH_TIMEOUT(!stage.toolStarts().isEmpty(), kLongEnough);
     QCOMPARE(
         recorder.changes,
-        (QStringList{u"-tipMoiveLb"_qs, u"-m_detectingUsbLb"_qs, u"-m_connectHintLb"_qs, u"+verCompLb"_qs,
-                     u"+m_notesEdit"_qs, u"+m_notesIconLb"_qs, u"+m_notesTitleLb"_qs, u"+m_notesLineLb"_qs}));
+        (QStringList{u"-tipMoiveLb"_s, u"-m_detectingUsbLb"_s, u"-m_connectHintLb"_s, u"+verCompLb"_s,
+                     u"+m_notesEdit"_s, u"+m_notesIconLb"_s, u"+m_notesTitleLb"_s, u"+m_notesLineLb"_s}));
     QCOMPARE(stage.panel->m_tipMovie->state(), QMovie::NotRunning);
 }
 
@@ -132,14 +134,14 @@ void TestDelays::pcFlashingLooksAtTheBusFirst()
     stage.log.clear();
     bool hintHidden = false;
     {
-        const LogHook hook(u"hid? getOrvikHIDListPath()"_qs,
+        const LogHook hook(u"hid? getOrvikHIDListPath()"_s,
                            [&](const QString &) { hintHidden = stage.panel->tipMoiveLb->isHidden(); });
         QTRY_VERIFY_WITH_TIMEOUT(!stage.toolStarts().isEmpty(), kLongEnough);
     }
     const QStringList lines = stage.log.lines();
-    const auto listed = lines.indexOf(u"hid? getOrvikHIDListPath() = 0"_qs);
+    const auto listed = lines.indexOf(u"hid? getOrvikHIDListPath() = 0"_s);
     QVERIFY(listed >= 0);
-    QVERIFY(lines.value(listed + 1).startsWith(u"[ConnectingR2] START"_qs));
+    QVERIFY(lines.value(listed + 1).startsWith(u"[ConnectingR2] START"_s));
     QVERIFY(hintHidden);
 }
 
@@ -210,13 +212,13 @@ void TestDelays::handsTheImageToTheTool_data()
     QTest::addColumn<QString>("file");
     QTest::addColumn<QStringList>("options");
     QTest::newRow("PC image, normal mode")
-        << UpgradePlan::PcOnly << 0x0E << u"pc.bin"_qs << QStringList{u"--pid"_qs, u"000e"_qs};
-    QTest::newRow("PC image, boot loader") << UpgradePlan::PcOnly << 0xFF << u"pc.bin"_qs
-                                           << QStringList{u"--pid"_qs, u"00ff"_qs, u"--already-in-dfu"_qs};
+        << UpgradePlan::PcOnly << 0x0E << u"pc.bin"_s << QStringList{u"--pid"_s, u"000e"_s};
+    QTest::newRow("PC image, boot loader") << UpgradePlan::PcOnly << 0xFF << u"pc.bin"_s
+                                           << QStringList{u"--pid"_s, u"00ff"_s, u"--already-in-dfu"_s};
     QTest::newRow("OTG image, normal mode")
-        << UpgradePlan::OtgOnly << 0x1F << u"otg.bin"_qs << QStringList{u"--pid"_qs, u"001f"_qs};
-    QTest::newRow("OTG image, boot loader") << UpgradePlan::OtgOnly << 0x65 << u"otg.bin"_qs
-                                            << QStringList{u"--pid"_qs, u"0065"_qs, u"--already-in-dfu"_qs};
+        << UpgradePlan::OtgOnly << 0x1F << u"otg.bin"_s << QStringList{u"--pid"_s, u"001f"_s};
+    QTest::newRow("OTG image, boot loader") << UpgradePlan::OtgOnly << 0x65 << u"otg.bin"_s
+                                            << QStringList{u"--pid"_s, u"0065"_s, u"--already-in-dfu"_s};
 }
 
 void TestDelays::handsTheImageToTheTool()
@@ -322,18 +324,18 @@ void TestDelays::readsTheVersionsBackAfterSuccess()
     FirmwareUpgradeWidget &panel = *stage.panel;
     // The query that every new panel makes must not be taken for the one that is measured.
     QTRY_VERIFY_WITH_TIMEOUT(stage.log.contains(kModeQuery), kLongEnough);
-    panel.m_devicePcVersion = u"1.2.0"_qs;
-    panel.m_deviceOtgVersion = u"1.2.0"_qs;
+    panel.m_devicePcVersion = u"1.2.0"_s;
+    panel.m_deviceOtgVersion = u"1.2.0"_s;
     stage.sandbox.writeProgress("success 1");
     stage.log.clear();
-    const TimeBetween passed(u"[VersionRead] 清空版本号"_qs, kModeQuery);
+    const TimeBetween passed(u"[VersionRead] 清空版本号"_s, kModeQuery);
     panel.onReadFirmwareTxt();
     QTRY_VERIFY_WITH_TIMEOUT(passed.isOver(), kLongEnough);
     QVERIFY2(passed.isAbout(2400), passed.shown().constData());
     const QStringList lines = stage.log.lines();
-    const auto listed = lines.lastIndexOf(u"hid? getOrvikHIDListPath() = 0"_qs);
-    QVERIFY(listed > lines.indexOf(u"[VersionRead] 清空版本号，准备重新读取"_qs));
-    QVERIFY(lines.value(listed + 1).startsWith(u"[ConnectingR2] START"_qs));
+    const auto listed = lines.lastIndexOf(u"hid? getOrvikHIDListPath() = 0"_s);
+    QVERIFY(listed > lines.indexOf(u"[VersionRead] 清空版本号，准备重新读取"_s));
+    QVERIFY(lines.value(listed + 1).startsWith(u"[ConnectingR2] START"_s));
     QVERIFY(lines.lastIndexOf(kModeQuery) > listed);
     QVERIFY(panel.m_postUpgradeWaiting);
     QVERIFY(panel.m_doneLb->isVisible());

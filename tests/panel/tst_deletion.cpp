@@ -6,13 +6,14 @@
 
 #include <QTimer>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
 /// Longer than every delay that the panel ever arms.
 constexpr auto kLongest = 9000ms;
 constexpr int kPatience = PanelInStates::kPatience;
-const QString kLastLine = u"[Destructor] Cleanup completed"_qs;
+const QString kLastLine = u"[Destructor] Cleanup completed"_s;
 } // namespace
 
 class DeletionTest : public QObject {
@@ -72,7 +73,7 @@ void DeletionTest::deletedInAState()
     else
         delete m_states->panel;
     QVERIFY(!m_states->panel);
-    QCOMPARE(stage().log.count(u"hid: release()"_qs), 1);
+    QCOMPARE(stage().log.count(u"hid: release()"_s), 1);
     QCOMPARE(stage().log.lines().constLast(), kLastLine);
     QTRY_COMPARE_WITH_TIMEOUT(PanelStage::bus().openConnections(), 0, kPatience);
     if (toolRuns)
@@ -120,7 +121,7 @@ void DeletionTest::closedAndDeletedByItself()
     m_states->flashesThePcChip();
     const qint64 processId = panel->m_dfuProcess->processId();
 
-    QTest::mouseClick(panel->findChild<QWidget *>(u"m_closeBtn"_qs), Qt::LeftButton);
+    QTest::mouseClick(panel->findChild<QWidget *>(u"m_closeBtn"_s), Qt::LeftButton);
     QTRY_VERIFY_WITH_TIMEOUT(!m_states->panel, kPatience);
     QVERIFY(!isProcessAlive(processId));
 }
@@ -134,8 +135,8 @@ void DeletionTest::deletedAndCreatedManyTimes()
         if (i % 3 == 0)
             QCoreApplication::processEvents();
     }
-    QCOMPARE(stage().log.count(u"hid: acquire()"_qs), kTimes);
-    QCOMPARE(stage().log.count(u"hid: release()"_qs), kTimes);
+    QCOMPARE(stage().log.count(u"hid: acquire()"_s), kTimes);
+    QCOMPARE(stage().log.count(u"hid: release()"_s), kTimes);
 
     m_states->hasADeviceOpen(); // the first panel still has its link
 }

@@ -10,13 +10,14 @@
 
 #include <functional>
 
+using namespace Qt::StringLiterals;
 using namespace Situations;
 using namespace std::chrono_literals;
 
 namespace {
 using Deletion = std::function<void(FirmwareUpgradeWidget *)>;
 
-const QString kDone = u"[Destructor] Cleanup completed"_qs;
+const QString kDone = u"[Destructor] Cleanup completed"_s;
 
 } // namespace
 
@@ -77,7 +78,7 @@ QStringList DeletionInLoopsTest::linesAfterTheEnd() const
 {
     // The server's client goes on to its end, and so does a scan that was under way.
     static const QRegularExpression harmless(
-        u"^(request protobufHttp|find DFU PID and trigger auto recover\\.$|1@####$)"_qs);
+        u"^(request protobufHttp|find DFU PID and trigger auto recover\\.$|1@####$)"_s);
     const QStringList all = m_stage->log.lines();
     QStringList after;
     for (const QString &line : all.mid(all.indexOf(kDone) + 1)) {
@@ -117,7 +118,7 @@ void DeletionInLoopsTest::deletedWhileItWaits()
     deleteAsSoonAs([&] { return isWaiting(situation, m_stage->server); }, remove);
     situation.step(*m_panel);
     QTRY_VERIFY(!m_panel);
-    QCOMPARE(m_stage->log.count(u"hid: release()"_qs), 1);
+    QCOMPARE(m_stage->log.count(u"hid: release()"_s), 1);
     QCOMPARE(linesAfterTheEnd(), QStringList());
     QCOMPARE(m_stage->server.paths().size(), m_requestsAtDeletion);
     QVERIFY(!QApplication::activeModalWidget());
@@ -134,11 +135,11 @@ void DeletionInLoopsTest::deletedByAReceiver_data()
         };
     };
     QTest::newRow("of the versions, after a read") << deleteAt(
-        &FirmwareUpgradeWidget::upgradeDisplayMsg, [](auto &panel) { readWith(panel, u"1.2.0"_qs); });
+        &FirmwareUpgradeWidget::upgradeDisplayMsg, [](auto &panel) { readWith(panel, u"1.2.0"_s); });
     QTest::newRow("of the versions, in the wait after an upgrade")
         << deleteAt(&FirmwareUpgradeWidget::upgradeDisplayMsg, [](auto &panel) {
                panel.m_postUpgradeWaiting = true;
-               readWith(panel, u"1.2.0"_qs);
+               readWith(panel, u"1.2.0"_s);
            });
     QTest::newRow("of the versions, at a refresh")
         << deleteAt(&FirmwareUpgradeWidget::upgradeDisplayMsg,
@@ -158,7 +159,7 @@ void DeletionInLoopsTest::deletedByAReceiver_data()
         << deleteAt(&FirmwareUpgradeWidget::r2otgConnected, [](auto &panel) {
                panel.m_isUpgrading = true;
                panel.m_upgradePlan = UpgradePlan::OtgOnly;
-               panel.ConnectingR2({u"pid_001f"_qs}, {});
+               panel.ConnectingR2({u"pid_001f"_s}, {});
            });
 }
 
@@ -169,7 +170,7 @@ void DeletionInLoopsTest::deletedByAReceiver()
 
     step(*m_panel);
     QVERIFY(!m_panel);
-    QCOMPARE(m_stage->log.count(u"hid: release()"_qs), 1);
+    QCOMPARE(m_stage->log.count(u"hid: release()"_s), 1);
     QCOMPARE(m_stage->server.paths(), QStringList());
     delete parent;
 }

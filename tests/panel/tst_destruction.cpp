@@ -21,12 +21,13 @@
 #include <optional>
 #include <utility>
 
+using namespace Qt::StringLiterals;
 using HIDCommunicator::OrvikHIDManager;
 using namespace std::chrono_literals;
 
 namespace {
-const QString kFirstLine = u"[Destructor] Starting cleanup..."_qs;
-const QString kLastLine = u"[Destructor] Cleanup completed"_qs;
+const QString kFirstLine = u"[Destructor] Starting cleanup..."_s;
+const QString kLastLine = u"[Destructor] Cleanup completed"_s;
 
 /// Two passes of 100 ms, 300 ms for the tool to hear, and what it takes to kill it.
 #ifdef Q_OS_WIN
@@ -112,25 +113,25 @@ void DestructionTest::linesAndReleaseStandInOrder()
     m_stage->log.clear();
     deletePanel();
 
-    QCOMPARE(m_stage->log.lines(), QStringList({kFirstLine, u"hid: release()"_qs, kLastLine}));
+    QCOMPARE(m_stage->log.lines(), QStringList({kFirstLine, u"hid: release()"_s, kLastLine}));
 }
 
 void DestructionTest::pendingEventsAreDeliveredBeforeTheRelease()
 {
     QStringList order;
-    HidCalls::after(u"release"_qs, [&order] { order.append(u"released"_qs); });
+    HidCalls::after(u"release"_s, [&order] { order.append(u"released"_s); });
     QMetaObject::invokeMethod(
-        this, [&order] { order.append(u"delivered"_qs); }, Qt::QueuedConnection);
+        this, [&order] { order.append(u"delivered"_s); }, Qt::QueuedConnection);
 
     deletePanel();
-    QCOMPARE(order, QStringList({u"delivered"_qs, u"released"_qs}));
+    QCOMPARE(order, QStringList({u"delivered"_s, u"released"_s}));
 }
 
 void DestructionTest::eventsOfTheReleaseAreDeliveredBeforeTheEnd()
 {
     bool isDelivered = false;
     std::optional<bool> deliveredAtTheEnd;
-    HidCalls::after(u"release"_qs, [&] {
+    HidCalls::after(u"release"_s, [&] {
         QMetaObject::invokeMethod(
             this, [&isDelivered] { isDelivered = true; }, Qt::QueuedConnection);
     });
@@ -151,12 +152,12 @@ void DestructionTest::eventsWithoutEndDoNotHoldItUp()
 
 void DestructionTest::childrenAreStillThereWhileEventsAreDelivered()
 {
-    const QPointer<QObject> child = panel().findChild<QObject *>(u"m_closeBtn"_qs);
+    const QPointer<QObject> child = panel().findChild<QObject *>(u"m_closeBtn"_s);
     QVERIFY(child);
     int deliveredWithChild = 0;
     const auto look = [&] { deliveredWithChild += child ? 1 : 0; };
     QMetaObject::invokeMethod(this, look, Qt::QueuedConnection);
-    HidCalls::after(u"release"_qs, [&] { QMetaObject::invokeMethod(this, look, Qt::QueuedConnection); });
+    HidCalls::after(u"release"_s, [&] { QMetaObject::invokeMethod(this, look, Qt::QueuedConnection); });
 
     deletePanel();
     QCOMPARE(deliveredWithChild, 2);
@@ -170,15 +171,15 @@ void DestructionTest::nothingReachesADyingPanel_data()
     QTest::addColumn<QString>("reaction");
     QTest::newRow("the library announces devices")
         << Action([] { Q_EMIT OrvikHIDManager::instance()->deviceListChanged({}, {}); })
-        << u"[ConnectingR2]"_qs;
+        << u"[ConnectingR2]"_s;
     QTest::newRow("the library hands over a report")
         << Action([] { Q_EMIT OrvikHIDManager::instance()->blockReceiveData(DeviceReplies::mode(0)); })
-        << u"[HID接收]"_qs;
+        << u"[HID接收]"_s;
     QTest::newRow("the library tells of a connection")
-        << Action([] { Q_EMIT OrvikHIDManager::instance()->blockHidConnetStatus(0); }) << u"[状态]"_qs;
+        << Action([] { Q_EMIT OrvikHIDManager::instance()->blockHidConnetStatus(0); }) << u"[状态]"_s;
     QTest::newRow("a download ends") << Action([] {
         Q_EMIT networking_class::getInstance()->network_finish_download();
-    }) << u"========####enter onFirmwareDownloaded"_qs;
+    }) << u"========####enter onFirmwareDownloaded"_s;
 }
 
 void DestructionTest::nothingReachesADyingPanel()
@@ -192,7 +193,7 @@ void DestructionTest::nothingReachesADyingPanel()
     QTRY_VERIFY(reactions() > 0); // it reaches a living panel
     m_stage->log.clear();
 
-    HidCalls::after(u"release"_qs, emitSignal);
+    HidCalls::after(u"release"_s, emitSignal);
     const LogHook atTheStart(kFirstLine, [&](const QString &) {
         QMetaObject::invokeMethod(this, emitSignal, Qt::QueuedConnection);
     });
@@ -223,12 +224,12 @@ void DestructionTest::runningTimersStop()
     QSignalSpy timeouts(timer, &QTimer::timeout);
     std::optional<bool> runsAtRelease;
     timer->start(1ms);
-    HidCalls::after(u"release"_qs, [&] { runsAtRelease = timer->isActive(); });
+    HidCalls::after(u"release"_s, [&] { runsAtRelease = timer->isActive(); });
     m_stage->log.clear();
 
     deletePanel();
     QCOMPARE(runsAtRelease, std::optional<bool>(false));
-    QCOMPARE(m_stage->log.startingWith(u"[状态]"_qs), QStringList());
+    QCOMPARE(m_stage->log.startingWith(u"[状态]"_s), QStringList());
 }
 
 void DestructionTest::runningToolEnds_data()
@@ -263,7 +264,7 @@ void DestructionTest::runningToolEnds()
     QCOMPARE(finished.count(), 1);
     QTEST(finished.at(0).at(0).toInt(), "exitCode");
     QVERIFY2(!isProcessAlive(processId), "the tool is still there");
-    QVERIFY(m_stage->log.startingWith(u"QProcess: Destroyed while process"_qs)
+    QVERIFY(m_stage->log.startingWith(u"QProcess: Destroyed while process"_s)
                 .isEmpty()); // it was the panel's doing
 }
 
@@ -299,7 +300,7 @@ void DestructionTest::theOtherPanelKeepsTheDevice()
     QCOMPARE(PanelStage::bus().openConnections(), 1);
     m_stage->log.clear();
     PanelStage::bus().setResponder(DeviceReplies::device({1, 2, 3}, {1, 2, 4}));
-    QTRY_COMPARE(other.m_deviceOtgVersion, u"1.2.4"_qs); // its query of half a second gets through
+    QTRY_COMPARE(other.m_deviceOtgVersion, u"1.2.4"_s); // its query of half a second gets through
 }
 
 void DestructionTest::missingPartsAreNoProblem_data()
@@ -331,7 +332,7 @@ void DestructionTest::missingPartsAreNoProblem()
     m_stage->log.clear();
 
     deletePanel();
-    QTEST(m_stage->log.count(u"hid: release()"_qs), "releases");
+    QTEST(m_stage->log.count(u"hid: release()"_s), "releases");
     QVERIFY(m_stage->log.contains(kLastLine));
 }
 

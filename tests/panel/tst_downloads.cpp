@@ -4,6 +4,8 @@
 #include <QNetworkReply>
 #include <QTimer>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using Server = ScriptedHttpServer;
@@ -48,9 +50,9 @@ void TestDownloads::choosesNamesAndAddresses_data()
     QTest::addColumn<DeviceModel>("model");
     QTest::addColumn<QStringList>("files");
     QTest::addColumn<QStringList>("addresses");
-    const QStringList r2Files{u"/R2_PC1.2.3.bin"_qs, u"/R2_OTG1.0.4.bin"_qs};
+    const QStringList r2Files{u"/R2_PC1.2.3.bin"_s, u"/R2_OTG1.0.4.bin"_s};
     const QStringList r2Addresses{ServerPaths::kR2PcImage, ServerPaths::kR2OtgImage};
-    QTest::newRow("R1") << DeviceModel::R1 << QStringList{u"/R1_PC1.2.3.bin"_qs, u"/R1_OTG1.0.4.bin"_qs}
+    QTest::newRow("R1") << DeviceModel::R1 << QStringList{u"/R1_PC1.2.3.bin"_s, u"/R1_OTG1.0.4.bin"_s}
                         << QStringList{ServerPaths::kR1PcImage, ServerPaths::kR1OtgImage};
     QTest::newRow("R2") << DeviceModel::R2 << r2Files << r2Addresses;
     QTest::newRow("any other model") << DeviceModel(3) << r2Files << r2Addresses;
@@ -67,7 +69,7 @@ void TestDownloads::choosesNamesAndAddresses()
     QVERIFY(!QDir(stage.sandbox.downloadFolder()).exists());
     stage.click();
     QVERIFY(QDir(stage.sandbox.downloadFolder()).exists());
-    const QString folder = qEnvironmentVariable("ALLUSERSPROFILE") + u"/Orvik/Orvik Link/orvikExe"_qs;
+    const QString folder = qEnvironmentVariable("ALLUSERSPROFILE") + u"/Orvik/Orvik Link/orvikExe"_s;
     QCOMPARE(panel.m_pcFirmwarePath, folder + files.first());
     QCOMPARE(panel.m_otgFirmwarePath, folder + files.last());
     const QString host = QLatin1String(QUILLON_UPDATE_SERVER);
@@ -80,11 +82,11 @@ void TestDownloads::downloadsBothImagesOneAfterTheOther_data()
     QTest::addColumn<DeviceModel>("model");
     QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<QString>("model name");
-    QTest::newRow("R1") << DeviceModel::R1 << UpgradePlan::None << u"R1"_qs;
-    QTest::newRow("R2") << DeviceModel::R2 << UpgradePlan::None << u"R2"_qs;
-    QTest::newRow("R2, PC only") << DeviceModel::R2 << UpgradePlan::PcOnly << u"R2"_qs;
-    QTest::newRow("R2, OTG only") << DeviceModel::R2 << UpgradePlan::OtgOnly << u"R2"_qs;
-    QTest::newRow("R2, both") << DeviceModel::R2 << UpgradePlan::Both << u"R2"_qs;
+    QTest::newRow("R1") << DeviceModel::R1 << UpgradePlan::None << u"R1"_s;
+    QTest::newRow("R2") << DeviceModel::R2 << UpgradePlan::None << u"R2"_s;
+    QTest::newRow("R2, PC only") << DeviceModel::R2 << UpgradePlan::PcOnly << u"R2"_s;
+    QTest::newRow("R2, OTG only") << DeviceModel::R2 << UpgradePlan::OtgOnly << u"R2"_s;
+    QTest::newRow("R2, both") << DeviceModel::R2 << UpgradePlan::Both << u"R2"_s;
 }
 
 void TestDownloads::downloadsBothImagesOneAfterTheOther()
@@ -108,10 +110,10 @@ void TestDownloads::downloadsBothImagesOneAfterTheOther()
     QVERIFY(panel.m_pcFirmwareDownloaded && panel.m_otgFirmwareDownloaded);
 
     const QStringList expected{kEntered,
-                               u"PC firmware download well, this path is: "_qs + panel.m_pcFirmwarePath,
-                               u"Starting OTG firmware download..."_qs,
+                               u"PC firmware download well, this path is: "_s + panel.m_pcFirmwarePath,
+                               u"Starting OTG firmware download..."_s,
                                kEntered,
-                               u"OTG firmware download well, this path is: "_qs + panel.m_otgFirmwarePath,
+                               u"OTG firmware download well, this path is: "_s + panel.m_otgFirmwarePath,
                                kAllDownloaded};
     QStringList lines;
     for (const QString &line : stage.log.lines()) {
@@ -124,9 +126,9 @@ void TestDownloads::downloadsBothImagesOneAfterTheOther()
 void TestDownloads::deletesStaleImagesFirst()
 {
     ReadyToUpgrade stage;
-    const QString pc = stage.image(u"R2_PC1.2.3.bin"_qs);
-    const QString otg = stage.image(u"R2_OTG1.0.4.bin"_qs);
-    const QString other = stage.image(u"R2_OTG1.0.3.bin"_qs);
+    const QString pc = stage.image(u"R2_PC1.2.3.bin"_s);
+    const QString otg = stage.image(u"R2_OTG1.0.4.bin"_s);
+    const QString other = stage.image(u"R2_OTG1.0.3.bin"_s);
     for (const QString &path : {pc, otg, other})
         writeFile(path, "stale");
     stage.server.answer(ServerPaths::kR2PcImage, Server::silence());
@@ -176,7 +178,7 @@ void TestDownloads::takesAnErrorPageForAnImage()
     stage.server.answer(ServerPaths::kR2PcImage, Server::page("not found", 404));
     stage.click();
     QTRY_VERIFY(stage.log.contains(kAllDownloaded));
-    QCOMPARE(contentOf(stage.image(u"R2_PC1.2.3.bin"_qs)), QByteArrayLiteral("not found"));
+    QCOMPARE(contentOf(stage.image(u"R2_PC1.2.3.bin"_s)), QByteArrayLiteral("not found"));
 }
 
 void TestDownloads::waitsWhenTheFolderCannotBeMade()
@@ -197,9 +199,9 @@ void TestDownloads::countsWhatIsOnDisk_data()
     QTest::addColumn<bool>("pcMarked");
     QTest::addColumn<QStringList>("lines");
     QTest::addColumn<QStringList>("asked");
-    const QString pcThere = u"PC firmware download well, this path is: "_qs;
-    const QString otgThere = u"OTG firmware download well, this path is: "_qs;
-    const QString next = u"Starting OTG firmware download..."_qs;
+    const QString pcThere = u"PC firmware download well, this path is: "_s;
+    const QString otgThere = u"OTG firmware download well, this path is: "_s;
+    const QString next = u"Starting OTG firmware download..."_s;
     const QByteArray none;
     const QByteArray image("image");
     QTest::newRow("nothing there") << none << none << false << QStringList{kWaiting} << QStringList();
@@ -212,7 +214,7 @@ void TestDownloads::countsWhatIsOnDisk_data()
     QTest::newRow("the PC image marked, nothing more")
         << image << none << true << QStringList{kWaiting} << QStringList();
     QTest::newRow("the PC image marked, the OTG image there")
-        << image << image << true << QStringList{otgThere, kAllDownloaded, u"[Upgrade] 当前无需升级"_qs}
+        << image << image << true << QStringList{otgThere, kAllDownloaded, u"[Upgrade] 当前无需升级"_s}
         << QStringList();
 }
 
@@ -225,8 +227,8 @@ void TestDownloads::countsWhatIsOnDisk()
     QFETCH(QStringList, asked);
     ReadyToUpgrade stage;
     FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.m_pcFirmwarePath = stage.image(u"pc.bin"_qs);
-    panel.m_otgFirmwarePath = stage.image(u"otg.bin"_qs);
+    panel.m_pcFirmwarePath = stage.image(u"pc.bin"_s);
+    panel.m_otgFirmwarePath = stage.image(u"otg.bin"_s);
     panel.m_otgDownloadUrl = QLatin1String(QUILLON_UPDATE_SERVER) + ServerPaths::kR2OtgImage;
     if (!pc.isEmpty())
         writeFile(panel.m_pcFirmwarePath, pc);
@@ -241,7 +243,7 @@ void TestDownloads::countsWhatIsOnDisk()
         line.remove(panel.m_pcFirmwarePath);
         line.remove(panel.m_otgFirmwarePath);
     }
-    logged.removeAll(u"ggxxxxxxxxx"_qs);
+    logged.removeAll(u"ggxxxxxxxxx"_s);
     QCOMPARE(logged, lines);
     QTRY_COMPARE(stage.server.paths(), asked);
 }

@@ -7,6 +7,8 @@
 #include <QTest>
 #include <QTextEdit>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr char kRetry[]
@@ -30,7 +32,7 @@ struct Running : PanelStage {
         panel->m_lastProgressTime = QDateTime::currentDateTime();
         panel->m_progressBar->setValue(42);
         panel->m_progressBar->setClickable(false);
-        panel->upgradeProgDisPlay->setText(u"42%"_qs);
+        panel->upgradeProgDisPlay->setText(u"42%"_s);
         panel->m_tipMovie->start();
     }
 };
@@ -108,8 +110,8 @@ void TestFailureScreen::changesNoOtherState()
     panel.showUpgradeFailureUI();
     QCOMPARE(
         changedState(before, panelState(panel)),
-        (QStringList{u"m_upgradePlan=2"_qs, u"m_autoRecoverRunning=true"_qs, u"m_inFailureRetry=true"_qs,
-                     u"m_isUpgrading=false"_qs, u"m_lastProgressPercent=-1"_qs, u"m_lastProgressTime="_qs}));
+        (QStringList{u"m_upgradePlan=2"_s, u"m_autoRecoverRunning=true"_s, u"m_inFailureRetry=true"_s,
+                     u"m_isUpgrading=false"_s, u"m_lastProgressPercent=-1"_s, u"m_lastProgressTime="_s}));
 }
 
 void TestFailureScreen::changesInOrder()
@@ -117,17 +119,17 @@ void TestFailureScreen::changesInOrder()
     const Running stage;
     FirmwareUpgradeWidget &panel = *stage.panel;
     Screen::showOnly(panel,
-                     {u"m_progressBar"_qs, u"tipMoiveLb"_qs, u"m_detectingUsbLb"_qs, u"m_connectHintLb"_qs,
-                      u"upgradeProgDisPlay"_qs, u"m_rocketLb"_qs, u"m_waitingIconLb"_qs,
-                      u"m_upgradingLb"_qs});
+                     {u"m_progressBar"_s, u"tipMoiveLb"_s, u"m_detectingUsbLb"_s, u"m_connectHintLb"_s,
+                      u"upgradeProgDisPlay"_s, u"m_rocketLb"_s, u"m_waitingIconLb"_s,
+                      u"m_upgradingLb"_s});
     const VisibilityRecorder recorder(panel);
     panel.showUpgradeFailureUI();
     QCOMPARE(
         recorder.changes,
-        (QStringList{u"-tipMoiveLb"_qs, u"-m_detectingUsbLb"_qs, u"-m_connectHintLb"_qs, u"+verCompLb"_qs,
-                     u"+m_notesEdit"_qs, u"+m_notesIconLb"_qs, u"+m_notesTitleLb"_qs, u"+m_notesLineLb"_qs,
-                     u"-upgradeProgDisPlay"_qs, u"+m_failIconLb"_qs, u"+m_failTextLb"_qs, u"-m_rocketLb"_qs,
-                     u"-m_waitingIconLb"_qs, u"-m_upgradingLb"_qs, u"+m_upgradeTextLb"_qs}));
+        (QStringList{u"-tipMoiveLb"_s, u"-m_detectingUsbLb"_s, u"-m_connectHintLb"_s, u"+verCompLb"_s,
+                     u"+m_notesEdit"_s, u"+m_notesIconLb"_s, u"+m_notesTitleLb"_s, u"+m_notesLineLb"_s,
+                     u"-upgradeProgDisPlay"_s, u"+m_failIconLb"_s, u"+m_failTextLb"_s, u"-m_rocketLb"_s,
+                     u"-m_waitingIconLb"_s, u"-m_upgradingLb"_s, u"+m_upgradeTextLb"_s}));
 }
 
 void TestFailureScreen::stopsTheAnimation()
@@ -145,7 +147,7 @@ void TestFailureScreen::turnsTheBarIntoTheRetry()
     stage.panel->m_progressBar->setProgressColor(QColor(1, 2, 3));
     stage.panel->showUpgradeFailureUI();
     QCOMPARE(bar.value(), 0);
-    QCOMPARE(stage.panel->upgradeProgDisPlay->text(), u"0%"_qs);
+    QCOMPARE(stage.panel->upgradeProgDisPlay->text(), u"0%"_s);
     QCOMPARE(bar.m_backgroundColor, QColor(35, 77, 75, 255));
     QCOMPARE(bar.m_borderColor, QColor(47, 212, 179, 255));
     QCOMPARE(bar.m_borderWidth, 2.0);
@@ -160,11 +162,11 @@ void TestFailureScreen::offersTheRetryIn_data()
     QTest::addColumn<QRect>("place");
     QTest::addColumn<QString>("style");
     QTest::addColumn<QString>("failure");
-    QTest::newRow("Chinese") << Language::Chinese << u"我已拔插设备，重新升级"_qs << QRect(116, 13, 176, 21)
-                             << retryStyle("Microsoft YaHei") << u"升级失败！请拔插设备后重新开始升级"_qs;
-    QTest::newRow("English") << Language::English << u"I've replugged the device. Restart update."_qs
+    QTest::newRow("Chinese") << Language::Chinese << u"我已拔插设备，重新升级"_s << QRect(116, 13, 176, 21)
+                             << retryStyle("Microsoft YaHei") << u"升级失败！请拔插设备后重新开始升级"_s;
+    QTest::newRow("English") << Language::English << u"I've replugged the device. Restart update."_s
                              << QRect(46, 13, 317, 21) << retryStyle("Segoe UI")
-                             << u"Update failed. Please replug the device and try again."_qs;
+                             << u"Update failed. Please replug the device and try again."_s;
 }
 
 void TestFailureScreen::offersTheRetryIn()
@@ -190,12 +192,12 @@ void TestFailureScreen::followsTheLanguage()
     const QLabel &retry = *stage.panel->m_upgradeTextLb;
     stage.panel->showUpgradeFailureUI();
     QuillonFirmwareUpgrade::setLanguage(Language::English);
-    QCOMPARE(retry.text(), u"I've replugged the device. Restart update."_qs);
+    QCOMPARE(retry.text(), u"I've replugged the device. Restart update."_s);
     QCOMPARE(retry.geometry(), QRect(46, 13, 317, 21));
     QCOMPARE(retry.styleSheet(), retryStyle("Segoe UI"));
     QVERIFY(retry.isVisible());
     QuillonFirmwareUpgrade::setLanguage(Language::Chinese);
-    QCOMPARE(retry.text(), u"我已拔插设备，重新升级"_qs);
+    QCOMPARE(retry.text(), u"我已拔插设备，重新升级"_s);
     QCOMPARE(retry.geometry(), QRect(116, 13, 176, 21));
     QCOMPARE(retry.styleSheet(), retryStyle("Microsoft YaHei"));
 }
@@ -206,8 +208,8 @@ void TestFailureScreen::staysWhileTheVersionsAreRefreshed()
     FirmwareUpgradeWidget &panel = *stage.panel;
     panel.showUpgradeFailureUI();
     const QStringList before = Screen::everything(panel);
-    panel.m_devicePcVersion = u"1.2.0"_qs;
-    panel.m_remotePcVersion = u"2.0.0"_qs;
+    panel.m_devicePcVersion = u"1.2.0"_s;
+    panel.m_remotePcVersion = u"2.0.0"_s;
     for (const UpgradePlan plan : {UpgradePlan::None, UpgradePlan::Both}) {
         panel.m_upgradePlan = plan;
         panel.updateUIByUpgradeState();
@@ -235,7 +237,7 @@ void TestFailureScreen::toleratesAMissingWidget()
     stage.panel->showUpgradeFailureUI();
     QVERIFY(stage.panel->m_inFailureRetry);
     QVERIFY(stage.panel->m_failTextLb->isVisible());
-    QCOMPARE(stage.panel->m_upgradeTextLb->text(), u"我已拔插设备，重新升级"_qs);
+    QCOMPARE(stage.panel->m_upgradeTextLb->text(), u"我已拔插设备，重新升级"_s);
 }
 
 void TestFailureScreen::mayBeShownTwice()
@@ -256,15 +258,15 @@ void TestFailureScreen::laysOutTheWaitingLine_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<QRect>("icon");
     QTest::addColumn<QRect>("place");
-    QTest::newRow("waiting for the cable, Chinese") << true << Language::Chinese << u"待USB线接入图示口..."_qs
+    QTest::newRow("waiting for the cable, Chinese") << true << Language::Chinese << u"待USB线接入图示口..."_s
                                                     << QRect(108, 12, 24, 24) << QRect(140, 13, 159, 21);
     QTest::newRow("waiting for the cable, English")
-        << true << Language::English << u"Connect to the indicated USB ports. "_qs << QRect(51, 12, 24, 24)
+        << true << Language::English << u"Connect to the indicated USB ports. "_s << QRect(51, 12, 24, 24)
         << QRect(83, 13, 290, 21);
-    QTest::newRow("upgrading, Chinese") << false << Language::Chinese << u"升级中，请勿关闭设备..."_qs
+    QTest::newRow("upgrading, Chinese") << false << Language::Chinese << u"升级中，请勿关闭设备..."_s
                                         << QRect(101, 12, 24, 24) << QRect(133, 13, 174, 21);
     QTest::newRow("upgrading, English")
-        << false << Language::English << u"Updating... Do not turn off the device."_qs
+        << false << Language::English << u"Updating... Do not turn off the device."_s
         << QRect(44, 12, 24, 24) << QRect(76, 13, 310, 21);
 }
 

@@ -15,38 +15,39 @@
 
 #include <memory>
 
+using namespace Qt::StringLiterals;
 using namespace QuillonFirmwareUpgrade;
 
 namespace {
 /// Every line of panelState(); the members that belong to no line are tested by themselves.
 const QStringList kFreshState{
-    u"m_dragging=false"_qs,
-    u"m_remotePcVersion="_qs,
-    u"m_devicePcVersion="_qs,
-    u"m_remoteOtgVersion="_qs,
-    u"m_deviceOtgVersion="_qs,
-    u"m_pcFirmwarePath="_qs,
-    u"m_otgFirmwarePath="_qs,
-    u"m_pcDownloadUrl="_qs,
-    u"m_otgDownloadUrl="_qs,
-    u"m_upgradePlan=0"_qs,
-    u"m_autoRecoverRunning=false"_qs,
-    u"m_inFailureRetry=false"_qs,
-    u"m_isUpgrading=false"_qs,
-    u"m_pcFirmwareDownloaded=false"_qs,
-    u"m_otgFirmwareDownloaded=false"_qs,
-    u"pcUpgradeCompleted=false"_qs,
-    u"m_downloadRetryCount=0"_qs,
-    u"m_maxDownloadRetry=3"_qs,
-    u"isChinese=true"_qs,
-    u"m_isWaitingForUSB=true"_qs,
-    u"m_deviceModel=1"_qs,
-    u"lastDetectedOtgPid=0"_qs,
-    u"lastDetectedPcPid=0"_qs,
-    u"m_lastProgressPercent=-1"_qs,
-    u"m_lastProgressTime="_qs,
-    u"m_postUpgradeWaiting=false"_qs,
-    u"m_zeroVersionCount=0"_qs,
+    u"m_dragging=false"_s,
+    u"m_remotePcVersion="_s,
+    u"m_devicePcVersion="_s,
+    u"m_remoteOtgVersion="_s,
+    u"m_deviceOtgVersion="_s,
+    u"m_pcFirmwarePath="_s,
+    u"m_otgFirmwarePath="_s,
+    u"m_pcDownloadUrl="_s,
+    u"m_otgDownloadUrl="_s,
+    u"m_upgradePlan=0"_s,
+    u"m_autoRecoverRunning=false"_s,
+    u"m_inFailureRetry=false"_s,
+    u"m_isUpgrading=false"_s,
+    u"m_pcFirmwareDownloaded=false"_s,
+    u"m_otgFirmwareDownloaded=false"_s,
+    u"pcUpgradeCompleted=false"_s,
+    u"m_downloadRetryCount=0"_s,
+    u"m_maxDownloadRetry=3"_s,
+    u"isChinese=true"_s,
+    u"m_isWaitingForUSB=true"_s,
+    u"m_deviceModel=1"_s,
+    u"lastDetectedOtgPid=0"_s,
+    u"lastDetectedPcPid=0"_s,
+    u"m_lastProgressPercent=-1"_s,
+    u"m_lastProgressTime="_s,
+    u"m_postUpgradeWaiting=false"_s,
+    u"m_zeroVersionCount=0"_s,
 };
 } // namespace
 
@@ -97,7 +98,7 @@ void InitialStateTest::stateIsFresh()
 
 void InitialStateTest::everyPanelStartsFresh()
 {
-    m_panel->m_devicePcVersion = u"1.2.3"_qs;
+    m_panel->m_devicePcVersion = u"1.2.3"_s;
     m_panel->m_isUpgrading = true;
     m_panel->m_deviceModel = DeviceModel::R1;
 

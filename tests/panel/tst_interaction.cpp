@@ -8,6 +8,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 const QString kPlainLink = QStringLiteral(
@@ -20,7 +22,7 @@ const QString kUnderlinedLink
 // The address holds "%20": filled by hand, so that it is not taken for a place to fill.
 QString linkTo(QString pattern, const QString &words)
 {
-    return pattern.replace(u"%1"_qs, words);
+    return pattern.replace(u"%1"_s, words);
 }
 
 QMouseEvent mouse(QEvent::Type type, const QWidget &window, const QPoint &at,
@@ -212,8 +214,8 @@ void TestInteraction::underlinesTheLinkUnderThePointer_data()
 {
     QTest::addColumn<Language>("language");
     QTest::addColumn<QString>("words");
-    QTest::newRow("Chinese") << Language::Chinese << u"前往官网下载>>"_qs;
-    QTest::newRow("English") << Language::English << u"Download>>"_qs;
+    QTest::newRow("Chinese") << Language::Chinese << u"前往官网下载>>"_s;
+    QTest::newRow("English") << Language::English << u"Download>>"_s;
 }
 
 void TestInteraction::underlinesTheLinkUnderThePointer()

@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
 using QuillonFirmwareUpgrade::getCurrentLanguage;
 using QuillonFirmwareUpgrade::setLanguage;
 
@@ -64,7 +65,7 @@ private Q_SLOTS:
 void TestLanguage::isChineseBeforeAnybodyAsks()
 {
     QCOMPARE(getCurrentLanguage(), Language::Chinese);
-    QCOMPARE(translatedByTheApplication(), u"升级完成"_qs);
+    QCOMPARE(translatedByTheApplication(), u"升级完成"_s);
 }
 
 void TestLanguage::remembersAndLogs_data()
@@ -72,10 +73,10 @@ void TestLanguage::remembersAndLogs_data()
     QTest::addColumn<int>("language");
     QTest::addColumn<QString>("line");
     QTest::addColumn<QString>("text");
-    QTest::newRow("Chinese") << 0 << kChineseLine << u"升级完成"_qs;
-    QTest::newRow("English") << 1 << kEnglishLine << u"Update Completed"_qs;
-    QTest::newRow("any other value is English") << 2 << kEnglishLine << u"Update Completed"_qs;
-    QTest::newRow("a negative value is English") << -1 << kEnglishLine << u"Update Completed"_qs;
+    QTest::newRow("Chinese") << 0 << kChineseLine << u"升级完成"_s;
+    QTest::newRow("English") << 1 << kEnglishLine << u"Update Completed"_s;
+    QTest::newRow("any other value is English") << 2 << kEnglishLine << u"Update Completed"_s;
+    QTest::newRow("a negative value is English") << -1 << kEnglishLine << u"Update Completed"_s;
 }
 
 void TestLanguage::remembersAndLogs()
@@ -86,7 +87,7 @@ void TestLanguage::remembersAndLogs()
     const PanelStage stage;
     setLanguage(Language(language));
     QCOMPARE(int(getCurrentLanguage()), language);
-    QCOMPARE(stage.log.startingWith(u"QuillonCustomLibrary"_qs), QStringList{line});
+    QCOMPARE(stage.log.startingWith(u"QuillonCustomLibrary"_s), QStringList{line});
     QCOMPARE(translatedByTheApplication(), text);
     QCOMPARE(stage.panel->m_doneLb->text(), text);
     QCOMPARE(stage.panel->isChinese, language == 0);
@@ -97,16 +98,16 @@ void TestLanguage::leavesOneTranslatorAtMost()
     for (int i = 0; i < 5; ++i)
         setLanguage(Language::English);
     setLanguage(Language::Chinese);
-    QCOMPARE(translatedByTheApplication(), u"升级完成"_qs);
+    QCOMPARE(translatedByTheApplication(), u"升级完成"_s);
 }
 
 void TestLanguage::changesTheFontOfTheApplication_data()
 {
     QTest::addColumn<int>("language");
     QTest::addColumn<QString>("family");
-    QTest::newRow("Chinese") << 0 << u"Microsoft YaHei"_qs;
-    QTest::newRow("English") << 1 << u"Segoe UI"_qs;
-    QTest::newRow("any other value") << 7 << u"Segoe UI"_qs;
+    QTest::newRow("Chinese") << 0 << u"Microsoft YaHei"_s;
+    QTest::newRow("English") << 1 << u"Segoe UI"_s;
+    QTest::newRow("any other value") << 7 << u"Segoe UI"_s;
 }
 
 void TestLanguage::changesTheFontOfTheApplication()
@@ -114,7 +115,7 @@ void TestLanguage::changesTheFontOfTheApplication()
     QFETCH(int, language);
     QFETCH(QString, family);
     const PanelStage stage;
-    QApplication::setFont(QFont(u"Sans"_qs, 31, QFont::Black, true));
+    QApplication::setFont(QFont(u"Sans"_s, 31, QFont::Black, true));
     setLanguage(Language(language));
     const QFont expected(family);
     QCOMPARE(QApplication::font().family(), family);
@@ -130,10 +131,10 @@ void TestLanguage::logsAfterTheFontAndBeforeThePanels_data()
     QTest::addColumn<QString>("family");
     QTest::addColumn<QString>("formerText");
     QTest::addColumn<QString>("translation");
-    QTest::newRow("to Chinese") << 0 << kChineseLine << u"Microsoft YaHei"_qs << u"Update Completed"_qs
-                                << u"升级完成"_qs;
-    QTest::newRow("to English") << 1 << kEnglishLine << u"Segoe UI"_qs << u"升级完成"_qs
-                                << u"Update Completed"_qs;
+    QTest::newRow("to Chinese") << 0 << kChineseLine << u"Microsoft YaHei"_s << u"Update Completed"_s
+                                << u"升级完成"_s;
+    QTest::newRow("to English") << 1 << kEnglishLine << u"Segoe UI"_s << u"升级完成"_s
+                                << u"Update Completed"_s;
 }
 
 void TestLanguage::logsAfterTheFontAndBeforeThePanels()
@@ -188,22 +189,22 @@ void TestLanguage::changesEveryPanelBeforeItReturns()
     QWidget host;
     const FirmwareUpgradeWidget embedded(&host);
     setLanguage(Language::English);
-    QCOMPARE(stage.panel->m_titleLabel->text(), u"Firmware Update"_qs);
-    QCOMPARE(embedded.m_titleLabel->text(), u"Firmware Update"_qs);
+    QCOMPARE(stage.panel->m_titleLabel->text(), u"Firmware Update"_s);
+    QCOMPARE(embedded.m_titleLabel->text(), u"Firmware Update"_s);
     setLanguage(Language::Chinese);
-    QCOMPARE(stage.panel->m_titleLabel->text(), u"固件升级"_qs);
-    QCOMPARE(embedded.m_titleLabel->text(), u"固件升级"_qs);
+    QCOMPARE(stage.panel->m_titleLabel->text(), u"固件升级"_s);
+    QCOMPARE(embedded.m_titleLabel->text(), u"固件升级"_s);
 }
 
 void TestLanguage::reloadsTheLanguageThatIsActive()
 {
     PanelStage stage;
     setLanguage(Language::English);
-    stage.panel->m_titleLabel->setText(u"changed by somebody else"_qs);
+    stage.panel->m_titleLabel->setText(u"changed by somebody else"_s);
     stage.log.clear();
     setLanguage(Language::English);
     QCOMPARE(stage.log.count(kEnglishLine), 1);
-    QCOMPARE(stage.panel->m_titleLabel->text(), u"Firmware Update"_qs);
+    QCOMPARE(stage.panel->m_titleLabel->text(), u"Firmware Update"_s);
 }
 
 void TestLanguage::retranslatesOnLanguageChangeOnly_data()
@@ -225,7 +226,7 @@ void TestLanguage::retranslatesOnLanguageChangeOnly()
     stage.log.clear();
     QEvent event(type);
     stage.panel->changeEvent(&event);
-    QCOMPARE(stage.log.startingWith(u"Detected language switch."_qs).size(), times);
+    QCOMPARE(stage.log.startingWith(u"Detected language switch."_s).size(), times);
 }
 
 void TestLanguage::aNewPanelFollowsTheActiveLanguage()
@@ -234,19 +235,19 @@ void TestLanguage::aNewPanelFollowsTheActiveLanguage()
     setLanguage(Language::English);
     const FirmwareUpgradeWidget panel;
     QCOMPARE(panel.isChinese, false);
-    QCOMPARE(panel.windowTitle(), u"Firmware Update"_qs);
-    QCOMPARE(panel.m_titleLabel->text(), u"Firmware Update"_qs);
+    QCOMPARE(panel.windowTitle(), u"Firmware Update"_s);
+    QCOMPARE(panel.m_titleLabel->text(), u"Firmware Update"_s);
     QCOMPARE(panel.m_curVerTitleLb->geometry(), QRect(207, 16, 110, 19));
-    QVERIFY(panel.m_curVerLb->styleSheet().contains(u"\"Segoe UI\""_qs));
+    QVERIFY(panel.m_curVerLb->styleSheet().contains(u"\"Segoe UI\""_s));
 }
 
 void TestLanguage::saysWhichLanguageThePanelSwitchedTo_data()
 {
     QTest::addColumn<int>("language");
     QTest::addColumn<QString>("name");
-    QTest::newRow("Chinese") << 0 << u"Chinese"_qs;
-    QTest::newRow("English") << 1 << u"English"_qs;
-    QTest::newRow("any other value") << 2 << u"English"_qs;
+    QTest::newRow("Chinese") << 0 << u"Chinese"_s;
+    QTest::newRow("English") << 1 << u"English"_s;
+    QTest::newRow("any other value") << 2 << u"English"_s;
 }
 
 void TestLanguage::saysWhichLanguageThePanelSwitchedTo()
@@ -256,10 +257,10 @@ void TestLanguage::saysWhichLanguageThePanelSwitchedTo()
     PanelStage stage;
     stage.log.clear();
     setLanguage(Language(language));
-    const QStringList lines = stage.log.startingWith(u"Detected language switch."_qs);
+    const QStringList lines = stage.log.startingWith(u"Detected language switch."_s);
     QVERIFY(!lines.isEmpty());
     for (const QString &line : lines)
-        QCOMPARE(line, u"Detected language switch. The language after switching is: "_qs + name);
+        QCOMPARE(line, u"Detected language switch. The language after switching is: "_s + name);
 }
 
 void TestLanguage::keepsChineseTextsWithoutACatalogue()
@@ -271,14 +272,14 @@ void TestLanguage::keepsChineseTextsWithoutACatalogue()
         setLanguage(Language::English);
         QVERIFY(!stage.log.contains(kEnglishLine));
         QCOMPARE(getCurrentLanguage(), Language::English);
-        QCOMPARE(QApplication::font().family(), u"Segoe UI"_qs);
+        QCOMPARE(QApplication::font().family(), u"Segoe UI"_s);
         QCOMPARE(stage.panel->isChinese, false);
-        QCOMPARE(stage.panel->m_doneLb->text(), u"升级完成"_qs);
+        QCOMPARE(stage.panel->m_doneLb->text(), u"升级完成"_s);
         QCOMPARE(stage.panel->m_doneLb->geometry(), QRect(149, 13, 142, 21));
     }
     Q_INIT_RESOURCE(quillon_translations);
     setLanguage(Language::English);
-    QCOMPARE(translatedByTheApplication(), u"Update Completed"_qs);
+    QCOMPARE(translatedByTheApplication(), u"Update Completed"_s);
     setLanguage(Language::Chinese);
 }
 

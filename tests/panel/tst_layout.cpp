@@ -4,6 +4,7 @@
 #include <QMovie>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
 using WidgetTable::Row;
 using WidgetTable::rows;
 
@@ -56,11 +57,11 @@ void TestLayout::window()
     QCOMPARE(panel.windowFlags() & ~Qt::WindowFlags(Qt::WindowType_Mask), Qt::FramelessWindowHint);
     QCOMPARE(panel.windowModality(), Qt::ApplicationModal);
     QVERIFY(panel.testAttribute(Qt::WA_StyledBackground));
-    QCOMPARE(panel.objectName(), u"FirmwareUpgradeWidget"_qs);
+    QCOMPARE(panel.objectName(), u"FirmwareUpgradeWidget"_s);
     QCOMPARE(
         panel.styleSheet(),
-        u"#FirmwareUpgradeWidget {  border: 1px solid rgba(69, 70, 83, 1);  border-radius: 4px;  background-color: rgba(31, 32, 40, 1);}"_qs);
-    QCOMPARE(panel.windowTitle(), u"固件升级"_qs);
+        u"#FirmwareUpgradeWidget {  border: 1px solid rgba(69, 70, 83, 1);  border-radius: 4px;  background-color: rgba(31, 32, 40, 1);}"_s);
+    QCOMPARE(panel.windowTitle(), u"固件升级"_s);
 }
 
 void TestLayout::createsWidget_data()
@@ -173,13 +174,13 @@ void TestLayout::showsHowToConnect_data()
     QTest::addColumn<DeviceModel>("model");
     QTest::addColumn<QString>("movie");
     QTest::addColumn<QString>("hint");
-    QTest::newRow("R2") << DeviceModel::R2 << u":/new/prefix1/image/dc5v_pc.gif"_qs
-                        << u"请使用配件附带USB线接入图示DC-5V和USB-C口，\n开始固件升级。"_qs;
-    QTest::newRow("R1") << DeviceModel::R1 << u":/new/prefix1/image/pc.gif"_qs
-                        << u"请使用USB线连接图示USB口和电脑，\n接入后自动完成升级。"_qs;
+    QTest::newRow("R2") << DeviceModel::R2 << u":/new/prefix1/image/dc5v_pc.gif"_s
+                        << u"请使用配件附带USB线接入图示DC-5V和USB-C口，\n开始固件升级。"_s;
+    QTest::newRow("R1") << DeviceModel::R1 << u":/new/prefix1/image/pc.gif"_s
+                        << u"请使用USB线连接图示USB口和电脑，\n接入后自动完成升级。"_s;
     QTest::newRow("any other model is R2")
-        << DeviceModel(2) << u":/new/prefix1/image/dc5v_pc.gif"_qs
-        << u"请使用配件附带USB线接入图示DC-5V和USB-C口，\n开始固件升级。"_qs;
+        << DeviceModel(2) << u":/new/prefix1/image/dc5v_pc.gif"_s
+        << u"请使用配件附带USB线接入图示DC-5V和USB-C口，\n开始固件升级。"_s;
 }
 
 void TestLayout::showsHowToConnect()
@@ -213,10 +214,10 @@ void TestLayout::showsOnlyCardNotesAndBarAtFirst()
             visible.append(QLatin1String(row.name));
     }
     QCOMPARE(visible,
-             (QStringList{u"m_titleLabel"_qs, u"m_closeBtn"_qs, u"verCompLb"_qs, u"cardAccentLb"_qs,
-                          u"cardDividerLb"_qs, u"m_curVerTitleLb"_qs, u"m_curVerLb"_qs, u"m_notesIconLb"_qs,
-                          u"m_notesTitleLb"_qs, u"m_notesLineLb"_qs, u"m_notesEdit"_qs, u"m_progressBar"_qs,
-                          u"upgradeProgDisPlay"_qs}));
+             (QStringList{u"m_titleLabel"_s, u"m_closeBtn"_s, u"verCompLb"_s, u"cardAccentLb"_s,
+                          u"cardDividerLb"_s, u"m_curVerTitleLb"_s, u"m_curVerLb"_s, u"m_notesIconLb"_s,
+                          u"m_notesTitleLb"_s, u"m_notesLineLb"_s, u"m_notesEdit"_s, u"m_progressBar"_s,
+                          u"upgradeProgDisPlay"_s}));
     QVERIFY(stage.panel->upgradeProgDisPlay->text().isEmpty());
 }
 

@@ -16,12 +16,13 @@
 
 #include <memory>
 
+using namespace Qt::StringLiterals;
 using namespace QuillonFirmwareUpgrade;
 using namespace std::chrono_literals;
 
 namespace {
-const QString kModeQuery = u"hid: DC_AddSendData(65: 51 c4 09 00 00 04 08 10 17 ff)"_qs;
-const QString kRule = u"========================================"_qs;
+const QString kModeQuery = u"hid: DC_AddSendData(65: 51 c4 09 00 00 04 08 10 17 ff)"_s;
+const QString kRule = u"========================================"_s;
 } // namespace
 
 class LifecycleTest : public QObject {
@@ -81,8 +82,8 @@ void LifecycleTest::logBeginsWithFourLines()
     const FirmwareUpgradeWidget panel;
 
     QCOMPARE(m_log->lines().mid(0, 4),
-             QStringList({kRule, u"[Constructor] FirmwareUpgradeWidget CREATED!"_qs,
-                          u"[Constructor] Initial state: m_isUpgrading=false m_autoRecoverRunning=false"_qs,
+             QStringList({kRule, u"[Constructor] FirmwareUpgradeWidget CREATED!"_s,
+                          u"[Constructor] Initial state: m_isUpgrading=false m_autoRecoverRunning=false"_s,
                           kRule}));
 }
 
@@ -91,7 +92,7 @@ void LifecycleTest::logEndsWithFinished()
     const FirmwareUpgradeWidget panel;
 
     QCOMPARE(m_log->lines().constLast(),
-             u"[Constructor] Finished. m_isUpgrading=false m_autoRecoverRunning=false"_qs);
+             u"[Constructor] Finished. m_isUpgrading=false m_autoRecoverRunning=false"_s);
 }
 
 void LifecycleTest::stepsRunInOrder()
@@ -100,11 +101,11 @@ void LifecycleTest::stepsRunInOrder()
     const FirmwareUpgradeWidget panel;
 
     QCOMPARE(missingInOrder(m_log->lines(),
-                            {u"[Constructor] FirmwareUpgradeWidget CREATED!"_qs,
-                             u"[Init] Removed stale progress file:"_qs + m_sandbox->progressFile(),
-                             u"Detected language switch. The language after switching is: Chinese"_qs,
-                             u"hid: acquire()"_qs,
-                             u"[Constructor] Finished. m_isUpgrading=false m_autoRecoverRunning=false"_qs}),
+                            {u"[Constructor] FirmwareUpgradeWidget CREATED!"_s,
+                             u"[Init] Removed stale progress file:"_s + m_sandbox->progressFile(),
+                             u"Detected language switch. The language after switching is: Chinese"_s,
+                             u"hid: acquire()"_s,
+                             u"[Constructor] Finished. m_isUpgrading=false m_autoRecoverRunning=false"_s}),
              QString());
 }
 
@@ -127,8 +128,8 @@ void LifecycleTest::staleProgressFileGoes()
 
     const FirmwareUpgradeWidget panel;
     QVERIFY(!QFileInfo::exists(m_sandbox->progressFile()));
-    QCOMPARE(m_log->startingWith(u"[Init] "_qs),
-             isThere ? QStringList(u"[Init] Removed stale progress file:"_qs + m_sandbox->progressFile())
+    QCOMPARE(m_log->startingWith(u"[Init] "_s),
+             isThere ? QStringList(u"[Init] Removed stale progress file:"_s + m_sandbox->progressFile())
                      : QStringList());
 }
 
@@ -152,10 +153,10 @@ void LifecycleTest::windowIsFramelessFixedAndModal()
     QCOMPARE(panel.windowFlags(), frameless.windowFlags());
     QCOMPARE(panel.windowModality(), Qt::ApplicationModal);
     QVERIFY(panel.testAttribute(Qt::WA_StyledBackground));
-    QCOMPARE(panel.objectName(), u"FirmwareUpgradeWidget"_qs);
+    QCOMPARE(panel.objectName(), u"FirmwareUpgradeWidget"_s);
     QCOMPARE(panel.styleSheet(),
              u"#FirmwareUpgradeWidget {  border: 1px solid rgba(69, 70, 83, 1);  border-radius: 4px;"
-             "  background-color: rgba(31, 32, 40, 1);}"_qs);
+             "  background-color: rgba(31, 32, 40, 1);}"_s);
     QVERIFY(!panel.isVisible());
 }
 
@@ -163,8 +164,8 @@ void LifecycleTest::windowTitle_data()
 {
     QTest::addColumn<Language>("language");
     QTest::addColumn<QString>("title");
-    QTest::newRow("Chinese") << Language::Chinese << u"固件升级"_qs;
-    QTest::newRow("English") << Language::English << u"Firmware Update"_qs;
+    QTest::newRow("Chinese") << Language::Chinese << u"固件升级"_s;
+    QTest::newRow("English") << Language::English << u"Firmware Update"_s;
 }
 
 void LifecycleTest::windowTitle()
@@ -194,7 +195,7 @@ void LifecycleTest::bricksAreRecoveredBeforeTheSignalReturns()
     m_log->clear();
 
     Q_EMIT panel.onDeviceBrickedDetected();
-    QCOMPARE(m_log->count(u"[AutoRecover] start auto recover upgrade flow."_qs), 1);
+    QCOMPARE(m_log->count(u"[AutoRecover] start auto recover upgrade flow."_s), 1);
     QCOMPARE(panel.m_upgradePlan, UpgradePlan::Both);
 }
 
@@ -205,7 +206,7 @@ void LifecycleTest::endOfTheToolIsHeard()
     FirmwareUpgradeWidget panel;
 
     panel.m_dfuProcess->start(FakeFlashingTool::path(), {});
-    QTRY_COMPARE(m_log->count(u"OrvikFirmwareUpdata.exe process exit, exitCode=7"_qs), 1);
+    QTRY_COMPARE(m_log->count(u"OrvikFirmwareUpdata.exe process exit, exitCode=7"_s), 1);
 }
 
 void LifecycleTest::watchdogIsHeard()
@@ -228,14 +229,14 @@ void LifecycleTest::pollIsHeard()
     m_log->clear();
 
     panel.m_progressTimer->start();
-    QTRY_COMPARE(m_log->count(u"[状态] 进程已退出但无进度文件，判定为失败"_qs), 1);
+    QTRY_COMPARE(m_log->count(u"[状态] 进程已退出但无进度文件，判定为失败"_s), 1);
 }
 
 void LifecycleTest::libraryIsAcquiredOnce()
 {
     const FirmwareUpgradeWidget panel;
 
-    QCOMPARE(m_log->startingWith(u"hid: "_qs), QStringList(u"hid: acquire()"_qs));
+    QCOMPARE(m_log->startingWith(u"hid: "_s), QStringList(u"hid: acquire()"_s));
 }
 
 void LifecycleTest::asksForTheModeAfterHalfASecond()
@@ -245,7 +246,7 @@ void LifecycleTest::asksForTheModeAfterHalfASecond()
     const FirmwareUpgradeWidget panel;
     m_log->clear();
 
-    QTRY_COMPARE(m_log->startingWith(u"hid: "_qs),
+    QTRY_COMPARE(m_log->startingWith(u"hid: "_s),
                  QStringList(kModeQuery)); // no device is there, and none is missed
     const qint64 elapsed = sinceConstruction.elapsed();
     QVERIFY2(elapsed >= 450 && elapsed < 1500, qPrintable(QString::number(elapsed)));

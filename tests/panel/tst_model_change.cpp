@@ -14,14 +14,15 @@
 #include <QTest>
 #include <QTimer>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
-const QString kModeQuery = u"hid: DC_AddSendData(65: 51 c4 09 00 00 04 08 10 17 ff)"_qs;
-const QString kSkipLine = u"[setDeviceModel] target device already connected, skip disconnect/reconnect"_qs;
-const QString kLateQueryLine = u"2000 singleShot"_qs;
-const QStringList kReconnect{u"hid: closeOrvikSendDataThread()"_qs, u"hid: closeOrvikReceiveDataThread()"_qs,
-                             u"hid: disconnectDevice(0)"_qs};
+const QString kModeQuery = u"hid: DC_AddSendData(65: 51 c4 09 00 00 04 08 10 17 ff)"_s;
+const QString kSkipLine = u"[setDeviceModel] target device already connected, skip disconnect/reconnect"_s;
+const QString kLateQueryLine = u"2000 singleShot"_s;
+const QStringList kReconnect{u"hid: closeOrvikSendDataThread()"_s, u"hid: closeOrvikReceiveDataThread()"_s,
+                             u"hid: disconnectDevice(0)"_s};
 
 /// Milliseconds of a clock that runs ahead.
 constexpr int kPatience = 60'000;
@@ -36,10 +37,10 @@ constexpr int kR2Otg = 0x001F;
 /// A panel in the middle of everything: each member that a model change resets has a value of its own.
 void fillRunState(FirmwareUpgradeWidget &panel)
 {
-    panel.m_devicePcVersion = u"1.2.3"_qs;
-    panel.m_deviceOtgVersion = u"1.2.4"_qs;
-    panel.m_remotePcVersion = u"1.3.3"_qs;
-    panel.m_remoteOtgVersion = u"1.3.4"_qs;
+    panel.m_devicePcVersion = u"1.2.3"_s;
+    panel.m_deviceOtgVersion = u"1.2.4"_s;
+    panel.m_remotePcVersion = u"1.3.3"_s;
+    panel.m_remoteOtgVersion = u"1.3.4"_s;
     panel.m_pcFirmwareDownloaded = panel.m_otgFirmwareDownloaded = panel.pcUpgradeCompleted = true;
     panel.m_autoRecoverRunning = panel.m_inFailureRetry = true;
     panel.lastDetectedOtgPid = 31;
@@ -57,10 +58,10 @@ void fillKeptState(FirmwareUpgradeWidget &panel)
     panel.m_isWaitingForUSB = false;
     panel.m_postUpgradeWaiting = true;
     panel.m_zeroVersionCount = 3;
-    panel.m_pcFirmwarePath = u"/pc.bin"_qs;
-    panel.m_otgFirmwarePath = u"/otg.bin"_qs;
-    panel.m_pcDownloadUrl = u"http://pc"_qs;
-    panel.m_otgDownloadUrl = u"http://otg"_qs;
+    panel.m_pcFirmwarePath = u"/pc.bin"_s;
+    panel.m_otgFirmwarePath = u"/otg.bin"_s;
+    panel.m_pcDownloadUrl = u"http://pc"_s;
+    panel.m_otgDownloadUrl = u"http://otg"_s;
 }
 
 QString movieFile(const FirmwareUpgradeWidget &panel)
@@ -102,7 +103,7 @@ private slots:
 private:
     FirmwareUpgradeWidget &panel() { return *m_stage->panel; }
     void openR2();
-    QStringList hidLines() const { return m_stage->log.startingWith(u"hid: "_qs); }
+    QStringList hidLines() const { return m_stage->log.startingWith(u"hid: "_s); }
 
     std::unique_ptr<PanelStage> m_stage;
 };
@@ -156,9 +157,9 @@ void ModelChangeTest::logNamesTheModel_data()
     QTest::addColumn<int>("from");
     QTest::addColumn<int>("to");
     QTest::addColumn<QString>("line");
-    QTest::newRow("R2 to R1") << 1 << 0 << u"setDeviceModel:R1"_qs;
-    QTest::newRow("R1 to R2") << 0 << 1 << u"setDeviceModel:R2"_qs;
-    QTest::newRow("R1 to 2, served as R2") << 0 << 2 << u"setDeviceModel:R2"_qs;
+    QTest::newRow("R2 to R1") << 1 << 0 << u"setDeviceModel:R1"_s;
+    QTest::newRow("R1 to R2") << 0 << 1 << u"setDeviceModel:R2"_s;
+    QTest::newRow("R1 to 2, served as R2") << 0 << 2 << u"setDeviceModel:R2"_s;
 }
 
 void ModelChangeTest::logNamesTheModel()
@@ -179,7 +180,7 @@ void ModelChangeTest::idlePanelForgetsTheDevice()
     fillRunState(panel());
 
     panel().setDeviceModel(DeviceModel::R1);
-    QCOMPARE(changedState(fresh, panelState(panel())), QStringList(u"m_deviceModel=0"_qs));
+    QCOMPARE(changedState(fresh, panelState(panel())), QStringList(u"m_deviceModel=0"_s));
     QVERIFY(panel().m_lastProgressTime.isNull());
 }
 
@@ -189,7 +190,7 @@ void ModelChangeTest::idlePanelKeepsTheRest()
     const QStringList before = panelState(panel());
 
     panel().setDeviceModel(DeviceModel::R1);
-    QCOMPARE(changedState(before, panelState(panel())), QStringList(u"m_deviceModel=0"_qs));
+    QCOMPARE(changedState(before, panelState(panel())), QStringList(u"m_deviceModel=0"_s));
 }
 
 void ModelChangeTest::duringAnUpgradeOnlyTheModelChanges()
@@ -208,8 +209,8 @@ void ModelChangeTest::duringAnUpgradeOnlyTheModelChanges()
 
     panel().setDeviceModel(DeviceModel::R1);
     QCOMPARE(m_stage->log.lines(),
-             QStringList({u"setDeviceModel:R1"_qs, u"[setDeviceModel] 升级进行中，跳过UI更新"_qs}));
-    QCOMPARE(changedState(before, panelState(panel())), QStringList(u"m_deviceModel=0"_qs));
+             QStringList({u"setDeviceModel:R1"_s, u"[setDeviceModel] 升级进行中，跳过UI更新"_s}));
+    QCOMPARE(changedState(before, panelState(panel())), QStringList(u"m_deviceModel=0"_s));
     QCOMPARE(panel().m_tipMovie, movie);
     QCOMPARE(movie->state(), QMovie::Running);
     QCOMPARE(panel().m_connectHintLb->text(), hint);
@@ -225,20 +226,20 @@ void ModelChangeTest::hintFollowsTheModel_data()
     QTest::addColumn<int>("language");
     QTest::addColumn<QString>("movie");
     QTest::addColumn<QString>("hint");
-    const QString r1Movie = u":/new/prefix1/image/pc.gif"_qs;
-    const QString r2Movie = u":/new/prefix1/image/dc5v_pc.gif"_qs;
+    const QString r1Movie = u":/new/prefix1/image/pc.gif"_s;
+    const QString r2Movie = u":/new/prefix1/image/dc5v_pc.gif"_s;
     QTest::newRow("R1, Chinese") << 0 << 0 << r1Movie
-                                 << u"请使用USB线连接图示USB口和电脑，\n接入后自动完成升级。"_qs;
+                                 << u"请使用USB线连接图示USB口和电脑，\n接入后自动完成升级。"_s;
     QTest::newRow("R2, Chinese") << 1 << 0 << r2Movie
-                                 << u"请使用配件附带USB线接入图示DC-5V和USB-C口，\n开始固件升级。"_qs;
+                                 << u"请使用配件附带USB线接入图示DC-5V和USB-C口，\n开始固件升级。"_s;
     QTest::newRow("R1, English")
         << 0 << 1 << r1Movie
         << u"Please use a USB cable to connect the illustrated \nUSB port to the computer. "
-           "The upgrade will be\n completed automatically upon connection."_qs;
+           "The upgrade will be\n completed automatically upon connection."_s;
     QTest::newRow("R2, English")
         << 1 << 1 << r2Movie
         << u"To start the firmware update, use the provided USB\n cables to connect the "
-           "DC-5V and USB-C ports as\nshown."_qs;
+           "DC-5V and USB-C ports as\nshown."_s;
 }
 
 void ModelChangeTest::hintFollowsTheModel()
@@ -317,15 +318,15 @@ void ModelChangeTest::connectedDeviceIsKeptOrLeft()
     panel().setDeviceModel(DeviceModel::R1);
     if (isKept) {
         QCOMPARE(hidLines(), QStringList(kModeQuery));
-        QCOMPARE(missingInOrder(m_stage->log.lines(), {u"setDeviceModel:R1"_qs, kSkipLine, kModeQuery}),
+        QCOMPARE(missingInOrder(m_stage->log.lines(), {u"setDeviceModel:R1"_s, kSkipLine, kModeQuery}),
                  QString());
-        QVERIFY(!m_stage->log.contains(u"1@####"_qs));
+        QVERIFY(!m_stage->log.contains(u"1@####"_s));
         QVERIFY(panel().m_hidManager->getConnected());
     } else {
         QCOMPARE(hidLines().mid(0, 3), kReconnect);
         QVERIFY(!m_stage->log.contains(kSkipLine));
         QVERIFY(!m_stage->log.contains(kModeQuery));
-        QCOMPARE(m_stage->log.lines().constLast(), u"1@####"_qs);
+        QCOMPARE(m_stage->log.lines().constLast(), u"1@####"_s);
         QVERIFY(!panel().m_hidManager->getConnected());
     }
 }
@@ -334,15 +335,15 @@ void ModelChangeTest::reconnectScansTheListTakenBefore()
 {
     openR2();
     PanelStage::bus().plug(kR2Otg);
-    HidCalls::after(u"disconnectDevice"_qs, [] { PanelStage::bus().unplugAll(); });
+    HidCalls::after(u"disconnectDevice"_s, [] { PanelStage::bus().unplugAll(); });
     m_stage->log.clear();
 
     panel().setDeviceModel(DeviceModel::R1);
     const QStringList steps = kReconnect
-        + QStringList{u"[ConnectingR2] START - m_isUpgrading=false m_autoRecoverRunning=false"_qs,
-                      u"[FirmwareUpgradeWidget定时器扫描] 发现 2 个设备"_qs, u"1@####"_qs};
+        + QStringList{u"[ConnectingR2] START - m_isUpgrading=false m_autoRecoverRunning=false"_s,
+                      u"[FirmwareUpgradeWidget定时器扫描] 发现 2 个设备"_s, u"1@####"_s};
     QCOMPARE(missingInOrder(m_stage->log.lines(), steps), QString());
-    QCOMPARE(m_stage->log.startingWith(u"hid? getOrvikHIDListPath"_qs).size(), 1);
+    QCOMPARE(m_stage->log.startingWith(u"hid? getOrvikHIDListPath"_s).size(), 1);
 }
 
 void ModelChangeTest::reconnectFindsABrickedDevice()
@@ -354,7 +355,7 @@ void ModelChangeTest::reconnectFindsABrickedDevice()
     panel().setDeviceModel(DeviceModel::R1);
     QCOMPARE(bricked.count(), 1);
     QVERIFY(panel().m_isUpgrading);
-    QCOMPARE(m_stage->log.lines().constLast(), u"1@####"_qs);
+    QCOMPARE(m_stage->log.lines().constLast(), u"1@####"_s);
     panel().m_isUpgrading = false;
 }
 
@@ -365,11 +366,11 @@ void ModelChangeTest::withoutAConnectionTheDeviceIsOpened()
 
     panel().setDeviceModel(DeviceModel::R1);
     const QStringList calls = kReconnect
-        + QStringList{u"hid: openHIDHandle(%1, 0x352f, 0x0001, 0)"_qs.arg(path),
-                      u"hid: createOrvikSendDataThread()"_qs, u"hid: createOrvikReceiveDataThread()"_qs};
+        + QStringList{u"hid: openHIDHandle(%1, 0x352f, 0x0001, 0)"_s.arg(path),
+                      u"hid: createOrvikSendDataThread()"_s, u"hid: createOrvikReceiveDataThread()"_s};
     QCOMPARE(hidLines(), calls);
     QCOMPARE(PanelStage::bus().opened(), QStringList(path));
-    QCOMPARE(m_stage->log.lines().constLast(), u"1@####"_qs);
+    QCOMPARE(m_stage->log.lines().constLast(), u"1@####"_s);
 }
 
 void ModelChangeTest::asksAgainTwoSecondsLaterOnlyWhenConnected_data()
@@ -448,7 +449,7 @@ void ModelChangeTest::withoutALibraryNothingIsAsked()
 
     panel().setDeviceModel(DeviceModel::R1);
     QCOMPARE(panel().m_upgradePlan, UpgradePlan::None);
-    QCOMPARE(m_stage->log.lines(), QStringList(u"setDeviceModel:R1"_qs));
+    QCOMPARE(m_stage->log.lines(), QStringList(u"setDeviceModel:R1"_s));
 }
 
 QTEST_MAIN(ModelChangeTest)

@@ -6,6 +6,8 @@
 #include <QSignalSpy>
 #include <QTextEdit>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 const QString kImmediateStart
@@ -23,8 +25,8 @@ const QString kFormer = QStringLiteral("what stood there");
 
 Waiting pcWaiting(DeviceModel model)
 {
-    return {model == DeviceModel::R1 ? u":/new/prefix1/image/pc.gif"_qs
-                                     : u":/new/prefix1/image/dc5v_pc.gif"_qs,
+    return {model == DeviceModel::R1 ? u":/new/prefix1/image/pc.gif"_s
+                                     : u":/new/prefix1/image/dc5v_pc.gif"_s,
             {},
             {}};
 }
@@ -32,11 +34,11 @@ Waiting pcWaiting(DeviceModel model)
 Waiting otgWaiting(DeviceModel model)
 {
     if (model == DeviceModel::R1) {
-        return {u":/new/prefix1/image/pc_otg.gif"_qs, u"正在检测OTG接入..."_qs,
-                u"请使用配件附带的USB线，接入并保持USB-C和OTG口\n与电脑的连接。"_qs};
+        return {u":/new/prefix1/image/pc_otg.gif"_s, u"正在检测OTG接入..."_s,
+                u"请使用配件附带的USB线，接入并保持USB-C和OTG口\n与电脑的连接。"_s};
     }
-    return {u":/new/prefix1/image/dc5v_otg.gif"_qs, u"正在检测OTG接入..."_qs,
-            u"请使用配件附带USB线接入图示DC-5V和OTG口,\n继续完成升级。"_qs};
+    return {u":/new/prefix1/image/dc5v_otg.gif"_s, u"正在检测OTG接入..."_s,
+            u"请使用配件附带USB线接入图示DC-5V和OTG口,\n继续完成升级。"_s};
 }
 
 } // namespace
@@ -79,10 +81,10 @@ void TestPhases::logsThePhase_data()
 {
     QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<QString>("line");
-    QTest::newRow("None") << UpgradePlan::None << u"[Upgrade] 当前无需升级"_qs;
-    QTest::newRow("PcOnly") << UpgradePlan::PcOnly << u"[Upgrade] 开始执行 PC 固件升级流程"_qs;
-    QTest::newRow("OtgOnly") << UpgradePlan::OtgOnly << u"[Upgrade] 开始执行 OTG 固件升级流程"_qs;
-    QTest::newRow("Both") << UpgradePlan::Both << u"[Upgrade] 先升 PC 再升 OTG"_qs;
+    QTest::newRow("None") << UpgradePlan::None << u"[Upgrade] 当前无需升级"_s;
+    QTest::newRow("PcOnly") << UpgradePlan::PcOnly << u"[Upgrade] 开始执行 PC 固件升级流程"_s;
+    QTest::newRow("OtgOnly") << UpgradePlan::OtgOnly << u"[Upgrade] 开始执行 OTG 固件升级流程"_s;
+    QTest::newRow("Both") << UpgradePlan::Both << u"[Upgrade] 先升 PC 再升 OTG"_s;
 }
 
 void TestPhases::logsThePhase()
@@ -92,10 +94,10 @@ void TestPhases::logsThePhase()
     PhaseStage stage(plan);
     stage.finishDownloads();
     const QStringList lines = stage.log.lines();
-    const auto last = lines.indexOf(u"all firmware has downlaod well, start upgrade..."_qs);
+    const auto last = lines.indexOf(u"all firmware has downlaod well, start upgrade..."_s);
     QVERIFY(last >= 0);
     QCOMPARE(lines.value(last + 1), line);
-    QCOMPARE(stage.log.startingWith(u"[Upgrade]"_qs), QStringList{line});
+    QCOMPARE(stage.log.startingWith(u"[Upgrade]"_s), QStringList{line});
 }
 
 void TestPhases::noPlanChangesNothing_data()
@@ -117,7 +119,7 @@ void TestPhases::noPlanChangesNothing()
     QCOMPARE(Screen::everything(panel), screen);
     QCOMPARE(panelState(panel), state);
     QCOMPARE(stage.receiversOfOtgConnected(), 0);
-    QCOMPARE(stage.log.startingWith(u"[ConnectingR2]"_qs), QStringList());
+    QCOMPARE(stage.log.startingWith(u"[ConnectingR2]"_s), QStringList());
 }
 
 void TestPhases::showsTheWaitingScreen_data()
@@ -158,7 +160,7 @@ void TestPhases::showsTheWaitingScreen()
     }
     QCOMPARE(panel.m_progressBar->m_backgroundColor, QColor(48, 49, 60, 255));
     QVERIFY(panel.m_isWaitingForUSB);
-    QCOMPARE(panel.m_upgradingLb->text(), u"待USB线接入图示口..."_qs);
+    QCOMPARE(panel.m_upgradingLb->text(), u"待USB线接入图示口..."_s);
     QCOMPARE(panel.m_upgradingLb->geometry(), QRect(140, 13, 159, 21));
     QCOMPARE(panel.m_waitingIconLb->geometry(), QRect(108, 12, 24, 24));
 }
@@ -176,16 +178,16 @@ void TestPhases::waitingScreenChangesInOrder()
     QFETCH(UpgradePlan, plan);
     PhaseStage stage(plan);
     Screen::showOnly(*stage.panel,
-                     {u"m_progressBar"_qs, u"verCompLb"_qs, u"m_notesEdit"_qs, u"m_notesIconLb"_qs,
-                      u"m_notesTitleLb"_qs, u"m_notesLineLb"_qs, u"m_rocketLb"_qs, u"m_upgradeTextLb"_qs,
-                      u"m_failTextLb"_qs});
+                     {u"m_progressBar"_s, u"verCompLb"_s, u"m_notesEdit"_s, u"m_notesIconLb"_s,
+                      u"m_notesTitleLb"_s, u"m_notesLineLb"_s, u"m_rocketLb"_s, u"m_upgradeTextLb"_s,
+                      u"m_failTextLb"_s});
     const VisibilityRecorder recorder(*stage.panel);
     stage.finishDownloads();
     QCOMPARE(recorder.changes,
-             (QStringList{u"-verCompLb"_qs, u"-m_notesEdit"_qs, u"-m_notesIconLb"_qs, u"-m_notesTitleLb"_qs,
-                          u"-m_notesLineLb"_qs, u"+tipMoiveLb"_qs, u"+m_detectingUsbLb"_qs,
-                          u"+m_connectHintLb"_qs, u"-m_rocketLb"_qs, u"-m_upgradeTextLb"_qs,
-                          u"+m_waitingIconLb"_qs, u"+m_upgradingLb"_qs}));
+             (QStringList{u"-verCompLb"_s, u"-m_notesEdit"_s, u"-m_notesIconLb"_s, u"-m_notesTitleLb"_s,
+                          u"-m_notesLineLb"_s, u"+tipMoiveLb"_s, u"+m_detectingUsbLb"_s,
+                          u"+m_connectHintLb"_s, u"-m_rocketLb"_s, u"-m_upgradeTextLb"_s,
+                          u"+m_waitingIconLb"_s, u"+m_upgradingLb"_s}));
 }
 
 void TestPhases::waitingScreenFollowsTheLanguage()
@@ -193,11 +195,11 @@ void TestPhases::waitingScreenFollowsTheLanguage()
     PhaseStage stage(UpgradePlan::OtgOnly);
     QuillonFirmwareUpgrade::setLanguage(Language::English);
     stage.finishDownloads();
-    QCOMPARE(stage.panel->m_detectingUsbLb->text(), u"Detecting OTG connection..."_qs);
+    QCOMPARE(stage.panel->m_detectingUsbLb->text(), u"Detecting OTG connection..."_s);
     QCOMPARE(
         stage.panel->m_connectHintLb->text(),
-        u"To continue and complete the update, use the provided\nUSB cables to connect the DC-5V and OTG ports as\nshown."_qs);
-    QCOMPARE(stage.panel->m_upgradingLb->text(), u"Connect to the indicated USB ports. "_qs);
+        u"To continue and complete the update, use the provided\nUSB cables to connect the DC-5V and OTG ports as\nshown."_s);
+    QCOMPARE(stage.panel->m_upgradingLb->text(), u"Connect to the indicated USB ports. "_s);
     QCOMPARE(stage.panel->m_upgradingLb->geometry(), QRect(83, 13, 290, 21));
 }
 
@@ -236,7 +238,7 @@ void TestPhases::waitsForTheOtgInterface()
     stage.log.clear();
     stage.finishDownloads();
     QCOMPARE(stage.receiversOfOtgConnected(), receivers);
-    QCOMPARE(stage.log.startingWith(u"[ConnectingR2] START"_qs).size(), scans);
+    QCOMPARE(stage.log.startingWith(u"[ConnectingR2] START"_s).size(), scans);
     QCOMPARE(stage.toolStarts(), QStringList());
 }
 
@@ -270,7 +272,7 @@ void TestPhases::otgOnlyStartsAtOnceWhenTheInterfaceIsThere()
     stage.finishDownloads();
     QTRY_COMPARE(stage.toolStarts(), QStringList{ToolStarts::kR2OtgNormal});
     const QStringList lines = stage.log.lines();
-    QVERIFY(lines.lastIndexOf(u"OTG already present, trigger OTG upgrade directly"_qs)
+    QVERIFY(lines.lastIndexOf(u"OTG already present, trigger OTG upgrade directly"_s)
             < lines.indexOf(kImmediateStart));
     QCOMPARE(stage.receiversOfOtgConnected(), 0);
 }
@@ -288,7 +290,7 @@ void TestPhases::otgOnlyStartsWhenTheInterfaceComes()
 {
     PhaseStage stage(UpgradePlan::OtgOnly);
     stage.finishDownloads();
-    QVERIFY(stage.log.contains(u"OTG ready phase, but OTG device not found yet"_qs));
+    QVERIFY(stage.log.contains(u"OTG ready phase, but OTG device not found yet"_s));
     PanelStage::bus().plug(0x0065);
     QTRY_COMPARE(stage.toolStarts(), QStringList{ToolStarts::kR2OtgBootLoader});
 }
@@ -304,8 +306,8 @@ void TestPhases::otgOnlyShowsCardAndNotesWhenItStarts()
     QCOMPARE(panel.m_tipMovie->state(), QMovie::NotRunning);
     QCOMPARE(
         recorder.changes,
-        (QStringList{u"-tipMoiveLb"_qs, u"-m_detectingUsbLb"_qs, u"-m_connectHintLb"_qs, u"+verCompLb"_qs,
-                     u"+m_notesEdit"_qs, u"+m_notesIconLb"_qs, u"+m_notesTitleLb"_qs, u"+m_notesLineLb"_qs}));
+        (QStringList{u"-tipMoiveLb"_s, u"-m_detectingUsbLb"_s, u"-m_connectHintLb"_s, u"+verCompLb"_s,
+                     u"+m_notesEdit"_s, u"+m_notesIconLb"_s, u"+m_notesTitleLb"_s, u"+m_notesLineLb"_s}));
 }
 
 void TestPhases::otgOnlyStartsWhateverTheFlagsSay()
@@ -380,7 +382,7 @@ void TestPhases::bothDoesNotStartOtgBeforePcIsDone()
     PanelStage::bus().plug(0x001F);
     stage.finishDownloads();
     QTRY_COMPARE(stage.panel->lastDetectedOtgPid, 0x1F);
-    QVERIFY(stage.log.contains(u"find r2 otg device, but not ready for OTG upgrade yet"_qs));
+    QVERIFY(stage.log.contains(u"find r2 otg device, but not ready for OTG upgrade yet"_s));
     QCoreApplication::processEvents();
     QVERIFY(!stage.log.contains(kOtgReady));
     QCOMPARE(stage.receiversOfOtgConnected(), 1);

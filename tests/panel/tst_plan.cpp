@@ -6,8 +6,10 @@
 #include <QSignalSpy>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 namespace {
-const QString kTooOldLine = u"[VersionCheck] firmware too old, upgrade blocked. PC:%1 OTG:%2"_qs;
+const QString kTooOldLine = u"[VersionCheck] firmware too old, upgrade blocked. PC:%1 OTG:%2"_s;
 constexpr QColor kFailureRed{248, 74, 75};
 } // namespace
 
@@ -50,8 +52,8 @@ void PlanTest::decision_data()
     QTest::addColumn<QString>("remoteOtg");
     QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<QString>("shown");
-    const QString old = u"1.2.0"_qs;
-    const QString current = u"1.3.0"_qs;
+    const QString old = u"1.2.0"_s;
+    const QString current = u"1.3.0"_s;
     const QString none;
     constexpr auto None = UpgradePlan::None;
     constexpr auto PcOnly = UpgradePlan::PcOnly;
@@ -67,10 +69,10 @@ void PlanTest::decision_data()
         << current << old << old << current << OtgOnly << current;
     QTest::newRow("PC older, OTG newer") << old << current << current << old << PcOnly << current;
     QTest::newRow("2.0.0 on the device, 1.9.9 on the server")
-        << u"2.0.0"_qs << u"1.9.9"_qs << none << none << None << u"2.0.0"_qs;
-    QTest::newRow("1.2 equals 1.2.0") << u"1.2"_qs << u"1.2.0"_qs << none << none << None << u"1.2"_qs;
+        << u"2.0.0"_s << u"1.9.9"_s << none << none << None << u"2.0.0"_s;
+    QTest::newRow("1.2 equals 1.2.0") << u"1.2"_s << u"1.2.0"_s << none << none << None << u"1.2"_s;
     QTest::newRow("1.0.9 needs 1.1.0, blocked or not")
-        << u"1.0.9"_qs << u"1.1.0"_qs << none << none << PcOnly << u"1.1.0"_qs;
+        << u"1.0.9"_s << u"1.1.0"_s << none << none << PcOnly << u"1.1.0"_s;
 
     QTest::newRow("nothing known") << none << none << none << none << None << none;
     QTest::newRow("only the server's versions known")
@@ -88,7 +90,7 @@ void PlanTest::decision_data()
     QTest::newRow("PC older, OTG of the server not known")
         << old << current << old << none << PcOnly << current;
     QTest::newRow("no working firmware: 0.0.0")
-        << u"0.0.0"_qs << current << u"0.0.0"_qs << current << Both << current;
+        << u"0.0.0"_s << current << u"0.0.0"_s << current << Both << current;
 }
 
 void PlanTest::decision()
@@ -110,7 +112,7 @@ void PlanTest::decision()
 
 void PlanTest::decisionIsNotStored()
 {
-    setVersions(panel(), u"1.2.0"_qs, u"1.3.0"_qs, u"1.2.0"_qs, u"1.3.0"_qs);
+    setVersions(panel(), u"1.2.0"_s, u"1.3.0"_s, u"1.2.0"_s, u"1.3.0"_s);
     const QStringList before = panelState(panel());
 
     QCOMPARE(panel().decideUpgradePlan(), UpgradePlan::Both);
@@ -124,8 +126,8 @@ void PlanTest::tooOldIsBlocked_data()
     QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<bool>("isRecovering");
     QTest::addColumn<bool>("isBlocked");
-    const QString old = u"1.0.9"_qs;
-    const QString good = u"1.2.0"_qs;
+    const QString old = u"1.0.9"_s;
+    const QString good = u"1.2.0"_s;
     QTest::newRow("PC too old") << old << good << UpgradePlan::PcOnly << false << true;
     QTest::newRow("OTG too old") << good << old << UpgradePlan::OtgOnly << false << true;
     QTest::newRow("both too old") << old << old << UpgradePlan::Both << false << true;
@@ -133,10 +135,10 @@ void PlanTest::tooOldIsBlocked_data()
         << old << good << UpgradePlan::OtgOnly << false << true;
     QTest::newRow("OTG too old, only the PC chip to upgrade")
         << good << old << UpgradePlan::PcOnly << false << true;
-    QTest::newRow("1.1.0 is too old") << u"1.1.0"_qs << good << UpgradePlan::PcOnly << false << true;
-    QTest::newRow("1.1.1 is not") << u"1.1.1"_qs << u"1.1.1"_qs << UpgradePlan::Both << false << false;
-    QTest::newRow("unknown OTG version") << u"1.1.1"_qs << QString() << UpgradePlan::PcOnly << false << false;
-    QTest::newRow("unknown PC version") << QString() << u"1.1.1"_qs << UpgradePlan::OtgOnly << false << false;
+    QTest::newRow("1.1.0 is too old") << u"1.1.0"_s << good << UpgradePlan::PcOnly << false << true;
+    QTest::newRow("1.1.1 is not") << u"1.1.1"_s << u"1.1.1"_s << UpgradePlan::Both << false << false;
+    QTest::newRow("unknown OTG version") << u"1.1.1"_s << QString() << UpgradePlan::PcOnly << false << false;
+    QTest::newRow("unknown PC version") << QString() << u"1.1.1"_s << UpgradePlan::OtgOnly << false << false;
     QTest::newRow("unknown PC version, OTG too old")
         << QString() << old << UpgradePlan::OtgOnly << false << true;
     QTest::newRow("neither version known") << QString() << QString() << UpgradePlan::Both << false << false;
@@ -151,7 +153,7 @@ void PlanTest::tooOldIsBlocked()
     QFETCH(UpgradePlan, plan);
     QFETCH(bool, isRecovering);
     QFETCH(bool, isBlocked);
-    setVersions(panel(), devicePc, u"1.3.0"_qs, deviceOtg, u"1.3.0"_qs);
+    setVersions(panel(), devicePc, u"1.3.0"_s, deviceOtg, u"1.3.0"_s);
     panel().m_upgradePlan = plan;
     panel().m_autoRecoverRunning = isRecovering;
 

@@ -7,12 +7,14 @@
 #include <QSignalSpy>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 /// Reads nothing and asks nothing, but is followed by the plan step.
 const QByteArray kOtherReply = DeviceReplies::version(0x0033, {1, 1, 1});
 
-const QString kWaitingLine = u"[VersionRead] 升级后等待期，跳过UI刷新 PC:%1 OTG:%2"_qs;
-const QString kKeptLine = u"[Upgrade] 升级进行中，保持当前升级计划: %1 PC版本:%2 OTG版本:%3"_qs;
+const QString kWaitingLine = u"[VersionRead] 升级后等待期，跳过UI刷新 PC:%1 OTG:%2"_s;
+const QString kKeptLine = u"[Upgrade] 升级进行中，保持当前升级计划: %1 PC版本:%2 OTG版本:%3"_s;
 } // namespace
 
 class PlanStepTest : public QObject {
@@ -57,9 +59,9 @@ void PlanStepTest::planStepNeedsItsVersions_data()
 {
     QTest::addColumn<QStringList>("versions"); // PC of device and server, OTG of device and server
     QTest::addColumn<bool>("isTaken");
-    const QString old = u"1.2.0"_qs;
-    const QString current = u"1.3.0"_qs;
-    const QString failed = u"104"_qs;
+    const QString old = u"1.2.0"_s;
+    const QString current = u"1.3.0"_s;
+    const QString failed = u"104"_s;
     QTest::newRow("all four known") << QStringList{old, current, current, current} << true;
     QTest::newRow("PC query failed") << QStringList{old, failed, old, current} << false;
     QTest::newRow("OTG query failed") << QStringList{old, current, old, failed} << false;
@@ -75,7 +77,7 @@ void PlanStepTest::planStepNeedsItsVersions_data()
     QTest::newRow("a device of version 104 is no failure")
         << QStringList{failed, current, failed, current} << true;
     QTest::newRow("a server version that begins with 104 is no failure")
-        << QStringList{old, u"104.0.0"_qs, old, current} << true;
+        << QStringList{old, u"104.0.0"_s, old, current} << true;
 }
 
 void PlanStepTest::planStepNeedsItsVersions()
@@ -97,13 +99,13 @@ void PlanStepTest::idlePanelTakesThePlan_data()
     QTest::addColumn<QString>("deviceOtg");
     QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<QString>("line");
-    QTest::newRow("None") << u"1.3.0"_qs << u"1.3.0"_qs << UpgradePlan::None << u"[Upgrade] 不需要升级"_qs;
-    QTest::newRow("PcOnly") << u"1.2.0"_qs << u"1.3.0"_qs << UpgradePlan::PcOnly
-                            << u"[Upgrade] 需要升级 PC 固件。device=1.2.0remote=1.3.0"_qs;
-    QTest::newRow("OtgOnly") << u"1.3.0"_qs << u"1.2.0"_qs << UpgradePlan::OtgOnly
-                             << u"[Upgrade] 需要升级 OTG 固件"_qs;
-    QTest::newRow("Both") << u"1.2.0"_qs << u"1.2.0"_qs << UpgradePlan::Both
-                          << u"[Upgrade] PC + OTG 都需要升级 （先升级PC再升级OTG）"_qs;
+    QTest::newRow("None") << u"1.3.0"_s << u"1.3.0"_s << UpgradePlan::None << u"[Upgrade] 不需要升级"_s;
+    QTest::newRow("PcOnly") << u"1.2.0"_s << u"1.3.0"_s << UpgradePlan::PcOnly
+                            << u"[Upgrade] 需要升级 PC 固件。device=1.2.0remote=1.3.0"_s;
+    QTest::newRow("OtgOnly") << u"1.3.0"_s << u"1.2.0"_s << UpgradePlan::OtgOnly
+                             << u"[Upgrade] 需要升级 OTG 固件"_s;
+    QTest::newRow("Both") << u"1.2.0"_s << u"1.2.0"_s << UpgradePlan::Both
+                          << u"[Upgrade] PC + OTG 都需要升级 （先升级PC再升级OTG）"_s;
 }
 
 void PlanStepTest::idlePanelTakesThePlan()
@@ -111,39 +113,39 @@ void PlanStepTest::idlePanelTakesThePlan()
     QFETCH(QString, devicePc);
     QFETCH(QString, deviceOtg);
     QFETCH(QString, line);
-    setVersions(panel(), devicePc, u"1.3.0"_qs, deviceOtg, u"1.3.0"_qs);
+    setVersions(panel(), devicePc, u"1.3.0"_s, deviceOtg, u"1.3.0"_s);
 
     panel().onReceiveHIDdata(kOtherReply);
     QTEST(panel().m_upgradePlan, "plan");
-    QCOMPARE(m_stage->log.startingWith(u"[Upgrade]"_qs), QStringList(line));
-    QCOMPARE(shownNumber(), u"V1.3.0"_qs); // the screen is refreshed
+    QCOMPARE(m_stage->log.startingWith(u"[Upgrade]"_s), QStringList(line));
+    QCOMPARE(shownNumber(), u"V1.3.0"_s); // the screen is refreshed
 }
 
 void PlanStepTest::screenIsRefreshedBeforeThePlanIsLogged()
 {
-    setVersions(panel(), u"1.2.0"_qs, u"1.3.0"_qs, u"1.3.0"_qs, u"1.3.0"_qs);
+    setVersions(panel(), u"1.2.0"_s, u"1.3.0"_s, u"1.3.0"_s, u"1.3.0"_s);
 
     panel().onReceiveHIDdata(kOtherReply);
-    const QString notesLine = m_stage->log.startingWith(u"######22222 isChinese is: "_qs).value(0);
+    const QString notesLine = m_stage->log.startingWith(u"######22222 isChinese is: "_s).value(0);
     QVERIFY(!notesLine.isEmpty());
-    QCOMPARE(m_stage->log.lines().constLast(), u"[Upgrade] 需要升级 PC 固件。device=1.2.0remote=1.3.0"_qs);
+    QCOMPARE(m_stage->log.lines().constLast(), u"[Upgrade] 需要升级 PC 固件。device=1.2.0remote=1.3.0"_s);
 }
 
 void PlanStepTest::runningUpgradeKeepsThePlan_data()
 {
     QTest::addColumn<int>("plan");
     QTest::addColumn<QString>("name");
-    QTest::newRow("None reads OtgOnly") << 0 << u"OtgOnly"_qs;
-    QTest::newRow("PcOnly") << 1 << u"PcOnly"_qs;
-    QTest::newRow("OtgOnly") << 2 << u"OtgOnly"_qs;
-    QTest::newRow("Both") << 3 << u"Both"_qs;
+    QTest::newRow("None reads OtgOnly") << 0 << u"OtgOnly"_s;
+    QTest::newRow("PcOnly") << 1 << u"PcOnly"_s;
+    QTest::newRow("OtgOnly") << 2 << u"OtgOnly"_s;
+    QTest::newRow("Both") << 3 << u"Both"_s;
 }
 
 void PlanStepTest::runningUpgradeKeepsThePlan()
 {
     QFETCH(int, plan);
     QFETCH(QString, name);
-    setVersions(panel(), u"1.2.0"_qs, u"1.3.0"_qs, u"1.2.4"_qs, u"1.2.4"_qs);
+    setVersions(panel(), u"1.2.0"_s, u"1.3.0"_s, u"1.2.4"_s, u"1.2.4"_s);
     panel().m_isUpgrading = true;
     panel().m_upgradePlan = static_cast<UpgradePlan>(plan);
     const QStringList before = panelState(panel());
@@ -151,7 +153,7 @@ void PlanStepTest::runningUpgradeKeepsThePlan()
     QSignalSpy announced(&panel(), &FirmwareUpgradeWidget::upgradeDisplayMsg);
 
     panel().onReceiveHIDdata(kOtherReply);
-    QCOMPARE(m_stage->log.lines().mid(1), QStringList(kKeptLine.arg(name, u"1.2.0"_qs, u"1.2.4"_qs)));
+    QCOMPARE(m_stage->log.lines().mid(1), QStringList(kKeptLine.arg(name, u"1.2.0"_s, u"1.2.4"_s)));
     QCOMPARE(panelState(panel()), before);
     QCOMPARE(Screen::everything(panel()), screen);
     QCOMPARE(announced.count(), 0);
@@ -161,15 +163,15 @@ void PlanStepTest::waitAfterAnUpgradeIsSilent_data()
 {
     QTest::addColumn<QString>("devicePc");
     QTest::addColumn<UpgradePlan>("plan");
-    QTest::newRow("the new version is there") << u"1.3.0"_qs << UpgradePlan::None;
-    QTest::newRow("the device still has the old one") << u"1.2.0"_qs << UpgradePlan::PcOnly;
+    QTest::newRow("the new version is there") << u"1.3.0"_s << UpgradePlan::None;
+    QTest::newRow("the device still has the old one") << u"1.2.0"_s << UpgradePlan::PcOnly;
 }
 
 void PlanStepTest::waitAfterAnUpgradeIsSilent()
 {
     QFETCH(QString, devicePc);
     QFETCH(UpgradePlan, plan);
-    setVersions(panel(), devicePc, u"1.3.0"_qs, u"1.2.4"_qs, u"1.2.4"_qs);
+    setVersions(panel(), devicePc, u"1.3.0"_s, u"1.2.4"_s, u"1.2.4"_s);
     panel().m_postUpgradeWaiting = true;
     panel().m_zeroVersionCount = 3;
     panel().m_upgradePlan = UpgradePlan::Both;
@@ -177,7 +179,7 @@ void PlanStepTest::waitAfterAnUpgradeIsSilent()
     QSignalSpy announced(&panel(), &FirmwareUpgradeWidget::upgradeDisplayMsg);
 
     panel().onReceiveHIDdata(kOtherReply);
-    QCOMPARE(m_stage->log.lines().mid(1), QStringList(kWaitingLine.arg(devicePc, u"1.2.4"_qs)));
+    QCOMPARE(m_stage->log.lines().mid(1), QStringList(kWaitingLine.arg(devicePc, u"1.2.4"_s)));
     QVERIFY(!panel().m_postUpgradeWaiting);
     QCOMPARE(panel().m_zeroVersionCount, 0);
     QCOMPARE(panel().m_upgradePlan, plan);
@@ -188,25 +190,25 @@ void PlanStepTest::waitAfterAnUpgradeIsSilent()
 
 void PlanStepTest::waitComesBeforeARunningUpgrade()
 {
-    setVersions(panel(), u"1.3.0"_qs, u"1.3.0"_qs, u"1.2.4"_qs, u"1.2.4"_qs);
+    setVersions(panel(), u"1.3.0"_s, u"1.3.0"_s, u"1.2.4"_s, u"1.2.4"_s);
     panel().m_postUpgradeWaiting = panel().m_isUpgrading = true;
     panel().m_upgradePlan = UpgradePlan::Both;
 
     panel().onReceiveHIDdata(kOtherReply);
     QVERIFY(!panel().m_postUpgradeWaiting);
     QCOMPARE(panel().m_upgradePlan, UpgradePlan::None);
-    QCOMPARE(m_stage->log.startingWith(u"[Upgrade]"_qs), QStringList());
+    QCOMPARE(m_stage->log.startingWith(u"[Upgrade]"_s), QStringList());
 }
 
 void PlanStepTest::nextReadAfterTheWaitIsLoud()
 {
-    setVersions(panel(), u"1.3.0"_qs, u"1.3.0"_qs, u"1.2.4"_qs, u"1.2.4"_qs);
+    setVersions(panel(), u"1.3.0"_s, u"1.3.0"_s, u"1.2.4"_s, u"1.2.4"_s);
     panel().m_postUpgradeWaiting = true;
     panel().onReceiveHIDdata(kOtherReply);
 
     panel().onReceiveHIDdata(kOtherReply);
-    QCOMPARE(m_stage->log.startingWith(u"[Upgrade]"_qs), QStringList(u"[Upgrade] 不需要升级"_qs));
-    QCOMPARE(shownNumber(), u"V1.3.0"_qs);
+    QCOMPARE(m_stage->log.startingWith(u"[Upgrade]"_s), QStringList(u"[Upgrade] 不需要升级"_s));
+    QCOMPARE(shownNumber(), u"V1.3.0"_s);
 }
 
 QTEST_MAIN(PlanStepTest)

@@ -6,6 +6,8 @@
 #include <QTextEdit>
 #include <QTimer>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using Server = ScriptedHttpServer;
@@ -89,9 +91,9 @@ void TestRecovery::plansBothWhateverTheVersionsSay_data()
     QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<QString>("device");
     QTest::newRow("nothing known") << UpgradePlan::None << QString();
-    QTest::newRow("up to date") << UpgradePlan::None << u"9.9.9"_qs;
-    QTest::newRow("PC planned") << UpgradePlan::PcOnly << u"1.2.0"_qs;
-    QTest::newRow("OTG planned") << UpgradePlan::OtgOnly << u"1.2.0"_qs;
+    QTest::newRow("up to date") << UpgradePlan::None << u"9.9.9"_s;
+    QTest::newRow("PC planned") << UpgradePlan::PcOnly << u"1.2.0"_s;
+    QTest::newRow("OTG planned") << UpgradePlan::OtgOnly << u"1.2.0"_s;
 }
 
 void TestRecovery::plansBothWhateverTheVersionsSay()
@@ -119,10 +121,10 @@ void TestRecovery::asksForWhatItDoesNotKnow_data()
                                    << QStringList{r2Pc, r2Pc, r2Pc, r2Otg};
     QTest::newRow("nothing known, R1") << DeviceModel::R1 << QString() << QString()
                                        << QStringList{r1Pc, r1Pc, r1Pc, ServerPaths::kR1OtgVersion};
-    QTest::newRow("PC known") << DeviceModel::R2 << u"1.2.3"_qs << QString()
+    QTest::newRow("PC known") << DeviceModel::R2 << u"1.2.3"_s << QString()
                               << QStringList{r2Pc, r2Pc, r2Otg};
-    QTest::newRow("OTG known") << DeviceModel::R2 << QString() << u"1.0.4"_qs << QStringList{r2Pc, r2Pc};
-    QTest::newRow("both known") << DeviceModel::R2 << u"1.2.3"_qs << u"1.0.4"_qs << QStringList{r2Pc};
+    QTest::newRow("OTG known") << DeviceModel::R2 << QString() << u"1.0.4"_s << QStringList{r2Pc, r2Pc};
+    QTest::newRow("both known") << DeviceModel::R2 << u"1.2.3"_s << u"1.0.4"_s << QStringList{r2Pc};
 }
 
 void TestRecovery::asksForWhatItDoesNotKnow()
@@ -137,8 +139,8 @@ void TestRecovery::asksForWhatItDoesNotKnow()
     stage.recover();
     const QString image = model == DeviceModel::R1 ? ServerPaths::kR1PcImage : ServerPaths::kR2PcImage;
     QTRY_COMPARE(stage.server.paths(), asked + QStringList{image});
-    QCOMPARE(stage.panel->m_remotePcVersion, u"1.2.3"_qs);
-    QCOMPARE(stage.panel->m_remoteOtgVersion, u"1.0.4"_qs);
+    QCOMPARE(stage.panel->m_remotePcVersion, u"1.2.3"_s);
+    QCOMPARE(stage.panel->m_remoteOtgVersion, u"1.0.4"_s);
 }
 
 void TestRecovery::logsThePcVersion_data()
@@ -147,8 +149,8 @@ void TestRecovery::logsThePcVersion_data()
     QTest::addColumn<QStringList>("lines");
     QTest::newRow("unknown") << QString()
                              << QStringList{kStarted,
-                                            u"[AutoRecover] fetch remote PC firmware version:1.2.3"_qs};
-    QTest::newRow("known") << u"1.2.3"_qs << QStringList{kStarted};
+                                            u"[AutoRecover] fetch remote PC firmware version:1.2.3"_s};
+    QTest::newRow("known") << u"1.2.3"_s << QStringList{kStarted};
 }
 
 void TestRecovery::logsThePcVersion()
@@ -158,7 +160,7 @@ void TestRecovery::logsThePcVersion()
     const Bricked stage;
     stage.panel->m_remotePcVersion = known;
     stage.recover();
-    QCOMPARE(stage.log.startingWith(u"[AutoRecover]"_qs), lines);
+    QCOMPARE(stage.log.startingWith(u"[AutoRecover]"_s), lines);
 }
 
 void TestRecovery::goesOnWithoutAnAnswer()
@@ -166,10 +168,10 @@ void TestRecovery::goesOnWithoutAnAnswer()
     Bricked stage;
     stage.server.answer(ServerPaths::kR2PcVersion, Server::page("no", 500));
     stage.recover();
-    QVERIFY(stage.log.contains(u"[AutoRecover] fetch remote PC firmware version:104"_qs));
-    QCOMPARE(stage.panel->m_remotePcVersion, u"104"_qs);
+    QVERIFY(stage.log.contains(u"[AutoRecover] fetch remote PC firmware version:104"_s));
+    QCOMPARE(stage.panel->m_remotePcVersion, u"104"_s);
     QTRY_COMPARE(stage.server.paths().last(), ServerPaths::kR2PcImage);
-    QVERIFY(stage.panel->m_pcFirmwarePath.endsWith(u"/R2_PC104.bin"_qs));
+    QVERIFY(stage.panel->m_pcFirmwarePath.endsWith(u"/R2_PC104.bin"_s));
     QVERIFY(!stage.panel->m_inFailureRetry);
 }
 
@@ -179,8 +181,8 @@ void TestRecovery::paintsTheAvailableScreenOnItsWay()
     stage.server.answer(ServerPaths::kR2PcVersion, Server::version("1.2.3", "中文说明"));
     stage.panel->m_progressBar->setValue(42);
     stage.recover();
-    QCOMPARE(stage.panel->m_newVerLb->text(), u"V1.2.3"_qs);
-    QCOMPARE(stage.panel->m_notesEdit->toPlainText(), u"中文说明"_qs);
+    QCOMPARE(stage.panel->m_newVerLb->text(), u"V1.2.3"_s);
+    QCOMPARE(stage.panel->m_notesEdit->toPlainText(), u"中文说明"_s);
     QVERIFY(stage.panel->m_newVerLb->isVisible());
     QVERIFY(stage.panel->m_noNewFirmwareLb->isHidden());
     QCOMPARE(stage.panel->m_progressBar->value(), 0);
@@ -203,10 +205,10 @@ void TestRecovery::startsAtOnce()
 void TestRecovery::aDeviceThatIsTooOldIsRecovered()
 {
     const Bricked stage;
-    stage.panel->m_devicePcVersion = u"1.0.0"_qs;
+    stage.panel->m_devicePcVersion = u"1.0.0"_s;
     stage.recover();
     QVERIFY(stage.panel->m_tooOldLb->isHidden());
-    QCOMPARE(stage.log.startingWith(u"[VersionCheck]"_qs), QStringList());
+    QCOMPARE(stage.log.startingWith(u"[VersionCheck]"_s), QStringList());
     QTRY_VERIFY(stage.server.paths().contains(ServerPaths::kR2PcImage));
 }
 
@@ -216,10 +218,10 @@ void TestRecovery::offersTheRetryAfterAFailure_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<QRect>("place");
     QTest::addColumn<QString>("family");
-    QTest::newRow("Chinese") << Language::Chinese << u"我已拔插设备，重新升级"_qs << QRect(116, 13, 176, 21)
-                             << u"Microsoft YaHei"_qs;
-    QTest::newRow("English") << Language::English << u"I've replugged the device. Restart update."_qs
-                             << QRect(46, 13, 317, 21) << u"Segoe UI"_qs;
+    QTest::newRow("Chinese") << Language::Chinese << u"我已拔插设备，重新升级"_s << QRect(116, 13, 176, 21)
+                             << u"Microsoft YaHei"_s;
+    QTest::newRow("English") << Language::English << u"I've replugged the device. Restart update."_s
+                             << QRect(46, 13, 317, 21) << u"Segoe UI"_s;
 }
 
 void TestRecovery::offersTheRetryAfterAFailure()
@@ -231,13 +233,13 @@ void TestRecovery::offersTheRetryAfterAFailure()
     const Bricked stage;
     FirmwareUpgradeWidget &panel = *stage.panel;
     QuillonFirmwareUpgrade::setLanguage(language);
-    panel.m_remotePcVersion = u"1.2.3"_qs;
+    panel.m_remotePcVersion = u"1.2.3"_s;
     panel.m_inFailureRetry = panel.m_autoRecoverRunning = true;
     panel.m_progressBar->setValue(42);
     panel.m_progressBar->setClickable(false);
     panel.m_upgradeTextLb->setGeometry(0, 0, 7, 7);
     Screen::showOnly(panel,
-                     {u"m_progressBar"_qs, u"m_rocketLb"_qs, u"m_upgradingLb"_qs, u"m_waitingIconLb"_qs});
+                     {u"m_progressBar"_s, u"m_rocketLb"_s, u"m_upgradingLb"_s, u"m_waitingIconLb"_s});
     const VisibilityRecorder recorder(panel);
     panel.startAutoRecoverUpgrade();
 
@@ -252,8 +254,8 @@ void TestRecovery::offersTheRetryAfterAFailure()
     QCOMPARE(panel.m_upgradeTextLb->styleSheet(), QString::fromLatin1(kRetry).arg(family));
     const QSet<QString> changes(recorder.changes.begin(), recorder.changes.end());
     QCOMPARE(changes,
-             (QSet<QString>{u"+m_failIconLb"_qs, u"+m_failTextLb"_qs, u"-m_rocketLb"_qs, u"-m_upgradingLb"_qs,
-                            u"-m_waitingIconLb"_qs, u"+m_upgradeTextLb"_qs}));
+             (QSet<QString>{u"+m_failIconLb"_s, u"+m_failTextLb"_s, u"-m_rocketLb"_s, u"-m_upgradingLb"_s,
+                            u"-m_waitingIconLb"_s, u"+m_upgradeTextLb"_s}));
     QCOMPARE(panel.m_upgradePlan, UpgradePlan::Both);
 }
 
@@ -261,8 +263,8 @@ void TestRecovery::theRetryWaitsForTheClick()
 {
     Bricked stage;
     FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.m_remotePcVersion = u"1.2.3"_qs;
-    panel.m_remoteOtgVersion = u"1.0.4"_qs;
+    panel.m_remotePcVersion = u"1.2.3"_s;
+    panel.m_remoteOtgVersion = u"1.0.4"_s;
     panel.showUpgradeFailureUI();
     panel.startAutoRecoverUpgrade();
     QCoreApplication::processEvents();
@@ -304,7 +306,7 @@ void TestRecovery::discoveryStartsIt()
     panel.m_deviceModel = before;
     panel.hide();
     PanelStage::bus().plug(productId);
-    const QString triggered = u"find DFU PID and trigger auto recover."_qs;
+    const QString triggered = u"find DFU PID and trigger auto recover."_s;
     QTRY_VERIFY(stage.log.contains(triggered));
     const QStringList lines = stage.log.lines();
     QVERIFY(lines.indexOf(kStarted) >= 0);
@@ -349,10 +351,10 @@ void TestRecovery::doesNotStartAgainAfterAFailure()
     stage.panel->showUpgradeFailureUI();
     stage.log.clear();
     PanelStage::bus().unplugAll();
-    QTRY_VERIFY(!stage.log.startingWith(u"[ConnectingR2] START"_qs).isEmpty());
+    QTRY_VERIFY(!stage.log.startingWith(u"[ConnectingR2] START"_s).isEmpty());
     stage.log.clear();
     PanelStage::bus().plug(0xFF, 1);
-    QTRY_VERIFY(!stage.log.startingWith(u"find DFU device"_qs).isEmpty());
+    QTRY_VERIFY(!stage.log.startingWith(u"find DFU device"_s).isEmpty());
     QCoreApplication::processEvents();
     QVERIFY(!stage.log.contains(kStarted));
     QVERIFY(stage.panel->m_inFailureRetry);
@@ -362,8 +364,8 @@ void TestRecovery::startsAgainAfterTheClick()
 {
     Bricked stage;
     FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.m_remotePcVersion = u"1.2.3"_qs;
-    panel.m_remoteOtgVersion = u"1.0.4"_qs;
+    panel.m_remotePcVersion = u"1.2.3"_s;
+    panel.m_remoteOtgVersion = u"1.0.4"_s;
     PanelStage::bus().plug(0xFF);
     QTRY_VERIFY(stage.server.paths().contains(ServerPaths::kR2PcImage));
     panel.showUpgradeFailureUI();

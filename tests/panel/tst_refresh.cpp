@@ -8,6 +8,8 @@
 
 #include <utility>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 const QString kExhausted = QStringLiteral("[Refresh] version refresh retries exhausted");
@@ -16,7 +18,7 @@ const QString kModeQuery = QStringLiteral("hid: DC_AddSendData(65: 51 c4 09 00 0
 
 /// Four known versions; the plan and the screen are of another time, so that a refresh shows.
 struct Known : PanelStage {
-    explicit Known(const QStringList &versions = {u"1.2.0"_qs, u"1.2.3"_qs, u"1.0.4"_qs, u"1.0.4"_qs})
+    explicit Known(const QStringList &versions = {u"1.2.0"_s, u"1.2.3"_s, u"1.0.4"_s, u"1.0.4"_s})
     {
         // The query that every panel sends shortly after its start is not one of a refresh.
         const auto queries = [this] { return log.count(kModeQuery); };
@@ -68,7 +70,7 @@ void TestRefresh::endsAtOnceWithoutAttempts()
     const Known stage;
     const QSignalSpy decided(stage.panel.get(), &FirmwareUpgradeWidget::upgradeDisplayMsg);
     stage.panel->requestVersionRefreshWithRetry(retries);
-    QCOMPARE(stage.log.startingWith(u"[Refresh]"_qs), QStringList{kExhausted});
+    QCOMPARE(stage.log.startingWith(u"[Refresh]"_s), QStringList{kExhausted});
     QCOMPARE(stage.panel->m_upgradePlan, UpgradePlan::PcOnly);
     QVERIFY(stage.isRepainted());
     QCOMPARE(decided.size(), 1);
@@ -81,7 +83,7 @@ void TestRefresh::endsSilentlyWithoutTheLibrary()
     auto *library = std::exchange(stage.panel->m_hidManager, nullptr);
     stage.panel->requestVersionRefreshWithRetry(3);
     QTest::qWait(700);
-    QCOMPARE(stage.log.startingWith(u"[Refresh]"_qs), QStringList());
+    QCOMPARE(stage.log.startingWith(u"[Refresh]"_s), QStringList());
     QCOMPARE(stage.panel->m_upgradePlan, UpgradePlan::OtgOnly);
     QVERIFY(!stage.isRepainted());
     stage.panel->m_hidManager = library;
@@ -94,15 +96,15 @@ void TestRefresh::endsWhenBothSidesAreUpToDate_data()
     const auto row = [](const char *name, const QStringList &versions, bool upToDate) {
         QTest::newRow(name) << versions << upToDate;
     };
-    row("all equal", {u"1.2.3"_qs, u"1.2.3"_qs, u"1.0.4"_qs, u"1.0.4"_qs}, true);
-    row("the device is newer", {u"1.3.0"_qs, u"1.2.3"_qs, u"2.0"_qs, u"1.0.4"_qs}, true);
-    row("equal in other words", {u"1.2"_qs, u"1.2.0"_qs, u"1.0.4"_qs, u"1.0.4"_qs}, true);
-    row("PC is older", {u"1.2.2"_qs, u"1.2.3"_qs, u"1.0.4"_qs, u"1.0.4"_qs}, false);
-    row("OTG is older", {u"1.2.3"_qs, u"1.2.3"_qs, u"1.0.3"_qs, u"1.0.4"_qs}, false);
-    row("the device's PC version is unknown", {QString(), u"1.2.3"_qs, u"1.0.4"_qs, u"1.0.4"_qs}, false);
-    row("the server's PC version is unknown", {u"1.2.3"_qs, QString(), u"1.0.4"_qs, u"1.0.4"_qs}, false);
-    row("the device's OTG version is unknown", {u"1.2.3"_qs, u"1.2.3"_qs, QString(), u"1.0.4"_qs}, false);
-    row("the server's OTG version is unknown", {u"1.2.3"_qs, u"1.2.3"_qs, u"1.0.4"_qs, QString()}, false);
+    row("all equal", {u"1.2.3"_s, u"1.2.3"_s, u"1.0.4"_s, u"1.0.4"_s}, true);
+    row("the device is newer", {u"1.3.0"_s, u"1.2.3"_s, u"2.0"_s, u"1.0.4"_s}, true);
+    row("equal in other words", {u"1.2"_s, u"1.2.0"_s, u"1.0.4"_s, u"1.0.4"_s}, true);
+    row("PC is older", {u"1.2.2"_s, u"1.2.3"_s, u"1.0.4"_s, u"1.0.4"_s}, false);
+    row("OTG is older", {u"1.2.3"_s, u"1.2.3"_s, u"1.0.3"_s, u"1.0.4"_s}, false);
+    row("the device's PC version is unknown", {QString(), u"1.2.3"_s, u"1.0.4"_s, u"1.0.4"_s}, false);
+    row("the server's PC version is unknown", {u"1.2.3"_s, QString(), u"1.0.4"_s, u"1.0.4"_s}, false);
+    row("the device's OTG version is unknown", {u"1.2.3"_s, u"1.2.3"_s, QString(), u"1.0.4"_s}, false);
+    row("the server's OTG version is unknown", {u"1.2.3"_s, u"1.2.3"_s, u"1.0.4"_s, QString()}, false);
     row("nothing is known", {}, false);
 }
 
@@ -114,14 +116,14 @@ void TestRefresh::endsWhenBothSidesAreUpToDate()
     stage.panel->requestVersionRefreshWithRetry(2);
     QCOMPARE(stage.queries(), 1);
     QVERIFY(!stage.isRepainted());
-    QTRY_VERIFY(!stage.log.startingWith(u"[Refresh]"_qs).isEmpty());
+    QTRY_VERIFY(!stage.log.startingWith(u"[Refresh]"_s).isEmpty());
     QCOMPARE(stage.log.contains(kUpToDate), upToDate);
     QCOMPARE(stage.isRepainted(), upToDate);
     QCOMPARE(stage.panel->m_upgradePlan, upToDate ? UpgradePlan::None : UpgradePlan::OtgOnly);
     QCOMPARE(stage.queries(), upToDate ? 1 : 2);
     if (upToDate) {
         QTest::qWait(700);
-        QCOMPARE(stage.log.startingWith(u"[Refresh]"_qs), QStringList{kUpToDate});
+        QCOMPARE(stage.log.startingWith(u"[Refresh]"_s), QStringList{kUpToDate});
     }
 }
 
@@ -133,11 +135,11 @@ void TestRefresh::triesAgainUntilNothingIsLeft()
     stage.panel->requestVersionRefreshWithRetry(3);
     QTRY_VERIFY(stage.log.contains(kExhausted));
     QVERIFY2(clock.elapsed() >= 3 * 490, "half a second between two attempts");
-    const QString seen = u"pc=1.2.0/1.2.3otg=1.0.4/1.0.4"_qs;
-    QCOMPARE(stage.log.startingWith(u"[Refresh]"_qs),
-             (QStringList{u"[Refresh] not ready yet, retry left:2"_qs + seen,
-                          u"[Refresh] not ready yet, retry left:1"_qs + seen,
-                          u"[Refresh] not ready yet, retry left:0"_qs + seen, kExhausted}));
+    const QString seen = u"pc=1.2.0/1.2.3otg=1.0.4/1.0.4"_s;
+    QCOMPARE(stage.log.startingWith(u"[Refresh]"_s),
+             (QStringList{u"[Refresh] not ready yet, retry left:2"_s + seen,
+                          u"[Refresh] not ready yet, retry left:1"_s + seen,
+                          u"[Refresh] not ready yet, retry left:0"_s + seen, kExhausted}));
     QCOMPARE(stage.queries(), 3);
     QCOMPARE(stage.panel->m_upgradePlan, UpgradePlan::PcOnly);
     QVERIFY(stage.isRepainted());
@@ -145,19 +147,19 @@ void TestRefresh::triesAgainUntilNothingIsLeft()
 
 void TestRefresh::logsWhatItSees()
 {
-    const Known stage({u"1.2.0"_qs, QString(), u"0.0.0"_qs, u"104"_qs});
+    const Known stage({u"1.2.0"_s, QString(), u"0.0.0"_s, u"104"_s});
     stage.panel->requestVersionRefreshWithRetry(1);
-    QTRY_VERIFY(stage.log.contains(u"[Refresh] not ready yet, retry left:0pc=1.2.0/otg=0.0.0/104"_qs));
+    QTRY_VERIFY(stage.log.contains(u"[Refresh] not ready yet, retry left:0pc=1.2.0/otg=0.0.0/104"_s));
 }
 
 void TestRefresh::seesWhatHasArrivedMeanwhile()
 {
     const Known stage;
     stage.panel->requestVersionRefreshWithRetry(5);
-    QTRY_COMPARE(stage.log.startingWith(u"[Refresh] not ready yet"_qs).size(), 1);
-    stage.panel->m_devicePcVersion = u"1.2.3"_qs;
+    QTRY_COMPARE(stage.log.startingWith(u"[Refresh] not ready yet"_s).size(), 1);
+    stage.panel->m_devicePcVersion = u"1.2.3"_s;
     QTRY_VERIFY(stage.log.contains(kUpToDate));
-    QCOMPARE(stage.log.startingWith(u"[Refresh] not ready yet"_qs).size(), 1);
+    QCOMPARE(stage.log.startingWith(u"[Refresh] not ready yet"_s).size(), 1);
     QCOMPARE(stage.queries(), 2);
 }
 
@@ -166,7 +168,7 @@ void TestRefresh::asksBeforeItWaits()
     const Known stage;
     stage.panel->requestVersionRefreshWithRetry(1);
     QCOMPARE(stage.queries(), 1);
-    QCOMPARE(stage.log.startingWith(u"[Refresh]"_qs), QStringList());
+    QCOMPARE(stage.log.startingWith(u"[Refresh]"_s), QStringList());
 }
 
 void TestRefresh::endsWithThePanel()
@@ -176,7 +178,7 @@ void TestRefresh::endsWithThePanel()
     stage.panel.reset();
     stage.log.clear();
     QTest::qWait(700);
-    QCOMPARE(stage.log.startingWith(u"[Refresh]"_qs), QStringList());
+    QCOMPARE(stage.log.startingWith(u"[Refresh]"_s), QStringList());
 }
 
 QTEST_MAIN(TestRefresh)

@@ -9,6 +9,8 @@
 #include <QTextEdit>
 #include <QTimer>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using Server = ScriptedHttpServer;
@@ -25,7 +27,7 @@ struct Planned : PanelStage {
         panel->show();
         panel->m_upgradePlan = UpgradePlan::Both;
         panel->m_devicePcVersion = pcVersion;
-        panel->m_remotePcVersion = u"2.0.0"_qs;
+        panel->m_remotePcVersion = u"2.0.0"_s;
         panel->m_notesEdit->setPlainText(kFormer);
     }
 
@@ -84,14 +86,14 @@ void TestReleaseNotes::comeFromTheServer_data()
     const QString chinese = QString::fromUtf8(kChineseNotes);
     QTest::newRow("notes") << Server::version("2.0.0", kChineseNotes, kEnglishNotes) << QString() << chinese;
     QTest::newRow("notes after other notes")
-        << Server::version("2.0.0", kChineseNotes) << u"旧"_qs << chinese;
-    QTest::newRow("an answer without notes") << Server::version("2.0.0") << u"旧"_qs << kFormer;
+        << Server::version("2.0.0", kChineseNotes) << u"旧"_s << chinese;
+    QTest::newRow("an answer without notes") << Server::version("2.0.0") << u"旧"_s << kFormer;
     QTest::newRow("no version but notes")
-        << Server::page(R"([{"f_remark": "只有说明"}])") << QString() << u"只有说明"_qs;
+        << Server::page(R"([{"f_remark": "只有说明"}])") << QString() << u"只有说明"_s;
     QTest::newRow("an error page, nothing known") << Server::page("no", 500) << QString() << kFormer;
     QTest::newRow("an error page, notes known from before")
-        << Server::page("no", 500) << u"旧"_qs << u"旧"_qs;
-    QTest::newRow("a connection that breaks") << Server::hangUp() << u"旧"_qs << u"旧"_qs;
+        << Server::page("no", 500) << u"旧"_s << u"旧"_s;
+    QTest::newRow("a connection that breaks") << Server::hangUp() << u"旧"_s << u"旧"_s;
 }
 
 void TestReleaseNotes::comeFromTheServer()
@@ -111,11 +113,11 @@ void TestReleaseNotes::areAskedForByModel_data()
     QTest::addColumn<DeviceModel>("model");
     QTest::addColumn<QString>("pcVersion");
     QTest::addColumn<QString>("path");
-    QTest::newRow("R1") << DeviceModel::R1 << u"1.2.0"_qs << ServerPaths::kR1PcVersion;
-    QTest::newRow("R2") << DeviceModel::R2 << u"1.2.0"_qs << ServerPaths::kR2PcVersion;
-    QTest::newRow("any other model") << DeviceModel(9) << u"1.2.0"_qs << ServerPaths::kR2PcVersion;
-    QTest::newRow("R1, too old") << DeviceModel::R1 << u"1.0.0"_qs << ServerPaths::kR1PcVersion;
-    QTest::newRow("R2, too old") << DeviceModel::R2 << u"1.0.0"_qs << ServerPaths::kR2PcVersion;
+    QTest::newRow("R1") << DeviceModel::R1 << u"1.2.0"_s << ServerPaths::kR1PcVersion;
+    QTest::newRow("R2") << DeviceModel::R2 << u"1.2.0"_s << ServerPaths::kR2PcVersion;
+    QTest::newRow("any other model") << DeviceModel(9) << u"1.2.0"_s << ServerPaths::kR2PcVersion;
+    QTest::newRow("R1, too old") << DeviceModel::R1 << u"1.0.0"_s << ServerPaths::kR1PcVersion;
+    QTest::newRow("R2, too old") << DeviceModel::R2 << u"1.0.0"_s << ServerPaths::kR2PcVersion;
 }
 
 void TestReleaseNotes::areAskedForByModel()
@@ -137,10 +139,10 @@ void TestReleaseNotes::areShownInTheLanguage_data()
     QTest::addColumn<QString>("shown");
     const QString chinese = QString::fromUtf8(kChineseNotes);
     const QString english = QString::fromUtf8(kEnglishNotes);
-    QTest::newRow("available, Chinese") << Language::Chinese << u"1.2.0"_qs << chinese;
-    QTest::newRow("available, English") << Language::English << u"1.2.0"_qs << english;
-    QTest::newRow("too old, Chinese") << Language::Chinese << u"1.0.0"_qs << chinese;
-    QTest::newRow("too old, English") << Language::English << u"1.0.0"_qs << english;
+    QTest::newRow("available, Chinese") << Language::Chinese << u"1.2.0"_s << chinese;
+    QTest::newRow("available, English") << Language::English << u"1.2.0"_s << english;
+    QTest::newRow("too old, Chinese") << Language::Chinese << u"1.0.0"_s << chinese;
+    QTest::newRow("too old, English") << Language::English << u"1.0.0"_s << english;
 }
 
 void TestReleaseNotes::areShownInTheLanguage()
@@ -161,7 +163,7 @@ void TestReleaseNotes::leaveTheVersionsAlone()
     const QStringList before = panelState(*stage.panel);
     stage.panel->updateUIByUpgradeState();
     QCOMPARE(panelState(*stage.panel), before);
-    QCOMPARE(stage.panel->m_newVerLb->text(), u"V2.0.0"_qs);
+    QCOMPARE(stage.panel->m_newVerLb->text(), u"V2.0.0"_s);
 }
 
 void TestReleaseNotes::areLoggedBeforeTheyAreShown_data()
@@ -169,10 +171,10 @@ void TestReleaseNotes::areLoggedBeforeTheyAreShown_data()
     QTest::addColumn<Language>("language");
     QTest::addColumn<QString>("line");
     QTest::newRow("Chinese") << Language::Chinese
-                             << u"######22222 isChinese is: true current notes is: "_qs
+                             << u"######22222 isChinese is: true current notes is: "_s
             + QString::fromUtf8(kChineseNotes);
     QTest::newRow("English") << Language::English
-                             << u"######22222 isChinese is: false current notes is: "_qs
+                             << u"######22222 isChinese is: false current notes is: "_s
             + QString::fromUtf8(kEnglishNotes);
 }
 
@@ -185,25 +187,25 @@ void TestReleaseNotes::areLoggedBeforeTheyAreShown()
     stage.panel->m_notesEdit->setPlainText(kFormer);
     QString shownThen;
     {
-        const LogHook hook(u"######22222"_qs, [&](const QString &) { shownThen = stage.notes(); });
+        const LogHook hook(u"######22222"_s, [&](const QString &) { shownThen = stage.notes(); });
         stage.panel->updateUIByUpgradeState();
     }
-    QCOMPARE(stage.log.startingWith(u"######22222"_qs), QStringList{line});
+    QCOMPARE(stage.log.startingWith(u"######22222"_s), QStringList{line});
     QCOMPARE(shownThen, kFormer);
 }
 
 void TestReleaseNotes::areNotLoggedForADeviceThatIsTooOld()
 {
-    const Planned stage(u"1.0.0"_qs);
+    const Planned stage(u"1.0.0"_s);
     stage.panel->updateUIByUpgradeState();
-    QCOMPARE(stage.log.startingWith(u"######22222"_qs), QStringList());
+    QCOMPARE(stage.log.startingWith(u"######22222"_s), QStringList());
 }
 
 void TestReleaseNotes::areFetchedAfterTheRestIsPainted_data()
 {
     QTest::addColumn<QString>("pcVersion");
-    QTest::newRow("available") << u"1.2.0"_qs;
-    QTest::newRow("too old") << u"1.0.0"_qs;
+    QTest::newRow("available") << u"1.2.0"_s;
+    QTest::newRow("too old") << u"1.0.0"_s;
 }
 
 void TestReleaseNotes::areFetchedAfterTheRestIsPainted()
@@ -217,7 +219,7 @@ void TestReleaseNotes::areFetchedAfterTheRestIsPainted()
     QStringList logThen;
     whileTheServerIsAsked(stage, [&] {
         screen = Screen::everything(panel);
-        logThen = stage.log.startingWith(u"[VersionCheck]"_qs);
+        logThen = stage.log.startingWith(u"[VersionCheck]"_s);
     });
     panel.updateUIByUpgradeState();
     QStringList changed;
@@ -225,8 +227,8 @@ void TestReleaseNotes::areFetchedAfterTheRestIsPainted()
         if (!screen.contains(line))
             changed.append(line.section(u' ', 0, 0));
     }
-    QCOMPARE(changed, QStringList{u"m_notesEdit"_qs});
-    QVERIFY(!screen.filter(u"m_notesEdit shown"_qs).isEmpty());
+    QCOMPARE(changed, QStringList{u"m_notesEdit"_s});
+    QVERIFY(!screen.filter(u"m_notesEdit shown"_s).isEmpty());
     QVERIFY2(logThen.isEmpty(), "the line about a device that is too old comes last");
 }
 
@@ -250,7 +252,7 @@ void TestReleaseNotes::mayFindThePanelGone()
     whileTheServerIsAsked(stage, [&stage] { stage.panel.reset(); });
     panel->updateUIByUpgradeState();
     QVERIFY(!stage.panel);
-    QCOMPARE(stage.log.startingWith(u"######22222"_qs), QStringList());
+    QCOMPARE(stage.log.startingWith(u"######22222"_s), QStringList());
 }
 
 void TestReleaseNotes::mayFindTheLanguageChanged()

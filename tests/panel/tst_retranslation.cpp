@@ -6,6 +6,7 @@
 #include <QTest>
 #include <QTextEdit>
 
+using namespace Qt::StringLiterals;
 using QuillonFirmwareUpgrade::setLanguage;
 
 namespace {
@@ -213,15 +214,15 @@ void TestRetranslation::logsBetweenItsSteps()
     QStringList atTheLanguageLine;
     QStringList atThePlanLine;
     {
-        const LogHook hook(u"Detected language switch."_qs, [&](const QString &) {
+        const LogHook hook(u"Detected language switch."_s, [&](const QString &) {
             if (atTheLanguageLine.isEmpty())
                 atTheLanguageLine
-                    = {panel.isChinese ? u"Chinese"_qs : u"English"_qs, panel.m_titleLabel->text()};
+                    = {panel.isChinese ? u"Chinese"_s : u"English"_s, panel.m_titleLabel->text()};
         });
         setLanguage(Language::English);
     }
     {
-        const LogHook hook(u" ####retranslateUI"_qs, [&](const QString &) {
+        const LogHook hook(u" ####retranslateUI"_s, [&](const QString &) {
             if (atThePlanLine.isEmpty())
                 atThePlanLine
                     = {panel.m_titleLabel->text(), panel.m_tooOldLb->text(), panel.m_offlineToolTipLb->text(),
@@ -229,10 +230,10 @@ void TestRetranslation::logsBetweenItsSteps()
         });
         setLanguage(Language::Chinese);
     }
-    QCOMPARE(atTheLanguageLine, (QStringList{u"English"_qs, u"固件升级"_qs}));
+    QCOMPARE(atTheLanguageLine, (QStringList{u"English"_s, u"固件升级"_s}));
     QCOMPARE(atThePlanLine,
-             (QStringList{u"固件升级"_qs, u"固件版本过低，无法升级"_qs, u"需使用离线升级工具进行更新，"_qs,
-                          u"New Version"_qs, u"Update Completed"_qs}));
+             (QStringList{u"固件升级"_s, u"固件版本过低，无法升级"_s, u"需使用离线升级工具进行更新，"_s,
+                          u"New Version"_s, u"Update Completed"_s}));
 }
 
 QTEST_MAIN(TestRetranslation)

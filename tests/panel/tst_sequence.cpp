@@ -4,6 +4,8 @@
 #include <QLabel>
 #include <QTimer>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using Server = ScriptedHttpServer;
@@ -36,13 +38,13 @@ void TestSequence::clickSaysSoFirst()
     bool clickable = false;
     bool failureShown = false;
     {
-        const LogHook hook(u"clicked upgrade process"_qs, [&](const QString &) {
+        const LogHook hook(u"clicked upgrade process"_s, [&](const QString &) {
             clickable = stage.panel->m_progressBar->isClickable();
             failureShown = stage.panel->m_failTextLb->isVisible();
         });
         stage.click();
     }
-    QVERIFY(stage.log.contains(u"clicked upgrade process, start upgrade..."_qs));
+    QVERIFY(stage.log.contains(u"clicked upgrade process, start upgrade..."_s));
     QVERIFY(clickable);
     QVERIFY(failureShown);
 }
@@ -139,11 +141,11 @@ void TestSequence::fetchesTheVersions_data()
     QTest::addColumn<QStringList>("asked");
     const QStringList r1{ServerPaths::kR1PcVersion, ServerPaths::kR1OtgVersion};
     const QStringList r2{ServerPaths::kR2PcVersion, ServerPaths::kR2OtgVersion};
-    QTest::newRow("both known") << DeviceModel::R2 << u"1.0.0"_qs << u"1.0.0"_qs << QStringList();
+    QTest::newRow("both known") << DeviceModel::R2 << u"1.0.0"_s << u"1.0.0"_s << QStringList();
     QTest::newRow("the failure answer is an answer")
-        << DeviceModel::R2 << u"104"_qs << u"104"_qs << QStringList();
-    QTest::newRow("PC unknown") << DeviceModel::R2 << QString() << u"1.0.0"_qs << r2;
-    QTest::newRow("OTG unknown") << DeviceModel::R2 << u"1.0.0"_qs << QString() << r2;
+        << DeviceModel::R2 << u"104"_s << u"104"_s << QStringList();
+    QTest::newRow("PC unknown") << DeviceModel::R2 << QString() << u"1.0.0"_s << r2;
+    QTest::newRow("OTG unknown") << DeviceModel::R2 << u"1.0.0"_s << QString() << r2;
     QTest::newRow("both unknown") << DeviceModel::R2 << QString() << QString() << r2;
     QTest::newRow("both unknown, R1") << DeviceModel::R1 << QString() << QString() << r1;
 }
@@ -160,11 +162,11 @@ void TestSequence::fetchesTheVersions()
     panel.m_remoteOtgVersion = otg;
     panel.startDownloadAndUpgrade();
     QCOMPARE(stage.server.paths().mid(0, asked.size()), asked);
-    QCOMPARE(panel.m_remotePcVersion, asked.isEmpty() ? pc : u"1.2.3"_qs);
-    QCOMPARE(panel.m_remoteOtgVersion, asked.isEmpty() ? otg : u"1.0.4"_qs);
-    const QStringList lines{u"[Upgrade] fetch remote PC firmware version:1.2.3"_qs,
-                            u"[Upgrade] fetch remote OTG firmware version:1.0.4"_qs};
-    QCOMPARE(stage.log.startingWith(u"[Upgrade] fetch"_qs), asked.isEmpty() ? QStringList() : lines);
+    QCOMPARE(panel.m_remotePcVersion, asked.isEmpty() ? pc : u"1.2.3"_s);
+    QCOMPARE(panel.m_remoteOtgVersion, asked.isEmpty() ? otg : u"1.0.4"_s);
+    const QStringList lines{u"[Upgrade] fetch remote PC firmware version:1.2.3"_s,
+                            u"[Upgrade] fetch remote OTG firmware version:1.0.4"_s};
+    QCOMPARE(stage.log.startingWith(u"[Upgrade] fetch"_s), asked.isEmpty() ? QStringList() : lines);
 }
 
 void TestSequence::isUpgradingWhileItFetches()
@@ -177,7 +179,7 @@ void TestSequence::isUpgradingWhileItFetches()
     stage.server.answer(ServerPaths::kR2PcVersion, late);
     bool upgrading = false;
     QTimer::singleShot(50, this, [&] {
-        upgrading = panel.m_isUpgrading && stage.log.startingWith(u"[Upgrade]"_qs).isEmpty();
+        upgrading = panel.m_isUpgrading && stage.log.startingWith(u"[Upgrade]"_s).isEmpty();
     });
     panel.startDownloadAndUpgrade();
     QVERIFY(upgrading);
@@ -192,11 +194,11 @@ void TestSequence::goesOnWithoutVersions()
     stage.server.answer(ServerPaths::kR2PcVersion, Server::page("no", 500));
     stage.server.answer(ServerPaths::kR2OtgVersion, Server::hangUp());
     panel.startDownloadAndUpgrade();
-    QCOMPARE(panel.m_remotePcVersion, u"104"_qs);
-    QCOMPARE(panel.m_remoteOtgVersion, u"104"_qs);
+    QCOMPARE(panel.m_remotePcVersion, u"104"_s);
+    QCOMPARE(panel.m_remoteOtgVersion, u"104"_s);
     QTRY_VERIFY(stage.log.contains(kAllDownloaded));
-    QCOMPARE(contentOf(stage.image(u"R2_PC104.bin"_qs)), QByteArray(kPcImage));
-    QCOMPARE(contentOf(stage.image(u"R2_OTG104.bin"_qs)), QByteArray(kOtgImage));
+    QCOMPARE(contentOf(stage.image(u"R2_PC104.bin"_s)), QByteArray(kPcImage));
+    QCOMPARE(contentOf(stage.image(u"R2_OTG104.bin"_s)), QByteArray(kOtgImage));
 }
 
 QTEST_MAIN(TestSequence)

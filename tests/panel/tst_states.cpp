@@ -6,6 +6,8 @@
 #include <QTest>
 #include <QTextEdit>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr char kWhite[]
@@ -37,7 +39,7 @@ struct Prepared : PanelStage {
         panel->show();
         panel->m_upgradePlan = plan;
         panel->m_devicePcVersion = pcVersion;
-        panel->m_remotePcVersion = u"2.0.0"_qs;
+        panel->m_remotePcVersion = u"2.0.0"_s;
         panel->m_progressBar->setBackgroundColor(Qt::black);
         Screen::showOnly(*panel, visible);
     }
@@ -109,14 +111,14 @@ void TestStates::theFailureScreenStays()
     QFETCH(bool, failureRetry);
     QFETCH(bool, autoRecover);
     QFETCH(bool, stays);
-    Prepared stage(UpgradePlan::Both, u"1.2.3"_qs, {});
+    Prepared stage(UpgradePlan::Both, u"1.2.3"_s, {});
     FirmwareUpgradeWidget &panel = *stage.panel;
     panel.m_inFailureRetry = failureRetry;
     panel.m_autoRecoverRunning = autoRecover;
     const QStringList before = Screen::everything(panel);
     stage.log.clear();
     panel.updateUIByUpgradeState();
-    QCOMPARE(stage.log.contains(u"[updateUIByUpgradeState] 当前处于失败重试状态，跳过UI更新"_qs), stays);
+    QCOMPARE(stage.log.contains(u"[updateUIByUpgradeState] 当前处于失败重试状态，跳过UI更新"_s), stays);
     QCOMPARE(Screen::everything(panel) == before, stays);
     QCOMPARE(stage.server.paths().isEmpty(), stays);
 }
@@ -129,19 +131,19 @@ void TestStates::showsTheVersions_data()
     QTest::addColumn<QString>("newVersion");
     QTest::addColumn<QString>("currentVersion");
     QTest::newRow("both known, nothing planned")
-        << 0 << u"1.2.3"_qs << u"1.2.0"_qs << u"V1.2.3"_qs << u"V1.2.0"_qs;
+        << 0 << u"1.2.3"_s << u"1.2.0"_s << u"V1.2.3"_s << u"V1.2.0"_s;
     QTest::newRow("both known, upgrade planned")
-        << 1 << u"1.2.3"_qs << u"1.2.0"_qs << u"V1.2.3"_qs << u"V1.2.0"_qs;
-    QTest::newRow("server's unknown") << 0 << QString() << u"1.2.0"_qs << u"former"_qs << u"V1.2.0"_qs;
-    QTest::newRow("device's unknown") << 0 << u"1.2.3"_qs << QString() << u"V1.2.3"_qs << u"former"_qs;
-    QTest::newRow("none known") << 3 << QString() << QString() << u"former"_qs << u"former"_qs;
+        << 1 << u"1.2.3"_s << u"1.2.0"_s << u"V1.2.3"_s << u"V1.2.0"_s;
+    QTest::newRow("server's unknown") << 0 << QString() << u"1.2.0"_s << u"former"_s << u"V1.2.0"_s;
+    QTest::newRow("device's unknown") << 0 << u"1.2.3"_s << QString() << u"V1.2.3"_s << u"former"_s;
+    QTest::newRow("none known") << 3 << QString() << QString() << u"former"_s << u"former"_s;
     QTest::newRow("the server's failure answer, nothing planned")
-        << 0 << u"104"_qs << u"1.2.0"_qs << u"V104"_qs << u"V1.2.0"_qs;
+        << 0 << u"104"_s << u"1.2.0"_s << u"V104"_s << u"V1.2.0"_s;
     QTest::newRow("the server's failure answer, upgrade planned")
-        << 3 << u"104"_qs << u"1.2.0"_qs << u"V104"_qs << u"V1.2.0"_qs;
+        << 3 << u"104"_s << u"1.2.0"_s << u"V104"_s << u"V1.2.0"_s;
     QTest::newRow("the server's failure answer, device too old")
-        << 3 << u"104"_qs << u"1.0.0"_qs << u"V104"_qs << u"V1.0.0"_qs;
-    QTest::newRow("no plan of ours") << 4 << u"1.2.3"_qs << u"1.2.0"_qs << u"V1.2.3"_qs << u"V1.2.0"_qs;
+        << 3 << u"104"_s << u"1.0.0"_s << u"V104"_s << u"V1.0.0"_s;
+    QTest::newRow("no plan of ours") << 4 << u"1.2.3"_s << u"1.2.0"_s << u"V1.2.3"_s << u"V1.2.0"_s;
 }
 
 void TestStates::showsTheVersions()
@@ -153,13 +155,13 @@ void TestStates::showsTheVersions()
     QFETCH(QString, currentVersion);
     const PanelStage stage;
     FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.m_newVerLb->setText(u"former"_qs);
-    panel.m_curVerLb->setText(u"former"_qs);
+    panel.m_newVerLb->setText(u"former"_s);
+    panel.m_curVerLb->setText(u"former"_s);
     panel.m_upgradePlan = UpgradePlan(plan);
     panel.m_remotePcVersion = remote;
     panel.m_devicePcVersion = device;
-    panel.m_remoteOtgVersion = u"7.7.7"_qs;
-    panel.m_deviceOtgVersion = u"6.6.6"_qs;
+    panel.m_remoteOtgVersion = u"7.7.7"_s;
+    panel.m_deviceOtgVersion = u"6.6.6"_s;
     panel.updateUIByUpgradeState();
     QCOMPARE(panel.m_newVerLb->text(), newVersion);
     QCOMPARE(panel.m_curVerLb->text(), currentVersion);
@@ -167,10 +169,10 @@ void TestStates::showsTheVersions()
 
 void TestStates::anUnknownPlanChangesTheVersionsOnly()
 {
-    const Prepared stage(UpgradePlan(4), u"1.0.0"_qs, {});
+    const Prepared stage(UpgradePlan(4), u"1.0.0"_s, {});
     FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.m_newVerLb->setText(u"V2.0.0"_qs);
-    panel.m_curVerLb->setText(u"V1.0.0"_qs);
+    panel.m_newVerLb->setText(u"V2.0.0"_s);
+    panel.m_curVerLb->setText(u"V1.0.0"_s);
     const QStringList before = Screen::everything(panel);
     panel.updateUIByUpgradeState();
     QCOMPARE(Screen::everything(panel), before);
@@ -226,8 +228,8 @@ void TestStates::choosesTheScreen()
     panel.updateUIByUpgradeState();
     QCOMPARE(shownScreen(panel), screen);
     const QString blocked
-        = u"[VersionCheck] firmware too old, upgrade blocked. PC:"_qs + pc + u" OTG:"_qs + otg;
-    QCOMPARE(stage.log.startingWith(u"[VersionCheck]"_qs),
+        = u"[VersionCheck] firmware too old, upgrade blocked. PC:"_s + pc + u" OTG:"_s + otg;
+    QCOMPARE(stage.log.startingWith(u"[VersionCheck]"_s),
              screen == Shown::TooOld ? QStringList{blocked} : QStringList());
 }
 
@@ -235,12 +237,12 @@ void TestStates::upToDate()
 {
     const PanelStage stage;
     FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.m_devicePcVersion = panel.m_remotePcVersion = u"2.0.0"_qs;
-    panel.m_notesEdit->setPlainText(u"former notes"_qs);
+    panel.m_devicePcVersion = panel.m_remotePcVersion = u"2.0.0"_s;
+    panel.m_notesEdit->setPlainText(u"former notes"_s);
     panel.updateUIByUpgradeState();
     QCOMPARE(shownScreen(panel), Shown::UpToDate);
-    QCOMPARE(panel.m_notesEdit->toPlainText(), u"--"_qs);
-    QCOMPARE(panel.m_upgradeTextLb->text(), u"立即升级"_qs);
+    QCOMPARE(panel.m_notesEdit->toPlainText(), u"--"_s);
+    QCOMPARE(panel.m_upgradeTextLb->text(), u"立即升级"_s);
     QCOMPARE(panel.m_upgradeTextLb->styleSheet(), QLatin1String(kDimmed));
     QCOMPARE(stage.server.paths(), QStringList());
     for (const QLabel *visible :
@@ -250,17 +252,17 @@ void TestStates::upToDate()
 
 void TestStates::upToDateChangesInOrder()
 {
-    const QStringList hiddenThen{u"m_tooOldLb"_qs, u"m_offlineToolIconLb"_qs, u"m_offlineToolTipLb"_qs,
-                                 u"m_offlineToolLinkLb"_qs};
-    const QStringList hiddenLater{u"m_newVerTitleLb"_qs, u"m_newVerDotLb"_qs, u"m_newVerLb"_qs,
-                                  u"m_doneIconLb"_qs,    u"m_doneLb"_qs,      u"m_rocketLb"_qs};
-    const QStringList hiddenLast{u"upgradeProgDisPlay"_qs};
-    const Prepared stage(UpgradePlan::None, u"2.0.0"_qs, hiddenThen + hiddenLater + hiddenLast);
+    const QStringList hiddenThen{u"m_tooOldLb"_s, u"m_offlineToolIconLb"_s, u"m_offlineToolTipLb"_s,
+                                 u"m_offlineToolLinkLb"_s};
+    const QStringList hiddenLater{u"m_newVerTitleLb"_s, u"m_newVerDotLb"_s, u"m_newVerLb"_s,
+                                  u"m_doneIconLb"_s,    u"m_doneLb"_s,      u"m_rocketLb"_s};
+    const QStringList hiddenLast{u"upgradeProgDisPlay"_s};
+    const Prepared stage(UpgradePlan::None, u"2.0.0"_s, hiddenThen + hiddenLater + hiddenLast);
     const VisibilityRecorder recorder(*stage.panel);
     stage.panel->updateUIByUpgradeState();
     QCOMPARE(recorder.changes,
-             hidden(hiddenThen) + shown({u"m_noNewFirmwareLb"_qs}) + hidden(hiddenLater)
-                 + shown({u"m_upgradeTextLb"_qs}) + hidden(hiddenLast));
+             hidden(hiddenThen) + shown({u"m_noNewFirmwareLb"_s}) + hidden(hiddenLater)
+                 + shown({u"m_upgradeTextLb"_s}) + hidden(hiddenLast));
 }
 
 void TestStates::upToDateLeavesTheBarsValueAndClick_data()
@@ -287,7 +289,7 @@ void TestStates::upToDateLeavesTheBarsValueAndClick()
 
 void TestStates::available()
 {
-    const Prepared stage(UpgradePlan::Both, u"1.2.0"_qs, {});
+    const Prepared stage(UpgradePlan::Both, u"1.2.0"_s, {});
     FirmwareUpgradeWidget &panel = *stage.panel;
     ClickableProgressBar &bar = *panel.m_progressBar;
     bar.setClickable(false);
@@ -300,32 +302,32 @@ void TestStates::available()
     QCOMPARE(bar.value(), 0);
     QCOMPARE(bar.m_borderWidth, 0.0);
     QCOMPARE(bar.m_borderColor, QColor(Qt::transparent));
-    QCOMPARE(panel.m_upgradeTextLb->text(), u"立即升级"_qs);
+    QCOMPARE(panel.m_upgradeTextLb->text(), u"立即升级"_s);
     QCOMPARE(panel.m_upgradeTextLb->styleSheet(), QLatin1String(kWhite));
     QVERIFY(isOnTopOfTheBar(panel, panel.m_upgradeTextLb));
-    QCOMPARE(panel.m_newVerLb->text(), u"V2.0.0"_qs);
-    QCOMPARE(panel.m_notesEdit->toPlainText(), u"中文说明"_qs);
+    QCOMPARE(panel.m_newVerLb->text(), u"V2.0.0"_s);
+    QCOMPARE(panel.m_notesEdit->toPlainText(), u"中文说明"_s);
 }
 
 void TestStates::availableChangesInOrder()
 {
     const QStringList hiddenThen{
-        u"m_tooOldLb"_qs,          u"m_offlineToolIconLb"_qs, u"m_offlineToolTipLb"_qs,
-        u"m_offlineToolLinkLb"_qs, u"m_doneIconLb"_qs,        u"m_doneLb"_qs,
-        u"m_waitingIconLb"_qs,     u"m_upgradingLb"_qs,       u"m_failIconLb"_qs,
-        u"m_failTextLb"_qs,        u"upgradeProgDisPlay"_qs};
-    const QStringList hiddenLater{u"m_noNewFirmwareLb"_qs};
-    const Prepared stage(UpgradePlan::PcOnly, u"1.2.0"_qs, hiddenThen + hiddenLater);
+        u"m_tooOldLb"_s,          u"m_offlineToolIconLb"_s, u"m_offlineToolTipLb"_s,
+        u"m_offlineToolLinkLb"_s, u"m_doneIconLb"_s,        u"m_doneLb"_s,
+        u"m_waitingIconLb"_s,     u"m_upgradingLb"_s,       u"m_failIconLb"_s,
+        u"m_failTextLb"_s,        u"upgradeProgDisPlay"_s};
+    const QStringList hiddenLater{u"m_noNewFirmwareLb"_s};
+    const Prepared stage(UpgradePlan::PcOnly, u"1.2.0"_s, hiddenThen + hiddenLater);
     const VisibilityRecorder recorder(*stage.panel);
     stage.panel->updateUIByUpgradeState();
     QCOMPARE(recorder.changes,
-             hidden(hiddenThen) + shown({u"m_rocketLb"_qs, u"m_upgradeTextLb"_qs}) + hidden(hiddenLater)
-                 + shown({u"m_newVerTitleLb"_qs, u"m_newVerDotLb"_qs, u"m_newVerLb"_qs, u"m_notesEdit"_qs}));
+             hidden(hiddenThen) + shown({u"m_rocketLb"_s, u"m_upgradeTextLb"_s}) + hidden(hiddenLater)
+                 + shown({u"m_newVerTitleLb"_s, u"m_newVerDotLb"_s, u"m_newVerLb"_s, u"m_notesEdit"_s}));
 }
 
 void TestStates::tooOld()
 {
-    const Prepared stage(UpgradePlan::PcOnly, u"1.0.9"_qs, {});
+    const Prepared stage(UpgradePlan::PcOnly, u"1.0.9"_s, {});
     FirmwareUpgradeWidget &panel = *stage.panel;
     panel.m_progressBar->setClickable(true);
     panel.m_progressBar->setValue(42);
@@ -334,23 +336,23 @@ void TestStates::tooOld()
     QVERIFY(!panel.m_progressBar->isClickable());
     QCOMPARE(panel.m_progressBar->value(), 42);
     QVERIFY(isOnTopOfTheBar(panel, panel.m_tooOldLb));
-    QCOMPARE(panel.m_newVerLb->text(), u"V2.0.0"_qs);
-    QCOMPARE(panel.m_notesEdit->toPlainText(), u"中文说明"_qs);
+    QCOMPARE(panel.m_newVerLb->text(), u"V2.0.0"_s);
+    QCOMPARE(panel.m_notesEdit->toPlainText(), u"中文说明"_s);
 }
 
 void TestStates::tooOldChangesInOrder()
 {
-    const QStringList hiddenThen{u"m_rocketLb"_qs, u"m_upgradeTextLb"_qs};
-    const QStringList hiddenLater{u"upgradeProgDisPlay"_qs, u"m_noNewFirmwareLb"_qs};
-    const QStringList hiddenLast{u"m_doneIconLb"_qs, u"m_doneLb"_qs};
-    const Prepared stage(UpgradePlan::PcOnly, u"1.0.9"_qs, hiddenThen + hiddenLater + hiddenLast);
+    const QStringList hiddenThen{u"m_rocketLb"_s, u"m_upgradeTextLb"_s};
+    const QStringList hiddenLater{u"upgradeProgDisPlay"_s, u"m_noNewFirmwareLb"_s};
+    const QStringList hiddenLast{u"m_doneIconLb"_s, u"m_doneLb"_s};
+    const Prepared stage(UpgradePlan::PcOnly, u"1.0.9"_s, hiddenThen + hiddenLater + hiddenLast);
     const VisibilityRecorder recorder(*stage.panel);
     stage.panel->updateUIByUpgradeState();
     QCOMPARE(recorder.changes,
-             hidden(hiddenThen) + shown({u"m_tooOldLb"_qs}) + hidden(hiddenLater)
-                 + shown({u"m_newVerTitleLb"_qs, u"m_newVerDotLb"_qs, u"m_newVerLb"_qs}) + hidden(hiddenLast)
-                 + shown({u"m_offlineToolIconLb"_qs, u"m_offlineToolTipLb"_qs, u"m_offlineToolLinkLb"_qs,
-                          u"m_notesEdit"_qs}));
+             hidden(hiddenThen) + shown({u"m_tooOldLb"_s}) + hidden(hiddenLater)
+                 + shown({u"m_newVerTitleLb"_s, u"m_newVerDotLb"_s, u"m_newVerLb"_s}) + hidden(hiddenLast)
+                 + shown({u"m_offlineToolIconLb"_s, u"m_offlineToolTipLb"_s, u"m_offlineToolLinkLb"_s,
+                          u"m_notesEdit"_s}));
 }
 
 void TestStates::centresTheOfflineToolLine_data()
@@ -363,7 +365,7 @@ void TestStates::centresTheOfflineToolLine_data()
 void TestStates::centresTheOfflineToolLine()
 {
     QFETCH(Language, language);
-    const Prepared stage(UpgradePlan::PcOnly, u"1.0.9"_qs, {});
+    const Prepared stage(UpgradePlan::PcOnly, u"1.0.9"_s, {});
     FirmwareUpgradeWidget &panel = *stage.panel;
     QuillonFirmwareUpgrade::setLanguage(language);
     for (QLabel *label : {panel.m_offlineToolIconLb, panel.m_offlineToolTipLb, panel.m_offlineToolLinkLb})
@@ -386,13 +388,13 @@ void TestStates::placesTheUpgradeText_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<QRect>("place");
     QTest::newRow("up to date, Chinese")
-        << Language::Chinese << UpgradePlan::None << u"立即升级"_qs << QRect(172, 13, 64, 21);
+        << Language::Chinese << UpgradePlan::None << u"立即升级"_s << QRect(172, 13, 64, 21);
     QTest::newRow("up to date, English")
-        << Language::English << UpgradePlan::None << u"Update Now"_qs << QRect(156, 13, 105, 21);
+        << Language::English << UpgradePlan::None << u"Update Now"_s << QRect(156, 13, 105, 21);
     QTest::newRow("available, Chinese")
-        << Language::Chinese << UpgradePlan::Both << u"立即升级"_qs << QRect(186, 13, 64, 21);
+        << Language::Chinese << UpgradePlan::Both << u"立即升级"_s << QRect(186, 13, 64, 21);
     QTest::newRow("available, English")
-        << Language::English << UpgradePlan::Both << u"Update Now"_qs << QRect(170, 13, 105, 21);
+        << Language::English << UpgradePlan::Both << u"Update Now"_s << QRect(170, 13, 105, 21);
 }
 
 void TestStates::placesTheUpgradeText()
@@ -401,15 +403,15 @@ void TestStates::placesTheUpgradeText()
     QFETCH(UpgradePlan, plan);
     QFETCH(QString, text);
     QFETCH(QRect, place);
-    const Prepared stage(plan, u"1.2.0"_qs, {});
+    const Prepared stage(plan, u"1.2.0"_s, {});
     QuillonFirmwareUpgrade::setLanguage(language);
     QLabel *label = stage.panel->m_upgradeTextLb;
-    label->setText(u"former"_qs);
+    label->setText(u"former"_s);
     label->setGeometry(0, 0, 7, 7);
     stage.panel->updateUIByUpgradeState();
     QCOMPARE(label->text(), text);
     QCOMPARE(label->geometry(), place);
-    QVERIFY2(label->styleSheet().contains(u"\"Microsoft YaHei\""_qs),
+    QVERIFY2(label->styleSheet().contains(u"\"Microsoft YaHei\""_s),
              "both styles name this family in either language");
 }
 

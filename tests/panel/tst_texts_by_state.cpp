@@ -4,6 +4,7 @@
 #include <QTest>
 #include <QTextEdit>
 
+using namespace Qt::StringLiterals;
 using QuillonFirmwareUpgrade::setLanguage;
 
 namespace {
@@ -49,11 +50,11 @@ void TestTextsByState::saysWhetherAnUpgradeIsPlanned_data()
 {
     QTest::addColumn<int>("plan");
     QTest::addColumn<QString>("line");
-    QTest::newRow("None") << 0 << u" ####retranslateUI isNeedUpgrade is: false"_qs;
-    QTest::newRow("PcOnly") << 1 << u" ####retranslateUI isNeedUpgrade is: true"_qs;
-    QTest::newRow("OtgOnly") << 2 << u" ####retranslateUI isNeedUpgrade is: true"_qs;
-    QTest::newRow("Both") << 3 << u" ####retranslateUI isNeedUpgrade is: true"_qs;
-    QTest::newRow("no plan of ours") << 4 << u" ####retranslateUI isNeedUpgrade is: false"_qs;
+    QTest::newRow("None") << 0 << u" ####retranslateUI isNeedUpgrade is: false"_s;
+    QTest::newRow("PcOnly") << 1 << u" ####retranslateUI isNeedUpgrade is: true"_s;
+    QTest::newRow("OtgOnly") << 2 << u" ####retranslateUI isNeedUpgrade is: true"_s;
+    QTest::newRow("Both") << 3 << u" ####retranslateUI isNeedUpgrade is: true"_s;
+    QTest::newRow("no plan of ours") << 4 << u" ####retranslateUI isNeedUpgrade is: false"_s;
 }
 
 void TestTextsByState::saysWhetherAnUpgradeIsPlanned()
@@ -65,7 +66,7 @@ void TestTextsByState::saysWhetherAnUpgradeIsPlanned()
     stage.log.clear();
     stage.panel->retranslateUI();
     QCOMPARE(stage.log.lines(),
-             (QStringList{u"Detected language switch. The language after switching is: Chinese"_qs, line}));
+             (QStringList{u"Detected language switch. The language after switching is: Chinese"_s, line}));
 }
 
 void TestTextsByState::placesTheUpgradeText_data()
@@ -124,18 +125,18 @@ void TestTextsByState::placesTheUpgradeText()
     const QLabel &label = *panel.m_upgradeTextLb;
     setLanguage(Language::English);
     QCOMPARE(label.geometry(), english);
-    QCOMPARE(label.text(), retry ? u"I've replugged the device. Restart update."_qs : u"Update Now"_qs);
+    QCOMPARE(label.text(), retry ? u"I've replugged the device. Restart update."_s : u"Update Now"_s);
     QCOMPARE(label.styleSheet(), retry ? retryStyle("Segoe UI") : formerStyle);
     setLanguage(Language::Chinese);
     QCOMPARE(label.geometry(), chinese);
-    QCOMPARE(label.text(), retry ? u"我已拔插设备，重新升级"_qs : u"立即升级"_qs);
+    QCOMPARE(label.text(), retry ? u"我已拔插设备，重新升级"_s : u"立即升级"_s);
     QCOMPARE(label.styleSheet(), retry ? retryStyle("Microsoft YaHei") : formerStyle);
 }
 
 void TestTextsByState::leavesTheStyleOfTheUpgradeText()
 {
     const PanelStage stage;
-    const QString style = u"QLabel{color:rgba(1,2,3,1);}"_qs;
+    const QString style = u"QLabel{color:rgba(1,2,3,1);}"_s;
     stage.panel->m_upgradeTextLb->setStyleSheet(style);
     setLanguage(Language::English);
     QCOMPARE(stage.panel->m_upgradeTextLb->styleSheet(), style);
@@ -155,14 +156,14 @@ void TestTextsByState::fillsTheNotes_data()
                         const QString &englishNotes, const QString &shown) {
         QTest::newRow(name) << language << plan << notes << englishNotes << shown;
     };
-    const QString chinese = u"1. 修复若干问题\n2. 提升稳定性"_qs;
-    const QString english = u"1. Fixes\n2. Stability"_qs;
-    const QString former = u"what stood there"_qs;
+    const QString chinese = u"1. 修复若干问题\n2. 提升稳定性"_s;
+    const QString english = u"1. Fixes\n2. Stability"_s;
+    const QString former = u"what stood there"_s;
     row("Chinese notes of a planned PC upgrade", Language::Chinese, 1, chinese, english, chinese);
     row("Chinese notes of a planned OTG upgrade", Language::Chinese, 2, chinese, english, chinese);
     row("English notes of a planned upgrade of both", Language::English, 3, chinese, english, english);
-    row("a dash when nothing is planned", Language::Chinese, 0, chinese, english, u"--"_qs);
-    row("a dash in English too", Language::English, 0, chinese, english, u"--"_qs);
+    row("a dash when nothing is planned", Language::Chinese, 0, chinese, english, u"--"_s);
+    row("a dash in English too", Language::English, 0, chinese, english, u"--"_s);
     row("no Chinese notes: the box keeps its text", Language::Chinese, 3, {}, english, former);
     row("no English notes: the box keeps its text", Language::English, 3, chinese, {}, former);
     row("no notes and nothing planned: the box keeps its text", Language::English, 0, chinese, {}, former);
@@ -177,7 +178,7 @@ void TestTextsByState::fillsTheNotes()
     QFETCH(QString, englishNotes);
     QFETCH(QString, shown);
     const PanelStage stage;
-    stage.panel->m_notesEdit->setPlainText(u"what stood there"_qs);
+    stage.panel->m_notesEdit->setPlainText(u"what stood there"_s);
     stage.panel->m_upgradePlan = UpgradePlan(plan);
     networking_class::getInstance()->f_remark = chineseNotes;
     networking_class::getInstance()->f_remark_en = englishNotes;
@@ -189,8 +190,8 @@ void TestTextsByState::asksNoServer()
 {
     const PanelStage stage;
     stage.panel->m_upgradePlan = UpgradePlan::Both;
-    stage.panel->m_devicePcVersion = u"1.1.1"_qs;
-    networking_class::getInstance()->f_remark_en = u"notes"_qs;
+    stage.panel->m_devicePcVersion = u"1.1.1"_s;
+    networking_class::getInstance()->f_remark_en = u"notes"_s;
     setLanguage(Language::English);
     QCoreApplication::processEvents();
     QCOMPARE(stage.server.paths(), QStringList());
@@ -204,29 +205,29 @@ void TestTextsByState::tellsWhereToConnect_data()
     QTest::addColumn<QStringList>("chinese");
     QTest::addColumn<QStringList>("english");
 
-    const QString usb = u"正在检测USB接入..."_qs;
-    const QString otg = u"正在检测OTG接入..."_qs;
-    const QString usbEnglish = u"Detecting USB connection..."_qs;
-    const QString otgEnglish = u"Detecting OTG connection..."_qs;
-    const QStringList r1Usb{usb, u"请使用USB线连接图示USB口和电脑，\n接入后自动完成升级。"_qs};
+    const QString usb = u"正在检测USB接入..."_s;
+    const QString otg = u"正在检测OTG接入..."_s;
+    const QString usbEnglish = u"Detecting USB connection..."_s;
+    const QString otgEnglish = u"Detecting OTG connection..."_s;
+    const QStringList r1Usb{usb, u"请使用USB线连接图示USB口和电脑，\n接入后自动完成升级。"_s};
     const QStringList r1UsbEnglish{
         usbEnglish,
         u"Please use a USB cable to connect the illustrated \nUSB port to the computer. The "
-        "upgrade will be\n completed automatically upon connection."_qs};
-    const QStringList r2Usb{usb, u"请使用配件附带USB线接入图示DC-5V和USB-C口，\n开始固件升级。"_qs};
+        "upgrade will be\n completed automatically upon connection."_s};
+    const QStringList r2Usb{usb, u"请使用配件附带USB线接入图示DC-5V和USB-C口，\n开始固件升级。"_s};
     const QStringList r2UsbEnglish{
         usbEnglish,
         u"To start the firmware update, use the provided USB\n cables to connect the "
-        "DC-5V and USB-C ports as\nshown."_qs};
-    const QStringList r1Otg{otg, u"请使用配件附带的USB线，接入并保持USB-C和OTG口\n与电脑的连接。"_qs};
+        "DC-5V and USB-C ports as\nshown."_s};
+    const QStringList r1Otg{otg, u"请使用配件附带的USB线，接入并保持USB-C和OTG口\n与电脑的连接。"_s};
     const QStringList r1OtgEnglish{
         otgEnglish,
         u"Please use the USB cable provided with the \naccessory to connect and maintain the "
-        "connection\n between the USB-C and OTG port to the computer."_qs};
-    const QStringList r2Otg{otg, u"请使用配件附带USB线接入图示DC-5V和OTG口,\n继续完成升级。"_qs};
+        "connection\n between the USB-C and OTG port to the computer."_s};
+    const QStringList r2Otg{otg, u"请使用配件附带USB线接入图示DC-5V和OTG口,\n继续完成升级。"_s};
     const QStringList r2OtgEnglish{otgEnglish,
                                    u"To continue and complete the update, use the provided\nUSB cables to "
-                                   "connect the DC-5V and OTG ports as\nshown."_qs};
+                                   "connect the DC-5V and OTG ports as\nshown."_s};
 
     QTest::newRow("R1, nothing planned") << 0 << false << DeviceModel::R1 << r1Usb << r1UsbEnglish;
     QTest::newRow("R2, nothing planned") << 0 << false << DeviceModel::R2 << r2Usb << r2UsbEnglish;
@@ -264,7 +265,7 @@ void TestTextsByState::laysOutTheWaitingLine()
     const PanelStage stage;
     stage.panel->m_isWaitingForUSB = false;
     setLanguage(Language::English);
-    QCOMPARE(stage.panel->m_upgradingLb->text(), u"Updating... Do not turn off the device."_qs);
+    QCOMPARE(stage.panel->m_upgradingLb->text(), u"Updating... Do not turn off the device."_s);
     QCOMPARE(stage.panel->m_upgradingLb->geometry(), QRect(76, 13, 310, 21));
     QCOMPARE(stage.panel->m_waitingIconLb->geometry(), QRect(44, 12, 24, 24));
 }

@@ -6,6 +6,7 @@
 
 #include <QTest>
 
+using namespace Qt::StringLiterals;
 using namespace QuillonFirmwareUpgrade;
 
 namespace {
@@ -41,36 +42,36 @@ void VersionsTest::compare_data()
     QTest::addColumn<QString>("a");
     QTest::addColumn<QString>("b");
     QTest::addColumn<int>("order");
-    QTest::newRow("the same") << u"1.1.1"_qs << u"1.1.1"_qs << kEqual;
-    QTest::newRow("patch") << u"1.1.1"_qs << u"1.1.2"_qs << kOlder;
-    QTest::newRow("minor counts before patch") << u"1.1.9"_qs << u"1.2.0"_qs << kOlder;
-    QTest::newRow("major counts before minor") << u"1.9.9"_qs << u"2.0.0"_qs << kOlder;
-    QTest::newRow("by number, not by letter: 1.10 is newer than 1.9") << u"1.10"_qs << u"1.9"_qs << kNewer;
-    QTest::newRow("a missing part is 0: 1.2 equals 1.2.0") << u"1.2"_qs << u"1.2.0"_qs << kEqual;
-    QTest::newRow("a missing part is 0: 1.2 is older than 1.2.1") << u"1.2"_qs << u"1.2.1"_qs << kOlder;
-    QTest::newRow("a fourth part counts") << u"1.2.3.1"_qs << u"1.2.3"_qs << kNewer;
-    QTest::newRow("letters are 0: 1.x.3 equals 1.0.3") << u"1.x.3"_qs << u"1.0.3"_qs << kEqual;
-    QTest::newRow("a number with letters behind it is 0") << u"1.2a.3"_qs << u"1.0.3"_qs << kEqual;
-    QTest::newRow("an empty part is kept and is 0: 1..2 equals 1.0.2") << u"1..2"_qs << u"1.0.2"_qs << kEqual;
-    QTest::newRow("an empty part is kept: 1..2 is not 1.2") << u"1..2"_qs << u"1.2"_qs << kOlder;
-    QTest::newRow("a leading dot is an empty part") << u".1"_qs << u"0.1"_qs << kEqual;
-    QTest::newRow("a trailing dot is an empty part") << u"1.1."_qs << u"1.1.0"_qs << kEqual;
-    QTest::newRow("only dots") << u"..."_qs << u"0"_qs << kEqual;
-    QTest::newRow("both empty") << QString() << u""_qs << kEqual;
-    QTest::newRow("empty is 0") << QString() << u"0.0.0"_qs << kEqual;
-    QTest::newRow("empty is older than anything above 0") << QString() << u"0.0.1"_qs << kOlder;
-    QTest::newRow("leading zeros do not count") << u"01.002.3"_qs << u"1.2.03"_qs << kEqual;
-    QTest::newRow("not octal") << u"1.010.0"_qs << u"1.8.0"_qs << kNewer;
-    QTest::newRow("not hexadecimal") << u"1.0x10.0"_qs << u"1.0.0"_qs << kEqual;
-    QTest::newRow("signed: -1.0.0 is older than 0.0.0") << u"-1.0.0"_qs << u"0.0.0"_qs << kOlder;
-    QTest::newRow("signed: -2 is older than -1") << u"-2.9"_qs << u"-1.0"_qs << kOlder;
-    QTest::newRow("the largest number") << u"2147483647.0"_qs << u"2147483646.9"_qs << kNewer;
+    QTest::newRow("the same") << u"1.1.1"_s << u"1.1.1"_s << kEqual;
+    QTest::newRow("patch") << u"1.1.1"_s << u"1.1.2"_s << kOlder;
+    QTest::newRow("minor counts before patch") << u"1.1.9"_s << u"1.2.0"_s << kOlder;
+    QTest::newRow("major counts before minor") << u"1.9.9"_s << u"2.0.0"_s << kOlder;
+    QTest::newRow("by number, not by letter: 1.10 is newer than 1.9") << u"1.10"_s << u"1.9"_s << kNewer;
+    QTest::newRow("a missing part is 0: 1.2 equals 1.2.0") << u"1.2"_s << u"1.2.0"_s << kEqual;
+    QTest::newRow("a missing part is 0: 1.2 is older than 1.2.1") << u"1.2"_s << u"1.2.1"_s << kOlder;
+    QTest::newRow("a fourth part counts") << u"1.2.3.1"_s << u"1.2.3"_s << kNewer;
+    QTest::newRow("letters are 0: 1.x.3 equals 1.0.3") << u"1.x.3"_s << u"1.0.3"_s << kEqual;
+    QTest::newRow("a number with letters behind it is 0") << u"1.2a.3"_s << u"1.0.3"_s << kEqual;
+    QTest::newRow("an empty part is kept and is 0: 1..2 equals 1.0.2") << u"1..2"_s << u"1.0.2"_s << kEqual;
+    QTest::newRow("an empty part is kept: 1..2 is not 1.2") << u"1..2"_s << u"1.2"_s << kOlder;
+    QTest::newRow("a leading dot is an empty part") << u".1"_s << u"0.1"_s << kEqual;
+    QTest::newRow("a trailing dot is an empty part") << u"1.1."_s << u"1.1.0"_s << kEqual;
+    QTest::newRow("only dots") << u"..."_s << u"0"_s << kEqual;
+    QTest::newRow("both empty") << QString() << u""_s << kEqual;
+    QTest::newRow("empty is 0") << QString() << u"0.0.0"_s << kEqual;
+    QTest::newRow("empty is older than anything above 0") << QString() << u"0.0.1"_s << kOlder;
+    QTest::newRow("leading zeros do not count") << u"01.002.3"_s << u"1.2.03"_s << kEqual;
+    QTest::newRow("not octal") << u"1.010.0"_s << u"1.8.0"_s << kNewer;
+    QTest::newRow("not hexadecimal") << u"1.0x10.0"_s << u"1.0.0"_s << kEqual;
+    QTest::newRow("signed: -1.0.0 is older than 0.0.0") << u"-1.0.0"_s << u"0.0.0"_s << kOlder;
+    QTest::newRow("signed: -2 is older than -1") << u"-2.9"_s << u"-1.0"_s << kOlder;
+    QTest::newRow("the largest number") << u"2147483647.0"_s << u"2147483646.9"_s << kNewer;
     QTest::newRow("lowest against largest does not wrap around")
-        << u"-2147483648"_qs << u"2147483647"_qs << kOlder;
-    QTest::newRow("beyond an int is no number") << u"99999999999.1"_qs << u"0.1"_qs << kEqual;
-    QTest::newRow("the first difference decides") << u"2.0.0"_qs << u"1.9.9"_qs << kNewer;
-    QTest::newRow("text without a number") << u"abc"_qs << u"0.0"_qs << kEqual;
-    QTest::newRow("other digits are no digits") << u"１.２"_qs << u"0.0"_qs << kEqual;
+        << u"-2147483648"_s << u"2147483647"_s << kOlder;
+    QTest::newRow("beyond an int is no number") << u"99999999999.1"_s << u"0.1"_s << kEqual;
+    QTest::newRow("the first difference decides") << u"2.0.0"_s << u"1.9.9"_s << kNewer;
+    QTest::newRow("text without a number") << u"abc"_s << u"0.0"_s << kEqual;
+    QTest::newRow("other digits are no digits") << u"１.２"_s << u"0.0"_s << kEqual;
     QTest::newRow("thousands of parts") << QString(5000, u'.') << QString(4999, u'.') << kEqual;
 }
 
@@ -90,9 +91,9 @@ void VersionsTest::panelComparesByTheSameRule()
     const Sandbox sandbox;
     FirmwareUpgradeWidget panel;
 
-    QCOMPARE(panel.compareVersion(u"1.9"_qs, u"1.10"_qs), kOlder);
-    QCOMPARE(panel.compareVersion(u"1.10"_qs, u"1.9"_qs), kNewer);
-    QCOMPARE(panel.compareVersion(u"1.x.3"_qs, u"1.0.3"_qs), kEqual);
+    QCOMPARE(panel.compareVersion(u"1.9"_s, u"1.10"_s), kOlder);
+    QCOMPARE(panel.compareVersion(u"1.10"_s, u"1.9"_s), kNewer);
+    QCOMPARE(panel.compareVersion(u"1.x.3"_s, u"1.0.3"_s), kEqual);
     QCOMPARE(panel.compareVersion(QString(), QString()), kEqual);
 }
 
@@ -100,12 +101,12 @@ void VersionsTest::planLogNames_data()
 {
     QTest::addColumn<int>("plan");
     QTest::addColumn<QString>("name");
-    QTest::newRow("None reads OtgOnly") << 0 << u"OtgOnly"_qs;
-    QTest::newRow("PcOnly") << 1 << u"PcOnly"_qs;
-    QTest::newRow("OtgOnly") << 2 << u"OtgOnly"_qs;
-    QTest::newRow("Both") << 3 << u"Both"_qs;
-    QTest::newRow("4 reads OtgOnly") << 4 << u"OtgOnly"_qs;
-    QTest::newRow("-1 reads OtgOnly") << -1 << u"OtgOnly"_qs;
+    QTest::newRow("None reads OtgOnly") << 0 << u"OtgOnly"_s;
+    QTest::newRow("PcOnly") << 1 << u"PcOnly"_s;
+    QTest::newRow("OtgOnly") << 2 << u"OtgOnly"_s;
+    QTest::newRow("Both") << 3 << u"Both"_s;
+    QTest::newRow("4 reads OtgOnly") << 4 << u"OtgOnly"_s;
+    QTest::newRow("-1 reads OtgOnly") << -1 << u"OtgOnly"_s;
 }
 
 void VersionsTest::planLogNames()
@@ -119,14 +120,14 @@ void VersionsTest::tooOld_data()
 {
     QTest::addColumn<QString>("version");
     QTest::addColumn<bool>("isTooOld");
-    QTest::newRow("1.0.9") << u"1.0.9"_qs << true;
-    QTest::newRow("1.1.0") << u"1.1.0"_qs << true;
-    QTest::newRow("1.1 is 1.1.0") << u"1.1"_qs << true;
-    QTest::newRow("1.1.1 is allowed") << u"1.1.1"_qs << false;
-    QTest::newRow("1.1.1.0 is 1.1.1") << u"1.1.1.0"_qs << false;
-    QTest::newRow("1.1.10") << u"1.1.10"_qs << false;
-    QTest::newRow("a device without firmware") << u"0.0.0"_qs << true;
-    QTest::newRow("negative registers") << u"-1.0.0"_qs << true;
+    QTest::newRow("1.0.9") << u"1.0.9"_s << true;
+    QTest::newRow("1.1.0") << u"1.1.0"_s << true;
+    QTest::newRow("1.1 is 1.1.0") << u"1.1"_s << true;
+    QTest::newRow("1.1.1 is allowed") << u"1.1.1"_s << false;
+    QTest::newRow("1.1.1.0 is 1.1.1") << u"1.1.1.0"_s << false;
+    QTest::newRow("1.1.10") << u"1.1.10"_s << false;
+    QTest::newRow("a device without firmware") << u"0.0.0"_s << true;
+    QTest::newRow("negative registers") << u"-1.0.0"_s << true;
     QTest::newRow("not known yet never blocks") << QString() << false;
 }
 
@@ -142,11 +143,11 @@ void VersionsTest::upToDate_data()
     QTest::addColumn<QString>("device");
     QTest::addColumn<QString>("remote");
     QTest::addColumn<bool>("isUpToDate");
-    QTest::newRow("equal") << u"1.2.3"_qs << u"1.2.3"_qs << true;
-    QTest::newRow("device newer") << u"1.2.4"_qs << u"1.2.3"_qs << true;
-    QTest::newRow("device older") << u"1.2.2"_qs << u"1.2.3"_qs << false;
-    QTest::newRow("device not known") << QString() << u"1.2.3"_qs << false;
-    QTest::newRow("server not known") << u"1.2.3"_qs << QString() << false;
+    QTest::newRow("equal") << u"1.2.3"_s << u"1.2.3"_s << true;
+    QTest::newRow("device newer") << u"1.2.4"_s << u"1.2.3"_s << true;
+    QTest::newRow("device older") << u"1.2.2"_s << u"1.2.3"_s << false;
+    QTest::newRow("device not known") << QString() << u"1.2.3"_s << false;
+    QTest::newRow("server not known") << u"1.2.3"_s << QString() << false;
     QTest::newRow("neither known") << QString() << QString() << false;
 }
 

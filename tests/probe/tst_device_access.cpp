@@ -13,6 +13,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
 using HIDCommunicator::OrvikHIDManager;
 
 namespace {
@@ -74,7 +75,7 @@ void DeviceAccessTest::filesAreDenied()
     QFETCH(int, mode);
     QTemporaryDir folder;
     QVERIFY(QFile::setPermissions(folder.path(), QFile::Permissions(0x7777)));
-    QFile file(folder.filePath(u"hidraw0"_qs));
+    QFile file(folder.filePath(u"hidraw0"_s));
     QVERIFY(file.open(QIODevice::WriteOnly));
     // The digits of QFile::Permissions are those of chmod, in hexadecimal, the user's twice.
     const int other = mode & 7;
@@ -82,14 +83,14 @@ void DeviceAccessTest::filesAreDenied()
 
     const AsOrdinaryUser user;
     QTEST(DeviceAccess::isFileDenied(file.fileName()), "denied");
-    QVERIFY(!DeviceAccess::isFileDenied(folder.filePath(u"hidraw1"_qs))); // not there: nothing is missing
+    QVERIFY(!DeviceAccess::isFileDenied(folder.filePath(u"hidraw1"_s))); // not there: nothing is missing
 }
 
 void DeviceAccessTest::pathsThatAreNoDeviceAreNotDenied_data()
 {
     QTest::addColumn<QString>("path");
     QTest::newRow("nothing") << QString();
-    QTest::newRow("a file of root's") << u"/etc/shadow"_qs;
+    QTest::newRow("a file of root's") << u"/etc/shadow"_s;
     QTest::newRow("a device that is not there")
         << QStringLiteral(R"(\\?\hid#vid_352f&pid_000e#hidraw987654#{4d1e55b2-f16f-11cf-88cb-001111000030})");
     QTest::newRow("a folder up") << QStringLiteral(
@@ -141,24 +142,24 @@ void DeviceAccessTest::rulesGrantWhatIsMissing()
         terms.append(term.key + term.sign + term.value);
     const QString vendor = QString::number(QuillonFirmwareUpgrade::kVendorId, 16);
     QCOMPARE(terms,
-             QStringList({u"SUBSYSTEM==hidraw"_qs, u"ATTRS{idVendor}=="_qs + vendor, u"MODE=0660"_qs,
-                          u"GROUP=plugdev"_qs, u"TAG+=uaccess"_qs}));
+             QStringList({u"SUBSYSTEM==hidraw"_s, u"ATTRS{idVendor}=="_s + vendor, u"MODE=0660"_s,
+                          u"GROUP=plugdev"_s, u"TAG+=uaccess"_s}));
 }
 
 void DeviceAccessTest::rulesComeBeforeThoseThatActOnTheTag()
 {
     const QString name = QFileInfo(QStringLiteral(QUILLON_UDEV_RULES)).fileName();
-    QVERIFY2(name < u"73-seat-late.rules"_qs, qPrintable(name));
-    QVERIFY2(name.endsWith(u".rules"_qs), qPrintable(name));
+    QVERIFY2(name < u"73-seat-late.rules"_s, qPrintable(name));
+    QVERIFY2(name.endsWith(u".rules"_s), qPrintable(name));
 }
 
 void DeviceAccessTest::hintNamesTheRulesFile()
 {
     const QString hint = DeviceAccess::hint();
     const QString rules = QStringLiteral(QUILLON_UDEV_RULES);
-    QVERIFY2(hint.contains(u"sudo install -D -m 644 "_qs + DeviceAccess::shellWord(rules)
-                           + u" /etc/udev/rules.d/"_qs + QFileInfo(rules).fileName()
-                           + u" && sudo udevadm control --reload && sudo udevadm trigger "_qs),
+    QVERIFY2(hint.contains(u"sudo install -D -m 644 "_s + DeviceAccess::shellWord(rules)
+                           + u" /etc/udev/rules.d/"_s + QFileInfo(rules).fileName()
+                           + u" && sudo udevadm control --reload && sudo udevadm trigger "_s),
              qPrintable(hint));
 }
 
@@ -166,11 +167,11 @@ void DeviceAccessTest::shellWords_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("word");
-    QTest::newRow("plain") << u"/opt/a-b_c.1/x"_qs << u"/opt/a-b_c.1/x"_qs;
-    QTest::newRow("a blank") << u"/my files/x"_qs << u"'/my files/x'"_qs;
-    QTest::newRow("a quote") << u"/it's/x"_qs << u"'/it'\\''s/x'"_qs;
-    QTest::newRow("what a shell would run") << u"/$(reboot)/x"_qs << u"'/$(reboot)/x'"_qs;
-    QTest::newRow("letters of another language") << u"/音/x"_qs << u"'/音/x'"_qs;
+    QTest::newRow("plain") << u"/opt/a-b_c.1/x"_s << u"/opt/a-b_c.1/x"_s;
+    QTest::newRow("a blank") << u"/my files/x"_s << u"'/my files/x'"_s;
+    QTest::newRow("a quote") << u"/it's/x"_s << u"'/it'\\''s/x'"_s;
+    QTest::newRow("what a shell would run") << u"/$(reboot)/x"_s << u"'/$(reboot)/x'"_s;
+    QTest::newRow("letters of another language") << u"/音/x"_s << u"'/音/x'"_s;
 }
 
 void DeviceAccessTest::shellWords()

@@ -10,6 +10,7 @@
 #include <QTest>
 #include <QTimer>
 
+using namespace Qt::StringLiterals;
 using QuillonFirmwareUpgrade::DeviceModel;
 using QuillonFirmwareUpgrade::FirmwareUpgradeWidget;
 using namespace std::chrono_literals;
@@ -45,10 +46,10 @@ void PanelOnTracesTest::versionsAreRead_data()
     QTest::addColumn<QString>("otgVersion");
     const auto row = [](const char *name, const QString &trace, DeviceModel model, const QString &pc,
                         const QString &otg) { QTest::newRow(name) << trace << int(model) << pc << otg; };
-    row("an R2", u"r2"_qs, DeviceModel::R2, u"1.1.1"_qs, u"1.4.2"_qs);
-    row("an R1", u"r1"_qs, DeviceModel::R1, u"1.2.0"_qs, u"0.9.9"_qs);
-    row("a checksum is not looked at", u"wrong-checksum"_qs, DeviceModel::R2, u"1.2.3"_qs, u"1.2.4"_qs);
-    row("half an answer is none", u"malformed-reply"_qs, DeviceModel::R2, QString(), u"1.4.2"_qs);
+    row("an R2", u"r2"_s, DeviceModel::R2, u"1.1.1"_s, u"1.4.2"_s);
+    row("an R1", u"r1"_s, DeviceModel::R1, u"1.2.0"_s, u"0.9.9"_s);
+    row("a checksum is not looked at", u"wrong-checksum"_s, DeviceModel::R2, u"1.2.3"_s, u"1.2.4"_s);
+    row("half an answer is none", u"malformed-reply"_s, DeviceModel::R2, QString(), u"1.4.2"_s);
 }
 
 void PanelOnTracesTest::versionsAreRead()
@@ -72,11 +73,11 @@ void PanelOnTracesTest::aDevicePulledInTheMiddleLeavesNoVersion()
     const Sandbox sandbox;
     const ScriptedHttpServer server;
     LogCapture log;
-    TraceBus::play(traceFile(u"pulled"_qs));
+    TraceBus::play(traceFile(u"pulled"_s));
     FirmwareUpgradeWidget panel;
 
-    QTRY_COMPARE(log.count(u"\n[状态] 设备已断开！定时器应该切换到1秒快速扫描"_qs), 1);
-    QCOMPARE(log.count(u" receive dfu mode is: off"_qs), 1);
+    QTRY_COMPARE(log.count(u"\n[状态] 设备已断开！定时器应该切换到1秒快速扫描"_s), 1);
+    QCOMPARE(log.count(u" receive dfu mode is: off"_s), 1);
     QCOMPARE(panel.m_devicePcVersion, QString());
     QCOMPARE(panel.m_deviceOtgVersion, QString());
 }
@@ -85,7 +86,7 @@ void PanelOnTracesTest::upgradeModeIsToldAndNoVersionRead()
 {
     const Sandbox sandbox;
     const ScriptedHttpServer server;
-    TraceBus::play(traceFile(u"upgrade-mode"_qs));
+    TraceBus::play(traceFile(u"upgrade-mode"_s));
     FirmwareUpgradeWidget panel;
     // The box keeps whoever delivered the report, this test included, until it is answered.
     int boxes = 0;

@@ -5,6 +5,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 class ProbeOptionsTest : public QObject {
     Q_OBJECT
 
@@ -66,25 +68,25 @@ void ProbeOptionsTest::aWrongCommandLineIsRefused()
 
 void ProbeOptionsTest::aFileThatIsNoTraceIsRefused()
 {
-    const ProbeRun run = ProbeRun::onTrace(u"not-a-trace"_qs, {u"versions"_qs});
+    const ProbeRun run = ProbeRun::onTrace(u"not-a-trace"_s, {u"versions"_s});
     QCOMPARE(run.status, 2);
     QCOMPARE(run.output, QString());
     QCOMPARE(run.errors,
-             QString(u"quillon-probe: " + ProbeRun::traceFile(u"not-a-trace"_qs)
+             QString(u"quillon-probe: " + ProbeRun::traceFile(u"not-a-trace"_s)
                      + u":4: no byte of two hexadecimal digits: \"1ff\"\n"));
 }
 
 void ProbeOptionsTest::aRecordThatCannotBeWrittenIsRefused()
 {
-    const ProbeRun run = ProbeRun::onTrace(u"r2"_qs, {u"list"_qs, u"--record"_qs, u"/nowhere/x.trace"_qs});
+    const ProbeRun run = ProbeRun::onTrace(u"r2"_s, {u"list"_s, u"--record"_s, u"/nowhere/x.trace"_s});
     QCOMPARE(run.status, 2);
     QCOMPARE(run.output, QString());
-    QVERIFY2(run.errors.startsWith(u"quillon-probe: /nowhere/x.trace: "_qs), qPrintable(run.errors));
+    QVERIFY2(run.errors.startsWith(u"quillon-probe: /nowhere/x.trace: "_s), qPrintable(run.errors));
 }
 
 void ProbeOptionsTest::helpNamesEveryCommandOptionAndStatus()
 {
-    const ProbeRun run = ProbeRun::with({u"--help"_qs});
+    const ProbeRun run = ProbeRun::with({u"--help"_s});
     QCOMPARE(run.status, 0);
     QCOMPARE(run.errors, QString());
     for (const char *word : {"COMMAND [options]", "list", "versions", "watch", "read ADDRESS [COUNT]",

@@ -13,6 +13,8 @@
 #include <csignal>
 #endif
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 // Where a rule grants the permission for good, the command is told.
@@ -129,87 +131,87 @@ void ProbeRunsTest::commands()
     QTEST(run.output, "output");
     QTEST(run.errors.section(u'\n', 0, 0), "errors");
 #ifdef Q_OS_LINUX
-    QCOMPARE(run.errors.contains(u"sudo install"_qs), status == 3);
+    QCOMPARE(run.errors.contains(u"sudo install"_s), status == 3);
 #endif
 }
 
 void ProbeRunsTest::listInJson()
 {
     const QJsonArray devices
-        = document(ProbeRun::onTrace(u"denied"_qs, words("list --json"))).value(u"devices"_qs).toArray();
+        = document(ProbeRun::onTrace(u"denied"_s, words("list --json"))).value(u"devices"_s).toArray();
     QCOMPARE(devices.size(), 1);
     const QJsonObject device = devices.first().toObject();
-    QCOMPARE(device.value(u"productId"_qs), u"000e"_qs);
-    QCOMPARE(device.value(u"model"_qs), u"R2"_qs);
-    QCOMPARE(device.value(u"role"_qs), u"PC interface"_qs);
-    QCOMPARE(device.value(u"mayBeOpened"_qs), false);
-    QVERIFY(device.value(u"path"_qs).toString().contains(u"pid_000e"_qs));
+    QCOMPARE(device.value(u"productId"_s), u"000e"_s);
+    QCOMPARE(device.value(u"model"_s), u"R2"_s);
+    QCOMPARE(device.value(u"role"_s), u"PC interface"_s);
+    QCOMPARE(device.value(u"mayBeOpened"_s), false);
+    QVERIFY(device.value(u"path"_s).toString().contains(u"pid_000e"_s));
 }
 
 void ProbeRunsTest::versionsInJson()
 {
-    const QJsonObject object = document(ProbeRun::onTrace(u"r2"_qs, words("versions --json")));
-    QCOMPARE(object.value(u"mode"_qs), u"normal"_qs);
-    QCOMPARE(object.value(u"pcVersion"_qs), u"1.1.1"_qs);
-    QCOMPARE(object.value(u"otgVersion"_qs), u"1.4.2"_qs);
-    QCOMPARE(object.value(u"device"_qs).toObject().value(u"productId"_qs), u"000e"_qs);
+    const QJsonObject object = document(ProbeRun::onTrace(u"r2"_s, words("versions --json")));
+    QCOMPARE(object.value(u"mode"_s), u"normal"_s);
+    QCOMPARE(object.value(u"pcVersion"_s), u"1.1.1"_s);
+    QCOMPARE(object.value(u"otgVersion"_s), u"1.4.2"_s);
+    QCOMPARE(object.value(u"device"_s).toObject().value(u"productId"_s), u"000e"_s);
 }
 
 void ProbeRunsTest::aVersionThatIsNotAnsweredIsNull()
 {
-    const QJsonObject object = document(ProbeRun::onTrace(u"upgrade-mode"_qs, words("versions --json")));
-    QCOMPARE(object.value(u"mode"_qs), u"upgrade"_qs);
-    QVERIFY(object.value(u"pcVersion"_qs).isNull());
-    QVERIFY(object.value(u"otgVersion"_qs).isNull());
+    const QJsonObject object = document(ProbeRun::onTrace(u"upgrade-mode"_s, words("versions --json")));
+    QCOMPARE(object.value(u"mode"_s), u"upgrade"_s);
+    QVERIFY(object.value(u"pcVersion"_s).isNull());
+    QVERIFY(object.value(u"otgVersion"_s).isNull());
 }
 
 void ProbeRunsTest::readInJson()
 {
     const QJsonArray registers
-        = document(ProbeRun::onTrace(u"r2"_qs, words("read 0x10 3 --json"))).value(u"registers"_qs).toArray();
+        = document(ProbeRun::onTrace(u"r2"_s, words("read 0x10 3 --json"))).value(u"registers"_s).toArray();
     QCOMPARE(registers.size(), 3);
-    QCOMPARE(registers.at(1).toObject().value(u"address"_qs), 0x11);
-    QCOMPARE(registers.at(1).toObject().value(u"value"_qs), 4);
+    QCOMPARE(registers.at(1).toObject().value(u"address"_s), 0x11);
+    QCOMPARE(registers.at(1).toObject().value(u"value"_s), 4);
 }
 
 void ProbeRunsTest::failuresAreDocumentsToo()
 {
-    const ProbeRun run = ProbeRun::onTrace(u"empty"_qs, words("versions --json"));
+    const ProbeRun run = ProbeRun::onTrace(u"empty"_s, words("versions --json"));
     QCOMPARE(run.status, 1);
-    QCOMPARE(document(run).value(u"error"_qs), u"no device is plugged in"_qs);
+    QCOMPARE(document(run).value(u"error"_s), u"no device is plugged in"_s);
 }
 
 void ProbeRunsTest::watchTellsOfEachPlug()
 {
-    const ProbeRun run = ProbeRun::onTrace(u"replugged"_qs, words("watch --for 3"));
+    const ProbeRun run = ProbeRun::onTrace(u"replugged"_s, words("watch --for 3"));
     QCOMPARE(run.status, 0);
     QStringList lines;
     for (const QString &line : run.output.split(u'\n', Qt::SkipEmptyParts)) {
-        static const QRegularExpression time(u"\\A[0-2][0-9]:[0-5][0-9]:[0-5][0-9]\\.[0-9]{3}  "_qs);
+        static const QRegularExpression time(u"\\A[0-2][0-9]:[0-5][0-9]:[0-5][0-9]\\.[0-9]{3}  "_s);
         QVERIFY2(time.match(line).hasMatch(), qPrintable(line));
         lines.append(line.section(u' ', 2));
     }
     QCOMPARE(lines,
-             QStringList({u"000e  plugged in: R2, PC interface"_qs, u"000e  pulled out"_qs,
-                          u"00ff  plugged in: R2, PC chip in its boot loader"_qs}));
+             QStringList({u"000e  plugged in: R2, PC interface"_s, u"000e  pulled out"_s,
+                          u"00ff  plugged in: R2, PC chip in its boot loader"_s}));
 }
 
 void ProbeRunsTest::watchInJson()
 {
-    const auto events = objects(ProbeRun::onTrace(u"replugged"_qs, words("watch --for 3 --json")));
+    const auto events = objects(ProbeRun::onTrace(u"replugged"_s, words("watch --for 3 --json")));
     QCOMPARE(events.size(), 3);
-    QCOMPARE(events.at(0).value(u"event"_qs), u"plug"_qs);
-    QCOMPARE(events.at(0).value(u"model"_qs), u"R2"_qs);
-    QCOMPARE(events.at(1).value(u"event"_qs), u"unplug"_qs);
-    QCOMPARE(events.at(1).value(u"device"_qs), 1);
-    QCOMPARE(events.at(2).value(u"device"_qs), 2);
+    QCOMPARE(events.at(0).value(u"event"_s), u"plug"_s);
+    QCOMPARE(events.at(0).value(u"model"_s), u"R2"_s);
+    QCOMPARE(events.at(1).value(u"event"_s), u"unplug"_s);
+    QCOMPARE(events.at(1).value(u"device"_s), 1);
+    QCOMPARE(events.at(2).value(u"device"_s), 2);
     for (const QJsonObject &event : events)
-        QVERIFY(QDateTime::fromString(event.value(u"time"_qs).toString(), Qt::ISODateWithMs).isValid());
+        QVERIFY(QDateTime::fromString(event.value(u"time"_s).toString(), Qt::ISODateWithMs).isValid());
 }
 
 void ProbeRunsTest::traceShowsBothDirections()
 {
-    const ProbeRun run = ProbeRun::onTrace(u"r2"_qs, words("trace --for 3"));
+    const ProbeRun run = ProbeRun::onTrace(u"r2"_s, words("trace --for 3"));
     QCOMPARE(run.status, 0);
     for (const char *line :
          {"000e  plugged in: R2, PC interface\n", "000e  opened\n", "000e  to the device: read 1008 (mode)\n",
@@ -220,35 +222,35 @@ void ProbeRunsTest::traceShowsBothDirections()
           "000e  to the device: read 3 registers from 0010 (OTG version)\n",
           "000e  from the device: registers from 0010 (OTG version): 0001 0004 0002 = 1.4.2\n"})
         QVERIFY2(run.output.contains(QLatin1StringView(line)),
-                 qPrintable(QLatin1String(line) + u"in: "_qs + run.output));
+                 qPrintable(QLatin1String(line) + u"in: "_s + run.output));
 }
 
 void ProbeRunsTest::traceInJson()
 {
-    const auto events = objects(ProbeRun::onTrace(u"r2"_qs, words("trace --for 3 --json")));
+    const auto events = objects(ProbeRun::onTrace(u"r2"_s, words("trace --for 3 --json")));
     QStringList kinds;
     for (const QJsonObject &event : events)
-        kinds.append(event.value(u"event"_qs).toString());
-    QCOMPARE(kinds.mid(0, 4), QStringList({u"plug"_qs, u"open"_qs, u"out"_qs, u"in"_qs}));
-    QCOMPARE(events.at(3).value(u"words"_qs), u"1008 (mode) = 0000, normal firmware"_qs);
-    QVERIFY(events.at(3).value(u"report"_qs).toString().startsWith(u"51c40b0000040810"_qs));
+        kinds.append(event.value(u"event"_s).toString());
+    QCOMPARE(kinds.mid(0, 4), QStringList({u"plug"_s, u"open"_s, u"out"_s, u"in"_s}));
+    QCOMPARE(events.at(3).value(u"words"_s), u"1008 (mode) = 0000, normal firmware"_s);
+    QVERIFY(events.at(3).value(u"report"_s).toString().startsWith(u"51c40b0000040810"_s));
 }
 
 void ProbeRunsTest::traceMayListenOnly()
 {
-    const ProbeRun run = ProbeRun::onTrace(u"r2"_qs, words("trace --for 3 --listen"));
+    const ProbeRun run = ProbeRun::onTrace(u"r2"_s, words("trace --for 3 --listen"));
     QCOMPARE(run.status, 0);
-    QVERIFY(run.output.contains(u"opened"_qs));
-    QVERIFY(!run.output.contains(u"to the device"_qs));
+    QVERIFY(run.output.contains(u"opened"_s));
+    QVERIFY(!run.output.contains(u"to the device"_s));
 }
 
 void ProbeRunsTest::statusOfATraceWithoutADevice_data()
 {
     QTest::addColumn<QString>("trace");
     QTest::addColumn<int>("status");
-    QTest::newRow("nothing there") << u"empty"_qs << 1;
-    QTest::newRow("busy") << u"busy"_qs << 1;
-    QTest::newRow("no permission") << u"denied"_qs << 3;
+    QTest::newRow("nothing there") << u"empty"_s << 1;
+    QTest::newRow("busy") << u"busy"_s << 1;
+    QTest::newRow("no permission") << u"denied"_s << 3;
 }
 
 void ProbeRunsTest::statusOfATraceWithoutADevice()
@@ -262,7 +264,7 @@ void ProbeRunsTest::watchEndsWhenInterrupted()
 #ifdef Q_OS_UNIX
     QProcess process;
     process.start(QStringLiteral(QUILLON_PROBE),
-                  {u"watch"_qs, u"--replay"_qs, ProbeRun::traceFile(u"r2"_qs)});
+                  {u"watch"_s, u"--replay"_s, ProbeRun::traceFile(u"r2"_s)});
     QVERIFY(process.waitForReadyRead()); // the line about the plug: it watches
     ::kill(pid_t(process.processId()), SIGINT);
     QVERIFY(process.waitForFinished());
@@ -276,10 +278,10 @@ void ProbeRunsTest::watchEndsWhenInterrupted()
 void ProbeRunsTest::aRecordingOfAReplayPlaysTheSame()
 {
     QTemporaryDir folder;
-    const QString file = folder.filePath(u"again.trace"_qs);
-    const ProbeRun first = ProbeRun::onTrace(u"r2"_qs, QStringList{u"versions"_qs, u"--record"_qs, file});
+    const QString file = folder.filePath(u"again.trace"_s);
+    const ProbeRun first = ProbeRun::onTrace(u"r2"_s, QStringList{u"versions"_s, u"--record"_s, file});
     QCOMPARE(first.status, 0);
-    const ProbeRun second = ProbeRun::with({u"versions"_qs, u"--replay"_qs, file});
+    const ProbeRun second = ProbeRun::with({u"versions"_s, u"--replay"_s, file});
     QCOMPARE(second.status, 0);
     QCOMPARE(second.output, first.output);
 

@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
 using namespace probe;
 using namespace std::chrono_literals;
 using Kind = TraceEvent::Kind;
@@ -145,14 +146,14 @@ void RecordingTest::aFileThatCannotBeWritten()
 {
     TraceRecorder recorder;
     QString error;
-    QVERIFY(!recorder.begin(u"/nowhere/x.trace"_qs, &error));
-    QVERIFY2(error.startsWith(u"/nowhere/x.trace: "_qs), qPrintable(error));
+    QVERIFY(!recorder.begin(u"/nowhere/x.trace"_s, &error));
+    QVERIFY2(error.startsWith(u"/nowhere/x.trace: "_s), qPrintable(error));
 }
 
 void RecordingTest::aTraceEndsBeforeItIsTooLarge()
 {
     TraceRecorder recorder;
-    const QString file = m_recorded.folder.filePath(u"long.trace"_qs);
+    const QString file = m_recorded.folder.filePath(u"long.trace"_s);
     QString error;
     QVERIFY(recorder.begin(file, &error));
     recorder.take({0ms, Kind::Plug, 1, 0x352F, 0x000E, {}});

@@ -4,6 +4,7 @@
 #include <QElapsedTimer>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
 using namespace probe;
 using namespace std::chrono_literals;
 using HIDCommunicator::HidConnection;
@@ -218,8 +219,8 @@ void ReplayTest::openingEndsAsItDid()
     QVERIFY(bus.transport->open(path));
     QVERIFY(bus.transport->open(path)); // as the last time
     QVERIFY(!bus.isDenied(path));
-    QVERIFY(!bus.isDenied(u"elsewhere"_qs));
-    QVERIFY(!bus.transport->open(u"elsewhere"_qs));
+    QVERIFY(!bus.isDenied(u"elsewhere"_s));
+    QVERIFY(!bus.transport->open(u"elsewhere"_s));
 }
 
 void ReplayTest::otherVendorsAreNotListed()
@@ -235,7 +236,7 @@ void ReplayTest::pathsSayWhoTheyAre()
     QCOMPARE(devices.size(), 2);
     QVERIFY(devices.at(0).path != devices.at(1).path);
     for (const HidDeviceInfo &device : devices)
-        QVERIFY2(device.path.contains(u"vid_352f&pid_000e"_qs), qPrintable(device.path));
+        QVERIFY2(device.path.contains(u"vid_352f&pid_000e"_s), qPrintable(device.path));
 }
 
 void ReplayTest::anEmptyTraceIsAnEmptyBus()

@@ -4,6 +4,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
 using namespace probe;
 using namespace std::chrono_literals;
 using Kind = TraceEvent::Kind;
@@ -60,7 +61,7 @@ void TraceFileTest::aLineIsAnEvent()
 {
     QFETCH(QByteArray, line);
     QString error;
-    const auto trace = Trace::parse(kPlugged + line, u"x"_qs, &error);
+    const auto trace = Trace::parse(kPlugged + line, u"x"_s, &error);
     QVERIFY2(trace, qPrintable(error));
     QCOMPARE(trace->events.size(), 2);
     const TraceEvent &plug = trace->events.first();
@@ -92,7 +93,7 @@ void TraceFileTest::spellingsThatMeanTheSame()
 {
     QFETCH(QByteArray, text);
     QString error;
-    const auto trace = Trace::parse(text, u"x"_qs, &error);
+    const auto trace = Trace::parse(text, u"x"_s, &error);
     QVERIFY2(trace, qPrintable(error));
     QCOMPARE(trace->events.size(), 2);
     QCOMPARE(trace->events.first().productId, 0x000E);
@@ -177,7 +178,7 @@ void TraceFileTest::whatIsNoTraceIsRefusedWithItsLine()
 {
     QFETCH(QByteArray, text);
     QString error;
-    QVERIFY(!Trace::parse(text, u"x"_qs, &error));
+    QVERIFY(!Trace::parse(text, u"x"_s, &error));
     QTEST(error, "message");
 }
 
@@ -197,7 +198,7 @@ void TraceFileTest::aWrittenTraceIsReadAgain()
     QCOMPARE(text.split('\n').at(3), QByteArray("1234.567 out 1 51 c4 00*4 01 02*4 ff"));
 
     QString error;
-    const auto trace = Trace::parse(text, u"x"_qs, &error);
+    const auto trace = Trace::parse(text, u"x"_s, &error);
     QVERIFY2(trace, qPrintable(error));
     QCOMPARE(trace->events.size(), events.size());
     for (qsizetype i = 0; i < events.size(); ++i) {
@@ -215,9 +216,9 @@ void TraceFileTest::aWrittenTraceIsReadAgain()
 void TraceFileTest::filesThatCannotBeRead_data()
 {
     QTest::addColumn<QString>("file");
-    QTest::newRow("one that is not there") << u"/nowhere/x.trace"_qs;
-    QTest::newRow("a folder") << u"/"_qs;
-    QTest::newRow("one without end") << u"/dev/zero"_qs;
+    QTest::newRow("one that is not there") << u"/nowhere/x.trace"_s;
+    QTest::newRow("a folder") << u"/"_s;
+    QTest::newRow("one without end") << u"/dev/zero"_s;
 }
 
 void TraceFileTest::filesThatCannotBeRead()
@@ -231,7 +232,7 @@ void TraceFileTest::filesThatCannotBeRead()
 void TraceFileTest::aFileAsLargeAsAllowedIsRead()
 {
     QTemporaryDir folder;
-    QFile file(folder.filePath(u"x.trace"_qs));
+    QFile file(folder.filePath(u"x.trace"_s));
     QVERIFY(file.open(QIODevice::WriteOnly));
     QCOMPARE(file.write(kFirst.leftJustified(Trace::kLargestFile, '\n')), Trace::kLargestFile);
     file.close();
@@ -241,7 +242,7 @@ void TraceFileTest::aFileAsLargeAsAllowedIsRead()
     file.write("\n");
     file.close();
     QVERIFY(!Trace::load(file.fileName(), &error));
-    QCOMPARE(error, file.fileName() + u": larger than 16 MiB"_qs);
+    QCOMPARE(error, file.fileName() + u": larger than 16 MiB"_s);
 }
 
 QTEST_GUILESS_MAIN(TraceFileTest)

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <chrono>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -35,7 +36,7 @@ struct Movie {
 
 QString pathOf(const QString &name)
 {
-    return u":/new/prefix1/image/"_qs + name;
+    return u":/new/prefix1/image/"_s + name;
 }
 
 Movie read(const QString &name)
@@ -209,7 +210,7 @@ void TestAnimations::neverStandsStill()
     for (int i = 0; i < frames.size(); ++i) {
         const int next = (i + 1) % int(frames.size());
         const int moved = changedPixels(frames.at(i), frames.at(next));
-        QVERIFY2(moved >= kLeastMotion, qPrintable(u"frames %1 and %2: %3"_qs.arg(i).arg(next).arg(moved)));
+        QVERIFY2(moved >= kLeastMotion, qPrintable(u"frames %1 and %2: %3"_s.arg(i).arg(next).arg(moved)));
     }
 }
 
@@ -243,7 +244,7 @@ void TestAnimations::standsOnThePanel()
         for (int y = 0; y < frame.height(); ++y) {
             for (int x = 0; x < frame.width(); ++x) {
                 if (!inside.contains(x, y) && frame.pixel(x, y) != kPanel)
-                    QFAIL(qPrintable(u"frame %1 is cut at %2,%3"_qs.arg(i).arg(x).arg(y)));
+                    QFAIL(qPrintable(u"frame %1 is cut at %2,%3"_s.arg(i).arg(x).arg(y)));
             }
         }
     }
@@ -263,7 +264,7 @@ void TestAnimations::hasNoFringe()
                     continue;
                 ++rim;
                 QVERIFY2(distanceToMixture(frame, x, y) <= kSameColour,
-                         qPrintable(u"frame %1 at %2,%3"_qs.arg(i).arg(x).arg(y)));
+                         qPrintable(u"frame %1 at %2,%3"_s.arg(i).arg(x).arg(y)));
             }
         }
         QVERIFY(rim > 1000);
@@ -276,7 +277,7 @@ void TestAnimations::hasNoNoise()
     const QList<QImage> frames = read(name).frames;
     for (int i = 0; i < frames.size(); i += 5) {
         const int found = specks(frames.at(i));
-        QVERIFY2(found < 2500, qPrintable(u"frame %1: %2"_qs.arg(i).arg(found)));
+        QVERIFY2(found < 2500, qPrintable(u"frame %1: %2"_s.arg(i).arg(found)));
         QVERIFY2(pixelsOf(frames.at(i), kPanel) > kPixels.width() * kPixels.height() / 2,
                  "the ground is not even");
     }
@@ -286,10 +287,10 @@ void TestAnimations::lightsUpWhenConnected_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<bool>("power");
-    QTest::newRow("pc.gif") << u"pc.gif"_qs << false;
-    QTest::newRow("pc_otg.gif") << u"pc_otg.gif"_qs << false;
-    QTest::newRow("dc5v_pc.gif") << u"dc5v_pc.gif"_qs << true;
-    QTest::newRow("dc5v_otg.gif") << u"dc5v_otg.gif"_qs << true;
+    QTest::newRow("pc.gif") << u"pc.gif"_s << false;
+    QTest::newRow("pc_otg.gif") << u"pc_otg.gif"_s << false;
+    QTest::newRow("dc5v_pc.gif") << u"dc5v_pc.gif"_s << true;
+    QTest::newRow("dc5v_otg.gif") << u"dc5v_otg.gif"_s << true;
 }
 
 void TestAnimations::lightsUpWhenConnected()
@@ -312,8 +313,8 @@ void TestAnimations::showsTheSameDeviceInBothPhases_data()
     QTest::addColumn<QString>("second");
     QTest::addColumn<QRect>("untouched");
     // Where neither story moves anything: the left of the device, up to its first port in use.
-    QTest::newRow("R1") << u"pc.gif"_qs << u"pc_otg.gif"_qs << QRect(0, 0, 370, 384);
-    QTest::newRow("R2") << u"dc5v_pc.gif"_qs << u"dc5v_otg.gif"_qs << QRect(0, 0, 210, 384);
+    QTest::newRow("R1") << u"pc.gif"_s << u"pc_otg.gif"_s << QRect(0, 0, 370, 384);
+    QTest::newRow("R2") << u"dc5v_pc.gif"_s << u"dc5v_otg.gif"_s << QRect(0, 0, 210, 384);
 }
 
 void TestAnimations::showsTheSameDeviceInBothPhases()
@@ -334,7 +335,7 @@ void TestAnimations::tellsTheDevicesApart()
 {
     const QRect device(0, 0, 720, 384);
     const int different
-        = changedPixels(read(u"pc.gif"_qs).frames.first(), read(u"dc5v_pc.gif"_qs).frames.first(), device);
+        = changedPixels(read(u"pc.gif"_s).frames.first(), read(u"dc5v_pc.gif"_s).frames.first(), device);
     QVERIFY2(different > device.width() * device.height() / 10, qPrintable(QString::number(different)));
 }
 

@@ -8,6 +8,8 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 const QColor kPanel(31, 32, 40);
 /// Of an edge's opacity: fainter ones are rounded too coarsely, denser ones may belong to a stroke that is
@@ -19,7 +21,7 @@ constexpr int kSameColour = 24;
 
 QString pathOf(const QString &name)
 {
-    return u":/new/prefix1/image/"_qs + name;
+    return u":/new/prefix1/image/"_s + name;
 }
 
 /// The icon as a label of that size shows it on the panel.
@@ -116,7 +118,7 @@ void TestIcons::keepClearOfTheirBorder()
         for (int x = 0; x < image.width(); ++x) {
             const bool atBorder = x == 0 || y == 0 || x == image.width() - 1 || y == image.height() - 1;
             if (atBorder && qAlpha(image.pixel(x, y)) > 0)
-                QFAIL(qPrintable(u"cut at %1,%2"_qs.arg(x).arg(y)));
+                QFAIL(qPrintable(u"cut at %1,%2"_s.arg(x).arg(y)));
         }
     }
 }
@@ -142,7 +144,7 @@ void TestIcons::haveNoFringe()
             if (qAlpha(edge) < kSoftFrom || qAlpha(edge) > kSoftTo)
                 continue;
             ++soft;
-            QVERIFY2(distanceToStroke(image, x, y) <= kSameColour, qPrintable(u"at %1,%2"_qs.arg(x).arg(y)));
+            QVERIFY2(distanceToStroke(image, x, y) <= kSameColour, qPrintable(u"at %1,%2"_s.arg(x).arg(y)));
         }
     }
     QVERIFY(soft > 0);
@@ -152,11 +154,11 @@ void TestIcons::haveOneOpticalWeight_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("size");
-    QTest::newRow("rocket.png") << u"rocket.png"_qs << 20;
-    QTest::newRow("book.png") << u"book.png"_qs << 20;
-    QTest::newRow("waitting.png") << u"waitting.png"_qs << 24;
-    QTest::newRow("check_mark.png") << u"check_mark.png"_qs << 24;
-    QTest::newRow("exclamation_mark.png") << u"exclamation_mark.png"_qs << 24;
+    QTest::newRow("rocket.png") << u"rocket.png"_s << 20;
+    QTest::newRow("book.png") << u"book.png"_s << 20;
+    QTest::newRow("waitting.png") << u"waitting.png"_s << 24;
+    QTest::newRow("check_mark.png") << u"check_mark.png"_s << 24;
+    QTest::newRow("exclamation_mark.png") << u"exclamation_mark.png"_s << 24;
 }
 
 void TestIcons::haveOneOpticalWeight()
@@ -169,18 +171,18 @@ void TestIcons::haveOneOpticalWeight()
 
 void TestIcons::fallOnWholePixels()
 {
-    const QImage book = shown(u"book.png"_qs, 20);
+    const QImage book = shown(u"book.png"_s, 20);
     // Halfway down there are three upright strokes of two pixels each: none of them may smear over three.
     QVERIFY2(pixelsBetween(book, 10, 90, 215) <= 1, "the strokes of the book are blurred");
-    const QImage exclamation = shown(u"exclamation_mark.png"_qs, 24);
+    const QImage exclamation = shown(u"exclamation_mark.png"_s, 24);
     const int middle = pixelsBetween(exclamation.copy(8, 0, 8, 24), 9, 90, 215);
     QVERIFY2(middle == 0, "the exclamation mark is blurred");
 }
 
 void TestIcons::answerThePointer()
 {
-    const QImage idle = shown(u"close.png"_qs, 24);
-    const QImage hovered = shown(u"close_h.png"_qs, 24);
+    const QImage idle = shown(u"close.png"_s, 24);
+    const QImage hovered = shown(u"close_h.png"_s, 24);
     int changed = 0;
     for (int y = 0; y < 24; ++y) {
         for (int x = 0; x < 24; ++x)
@@ -191,32 +193,32 @@ void TestIcons::answerThePointer()
 
 void TestIcons::keepTheCrossInPlaceUnderThePointer()
 {
-    const QImage idle(pathOf(u"close.png"_qs));
-    const QImage hovered(pathOf(u"close_h.png"_qs));
+    const QImage idle(pathOf(u"close.png"_s));
+    const QImage hovered(pathOf(u"close_h.png"_s));
     for (int y = 0; y < idle.height(); ++y) {
         for (int x = 0; x < idle.width(); ++x) {
             if (qAlpha(idle.pixel(x, y)) > 160)
-                QVERIFY2(qRed(hovered.pixel(x, y)) > 200, qPrintable(u"jumps at %1,%2"_qs.arg(x).arg(y)));
+                QVERIFY2(qRed(hovered.pixel(x, y)) > 200, qPrintable(u"jumps at %1,%2"_s.arg(x).arg(y)));
         }
     }
 }
 
 void TestIcons::fadeAroundTheWheel()
 {
-    const QImage wheel(pathOf(u"waitting.png"_qs));
+    const QImage wheel(pathOf(u"waitting.png"_s));
     // Against the clock from the top: where a spoke is in the middle of its length.
     const QPoint spokes[] = {{36, 12}, {19, 19}, {12, 36}, {19, 52}, {36, 59}, {52, 52}, {59, 36}, {52, 19}};
     int former = 300;
     for (const QPoint &spoke : spokes) {
         const int alpha = qAlpha(wheel.pixel(spoke));
-        QVERIFY2(alpha > 30 && alpha < former - 10, qPrintable(u"%1 after %2"_qs.arg(alpha).arg(former)));
+        QVERIFY2(alpha > 30 && alpha < former - 10, qPrintable(u"%1 after %2"_s.arg(alpha).arg(former)));
         former = alpha;
     }
 }
 
 void TestIcons::fitTheCardsCorners()
 {
-    const QImage bar(pathOf(u"blue_rect.png"_qs));
+    const QImage bar(pathOf(u"blue_rect.png"_s));
     const QRgb blue = qRgb(87, 110, 246);
     QCOMPARE(bar.pixel(0, 120), blue);
     QCOMPARE(bar.pixel(11, 120), blue);
@@ -237,7 +239,7 @@ void TestIcons::areStoredPlain()
 
 void TestIcons::storeTheBarSmall()
 {
-    const QResource bar(pathOf(u"blue_rect.png"_qs));
+    const QResource bar(pathOf(u"blue_rect.png"_s));
     QCOMPARE(bar.compressionAlgorithm(), QResource::ZlibCompression);
     QVERIFY2(bar.size() * 10 < bar.uncompressedSize(), qPrintable(QString::number(bar.size())));
 }

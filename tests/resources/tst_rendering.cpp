@@ -7,6 +7,7 @@
 
 #include <chrono>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -30,14 +31,14 @@ private Q_SLOTS:
     void refusesAnUnknownPicture();
 
 private:
-    QString m_script = kResources + u"/art/render"_qs;
+    QString m_script = kResources + u"/art/render"_s;
 };
 
 void TestRendering::initTestCase()
 {
     for (const char *tool : {"rsvg-convert", "convert", "gifsicle", "python3"}) {
         if (QStandardPaths::findExecutable(QLatin1String(tool)).isEmpty())
-            QSKIP(qPrintable(QLatin1String(tool) + u" is not installed"_qs));
+            QSKIP(qPrintable(QLatin1String(tool) + u" is not installed"_s));
     }
 }
 
@@ -51,13 +52,13 @@ void TestRendering::givesEveryShippedPicture()
     QVERIFY2(render.exitStatus() == QProcess::NormalExit && render.exitCode() == 0,
              render.readAllStandardError().constData());
 
-    const QDir shipped(kResources + u"/image"_qs);
+    const QDir shipped(kResources + u"/image"_s);
     const QStringList pictures = shipped.entryList(QDir::Files);
     QCOMPARE(QDir(folder.path()).entryList(QDir::Files), pictures);
     for (const QString &picture : pictures) {
         const QByteArray rendered = contentOf(folder.filePath(picture));
         QVERIFY2(!rendered.isEmpty(), qPrintable(picture));
-        QVERIFY2(rendered == contentOf(shipped.filePath(picture)), qPrintable(picture + u" differs"_qs));
+        QVERIFY2(rendered == contentOf(shipped.filePath(picture)), qPrintable(picture + u" differs"_s));
     }
 }
 
@@ -65,7 +66,7 @@ void TestRendering::refusesAnUnknownPicture()
 {
     const QTemporaryDir folder;
     QProcess render;
-    render.start(m_script, {folder.path(), u"unheard-of.png"_qs});
+    render.start(m_script, {folder.path(), u"unheard-of.png"_s});
     QVERIFY(render.waitForFinished());
     QVERIFY(render.exitCode() != 0);
     QVERIFY(render.readAllStandardError().contains("unheard-of.png"));

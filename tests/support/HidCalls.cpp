@@ -13,6 +13,7 @@
 
 #include <utility>
 
+using namespace Qt::StringLiterals;
 using HIDCommunicator::OrvikHIDManager;
 
 // The functions below take the place of the library's own: a program's definition wins over a shared
@@ -97,7 +98,7 @@ void command(const QString &function, const QString &shownArguments, const char 
     {
         const LibraryCall call;
         if (call.isOutermost())
-            write(u"hid: %1(%2)"_qs.arg(function, shownArguments));
+            write(u"hid: %1(%2)"_s.arg(function, shownArguments));
         callLibrary<void, Arguments...>(linkerName, std::forward<Arguments>(arguments)...);
         if (!call.isOutermost())
             return;
@@ -107,7 +108,7 @@ void command(const QString &function, const QString &shownArguments, const char 
 
 QString id(int number)
 {
-    return u"0x%1"_qs.arg(number, 4, 16, QLatin1Char('0'));
+    return u"0x%1"_s.arg(number, 4, 16, QLatin1Char('0'));
 }
 
 QString shown(const QByteArray &report)
@@ -115,7 +116,7 @@ QString shown(const QByteArray &report)
     qsizetype used = report.size();
     while (used > 0 && report.at(used - 1) == 0)
         --used;
-    return u"%1: %2"_qs.arg(report.size()).arg(QString::fromLatin1(report.left(used).toHex(' ')));
+    return u"%1: %2"_s.arg(report.size()).arg(QString::fromLatin1(report.left(used).toHex(' ')));
 }
 
 } // namespace
@@ -129,37 +130,37 @@ namespace HIDCommunicator {
 
 void OrvikHIDManager::acquire()
 {
-    command(u"acquire"_qs, {}, QUILLON_HID("7acquireEv"), this);
+    command(u"acquire"_s, {}, QUILLON_HID("7acquireEv"), this);
 }
 
 void OrvikHIDManager::release()
 {
-    command(u"release"_qs, {}, QUILLON_HID("7releaseEv"), this);
+    command(u"release"_s, {}, QUILLON_HID("7releaseEv"), this);
 }
 
 void OrvikHIDManager::createOrvikSendDataThread()
 {
-    command(u"createOrvikSendDataThread"_qs, {}, QUILLON_HID("25createOrvikSendDataThreadEv"), this);
+    command(u"createOrvikSendDataThread"_s, {}, QUILLON_HID("25createOrvikSendDataThreadEv"), this);
 }
 
 void OrvikHIDManager::createOrvikReceiveDataThread()
 {
-    command(u"createOrvikReceiveDataThread"_qs, {}, QUILLON_HID("28createOrvikReceiveDataThreadEv"), this);
+    command(u"createOrvikReceiveDataThread"_s, {}, QUILLON_HID("28createOrvikReceiveDataThreadEv"), this);
 }
 
 void OrvikHIDManager::closeOrvikSendDataThread()
 {
-    command(u"closeOrvikSendDataThread"_qs, {}, QUILLON_HID("24closeOrvikSendDataThreadEv"), this);
+    command(u"closeOrvikSendDataThread"_s, {}, QUILLON_HID("24closeOrvikSendDataThreadEv"), this);
 }
 
 void OrvikHIDManager::closeOrvikReceiveDataThread()
 {
-    command(u"closeOrvikReceiveDataThread"_qs, {}, QUILLON_HID("27closeOrvikReceiveDataThreadEv"), this);
+    command(u"closeOrvikReceiveDataThread"_s, {}, QUILLON_HID("27closeOrvikReceiveDataThreadEv"), this);
 }
 
 void OrvikHIDManager::DC_AddSendData(QByteArray report)
 {
-    command<OrvikHIDManager *, QByteArray>(u"DC_AddSendData"_qs, shown(report),
+    command<OrvikHIDManager *, QByteArray>(u"DC_AddSendData"_s, shown(report),
                                            QUILLON_HID("14DC_AddSendDataE10QByteArray"), this, report);
 }
 
@@ -167,7 +168,7 @@ bool OrvikHIDManager::openHIDHandle(const QString &path, int vendorId, int produ
 {
     const LibraryCall call;
     if (call.isOutermost())
-        write(u"hid: openHIDHandle(%1, %2, %3, %4)"_qs.arg(path, id(vendorId), id(productId)).arg(mode));
+        write(u"hid: openHIDHandle(%1, %2, %3, %4)"_s.arg(path, id(vendorId), id(productId)).arg(mode));
     return callLibrary<bool, OrvikHIDManager *, const QString &, int, int, int>(
         QUILLON_HID("13openHIDHandleERK7QStringiii"), this, path, vendorId, productId, mode);
 }
@@ -176,7 +177,7 @@ bool OrvikHIDManager::disconnectDevice(int mode)
 {
     const LibraryCall call;
     if (call.isOutermost())
-        write(u"hid: disconnectDevice(%1)"_qs.arg(mode));
+        write(u"hid: disconnectDevice(%1)"_s.arg(mode));
     return callLibrary<bool, OrvikHIDManager *, int>(QUILLON_HID("16disconnectDeviceEi"), this, mode);
 }
 
@@ -186,7 +187,7 @@ bool OrvikHIDManager::getConnected() const
     const bool connected = callLibrary<bool, const OrvikHIDManager *>(
         QUILLON_HID_CONST("12getConnectedEv"), this);
     if (call.isOutermost())
-        write(u"hid? getConnected() = %1"_qs.arg(connected ? u"true"_qs : u"false"_qs));
+        write(u"hid? getConnected() = %1"_s.arg(connected ? u"true"_s : u"false"_s));
     return connected;
 }
 
@@ -196,7 +197,7 @@ void OrvikHIDManager::getOrvikHIDListPath(QStringList &paths, QList<int> &produc
     callLibrary<void, OrvikHIDManager *, QStringList &, QList<int> &>(
         QUILLON_HID("19getOrvikHIDListPathER5QListI7QStringERS1_IiE"), this, paths, productIds);
     if (call.isOutermost())
-        write(u"hid? getOrvikHIDListPath() = %1"_qs.arg(paths.size()));
+        write(u"hid? getOrvikHIDListPath() = %1"_s.arg(paths.size()));
 }
 
 } // namespace HIDCommunicator

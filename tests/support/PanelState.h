@@ -13,7 +13,7 @@ inline QStringList panelState(const QuillonFirmwareUpgrade::FirmwareUpgradeWidge
         return QLatin1String(name) + u'=' + value;
     };
     const auto flag
-        = [&text](const char *name, bool value) { return text(name, value ? u"true"_qs : u"false"_qs); };
+        = [&text](const char *name, bool value) { return text(name, value ? QStringLiteral("true") : QStringLiteral("false")); };
     const auto number = [&text](const char *name, int value) { return text(name, QString::number(value)); };
     return {
         flag("m_dragging", panel.m_dragging),

@@ -5,6 +5,8 @@
 #include <QTextEdit>
 #include <QWidget>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 QString textOf(const QWidget *widget)
 {
@@ -17,7 +19,7 @@ QString textOf(const QWidget *widget)
 
 QString placeOf(const QRect &place)
 {
-    return u"(%1, %2, %3, %4)"_qs.arg(place.x()).arg(place.y()).arg(place.width()).arg(place.height());
+    return u"(%1, %2, %3, %4)"_s.arg(place.x()).arg(place.y()).arg(place.width()).arg(place.height());
 }
 
 QList<QWidget *> namedWidgets(const QWidget &window)
@@ -49,7 +51,7 @@ QStringList Screen::everything(const QWidget &window)
     QStringList lines;
     const auto children = namedWidgets(window);
     for (const QWidget *child : children) {
-        lines.append(child->objectName() + (child->isHidden() ? u" hidden "_qs : u" shown "_qs)
+        lines.append(child->objectName() + (child->isHidden() ? u" hidden "_s : u" shown "_s)
                      + placeOf(child->geometry()) + u' ' + child->styleSheet() + u' ' + textOf(child));
     }
     return lines;

@@ -14,7 +14,7 @@
 /// "/upinfo_test.aspx?proj_name=R2MCU".
 ///
 ///     ScriptedHttpServer server;
-///     server.answer(u"/upinfo_test.aspx?proj_name=R2MCU"_qs, ScriptedHttpServer::version("1.2.3", "中文",
+///     server.answer(QStringLiteral("/upinfo_test.aspx?proj_name=R2MCU"), ScriptedHttpServer::version("1.2.3", "中文",
 ///     "English"));
 ///
 /// Every function is thread-safe. One at a time.

@@ -11,6 +11,8 @@
 #include <memory>
 #include <type_traits>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr QSize kSize{408, 48};
@@ -36,7 +38,7 @@ void leave(QWidget &widget)
 
 QString shown(const QColor &colour)
 {
-    return u"%1,%2,%3,%4"_qs.arg(colour.red()).arg(colour.green()).arg(colour.blue()).arg(colour.alpha());
+    return u"%1,%2,%3,%4"_s.arg(colour.red()).arg(colour.green()).arg(colour.blue()).arg(colour.alpha());
 }
 
 /// Counts the paint events of one widget.
@@ -93,8 +95,8 @@ void TestProgressBar::startsClickableGreyAndWithoutBorder()
     QCOMPARE(bar.parentWidget(), &parent);
     QCOMPARE(bar.m_clickable, true);
     QVERIFY(bar.isClickable());
-    QCOMPARE(shown(bar.m_backgroundColor), u"48,49,60,255"_qs);
-    QCOMPARE(shown(bar.m_progressColor), u"73,74,86,255"_qs);
+    QCOMPARE(shown(bar.m_backgroundColor), u"48,49,60,255"_s);
+    QCOMPARE(shown(bar.m_progressColor), u"73,74,86,255"_s);
     QCOMPARE(bar.m_borderColor, QColor(Qt::transparent));
     QCOMPARE(bar.m_borderWidth, 0.0);
     QCOMPARE(bar.m_hovered, false);

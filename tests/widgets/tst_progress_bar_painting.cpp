@@ -8,6 +8,8 @@
 
 #include <limits>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr QSize kSize{408, 48};
@@ -104,7 +106,7 @@ QImage picture(ClickableProgressBar &bar)
 
 QString shown(const QColor &colour)
 {
-    return u"%1,%2,%3,%4"_qs.arg(colour.red()).arg(colour.green()).arg(colour.blue()).arg(colour.alpha());
+    return u"%1,%2,%3,%4"_s.arg(colour.red()).arg(colour.green()).arg(colour.blue()).arg(colour.alpha());
 }
 
 } // namespace
@@ -213,7 +215,7 @@ void TestProgressBarPainting::paints()
     dress(bar, look);
     const QImage image = picture(bar);
     for (const Pixel &pixel : pixels) {
-        const QString at = u"(%1, %2) "_qs.arg(pixel.at.x()).arg(pixel.at.y());
+        const QString at = u"(%1, %2) "_s.arg(pixel.at.x()).arg(pixel.at.y());
         QCOMPARE(at + shown(image.pixelColor(pixel.at)), at + shown(pixel.colour));
     }
 }
@@ -222,7 +224,7 @@ void TestProgressBarPainting::neverPaintsText()
 {
     ClickableProgressBar bar(nullptr);
     bar.setTextVisible(true);
-    bar.setFormat(u"████ %p% ████"_qs);
+    bar.setFormat(u"████ %p% ████"_s);
     dress(bar, Look().at(50));
     const QImage image = picture(bar);
     QSet<QRgb> colours;

@@ -5,6 +5,8 @@
 #include <QTest>
 #include <QTextBlock>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 constexpr int kHeight = 119;
 constexpr int kAdviceTop = 113;
@@ -26,7 +28,7 @@ int cutLines(const WholeLinesEdit &edit)
 
 QString lines(int count)
 {
-    return QStringList(count, u"a line of text"_qs).join(u'\n');
+    return QStringList(count, u"a line of text"_s).join(u'\n');
 }
 } // namespace
 
@@ -65,7 +67,7 @@ void WholeLinesEditTest::noLineIsCut()
     window.show();
     edit.setPlainText(lines(count));
     // The style comes after the text when the language changes.
-    edit.setStyleSheet(u"QTextEdit { border: none; font-size: %1px; }"_qs.arg(size));
+    edit.setStyleSheet(u"QTextEdit { border: none; font-size: %1px; }"_s.arg(size));
     QCoreApplication::processEvents();
     QCOMPARE(cutLines(edit), 0);
     const bool isTooLong = edit.document()->size().height() > kHeight;
@@ -78,7 +80,7 @@ void WholeLinesEditTest::adviceIsLeftFree()
     QFETCH(int, size);
     QWidget window;
     WholeLinesEdit edit(&window);
-    edit.setStyleSheet(u"QTextEdit { border: none; font-size: %1px; }"_qs.arg(size));
+    edit.setStyleSheet(u"QTextEdit { border: none; font-size: %1px; }"_s.arg(size));
     edit.setGeometry(0, 0, 428, kHeight);
     QWidget advice(&window);
     advice.setGeometry(0, kAdviceTop, 24, 24);
@@ -110,7 +112,7 @@ void WholeLinesEditTest::theOutlineIsClear()
     QFETCH(bool, advised);
     QWidget window;
     WholeLinesEdit edit(&window);
-    edit.setStyleSheet(u"QTextEdit { border: none; font-size: 14px; }"_qs);
+    edit.setStyleSheet(u"QTextEdit { border: none; font-size: 14px; }"_s);
     edit.setGeometry(0, 0, 428, kHeight);
     QWidget advice(&window);
     advice.setGeometry(0, kAdviceTop, 24, 24);
@@ -132,7 +134,7 @@ void WholeLinesEditTest::aTextThatFitsHasTheWholeBox()
 {
     QWidget window;
     WholeLinesEdit edit(&window);
-    edit.setStyleSheet(u"QTextEdit { border: none; }"_qs);
+    edit.setStyleSheet(u"QTextEdit { border: none; }"_s);
     edit.setGeometry(0, 0, 428, kHeight);
     window.show();
     edit.setPlainText(lines(40));
@@ -145,7 +147,7 @@ void WholeLinesEditTest::aTallerLineThanTheBoxIsStillShown()
 {
     QWidget window;
     WholeLinesEdit edit(&window);
-    edit.setStyleSheet(u"QTextEdit { border: none; font-size: 300px; }"_qs);
+    edit.setStyleSheet(u"QTextEdit { border: none; font-size: 300px; }"_s);
     edit.setGeometry(0, 0, 428, kHeight);
     window.show();
     edit.setPlainText(lines(1));

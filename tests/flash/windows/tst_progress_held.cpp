@@ -6,6 +6,8 @@
 #include <QFileInfo>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 /// For a machine that is busy with other things.
 constexpr int kPatience = 20'000;
@@ -64,7 +66,7 @@ void ProgressHeldTest::aFileIsHeld()
     QTEST(SharedFile::isHeld(m->sandbox.progressFile()), "isHeld");
     QFile file(m->sandbox.progressFile());
     QTEST(SharedFile::openForReading(file), "canBeRead");
-    QVERIFY(!SharedFile::isHeld(m->sandbox.home() + u"/no such file"_qs));
+    QVERIFY(!SharedFile::isHeld(m->sandbox.home() + u"/no such file"_s));
     QVERIFY(!SharedFile::isHeld(m->sandbox.home()));
 }
 
@@ -74,16 +76,16 @@ void ProgressHeldTest::aFileThatIsReadCanBeReplaced()
     QFile reading(m->sandbox.progressFile());
     QVERIFY(SharedFile::openForReading(reading));
     QVERIFY(QFile::remove(m->sandbox.progressFile()));
-    QCOMPARE(reading.readAll(), "5%\n"_qba);
+    QCOMPARE(reading.readAll(), "5%\n"_ba);
 }
 
 void ProgressHeldTest::theVerdictWaitsForTheScanner_data()
 {
     QTest::addColumn<QByteArray>("line");
     QTest::addColumn<bool>("succeeds");
-    QTest::newRow("success") << "success 1"_qba << true;
-    QTest::newRow("failure") << "success 0"_qba << false;
-    QTest::newRow("all written") << "100%"_qba << true;
+    QTest::newRow("success") << "success 1"_ba << true;
+    QTest::newRow("failure") << "success 0"_ba << false;
+    QTest::newRow("all written") << "100%"_ba << true;
 }
 
 void ProgressHeldTest::theVerdictWaitsForTheScanner()
@@ -110,7 +112,7 @@ void ProgressHeldTest::aScannerThatNeverLetsGoIsNotWaitedFor()
     m->sandbox.writeProgress("success 1");
     const auto scanner = hold(Share::Nothing);
     QTRY_VERIFY_WITH_TIMEOUT(m->showsFailure(), kPatience);
-    QVERIFY(m->log.contains(u"[状态] 进程已退出但无进度文件，判定为失败"_qs));
+    QVERIFY(m->log.contains(u"[状态] 进程已退出但无进度文件，判定为失败"_s));
     QVERIFY(!m->panel->m_progressTimer->isActive());
 }
 
@@ -125,7 +127,7 @@ void ProgressHeldTest::whileTheToolRunsNobodyHurries()
     QVERIFY(!m->showsFailure());
     scanner.reset();
     poll(1);
-    QCOMPARE(m->percentText(), u"17%"_qs);
+    QCOMPARE(m->percentText(), u"17%"_s);
 }
 
 void ProgressHeldTest::anOldSuccessThatCannotBeRemovedIsNone_data()
@@ -156,8 +158,8 @@ void ProgressHeldTest::anOldSuccessThatCannotBeRemovedIsNone()
     QVERIFY(m->isToolRunning());
     QVERIFY(m->panel->m_isUpgrading);
     m->panel->m_progressTimer->start();
-    FakeFlashingTool::signal(u"go"_qs);
-    QTRY_COMPARE_WITH_TIMEOUT(m->percentText(), u"5%"_qs, kPatience);
+    FakeFlashingTool::signal(u"go"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(m->percentText(), u"5%"_s, kPatience);
 }
 
 void ProgressHeldTest::anOldReportIsNoneWhenTheToolWritesNothing()
@@ -168,7 +170,7 @@ void ProgressHeldTest::anOldReportIsNoneWhenTheToolWritesNothing()
     m->tool.obeys("exit 0");
     m->panel->startUpgradeWithExternalTool(m->image, 14);
     QTRY_VERIFY_WITH_TIMEOUT(m->showsFailure(), kPatience);
-    QVERIFY(m->log.contains(u"[状态] 进程已退出但无进度文件，判定为失败"_qs));
+    QVERIFY(m->log.contains(u"[状态] 进程已退出但无进度文件，判定为失败"_s));
 }
 
 QTEST_MAIN(ProgressHeldTest)

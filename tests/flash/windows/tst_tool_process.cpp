@@ -10,6 +10,8 @@
 
 #include <windows.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 /// For a machine that is busy with other things.
 constexpr int kPatience = 20'000;
@@ -51,7 +53,7 @@ void ToolProcessTest::cleanup()
 
 qint64 ToolProcessTest::startWithHelper(const QByteArray &script)
 {
-    const QString path = m->sandbox.home() + u"/helper.txt"_qs;
+    const QString path = m->sandbox.home() + u"/helper.txt"_s;
     QFile::remove(path);
     m->tool.obeys(script);
     m->panel->m_dfuProcess->start(FakeFlashingTool::path(), QStringList());
@@ -77,8 +79,8 @@ void ToolProcessTest::itsConsoleIsNotSeen()
 void ToolProcessTest::helpersEndWithThePanel_data()
 {
     QTest::addColumn<QByteArray>("script");
-    QTest::newRow("of a tool that ends when asked") << "helper\nhang"_qba;
-    QTest::newRow("of a tool that has to be killed") << "ignore-terminate\nhelper\nhang"_qba;
+    QTest::newRow("of a tool that ends when asked") << "helper\nhang"_ba;
+    QTest::newRow("of a tool that has to be killed") << "ignore-terminate\nhelper\nhang"_ba;
 }
 
 void ToolProcessTest::helpersEndWithThePanel()
@@ -105,8 +107,8 @@ void ToolProcessTest::helpersOutliveASuccessAlone_data()
 {
     QTest::addColumn<QByteArray>("script");
     QTest::addColumn<bool>("outlive");
-    QTest::newRow("a success") << "helper\nwrite success 1\nhang"_qba << true;
-    QTest::newRow("a failure") << "helper\nwrite success 0\nhang"_qba << false;
+    QTest::newRow("a success") << "helper\nwrite success 1\nhang"_ba << true;
+    QTest::newRow("a failure") << "helper\nwrite success 0\nhang"_ba << false;
 }
 
 void ToolProcessTest::helpersOutliveASuccessAlone()

@@ -7,6 +7,8 @@
 #include <QTest>
 #include <QtEndian>
 
+using namespace Qt::StringLiterals;
+
 class HostConsoleTest : public QObject {
     Q_OBJECT
 
@@ -42,7 +44,7 @@ void HostConsoleTest::theSystemOpensAConsoleForTheToolAlone_data()
     const QString host = QStringLiteral(QUILLON_HOST);
     QTest::newRow("quillon-host") << host << kWithWindows;
     QTest::newRow("the flashing tool")
-        << host.left(host.lastIndexOf(u'/')) + u"/OrvikFirmwareUpdata.exe"_qs << kWithConsole;
+        << host.left(host.lastIndexOf(u'/')) + u"/OrvikFirmwareUpdata.exe"_s << kWithConsole;
 }
 
 void HostConsoleTest::theSystemOpensAConsoleForTheToolAlone()
@@ -54,10 +56,10 @@ void HostConsoleTest::theSystemOpensAConsoleForTheToolAlone()
 void HostConsoleTest::whatItPrintsGoesIntoAFile()
 {
     const QTemporaryDir folder;
-    const QString path = folder.filePath(u"help.txt"_qs);
+    const QString path = folder.filePath(u"help.txt"_s);
     QProcess host;
     host.setStandardOutputFile(path);
-    host.start(QStringLiteral(QUILLON_HOST), {u"--help"_qs});
+    host.start(QStringLiteral(QUILLON_HOST), {u"--help"_s});
     QVERIFY(host.waitForFinished(60'000));
     QFile file(path);
     QVERIFY(file.open(QIODevice::ReadOnly));
@@ -68,18 +70,18 @@ void HostConsoleTest::whatItPrintsGoesIntoAFile()
 void HostConsoleTest::aNameInAnyScriptComesBackUnchanged_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::newRow("Chinese") << u"用户 一"_qs;
-    QTest::newRow("German, and signs") << u"O'Brien & Söhne 100%"_qs;
-    QTest::newRow("quotes") << u"a \"b\" c\\"_qs;
-    QTest::newRow("beyond the first 65536 letters") << u"\U0001F3B5"_qs;
+    QTest::newRow("Chinese") << u"用户 一"_s;
+    QTest::newRow("German, and signs") << u"O'Brien & Söhne 100%"_s;
+    QTest::newRow("quotes") << u"a \"b\" c\\"_s;
+    QTest::newRow("beyond the first 65536 letters") << u"\U0001F3B5"_s;
 }
 
 void HostConsoleTest::aNameInAnyScriptComesBackUnchanged()
 {
     QFETCH(QString, name);
-    const HostRun run = HostRun::with({u"--model"_qs, name});
+    const HostRun run = HostRun::with({u"--model"_s, name});
     QCOMPARE(run.status, 2);
-    QCOMPARE(run.errors.trimmed(), u"quillon-host: --model takes R1 or R2, not \"%1\""_qs.arg(name));
+    QCOMPARE(run.errors.trimmed(), u"quillon-host: --model takes R1 or R2, not \"%1\""_s.arg(name));
 }
 
 void HostConsoleTest::withoutAReaderItPrintsNothingAndEnds()
@@ -87,7 +89,7 @@ void HostConsoleTest::withoutAReaderItPrintsNothingAndEnds()
     QProcess host;
     host.setStandardOutputFile(QProcess::nullDevice());
     host.setStandardErrorFile(QProcess::nullDevice());
-    host.start(QStringLiteral(QUILLON_HOST), {u"--help"_qs});
+    host.start(QStringLiteral(QUILLON_HOST), {u"--help"_s});
     QVERIFY(host.waitForFinished(60'000));
     QCOMPARE(host.exitCode(), 0);
 }

@@ -7,6 +7,8 @@
 #include <QTest>
 #include <QTimer>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 /// For a machine that is busy with other things.
 constexpr int kPatience = 30'000;
@@ -86,13 +88,13 @@ void DownloadHeldTest::aLaterDownloadTakesItsPlace()
 {
     auto scanner = hold(Share::Reading);
     m->download(m->image());
-    m->download(m->image(u"other.bin"_qs));
+    m->download(m->image(u"other.bin"_s));
     QTRY_COMPARE_WITH_TIMEOUT(m->ended.size(), 1, kPatience);
     scanner.reset();
     QTest::qWait(500);
     QCOMPARE(m->ended.size(), 1);
     QCOMPARE(m->contentOf(m->image()), QByteArray("an image of earlier times"));
-    QCOMPARE(m->contentOf(m->image(u"other.bin"_qs)), QByteArray("new image"));
+    QCOMPARE(m->contentOf(m->image(u"other.bin"_s)), QByteArray("new image"));
 }
 
 void DownloadHeldTest::aFileThatMayBeWrittenMeanwhileIsNotWaitedFor()
