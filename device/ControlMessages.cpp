@@ -36,7 +36,12 @@ QByteArray buildReport(ControlOperation operation, const QList<quint16> &words)
     }
     QByteArray report;
     report.reserve(kReportSize);
-    report.append(kReportId).append(kStartMark).append(char(used - 1)).append('\0').append('\0').append(char(operation));
+    report.append(kReportId)
+        .append(kStartMark)
+        .append(char(used - 1))
+        .append('\0')
+        .append('\0')
+        .append(char(operation));
     for (const quint16 word : words)
         appendWord(report, word);
     appendWord(report, checksumOf(report));

@@ -17,12 +17,19 @@ constexpr quint16 kVersionLength = 3;
 } // namespace DeviceRegister
 
 /// Operation codes of the register protocol, the same in a request and in its reply.
-enum class ControlOperation : quint8 { RandomWrite = 3, RandomRead = 4, ContinuousWrite = 5, ContinuousRead = 6 };
+enum class ControlOperation : quint8 {
+    RandomWrite = 3,
+    RandomRead = 4,
+    ContinuousWrite = 5,
+    ContinuousRead = 6
+};
 
-/// Builds the reports that are sent to the device: 65 bytes, report ID first, all numbers little-endian, the rest zero.
+/// Builds the reports that are sent to the device: 65 bytes, report ID first, all numbers little-endian, the
+/// rest zero.
 ///
-/// Builders have no side effect and may be called from any thread. What does not fit into one report (more than 28
-/// addresses, 14 pairs or 26 values) gives an empty array and a warning, so that nothing wrong can be sent.
+/// Builders have no side effect and may be called from any thread. What does not fit into one report (more
+/// than 28 addresses, 14 pairs or 26 values) gives an empty array and a warning, so that nothing wrong can be
+/// sent.
 class ControlMessages : public QObject {
     Q_OBJECT
 
@@ -40,7 +47,8 @@ public:
     /// \a count is sent as given, also when it differs from the number of values.
     QByteArray continuousWrite(quint16 start, quint16 count, const QList<quint16> &values) const;
 
-    /// A register's value as somebody noted it here, invalid when nobody did. Thread-safe; the builders do not look at it.
+    /// A register's value as somebody noted it here, invalid when nobody did. Thread-safe; the builders do
+    /// not look at it.
     QVariant registerValue(quint16 address) const;
     void setRegisterValue(quint16 address, const QVariant &value);
 

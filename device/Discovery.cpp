@@ -1,6 +1,7 @@
-// Finds the device on the HID bus. Every list of paths, whether the HID library announced it or the panel asked for it,
-// is judged by ConnectingR2, which opens the device, starts a recovery or announces the OTG interface.
-// Sets lastDetectedPcPid and lastDetectedOtgPid, and m_isUpgrading with m_autoRecoverRunning when a recovery starts.
+// Finds the device on the HID bus. Every list of paths, whether the HID library announced it or the panel
+// asked for it, is judged by ConnectingR2, which opens the device, starts a recovery or announces the OTG
+// interface. Sets lastDetectedPcPid and lastDetectedOtgPid, and m_isUpgrading with m_autoRecoverRunning when
+// a recovery starts.
 
 #include "device/ControlMessages.h"
 #include "device/ModelTable.h"
@@ -63,8 +64,8 @@ void FirmwareUpgradeWidget::initHIDCommunicator()
             Qt::QueuedConnection);
     connect(m_hidManager, &OrvikHIDManager::blockReceiveData, this, &FirmwareUpgradeWidget::onReceiveHIDdata,
             Qt::QueuedConnection);
-    connect(m_hidManager, &OrvikHIDManager::blockHidConnetStatus, this, &FirmwareUpgradeWidget::onHidConnetChanged,
-            Qt::QueuedConnection);
+    connect(m_hidManager, &OrvikHIDManager::blockHidConnetStatus, this,
+            &FirmwareUpgradeWidget::onHidConnetChanged, Qt::QueuedConnection);
 }
 
 /// Judges the devices that are present right now. False: the panel was deleted meanwhile.
@@ -84,7 +85,8 @@ bool FirmwareUpgradeWidget::rescan()
 void FirmwareUpgradeWidget::queryDeviceMode()
 {
     if (m_hidManager)
-        m_hidManager->DC_AddSendData(ControlMessages::getInstance()->randomRead(DeviceRegister::kUpgradeMode));
+        m_hidManager->DC_AddSendData(
+            ControlMessages::getInstance()->randomRead(DeviceRegister::kUpgradeMode));
 }
 
 void FirmwareUpgradeWidget::ConnectingR2(const QStringList &devices, const QList<int> &)

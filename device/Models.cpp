@@ -1,6 +1,6 @@
-// What depends on the model that the panel serves: product IDs, server addresses, the prefix of image files. The rest
-// of the panel asks these functions and holds no such number of its own. Reads m_deviceModel and, for the product ID
-// that the flashing tool is to find, what discovery last saw.
+// What depends on the model that the panel serves: product IDs, server addresses, the prefix of image files.
+// The rest of the panel asks these functions and holds no such number of its own. Reads m_deviceModel and,
+// for the product ID that the flashing tool is to find, what discovery last saw.
 
 #include "device/ModelTable.h"
 #include "net/UpdateServer.h"

@@ -6,8 +6,9 @@
 
 #include <optional>
 
-/// Reads the reports that come from the device, report ID already removed. Nothing here trusts a length that the
-/// device states: what a report does not hold is not read. The start mark and the checksum are not looked at.
+/// Reads the reports that come from the device, report ID already removed. Nothing here trusts a length that
+/// the device states: what a report does not hold is not read. The start mark and the checksum are not looked
+/// at.
 namespace Report {
 
 struct RegisterValue {
@@ -17,7 +18,8 @@ struct RegisterValue {
 
 struct VersionReply {
     quint16 start; ///< address of the first register
-    QString version; ///< "major.minor.patch", each a signed 16-bit number; empty when the report is too short for it
+    QString version; ///< "major.minor.patch", each a signed 16-bit number; empty when the report is too short
+                     ///< for it
 };
 
 /// The operation code; none when \a report is too short to have an operation and a payload.

@@ -1,5 +1,6 @@
-// From the device's answers to a decision: mode, both versions, the server's newest versions, the plan. Counts in
-// m_zeroVersionCount the "0.0.0" answers of a device that restarts after an upgrade. Called for every received report.
+// From the device's answers to a decision: mode, both versions, the server's newest versions, the plan.
+// Counts in m_zeroVersionCount the "0.0.0" answers of a device that restarts after an upgrade. Called for
+// every received report.
 
 #include "device/ControlMessages.h"
 #include "device/Report.h"
@@ -22,8 +23,8 @@ const QString kNotReadyVersion = QStringLiteral("0.0.0");
 /// So many in a row after an upgrade, and the device is taken to be bricked.
 constexpr int kNotReadyLimit = 5;
 
-/// A reply that waits for the server lets the next ones in. Both chips' replies and a repeated query fit; a device that
-/// floods the bus must not nest without end.
+/// A reply that waits for the server lets the next ones in. Both chips' replies and a repeated query fit; a
+/// device that floods the bus must not nest without end.
 constexpr int kNestedReplyLimit = 8;
 int nestedReplies = 0;
 } // namespace
@@ -60,9 +61,7 @@ void FirmwareUpgradeWidget::onReceiveHIDdata(QByteArray receiveData)
     }
 }
 
-void FirmwareUpgradeWidget::handle_Randow_WR(QByteArray)
-{
-}
+void FirmwareUpgradeWidget::handle_Randow_WR(QByteArray) { }
 
 void FirmwareUpgradeWidget::handle_Randow_RD(QByteArray receiveData)
 {
@@ -80,8 +79,8 @@ void FirmwareUpgradeWidget::answerDeviceMode(bool upgradeMode)
         if (findChild<QMessageBox *>())
             return; // the user has not answered the box about the same thing yet
         // Not on the stack: the panel may be deleted while the box is open, and its children with it.
-        const QPointer<QMessageBox> box
-            = new QMessageBox(QMessageBox::Warning, tr("提示"), tr("当前设备是固件升级模式"), QMessageBox::Ok, this);
+        const QPointer<QMessageBox> box = new QMessageBox(
+            QMessageBox::Warning, tr("提示"), tr("当前设备是固件升级模式"), QMessageBox::Ok, this);
         box->setStyleSheet(Styles::kWarningBox);
         box->exec();
         delete box;
@@ -90,25 +89,29 @@ void FirmwareUpgradeWidget::answerDeviceMode(bool upgradeMode)
     if (!m_hidManager)
         return;
     const ControlMessages *messages = ControlMessages::getInstance();
-    m_hidManager->DC_AddSendData(messages->continuousRead(DeviceRegister::kPcVersion, DeviceRegister::kVersionLength));
-    m_hidManager->DC_AddSendData(messages->continuousRead(DeviceRegister::kOtgVersion, DeviceRegister::kVersionLength));
+    m_hidManager->DC_AddSendData(
+        messages->continuousRead(DeviceRegister::kPcVersion, DeviceRegister::kVersionLength));
+    m_hidManager->DC_AddSendData(
+        messages->continuousRead(DeviceRegister::kOtgVersion, DeviceRegister::kVersionLength));
 }
 
 void FirmwareUpgradeWidget::handle_Continue_RD(QByteArray receiveData)
 {
     using Panel = FirmwareUpgradeWidget;
     static const VersionChannel channels[] = {
-        {DeviceRegister::kPcVersion, &Panel::m_devicePcVersion, &Panel::m_remotePcVersion, &Panel::pcVersionUrl,
-         "[handle_Continue_RD] PC版本号为 0.0.0，重试计数:", "DEVICE PC VERSION : ", "Remote PC Firmware Version is: "},
-        {DeviceRegister::kOtgVersion, &Panel::m_deviceOtgVersion, &Panel::m_remoteOtgVersion, &Panel::otgVersionUrl,
-         "[handle_Continue_RD] OTG版本号为 0.0.0，重试计数:", "DEVICE OTG VERSION : ", "Remote OTG Firmware Version is: "},
+        {DeviceRegister::kPcVersion, &Panel::m_devicePcVersion, &Panel::m_remotePcVersion,
+         &Panel::pcVersionUrl, "[handle_Continue_RD] PC版本号为 0.0.0，重试计数:", "DEVICE PC VERSION : ",
+         "Remote PC Firmware Version is: "},
+        {DeviceRegister::kOtgVersion, &Panel::m_deviceOtgVersion, &Panel::m_remoteOtgVersion,
+         &Panel::otgVersionUrl, "[handle_Continue_RD] OTG版本号为 0.0.0，重试计数:", "DEVICE OTG VERSION : ",
+         "Remote OTG Firmware Version is: "},
     };
 
     const auto reply = Report::versionReply(receiveData);
     if (!reply)
         return;
-    // While one chip's reply waits for the server, the other chip's comes in and may end the waiting period; the
-    // completed screen must outlast both.
+    // While one chip's reply waits for the server, the other chip's comes in and may end the waiting period;
+    // the completed screen must outlast both.
     const bool silent = m_postUpgradeWaiting;
     for (const VersionChannel &channel : channels) {
         if (channel.address != reply->start)
@@ -119,8 +122,8 @@ void FirmwareUpgradeWidget::handle_Continue_RD(QByteArray receiveData)
     takeFreshVersions(silent);
 }
 
-/// Stores what the device reported and asks the server for the newest version. False: the reply is dropped, or the
-/// panel was deleted meanwhile.
+/// Stores what the device reported and asks the server for the newest version. False: the reply is dropped,
+/// or the panel was deleted meanwhile.
 bool FirmwareUpgradeWidget::takeDeviceVersion(const VersionChannel &channel, const QString &version)
 {
     if (version == kNotReadyVersion && m_postUpgradeWaiting) {

@@ -1,5 +1,6 @@
-// Starts the external flashing tool for one image and one chip, and ends it when it takes too long. What the run comes
-// to is judged from the tool's progress file alone, never from its exit code. Called by the sequence.
+// Starts the external flashing tool for one image and one chip, and ends it when it takes too long. What the
+// run comes to is judged from the tool's progress file alone, never from its exit code. Called by the
+// sequence.
 
 #include "flash/ProgressFile.h"
 #include "panel/Colours.h"
@@ -70,7 +71,8 @@ bool FirmwareUpgradeWidget::startTool(const QString &binPath, int pid)
 
 QStringList FirmwareUpgradeWidget::buildDfuArgs(const QString &binPath, int pid) const
 {
-    QStringList arguments{binPath, QStringLiteral("--pid"), QStringLiteral("%1").arg(pid, 4, 16, QLatin1Char('0'))};
+    QStringList arguments{binPath, QStringLiteral("--pid"),
+                          QStringLiteral("%1").arg(pid, 4, 16, QLatin1Char('0'))};
     if (isDfuPid(pid))
         arguments.append(QStringLiteral("--already-in-dfu"));
     return arguments;
@@ -82,8 +84,8 @@ void FirmwareUpgradeWidget::showFlashingStarted()
     const bool isOtgHalf = m_upgradePlan == UpgradePlan::Both && pcUpgradeCompleted;
     showProgress(isOtgHalf ? ProgressScale::kPcHalfDone : 0);
     const bool keepWaitingUI = isOtgHalf && isWaitingForOtg();
-    logLine() << "[startUpgrade] keepWaitingUI=" << keepWaitingUI << " progressColor=red?" << isWaitingForOtg()
-              << " pcUpgradeCompleted=" << pcUpgradeCompleted;
+    logLine() << "[startUpgrade] keepWaitingUI=" << keepWaitingUI << " progressColor=red?"
+              << isWaitingForOtg() << " pcUpgradeCompleted=" << pcUpgradeCompleted;
     if (keepWaitingUI)
         return;
     hideAll({m_rocketLb, m_upgradeTextLb});

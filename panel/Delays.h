@@ -5,9 +5,10 @@
 #include <chrono>
 #include <utility>
 
-/// Runs \a action once, on the owner's thread, \a delay from now. The timer is a child of \a owner: an owner that is
-/// deleted or that stops its child timers takes the action with it.
-template <typename Owner, typename Action> void runAfter(std::chrono::milliseconds delay, Owner *owner, Action action)
+/// Runs \a action once, on the owner's thread, \a delay from now. The timer is a child of \a owner: an owner
+/// that is deleted or that stops its child timers takes the action with it.
+template <typename Owner, typename Action>
+void runAfter(std::chrono::milliseconds delay, Owner *owner, Action action)
 {
     auto *timer = new QTimer(owner);
     timer->setSingleShot(true);

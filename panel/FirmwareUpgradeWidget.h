@@ -36,8 +36,9 @@ enum class UpgradePlan : int { None = 0, PcOnly = 1, OtgOnly = 2, Both = 3 };
 /// The languages of the panel. A value outside the two is shown as English.
 enum class Language : int { Chinese = 0, English = 1 };
 
-/// Switches every panel of this process, those to come included, to \a lang and re-translates them before it returns.
-/// Also makes the language's font family the application's default font. GUI thread only; needs a QApplication.
+/// Switches every panel of this process, those to come included, to \a lang and re-translates them before it
+/// returns. Also makes the language's font family the application's default font. GUI thread only; needs a
+/// QApplication.
 QUILLON_FIRMWARE_UPGRADE_EXPORT void setLanguage(Language lang);
 
 /// What setLanguage() was last called with, unchanged; Chinese before the first call. GUI thread only.
@@ -45,30 +46,34 @@ QUILLON_FIRMWARE_UPGRADE_EXPORT Language getCurrentLanguage();
 
 /// The firmware-upgrade panel: a frameless window of 472 x 418 pixels that works by itself once it exists.
 ///
-/// It watches the HID bus for a device of its model, reads the device's two firmware versions, asks the update
-/// server for the newest ones, shows what it found and, on a click, downloads both images and drives the external
-/// flashing tool for one chip after the other. A device that is stuck in its boot loader is recovered without a click.
+/// It watches the HID bus for a device of its model, reads the device's two firmware versions, asks the
+/// update server for the newest ones, shows what it found and, on a click, downloads both images and drives
+/// the external flashing tool for one chip after the other. A device that is stuck in its boot loader is
+/// recovered without a click.
 ///
-/// Everything runs on the GUI thread; every function is to be called there. A server query blocks the caller for at
-/// most 2 s in a nested event loop, a start of the flashing tool for at most 3 s. The panel may be deleted at any
-/// moment, also from inside such a loop; a running flashing tool is then ended within 1 s.
+/// Everything runs on the GUI thread; every function is to be called there. A server query blocks the caller
+/// for at most 2 s in a nested event loop, a start of the flashing tool for at most 3 s. The panel may be
+/// deleted at any moment, also from inside such a loop; a running flashing tool is then ended within 1 s.
 class QUILLON_FIRMWARE_UPGRADE_EXPORT FirmwareUpgradeWidget : public QWidget {
     Q_OBJECT
 
 public:
-    /// Builds the panel for R2 in the current language and starts watching the bus. Never fails: without a device it waits.
+    /// Builds the panel for R2 in the current language and starts watching the bus. Never fails: without a
+    /// device it waits.
     explicit FirmwareUpgradeWidget(QWidget *parent = nullptr);
 
-    /// Ends a running flashing tool (asked first, then killed) and releases the HID library. Takes at most about 1 s.
+    /// Ends a running flashing tool (asked first, then killed) and releases the HID library. Takes at most
+    /// about 1 s.
     ~FirmwareUpgradeWidget() override;
 
-    /// Serves \a model from now on. While idle the panel forgets what it knew of the former device and looks for the
-    /// new one; while an upgrade runs only the model changes. The model already served: nothing happens.
+    /// Serves \a model from now on. While idle the panel forgets what it knew of the former device and looks
+    /// for the new one; while an upgrade runs only the model changes. The model already served: nothing
+    /// happens.
     void setDeviceModel(DeviceModel model);
 
-    /// Shows the panel and starts the recovery of a device in its boot loader: both firmwares, no version check. While
-    /// the failure screen is up it offers the retry instead. Discovery calls it by itself; a host may as well.
-    /// May block for two server queries.
+    /// Shows the panel and starts the recovery of a device in its boot loader: both firmwares, no version
+    /// check. While the failure screen is up it offers the retry instead. Discovery calls it by itself; a
+    /// host may as well. May block for two server queries.
     void startAutoRecoverUpgrade();
 
 Q_SIGNALS:
@@ -76,8 +81,8 @@ Q_SIGNALS:
     void upgradeDisplayMsg(QString disPlayVer, bool isUpgradeNeeded);
     /// A device in its boot loader was found while nothing ran; the recovery starts.
     void onDeviceBrickedDetected();
-    /// The OTG interface is on the bus and the run has reached its OTG half. The panel drops every receiver of this
-    /// signal at several points of a run: a host's connection does not last.
+    /// The OTG interface is on the bus and the run has reached its OTG half. The panel drops every receiver
+    /// of this signal at several points of a run: a host's connection does not last.
     void r2otgConnected();
 
 protected:

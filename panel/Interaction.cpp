@@ -1,5 +1,5 @@
-// The frameless window is dragged by its top strip, and the download link underlines itself under the pointer.
-// m_dragging is set by a press on the strip and cleared by the next release. Called by Qt.
+// The frameless window is dragged by its top strip, and the download link underlines itself under the
+// pointer. m_dragging is set by a press on the strip and cleared by the next release. Called by Qt.
 
 #include "net/UpdateServer.h"
 #include "panel/FirmwareUpgradeWidget.h"

@@ -1,5 +1,6 @@
-// The panel's language: the choice that all panels of the process share, and the re-translation of one panel, which
-// also moves what is longer in English. Sets isChinese. Called by the host, and by Qt when the language has changed.
+// The panel's language: the choice that all panels of the process share, and the re-translation of one panel,
+// which also moves what is longer in English. Sets isChinese. Called by the host, and by Qt when the language
+// has changed.
 
 #include "net/networking_class.h"
 #include "panel/FirmwareUpgradeWidget.h"
@@ -90,7 +91,8 @@ void FirmwareUpgradeWidget::changeEvent(QEvent *event)
 void FirmwareUpgradeWidget::retranslateUI()
 {
     isChinese = currentLanguage == Language::Chinese;
-    logLine() << "Detected language switch. The language after switching is: " << (isChinese ? "Chinese" : "English");
+    logLine() << "Detected language switch. The language after switching is: "
+              << (isChinese ? "Chinese" : "English");
     m_titleLabel->setText(tr(Texts::kTitle));
     m_tooOldLb->setText(tr(Texts::kTooOld));
     m_tooOldLb->setStyleSheet(Styles::label(Styles::kTooOld, fontFamily()));

@@ -48,7 +48,8 @@ void FirmwareUpgradeWidget::setupUI()
     createConnectionHint();
     createFailureLine();
     createOfflineToolLine();
-    // What to do about a failure, or about a firmware that is too old, lies over the last pixels of the notes.
+    // What to do about a failure, or about a firmware that is too old, lies over the last pixels of the
+    // notes.
     for (QLabel *advice : {m_failIconLb, m_offlineToolIconLb})
         static_cast<WholeLinesEdit *>(m_notesEdit)->keepClearOf(advice);
     makeAccessible();

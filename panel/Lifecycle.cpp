@@ -1,5 +1,5 @@
-// Builds the panel, takes it down, and changes the model it serves. setDeviceModel() clears every flag of the run state
-// while the panel is idle. Called by the host.
+// Builds the panel, takes it down, and changes the model it serves. setDeviceModel() clears every flag of the
+// run state while the panel is idle. Called by the host.
 
 #include "flash/ProgressFile.h"
 #include "net/networking_class.h"
@@ -34,11 +34,12 @@ constexpr auto kDrainLimit = 100ms;
 constexpr auto kTerminateLimit = 300ms;
 constexpr auto kKillLimit = 500ms;
 
-/// A parent that is being destroyed deletes its children one by one and has a gap in its list where the current one was.
-/// What is still posted to it must not be delivered: handling it may run into that gap.
+/// A parent that is being destroyed deletes its children one by one and has a gap in its list where the
+/// current one was. What is still posted to it must not be delivered: handling it may run into that gap.
 void dropEventsOfDyingParents(const QObject *child)
 {
-    for (QObject *parent = child->parent(); parent && !parent->children().contains(child); parent = parent->parent()) {
+    for (QObject *parent = child->parent(); parent && !parent->children().contains(child);
+         parent = parent->parent()) {
         QCoreApplication::removePostedEvents(parent);
         child = parent;
     }
@@ -128,11 +129,17 @@ void FirmwareUpgradeWidget::createToolAndTimers()
     connect(m_progressTimer, &QTimer::timeout, this, &FirmwareUpgradeWidget::onReadFirmwareTxt);
 }
 
-/// Nothing may reach a panel that is going down: no signal, no call that is already queued, no delayed action.
+/// Nothing may reach a panel that is going down: no signal, no call that is already queued, no delayed
+/// action.
 void FirmwareUpgradeWidget::disconnectEverything()
 {
-    const QObject *const senders[] = {m_hidManager, networking_class::getInstance(), m_progressBar, m_progressTimer,
-                                      m_dfuTimeoutTimer, m_dfuProcess, this};
+    const QObject *const senders[] = {m_hidManager,
+                                      networking_class::getInstance(),
+                                      m_progressBar,
+                                      m_progressTimer,
+                                      m_dfuTimeoutTimer,
+                                      m_dfuProcess,
+                                      this};
     for (const QObject *sender : senders) {
         if (sender)
             disconnect(sender, nullptr, this, nullptr);
@@ -181,7 +188,8 @@ void FirmwareUpgradeWidget::refreshConnectionHint()
 
 void FirmwareUpgradeWidget::resetRunState()
 {
-    for (QString *version : {&m_devicePcVersion, &m_deviceOtgVersion, &m_remotePcVersion, &m_remoteOtgVersion})
+    for (QString *version :
+         {&m_devicePcVersion, &m_deviceOtgVersion, &m_remotePcVersion, &m_remoteOtgVersion})
         version->clear();
     m_pcFirmwareDownloaded = m_otgFirmwareDownloaded = pcUpgradeCompleted = false;
     m_autoRecoverRunning = m_inFailureRetry = false;

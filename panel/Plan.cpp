@@ -1,5 +1,6 @@
-// Turns the four versions into a plan and says when it may change. Sets m_upgradePlan; clears m_postUpgradeWaiting and
-// m_zeroVersionCount when the first versions after an upgrade have come in. Called by version reading and by the refresh.
+// Turns the four versions into a plan and says when it may change. Sets m_upgradePlan; clears
+// m_postUpgradeWaiting and m_zeroVersionCount when the first versions after an upgrade have come in. Called
+// by version reading and by the refresh.
 
 #include "net/networking_class.h"
 #include "panel/FirmwareUpgradeWidget.h"
@@ -17,7 +18,8 @@ int FirmwareUpgradeWidget::compareVersion(const QString &a, const QString &b) co
 
 UpgradePlan FirmwareUpgradeWidget::decideUpgradePlan()
 {
-    const VersionRules::Versions versions{m_devicePcVersion, m_remotePcVersion, m_deviceOtgVersion, m_remoteOtgVersion};
+    const VersionRules::Versions versions{m_devicePcVersion, m_remotePcVersion, m_deviceOtgVersion,
+                                          m_remoteOtgVersion};
     const UpgradePlan plan = VersionRules::choosePlan(versions);
     Q_EMIT upgradeDisplayMsg(VersionRules::displayVersion(versions), plan != UpgradePlan::None);
     return plan;
@@ -47,11 +49,12 @@ bool FirmwareUpgradeWidget::isUpgradePlanned() const
 
 bool FirmwareUpgradeWidget::isOtgPhase() const
 {
-    return m_upgradePlan == UpgradePlan::OtgOnly || (m_upgradePlan == UpgradePlan::Both && pcUpgradeCompleted);
+    return m_upgradePlan == UpgradePlan::OtgOnly
+        || (m_upgradePlan == UpgradePlan::Both && pcUpgradeCompleted);
 }
 
-/// After a version read: the plan follows the versions once all are known, but never while a run is under way.
-/// \a silent: the reply that brought a version came in the waiting period after an upgrade.
+/// After a version read: the plan follows the versions once all are known, but never while a run is under
+/// way. \a silent: the reply that brought a version came in the waiting period after an upgrade.
 void FirmwareUpgradeWidget::takeFreshVersions(bool silent)
 {
     const QString &failed = networking_class::failedQuery();
@@ -82,7 +85,8 @@ void FirmwareUpgradeWidget::logPlan() const
         logLine() << "[Upgrade] 不需要升级";
         break;
     case UpgradePlan::PcOnly:
-        logLine() << "[Upgrade] 需要升级 PC 固件。device=" << m_devicePcVersion << "remote=" << m_remotePcVersion;
+        logLine() << "[Upgrade] 需要升级 PC 固件。device=" << m_devicePcVersion
+                  << "remote=" << m_remotePcVersion;
         break;
     case UpgradePlan::OtgOnly:
         logLine() << "[Upgrade] 需要升级 OTG 固件";

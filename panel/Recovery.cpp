@@ -1,6 +1,7 @@
-// Recovers a device that is stuck in its boot loader, and refreshes the device's versions with a bounded number of
-// attempts. startAutoRecoverUpgrade() sets m_upgradePlan to Both; the flags of the run are set by discovery before it is
-// called and by the sequence after. Called by discovery through onDeviceBrickedDetected, and by a host.
+// Recovers a device that is stuck in its boot loader, and refreshes the device's versions with a bounded
+// number of attempts. startAutoRecoverUpgrade() sets m_upgradePlan to Both; the flags of the run are set by
+// discovery before it is called and by the sequence after. Called by discovery through
+// onDeviceBrickedDetected, and by a host.
 
 #include "panel/Colours.h"
 #include "panel/Delays.h"
@@ -69,8 +70,8 @@ void FirmwareUpgradeWidget::judgeVersionRefresh(int retriesLeft)
         refreshPlanAndScreen();
         return;
     }
-    logLine() << "[Refresh] not ready yet, retry left:" << retriesLeft - 1 << "pc=" << m_devicePcVersion << "/"
-              << m_remotePcVersion << "otg=" << m_deviceOtgVersion << "/" << m_remoteOtgVersion;
+    logLine() << "[Refresh] not ready yet, retry left:" << retriesLeft - 1 << "pc=" << m_devicePcVersion
+              << "/" << m_remotePcVersion << "otg=" << m_deviceOtgVersion << "/" << m_remoteOtgVersion;
     requestVersionRefreshWithRetry(retriesLeft - 1);
 }
 

@@ -1,7 +1,8 @@
 // Carries a run from the click to the start of the flashing tool, and from one chip to the next.
-// Sets m_isUpgrading and the download flags, clears pcUpgradeCompleted when a run starts and sets it when its PC half is
-// done; completing a run clears m_isUpgrading and m_autoRecoverRunning and sets m_postUpgradeWaiting.
-// Called by the bar's click, by the recovery, by the end of each download and by the progress monitor.
+// Sets m_isUpgrading and the download flags, clears pcUpgradeCompleted when a run starts and sets it when its
+// PC half is done; completing a run clears m_isUpgrading and m_autoRecoverRunning and sets
+// m_postUpgradeWaiting. Called by the bar's click, by the recovery, by the end of each download and by the
+// progress monitor.
 
 #include "net/networking_class.h"
 #include "panel/Colours.h"
@@ -23,7 +24,8 @@ using namespace std::chrono_literals;
 namespace QuillonFirmwareUpgrade {
 
 namespace {
-/// Time for the user to see which cable goes where, and for the device to settle, before the PC chip is flashed.
+/// Time for the user to see which cable goes where, and for the device to settle, before the PC chip is
+/// flashed.
 constexpr auto kPcFlashDelay = 6000ms;
 /// The OTG chip of an R1 needs longer after it has appeared on the bus.
 constexpr auto kOtgFlashDelayR1 = 8000ms;
@@ -31,13 +33,14 @@ constexpr auto kOtgFlashDelayR2 = 6000ms;
 /// A device that was just flashed restarts before it can tell its new versions.
 constexpr auto kReadBackDelay = 2400ms;
 
-/// A connection that is over as soon as the signal is emitted: a second emission that comes before the event loop has
-/// turned must not start the flashing tool twice.
+/// A connection that is over as soon as the signal is emitted: a second emission that comes before the event
+/// loop has turned must not start the flashing tool twice.
 const auto kOnceQueued = Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection);
 
 QString downloadFolder()
 {
-    return qEnvironmentVariable("ALLUSERSPROFILE") + QStringLiteral("/Orvik/Orvik Link") + QStringLiteral("/orvikExe");
+    return qEnvironmentVariable("ALLUSERSPROFILE") + QStringLiteral("/Orvik/Orvik Link")
+        + QStringLiteral("/orvikExe");
 }
 
 bool holdsData(const QString &path)
@@ -163,7 +166,9 @@ void FirmwareUpgradeWidget::startOtgPhase()
 {
     logLine() << "[Upgrade] 开始执行 OTG 固件升级流程";
     showWaitingScreen(Port::Otg);
-    connect(this, &FirmwareUpgradeWidget::r2otgConnected, this, [this] { startOtgFlashingAtOnce(); }, kOnceQueued);
+    connect(
+        this, &FirmwareUpgradeWidget::r2otgConnected, this, [this] { startOtgFlashingAtOnce(); },
+        kOnceQueued);
     rescan();
 }
 
@@ -171,7 +176,8 @@ void FirmwareUpgradeWidget::startBothPhases()
 {
     logLine() << "[Upgrade] 先升 PC 再升 OTG";
     disconnect(this, &FirmwareUpgradeWidget::r2otgConnected, nullptr, nullptr);
-    connect(this, &FirmwareUpgradeWidget::r2otgConnected, this, [this] { scheduleOtgFlashing(); }, kOnceQueued);
+    connect(
+        this, &FirmwareUpgradeWidget::r2otgConnected, this, [this] { scheduleOtgFlashing(); }, kOnceQueued);
     showWaitingScreen(Port::Pc);
     runAfter(kPcFlashDelay, this, [this] { startPcFlashing(); });
     rescan();
@@ -210,8 +216,8 @@ void FirmwareUpgradeWidget::startOtgFlashingAtOnce()
     startUpgradeWithExternalTool(m_otgFirmwarePath, resolveOtgTargetPid());
 }
 
-/// The PC half of a run over both chips is flashed; discovery takes over until the OTG interface is there. False: a
-/// receiver of the announcement that it is there already has deleted the panel.
+/// The PC half of a run over both chips is flashed; discovery takes over until the OTG interface is there.
+/// False: a receiver of the announcement that it is there already has deleted the panel.
 bool FirmwareUpgradeWidget::handOverToOtg()
 {
     pcUpgradeCompleted = true;

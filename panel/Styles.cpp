@@ -33,17 +33,18 @@ QString offlineToolLink(const QString &family)
 
 QString notes(const QString &family)
 {
-    return QStringLiteral("QTextEdit {  border: none;  background: transparent;  color: rgba(255, 255, 255, 0.7);"
-                          "  font-family: '%1';  font-size: 14px;  font-weight: 400;  letter-spacing: 0px;}"
-                          "QScrollBar:vertical {  background: transparent;  width: 5px;  margin: 0px;  border: none;}"
-                          "QScrollBar::handle:vertical {  background: rgba(255,255,255,0.15);  width: 5px;"
-                          "  min-height: 60px;  max-height: 60px;  border-radius: 2.4px;  border: none;}"
-                          "QScrollBar::handle:vertical:hover {  background: rgba(255,255,255,0.5);}"
-                          "QScrollBar::handle:vertical:pressed {  background: rgba(255,255,255,0.7);}"
-                          "QScrollBar::add-line:vertical {  height: 0px;  border: none;}"
-                          "QScrollBar::sub-line:vertical {  height: 0px;  border: none;}"
-                          "QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical {"
-                          "  background: transparent;  border: none;}")
+    return QStringLiteral(
+               "QTextEdit {  border: none;  background: transparent;  color: rgba(255, 255, 255, 0.7);"
+               "  font-family: '%1';  font-size: 14px;  font-weight: 400;  letter-spacing: 0px;}"
+               "QScrollBar:vertical {  background: transparent;  width: 5px;  margin: 0px;  border: none;}"
+               "QScrollBar::handle:vertical {  background: rgba(255,255,255,0.15);  width: 5px;"
+               "  min-height: 60px;  max-height: 60px;  border-radius: 2.4px;  border: none;}"
+               "QScrollBar::handle:vertical:hover {  background: rgba(255,255,255,0.5);}"
+               "QScrollBar::handle:vertical:pressed {  background: rgba(255,255,255,0.7);}"
+               "QScrollBar::add-line:vertical {  height: 0px;  border: none;}"
+               "QScrollBar::sub-line:vertical {  height: 0px;  border: none;}"
+               "QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical {"
+               "  background: transparent;  border: none;}")
         .arg(family);
 }
 

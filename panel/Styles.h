@@ -2,7 +2,8 @@
 
 #include <QString>
 
-/// The style sheets of the panel's children. Where a style names a font family, it is that of the language shown.
+/// The style sheets of the panel's children. Where a style names a font family, it is that of the language
+/// shown.
 namespace QuillonFirmwareUpgrade::Styles {
 
 inline const QString kChineseFamily = QStringLiteral("Microsoft YaHei");
@@ -51,18 +52,19 @@ QString notes(const QString &family);
 inline const QString kTransparent = QStringLiteral("QLabel{background: transparent; border: none;}");
 inline const QString kLine
     = QStringLiteral("border:0px; border-radius:0px; background-color:rgba(255, 255, 255, 0.2);");
-inline const QString kCard = QStringLiteral("border:0px; border-radius:4px; background-color:rgba(48, 49, 60, 1);");
+inline const QString kCard
+    = QStringLiteral("border:0px; border-radius:4px; background-color:rgba(48, 49, 60, 1);");
 inline const QString kCloseButton
     = QStringLiteral("QPushButton{border:0px; image:url(:/new/prefix1/image/close.png);}"
                      "QPushButton:hover{ image:url(:/new/prefix1/image/close_h.png)}");
 /// A box over the panel looks like a part of it.
-inline const QString kWarningBox
-    = QStringLiteral("QMessageBox{background-color:rgba(48, 49, 60, 1);"
-                     " messagebox-warning-icon:url(:/new/prefix1/image/exclamation_mark.png);}"
-                     "QLabel{color:rgba(255,255,255,1); font-size:14px;}"
-                     "QPushButton{border:2px solid transparent; border-radius:16px; min-width:96px; height:28px;"
-                     " background-color:rgba(87,110,246,1); color:rgba(255,255,255,1); font-size:16px; font-weight:700;}"
-                     "QPushButton:focus{border-color:rgba(255,255,255,1);}"
-                     "QPushButton:hover{background-color:rgba(73, 92, 214, 1);}");
+inline const QString kWarningBox = QStringLiteral(
+    "QMessageBox{background-color:rgba(48, 49, 60, 1);"
+    " messagebox-warning-icon:url(:/new/prefix1/image/exclamation_mark.png);}"
+    "QLabel{color:rgba(255,255,255,1); font-size:14px;}"
+    "QPushButton{border:2px solid transparent; border-radius:16px; min-width:96px; height:28px;"
+    " background-color:rgba(87,110,246,1); color:rgba(255,255,255,1); font-size:16px; font-weight:700;}"
+    "QPushButton:focus{border-color:rgba(255,255,255,1);}"
+    "QPushButton:hover{background-color:rgba(73, 92, 214, 1);}");
 
 } // namespace QuillonFirmwareUpgrade::Styles

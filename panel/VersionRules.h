@@ -4,7 +4,8 @@
 
 #include <QString>
 
-/// What follows from version strings alone. A version is decimal parts joined by dots; empty means not yet known.
+/// What follows from version strings alone. A version is decimal parts joined by dots; empty means not yet
+/// known.
 namespace QuillonFirmwareUpgrade::VersionRules {
 
 /// The four versions that decide a plan.
@@ -15,8 +16,8 @@ struct Versions {
     QString remoteOtg;
 };
 
-/// -1 when \a a is older than \a b, 1 when it is newer, 0 when they are equal. Compared part by part; a missing part
-/// and one that is no number count as 0.
+/// -1 when \a a is older than \a b, 1 when it is newer, 0 when they are equal. Compared part by part; a
+/// missing part and one that is no number count as 0.
 int compare(const QString &a, const QString &b);
 
 /// The firmwares that the server has newer than the device. A device that is newer is never downgraded.

@@ -68,8 +68,8 @@ void ClickableProgressBar::mousePressEvent(QMouseEvent *event)
         return;
     }
     QProgressBar::mousePressEvent(event);
-    // The receiver may run an event loop in which the bar is deleted; an event that is not accepted would then be
-    // offered to the parent of a widget that is gone.
+    // The receiver may run an event loop in which the bar is deleted; an event that is not accepted would
+    // then be offered to the parent of a widget that is gone.
     event->accept();
     Q_EMIT clicked();
 }
@@ -96,7 +96,8 @@ void ClickableProgressBar::paintEvent(QPaintEvent *)
     const QRectF pill = rect();
     QPainterPath outline;
     outline.addRoundedRect(pill, pill.height() * 0.5, pill.height() * 0.5);
-    painter.fillPath(outline, m_hovered && hasVisibleBorder() ? kHoveredOutlinedBackground : m_backgroundColor);
+    painter.fillPath(outline,
+                     m_hovered && hasVisibleBorder() ? kHoveredOutlinedBackground : m_backgroundColor);
 
     if (maximum() > minimum()) {
         const double fraction = (double(value()) - minimum()) / (double(maximum()) - minimum());

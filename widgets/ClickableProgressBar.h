@@ -3,8 +3,8 @@
 #include <QColor>
 #include <QProgressBar>
 
-/// A pill-shaped progress bar that is also a button. It paints itself whole: the base class's chunk and text never
-/// appear; words on the bar are child labels. GUI thread only.
+/// A pill-shaped progress bar that is also a button. It paints itself whole: the base class's chunk and text
+/// never appear; words on the bar are child labels. GUI thread only.
 class ClickableProgressBar : public QProgressBar {
     Q_OBJECT
 

@@ -120,14 +120,13 @@ void DiscoveryTest::pathsAreClassified_data()
     row("R2: an R1 in normal mode is nothing", 1, {0, 0}, {u"0001"_s}, u""_s, {0, 0}, u"2pid is: 0001"_s);
     row("R1: an R2 in normal mode is nothing", 0, {0, 0}, {u"000e"_s}, u""_s, {0, 0}, u"2pid is: 000e"_s);
     row("R1: an R2's OTG chip is nothing", 0, {0, 0}, {u"001f"_s}, u""_s, {0, 0}, u"2pid is: 001f"_s);
-    row("R1: an R2's OTG boot loader is nothing", 0, {0, 0}, {u"0065"_s}, u""_s, {0, 0},
-        u"2pid is: 0065"_s);
+    row("R1: an R2's OTG boot loader is nothing", 0, {0, 0}, {u"0065"_s}, u""_s, {0, 0}, u"2pid is: 0065"_s);
     row("another device of the family", 1, {14, 31}, {u"1234"_s}, u""_s, {14, 31}, u"2pid is: 1234"_s);
 
     row("both chips", 1, {0, 0}, {u"000e"_s, u"001f"_s}, u"PO"_s, {14, 31}, otg);
     row("both chips the other way round", 1, {0, 0}, {u"001f"_s, u"000e"_s}, u"PO"_s, {14, 31}, normal);
-    row("the later PC match is remembered: boot loader", 1, {0, 0}, {u"000e"_s, u"00ff"_s}, u"Pp"_s,
-        {255, 0}, u"find DFU device, pid=ff"_s);
+    row("the later PC match is remembered: boot loader", 1, {0, 0}, {u"000e"_s, u"00ff"_s}, u"Pp"_s, {255, 0},
+        u"find DFU device, pid=ff"_s);
     row("the later PC match is remembered: normal", 1, {0, 0}, {u"00ff"_s, u"000e"_s}, u"Pp"_s, {14, 0},
         normal);
     row("a PC chip overwrites what was seen before", 1, {255, 0}, {u"000e"_s}, u"P"_s, {14, 0}, normal);
@@ -140,8 +139,8 @@ void DiscoveryTest::pathsAreClassified_data()
     row("a normal OTG sighting of an earlier list is not overwritten", 1, {0, 31}, {u"0065"_s}, u"o"_s,
         {0, 31}, otgDfu);
     row("another model's OTG sighting is overwritten", 1, {0, 18}, {u"0065"_s}, u"o"_s, {0, 101}, otgDfu);
-    row("everything at once", 1, {0, 0}, {u"0065"_s, u"001f"_s, u"00ff"_s, u"000e"_s, u"1234"_s},
-        u"PpOo"_s, {14, 31}, u"2pid is: 1234"_s);
+    row("everything at once", 1, {0, 0}, {u"0065"_s, u"001f"_s, u"00ff"_s, u"000e"_s, u"1234"_s}, u"PpOo"_s,
+        {14, 31}, u"2pid is: 1234"_s);
 }
 
 void DiscoveryTest::pathsAreClassified()

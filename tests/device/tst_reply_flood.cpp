@@ -34,9 +34,8 @@ void ReplyFloodTest::repliesOfASilentServersQueriesNestToALimit()
     stage.server.answer(ServerPaths::kR2PcVersion, ScriptedHttpServer::silence());
     int deepest = 0;
     QTimer watch;
-    connect(&watch, &QTimer::timeout, this, [&] {
-        deepest = std::max(deepest, int(stage.log.count(u"DEVICE PC VERSION : 1.2.3"_s)));
-    });
+    connect(&watch, &QTimer::timeout, this,
+            [&] { deepest = std::max(deepest, int(stage.log.count(u"DEVICE PC VERSION : 1.2.3"_s))); });
     watch.start(20ms);
 
     flood(*stage.panel, kPc.reply({1, 2, 3}), kFlood);

@@ -168,11 +168,10 @@ void VersionReadingTest::wholeExchangeLeadsToAPlan()
     QTRY_COMPARE(m_stage->log.count(u"[Upgrade] 需要升级 PC 固件。device=1.2.3remote=1.3.0"_s), 1);
     QCOMPARE(panel().m_upgradePlan, UpgradePlan::PcOnly);
     // The OTG version may come in while the server is still busy with the PC version.
-    for (const QStringList &order :
-         {QStringList{u" receive dfu mode is: off"_s, deviceLine(kPc, u"1.2.3"_s),
-                      deviceLine(kOtg, u"1.2.4"_s)},
-          QStringList{deviceLine(kPc, u"1.2.3"_s), remoteLine(kPc, u"1.3.0"_s)},
-          QStringList{deviceLine(kOtg, u"1.2.4"_s), remoteLine(kOtg, u"1.2.4"_s)}})
+    for (const QStringList &order : {QStringList{u" receive dfu mode is: off"_s, deviceLine(kPc, u"1.2.3"_s),
+                                                 deviceLine(kOtg, u"1.2.4"_s)},
+                                     QStringList{deviceLine(kPc, u"1.2.3"_s), remoteLine(kPc, u"1.3.0"_s)},
+                                     QStringList{deviceLine(kOtg, u"1.2.4"_s), remoteLine(kOtg, u"1.2.4"_s)}})
         QCOMPARE(missingInOrder(lines(), order), QString());
     const QList<QByteArray> sent = PanelStage::bus().written();
     QCOMPARE(sent.size(), 3); // the query, then the PC version before the OTG version

@@ -33,8 +33,7 @@ void FlashingRunsTest::aRunEnds_data()
     const QString badStatus = u"[状态] 升级失败(status=0)，显示失败重试 UI"_s;
 
     QTest::newRow("a tool that rewrites its report")
-        << "write 10%\npause 300\nwrite 55%\npause 300\nwrite success 1"_ba << true << success << 500
-        << 3000;
+        << "write 10%\npause 300\nwrite 55%\npause 300\nwrite success 1"_ba << true << success << 500 << 3000;
     QTest::newRow("a tool that appends to its report")
         << "append 10%\npause 300\nappend 55%\npause 300\nappend success 1"_ba << true << success << 500
         << 3000;

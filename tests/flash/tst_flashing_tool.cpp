@@ -41,8 +41,7 @@ void FlashingToolTest::argumentsNameImageAndChip_data()
     QTest::addColumn<bool>("isInBootLoader");
     QTest::newRow("R1, PC chip") << 0 << 1 << u"0001"_s << false;
     QTest::newRow("R1, PC chip in its boot loader") << 0 << 16 << u"0010"_s << true;
-    QTest::newRow("R1, OTG chip, whose product ID is also its boot loader's")
-        << 0 << 18 << u"0012"_s << true;
+    QTest::newRow("R1, OTG chip, whose product ID is also its boot loader's") << 0 << 18 << u"0012"_s << true;
     QTest::newRow("R1, R2's boot loader of the PC chip") << 0 << 255 << u"00ff"_s << false;
     QTest::newRow("R1, R2's boot loader of the OTG chip") << 0 << 101 << u"0065"_s << false;
     QTest::newRow("R2, PC chip") << 1 << 14 << u"000e"_s << false;

@@ -53,8 +53,8 @@ void FlashingToolEndTest::nothingChangesWhenItCannotStart_data()
     QTest::newRow("a tool that may not be executed")
         << Spoil([](FlashingStage &stage) { stage.tool.forbid(); }) << good << noStart;
     QTest::newRow("a tool that is no program")
-        << Spoil([](FlashingStage &stage) { stage.tool.replaceBy("MZ\0\0 not for this machine"_ba); })
-        << good << noStart;
+        << Spoil([](FlashingStage &stage) { stage.tool.replaceBy("MZ\0\0 not for this machine"_ba); }) << good
+        << noStart;
     QTest::newRow("a tool that is empty")
         << Spoil([](FlashingStage &stage) { stage.tool.replaceBy({}); }) << good << noStart;
     QTest::newRow("a tool whose interpreter is missing")

@@ -41,8 +41,7 @@ void FlashingWatchdogTest::aMinuteIsTheLimit_data()
     QTest::addColumn<QString>("verdict");
     QTest::newRow("no report") << "ignore-terminate\nhang"_ba
                                << u"[状态] 进程已退出但无进度文件，判定为失败"_s;
-    QTest::newRow("an empty report") << "empty\nhang"_ba
-                                     << u"[状态] 进程已退出但进度文件为空，判定为失败"_s;
+    QTest::newRow("an empty report") << "empty\nhang"_ba << u"[状态] 进程已退出但进度文件为空，判定为失败"_s;
     QTest::newRow("0 % is never judged") << "write 0%\nhang"_ba << QString();
     QTest::newRow("an unknown line is never judged") << "write erasing\nhang"_ba << QString();
 }

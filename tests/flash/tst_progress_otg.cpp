@@ -39,11 +39,9 @@ void ProgressOtgTest::handOverAsksForTheOtgCable_data()
     QTest::addColumn<QString>("hint");
     const QString r1Movie = u":/new/prefix1/image/pc_otg.gif"_s;
     const QString r2Movie = u":/new/prefix1/image/dc5v_otg.gif"_s;
-    QTest::newRow("R1, Chinese") << DeviceModel::R1 << Language::Chinese << r1Movie
-                                 << u"正在检测OTG接入..."_s
+    QTest::newRow("R1, Chinese") << DeviceModel::R1 << Language::Chinese << r1Movie << u"正在检测OTG接入..."_s
                                  << u"请使用配件附带的USB线，接入并保持USB-C和OTG口\n与电脑的连接。"_s;
-    QTest::newRow("R2, Chinese") << DeviceModel::R2 << Language::Chinese << r2Movie
-                                 << u"正在检测OTG接入..."_s
+    QTest::newRow("R2, Chinese") << DeviceModel::R2 << Language::Chinese << r2Movie << u"正在检测OTG接入..."_s
                                  << u"请使用配件附带USB线接入图示DC-5V和OTG口,\n继续完成升级。"_s;
     QTest::newRow("R1, English")
         << DeviceModel::R1 << Language::English << r1Movie << u"Detecting OTG connection..."_s

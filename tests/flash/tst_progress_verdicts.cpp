@@ -138,9 +138,8 @@ void ProgressVerdictsTest::successIsLogged()
     Screen::showOnly(*m->panel, visible + QStringList{u"m_progressBar"_s});
     m->log.clear();
     m->poll("success 1");
-    QCOMPARE(
-        m->log.lines(),
-        (QStringList{u"Successfully upgrade !!!"_s, line, u"[VersionRead] 清空版本号，准备重新读取"_s}));
+    QCOMPARE(m->log.lines(),
+             (QStringList{u"Successfully upgrade !!!"_s, line, u"[VersionRead] 清空版本号，准备重新读取"_s}));
 }
 
 void ProgressVerdictsTest::completionForgetsTheVersions_data()
@@ -169,11 +168,10 @@ void ProgressVerdictsTest::completionForgetsTheVersions()
     panel.m_zeroVersionCount = 3;
     const QStringList before = panelState(panel);
     m->poll("success 1");
-    QCOMPARE(
-        changedState(before, panelState(panel)),
-        (QStringList{u"m_devicePcVersion="_s, u"m_deviceOtgVersion="_s, u"m_autoRecoverRunning=false"_s,
-                     u"m_isUpgrading=false"_s, u"lastDetectedOtgPid=0"_s, u"m_postUpgradeWaiting=true"_s,
-                     u"m_zeroVersionCount=0"_s}));
+    QCOMPARE(changedState(before, panelState(panel)),
+             (QStringList{u"m_devicePcVersion="_s, u"m_deviceOtgVersion="_s, u"m_autoRecoverRunning=false"_s,
+                          u"m_isUpgrading=false"_s, u"lastDetectedOtgPid=0"_s, u"m_postUpgradeWaiting=true"_s,
+                          u"m_zeroVersionCount=0"_s}));
     QVERIFY(!panel.m_progressTimer->isActive());
     QVERIFY(!panel.m_dfuTimeoutTimer->isActive());
 }

@@ -146,8 +146,7 @@ void GalleryPicturesTest::theReadmeShowsWhatThereIs_data()
     QTest::addColumn<QString>("picture");
     QTest::newRow("every screen at a glance") << u"gallery.png"_s << u"sheet.png"_s;
     QTest::newRow("an upgrade on offer")
-        << u"upgrade-available.png"_s
-        << Gallery::picturePath({u"R2"_s, u"en"_s, 2}, u"upgrade-available"_s);
+        << u"upgrade-available.png"_s << Gallery::picturePath({u"R2"_s, u"en"_s, 2}, u"upgrade-available"_s);
 }
 
 void GalleryPicturesTest::theReadmeShowsWhatThereIs()

@@ -54,8 +54,8 @@ void HostOptionsTest::aWrongCommandLineIsRefused_data()
         << QStringList{simulate, u"--scenario="_s} << u"--scenario takes the name of a file"_s;
     QTest::newRow("a folder without a name")
         << QStringList{u"--record="_s} << u"--record takes the name of a folder"_s;
-    QTest::newRow("a scenario that is not there") << QStringList{simulate, scenario, u"/nowhere/x.scn"_s}
-                                                  << u"/nowhere/x.scn: "_s;
+    QTest::newRow("a scenario that is not there")
+        << QStringList{simulate, scenario, u"/nowhere/x.scn"_s} << u"/nowhere/x.scn: "_s;
     QTest::newRow("a scenario that is a folder") << QStringList{simulate, scenario, u"/"_s} << u"/: "_s;
 }
 
@@ -118,8 +118,8 @@ void HostOptionsTest::withoutControllersTheDeviceIsNotPutOnUsb()
     QVERIFY(scenario.open(QIODevice::WriteOnly));
     scenario.write("expect screen searching\n");
     scenario.close();
-    const HostRun run = HostRun::with(
-        {u"--simulate"_s, u"--usb"_s, u"--headless"_s, u"--scenario"_s, scenario.fileName()});
+    const HostRun run
+        = HostRun::with({u"--simulate"_s, u"--usb"_s, u"--headless"_s, u"--scenario"_s, scenario.fileName()});
     QCOMPARE(run.status, 2);
     QVERIFY2(run.errors.contains(u"USB device"), qPrintable(run.errors));
 }

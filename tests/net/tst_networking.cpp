@@ -84,8 +84,7 @@ void NetworkingTest::logsAFailedQuery_data()
     QTest::newRow("status 500 with a list")
         << ScriptedHttpServer::page("[{}]"_ba, 500) << u"500401"_s
         << u"Error transferring "_s + address + u" - server replied: Scripted"_s;
-    QTest::newRow("no answer at all")
-        << ScriptedHttpServer::silence() << u"05"_s << u"Operation canceled"_s;
+    QTest::newRow("no answer at all") << ScriptedHttpServer::silence() << u"05"_s << u"Operation canceled"_s;
     QTest::newRow("closed unanswered") << ScriptedHttpServer::hangUp() << u"02"_s << u"Connection closed"_s;
 }
 

@@ -19,5 +19,5 @@ static_assert(std::is_same_v<decltype(&Q::setLanguage), void (*)(Q::Language)>);
 static_assert(std::is_same_v<decltype(&Q::getCurrentLanguage), Q::Language (*)()>);
 static_assert(int(Q::DeviceModel::R1) == 0 && int(Q::DeviceModel::R2) == 1);
 static_assert(int(Q::Language::Chinese) == 0 && int(Q::Language::English) == 1);
-static_assert(int(Q::UpgradePlan::None) == 0 && int(Q::UpgradePlan::PcOnly) == 1 && int(Q::UpgradePlan::OtgOnly) == 2
-              && int(Q::UpgradePlan::Both) == 3);
+static_assert(int(Q::UpgradePlan::None) == 0 && int(Q::UpgradePlan::PcOnly) == 1
+              && int(Q::UpgradePlan::OtgOnly) == 2 && int(Q::UpgradePlan::Both) == 3);

@@ -99,7 +99,8 @@ inline void PanelInStates::answerEverything()
 
 inline void PanelInStates::click()
 {
-    setVersions(*panel, QStringLiteral("1.2.0"), QStringLiteral("1.3.0"), QStringLiteral("1.2.0"), QStringLiteral("1.3.0"));
+    setVersions(*panel, QStringLiteral("1.2.0"), QStringLiteral("1.3.0"), QStringLiteral("1.2.0"),
+                QStringLiteral("1.3.0"));
     panel->m_upgradePlan = UpgradePlan::Both;
     panel->onUpgradeClicked();
 }
@@ -178,7 +179,8 @@ inline void PanelInStates::waitsBeforeTheOtgChip()
 {
     waitsForTheOtgChip();
     panel->ConnectingR2({QStringLiteral("pid_001f")}, {});
-    QTRY_VERIFY_WITH_TIMEOUT(stage.log.contains(QStringLiteral("[OTG] OTG设备已就绪，延迟后启动OTG升级")), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(stage.log.contains(QStringLiteral("[OTG] OTG设备已就绪，延迟后启动OTG升级")),
+                             kPatience);
 }
 
 inline void PanelInStates::flashesTheOtgChip()
@@ -211,7 +213,8 @@ inline void PanelInStates::recovers()
 
 inline void PanelInStates::refreshes()
 {
-    setVersions(*panel, QStringLiteral("1.2.0"), QStringLiteral("1.3.0"), QStringLiteral("1.2.0"), QStringLiteral("1.3.0"));
+    setVersions(*panel, QStringLiteral("1.2.0"), QStringLiteral("1.3.0"), QStringLiteral("1.2.0"),
+                QStringLiteral("1.3.0"));
     panel->requestVersionRefreshWithRetry(5);
 }
 

@@ -56,13 +56,16 @@ inline QList<Situation> all()
              Q_EMIT HIDCommunicator::OrvikHIDManager::instance()->blockReceiveData(
                  DeviceReplies::pcVersion({1, 2, 3}));
          }},
-        {QStringLiteral("the notes of an upgrade"), pc, [](auto &panel) { readWith(panel, QStringLiteral("1.2.0")); }},
-        {QStringLiteral("the notes for a device that is too old"), pc, [](auto &panel) { readWith(panel, QStringLiteral("1.0.9")); }},
+        {QStringLiteral("the notes of an upgrade"), pc,
+         [](auto &panel) { readWith(panel, QStringLiteral("1.2.0")); }},
+        {QStringLiteral("the notes for a device that is too old"), pc,
+         [](auto &panel) { readWith(panel, QStringLiteral("1.0.9")); }},
         {QStringLiteral("the click's first query"), pc, pressBar},
         {QStringLiteral("the click's second query"), otg, pressBar},
         {QStringLiteral("the query of a recovery that discovery started"), pc,
          [](auto &panel) { panel.ConnectingR2({kBrick}, {0x00FF}); }},
-        {QStringLiteral("the second query of a recovery"), otg, [](auto &panel) { panel.startAutoRecoverUpgrade(); }},
+        {QStringLiteral("the second query of a recovery"), otg,
+         [](auto &panel) { panel.startAutoRecoverUpgrade(); }},
         {QStringLiteral("the notes of a recovery"), pc,
          [](auto &panel) {
              panel.m_remotePcVersion = QStringLiteral("1.3.0");
@@ -75,7 +78,8 @@ inline QList<Situation> all()
          }},
         {QStringLiteral("the last refresh"), pc,
          [](auto &panel) {
-             setVersions(panel, QStringLiteral("1.2.0"), QStringLiteral("1.3.0"), QStringLiteral("1.2.0"), QStringLiteral("1.3.0"));
+             setVersions(panel, QStringLiteral("1.2.0"), QStringLiteral("1.3.0"), QStringLiteral("1.2.0"),
+                         QStringLiteral("1.3.0"));
              panel.requestVersionRefreshWithRetry(1);
          }},
         {QStringLiteral("the warning box"), QString(), receive(DeviceReplies::mode(1))},

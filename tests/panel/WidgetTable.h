@@ -90,14 +90,17 @@ inline QList<Row> rows()
             kPanel,
             "QLabel",
             {24, 16, 130, 19},
-            QStringLiteral("QLabel{border:0px; color:rgba(255,255,255,1); font-size:14px; font-weight:700; letter-spacing:0px; text-align:left;}"),
+            QStringLiteral("QLabel{border:0px; color:rgba(255,255,255,1); font-size:14px; font-weight:700; "
+                           "letter-spacing:0px; text-align:left;}"),
             false,
             QStringLiteral("固件升级")},
         Row{MEMBER(m_closeBtn),
             kPanel,
             "QPushButton",
             {436, 12, 24, 24},
-            QStringLiteral("QPushButton{border:0px; image:url(:/new/prefix1/image/close.png);}QPushButton:hover{ image:url(:/new/prefix1/image/close_h.png)}")},
+            QStringLiteral(
+                "QPushButton{border:0px; image:url(:/new/prefix1/image/close.png);}QPushButton:hover{ "
+                "image:url(:/new/prefix1/image/close_h.png)}")},
         Row{MEMBER(verCompLb),
             kPanel,
             "QLabel",
@@ -120,7 +123,8 @@ inline QList<Row> rows()
             kCard,
             "QLabel",
             {24, 29, 150, 21},
-            QStringLiteral("QLabel{border:0px; color:rgba(255,255,255,0.7); font-size:16px; font-weight:400;}"),
+            QStringLiteral(
+                "QLabel{border:0px; color:rgba(255,255,255,0.7); font-size:16px; font-weight:400;}"),
             true,
             QStringLiteral("无新版固件")}
             .wrapped(),
@@ -137,21 +141,24 @@ inline QList<Row> rows()
             kCard,
             "QLabel",
             {39, 38, 80, 26},
-            QStringLiteral("QLabel{border:0px; color:rgba(47,212,179,1); font-family:\"Microsoft YaHei\"; font-size:20px; font-weight:700;}"),
+            QStringLiteral("QLabel{border:0px; color:rgba(47,212,179,1); font-family:\"Microsoft YaHei\"; "
+                           "font-size:20px; font-weight:700;}"),
             true,
             QStringLiteral("--")},
         Row{MEMBER(m_curVerTitleLb),
             kCard,
             "QLabel",
             {207, 16, 56, 19},
-            QStringLiteral("QLabel{border:0px; color:rgba(255,255,255,0.7); font-size:14px; font-weight:400; letter-spacing:0px; text-align:left;}"),
+            QStringLiteral("QLabel{border:0px; color:rgba(255,255,255,0.7); font-size:14px; font-weight:400; "
+                           "letter-spacing:0px; text-align:left;}"),
             false,
             QStringLiteral("当前版本")},
         Row{MEMBER(m_curVerLb),
             kCard,
             "QLabel",
             {208, 42, 55, 19},
-            QStringLiteral("QLabel{border:0px; color:rgba(255,255,255,1); font-family:\"Microsoft YaHei\"; font-size:14px; font-weight:400; letter-spacing:0px; text-align:left;}"),
+            QStringLiteral("QLabel{border:0px; color:rgba(255,255,255,1); font-family:\"Microsoft YaHei\"; "
+                           "font-size:14px; font-weight:400; letter-spacing:0px; text-align:left;}"),
             false,
             QStringLiteral("--")},
         Row{MEMBER(m_notesIconLb), kPanel, "QLabel", {32, 160, 20, 20}, kTransparent}.withPicture("book.png",
@@ -160,7 +167,8 @@ inline QList<Row> rows()
             kPanel,
             "QLabel",
             {60, 159, 64, 21},
-            QStringLiteral("QLabel{border:0px; color:rgba(255,255,255,1); font-family:\"Microsoft YaHei\"; font-size:16px; font-weight:700; letter-spacing:0px; text-align:left;}"),
+            QStringLiteral("QLabel{border:0px; color:rgba(255,255,255,1); font-family:\"Microsoft YaHei\"; "
+                           "font-size:16px; font-weight:700; letter-spacing:0px; text-align:left;}"),
             false,
             QStringLiteral("新版概述")},
         Row{MEMBER(m_notesLineLb), kPanel, "QLabel", {32, 192, 408, 1}, kLine},
@@ -168,7 +176,17 @@ inline QList<Row> rows()
             kPanel,
             "QTextEdit",
             {32, 204, 428, 119},
-            QStringLiteral("QTextEdit {  border: none;  background: transparent;  color: rgba(255, 255, 255, 0.7);  font-family: 'Microsoft YaHei';  font-size: 14px;  font-weight: 400;  letter-spacing: 0px;}QScrollBar:vertical {  background: transparent;  width: 5px;  margin: 0px;  border: none;}QScrollBar::handle:vertical {  background: rgba(255,255,255,0.15);  width: 5px;  min-height: 60px;  max-height: 60px;  border-radius: 2.4px;  border: none;}QScrollBar::handle:vertical:hover {  background: rgba(255,255,255,0.5);}QScrollBar::handle:vertical:pressed {  background: rgba(255,255,255,0.7);}QScrollBar::add-line:vertical {  height: 0px;  border: none;}QScrollBar::sub-line:vertical {  height: 0px;  border: none;}QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical {  background: transparent;  border: none;}"),
+            QStringLiteral("QTextEdit {  border: none;  background: transparent;  color: rgba(255, 255, 255, "
+                           "0.7);  font-family: 'Microsoft YaHei';  font-size: 14px;  font-weight: 400;  "
+                           "letter-spacing: 0px;}QScrollBar:vertical {  background: transparent;  width: "
+                           "5px;  margin: 0px;  border: none;}QScrollBar::handle:vertical {  background: "
+                           "rgba(255,255,255,0.15);  width: 5px;  min-height: 60px;  max-height: 60px;  "
+                           "border-radius: 2.4px;  border: none;}QScrollBar::handle:vertical:hover {  "
+                           "background: rgba(255,255,255,0.5);}QScrollBar::handle:vertical:pressed {  "
+                           "background: rgba(255,255,255,0.7);}QScrollBar::add-line:vertical {  height: 0px; "
+                           " border: none;}QScrollBar::sub-line:vertical {  height: 0px;  border: "
+                           "none;}QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical {  "
+                           "background: transparent;  border: none;}"),
             false,
             QStringLiteral("--")},
         Row{MEMBER(m_progressBar), kPanel, "ClickableProgressBar", {32, 346, 408, 48}, {}},
@@ -178,14 +196,16 @@ inline QList<Row> rows()
             kBar,
             "QLabel",
             {186, 13, 64, 21},
-            QStringLiteral("QLabel{border:0px; color:rgba(255,255,255,0.5); font-size:16px; font-weight:700; letter-spacing:0px; text-align:center;}"),
+            QStringLiteral("QLabel{border:0px; color:rgba(255,255,255,0.5); font-size:16px; font-weight:700; "
+                           "letter-spacing:0px; text-align:center;}"),
             true,
             QStringLiteral("立即升级")},
         Row{MEMBER(m_tooOldLb),
             kBar,
             "QLabel",
             {0, 0, 408, 48},
-            QStringLiteral("QLabel{border:0px; color:rgba(255,255,255,1); font-family:\"Microsoft YaHei\"; font-size:16px; font-weight:700;}"),
+            QStringLiteral("QLabel{border:0px; color:rgba(255,255,255,1); font-family:\"Microsoft YaHei\"; "
+                           "font-size:16px; font-weight:700;}"),
             true,
             QStringLiteral("固件版本过低，无法升级")}
             .aligned(Qt::AlignCenter),
@@ -193,14 +213,17 @@ inline QList<Row> rows()
             kPanel,
             "QLabel",
             {218, 323, 38, 19},
-            QStringLiteral("QLabel{border:0px; color:rgba(255,255,255,1); font-size:14px; font-weight:400; letter-spacing:0px; text-align:center;}")},
+            QStringLiteral("QLabel{border:0px; color:rgba(255,255,255,1); font-size:14px; font-weight:400; "
+                           "letter-spacing:0px; text-align:center;}")},
         Row{MEMBER(m_waitingIconLb), kBar, "QLabel", {101, 12, 24, 24}, kTransparent, true}.withPicture(
             "waitting.png", {24, 24}),
         Row{MEMBER(m_upgradingLb),
             kBar,
             "QLabel",
             {133, 13, 174, 21},
-            QStringLiteral("QLabel{border:0px; color:rgba(255,255,255,0.85); font-family:\"Microsoft YaHei\"; font-size:16px; font-weight:700; letter-spacing:0px; text-align:center;}"),
+            QStringLiteral(
+                "QLabel{border:0px; color:rgba(255,255,255,0.85); font-family:\"Microsoft YaHei\"; "
+                "font-size:16px; font-weight:700; letter-spacing:0px; text-align:center;}"),
             true,
             QStringLiteral("升级中，请勿关闭设备...")},
         Row{MEMBER(m_doneIconLb), kBar, "QLabel", {156, 12, 24, 24}, kTransparent, true}.withPicture(
@@ -209,7 +232,8 @@ inline QList<Row> rows()
             kBar,
             "QLabel",
             {188, 13, 64, 21},
-            QStringLiteral("QLabel{border:0px; color:rgba(255,255,255,1); font-family:\"Microsoft YaHei\"; font-size:16px; font-weight:700; letter-spacing:0px; text-align:center;}"),
+            QStringLiteral("QLabel{border:0px; color:rgba(255,255,255,1); font-family:\"Microsoft YaHei\"; "
+                           "font-size:16px; font-weight:700; letter-spacing:0px; text-align:center;}"),
             true,
             QStringLiteral("升级完成")},
         Row{MEMBER(tipMoiveLb), kPanel, "QLabel", {32, 59, 408, 128}, kTransparent, true},
@@ -217,7 +241,8 @@ inline QList<Row> rows()
             kPanel,
             "QLabel",
             {122, 203, 229, 21},
-            QStringLiteral("QLabel{border:0px; color:rgba(246,180,54,1); font-size:16px; font-weight:700; letter-spacing:0px;}"),
+            QStringLiteral("QLabel{border:0px; color:rgba(246,180,54,1); font-size:16px; font-weight:700; "
+                           "letter-spacing:0px;}"),
             true,
             QStringLiteral("正在检测USB接入...")}
             .aligned(Qt::AlignCenter),
@@ -225,7 +250,8 @@ inline QList<Row> rows()
             kPanel,
             "QLabel",
             {59, 232, 352, 57},
-            QStringLiteral("QLabel{border:0px; color:rgba(255,255,255,0.7); font-size:14px; font-weight:400; letter-spacing:0px;}"),
+            QStringLiteral("QLabel{border:0px; color:rgba(255,255,255,0.7); font-size:14px; font-weight:400; "
+                           "letter-spacing:0px;}"),
             true,
             QStringLiteral("请使用配件附带USB线接入图示DC-5V和USB-C口，\n开始固件升级。")}
             .aligned(Qt::AlignHCenter | Qt::AlignTop)
@@ -236,12 +262,14 @@ inline QList<Row> rows()
             kPanel,
             "QLabel",
             {122, 319, 256, 19},
-            QStringLiteral("QLabel{border:0px; color:rgba(248,74,75,1); font-size:14px; font-weight:700; letter-spacing:0px; text-align:center;}"),
+            QStringLiteral("QLabel{border:0px; color:rgba(248,74,75,1); font-size:14px; font-weight:700; "
+                           "letter-spacing:0px; text-align:center;}"),
             true,
             QStringLiteral("升级失败！请拔插设备后重新开始升级")}
             .aligned(Qt::AlignCenter),
         Row{MEMBER(m_offlineToolTipLb), kPanel, "QLabel", kPlacedLater,
-            QStringLiteral("QLabel{border:0px; color:rgba(255,255,255,1); font-family:\"Microsoft YaHei\"; font-size:14px; font-weight:700;}"),
+            QStringLiteral("QLabel{border:0px; color:rgba(255,255,255,1); font-family:\"Microsoft YaHei\"; "
+                           "font-size:14px; font-weight:700;}"),
             true, QStringLiteral("需使用离线升级工具进行更新，")},
         Row{MEMBER(m_offlineToolIconLb), kPanel, "QLabel", kPlacedLater, kTransparent, true}.withPicture(
             "exclamation_mark.png", {24, 24}),

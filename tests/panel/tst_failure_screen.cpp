@@ -120,16 +120,14 @@ void TestFailureScreen::changesInOrder()
     FirmwareUpgradeWidget &panel = *stage.panel;
     Screen::showOnly(panel,
                      {u"m_progressBar"_s, u"tipMoiveLb"_s, u"m_detectingUsbLb"_s, u"m_connectHintLb"_s,
-                      u"upgradeProgDisPlay"_s, u"m_rocketLb"_s, u"m_waitingIconLb"_s,
-                      u"m_upgradingLb"_s});
+                      u"upgradeProgDisPlay"_s, u"m_rocketLb"_s, u"m_waitingIconLb"_s, u"m_upgradingLb"_s});
     const VisibilityRecorder recorder(panel);
     panel.showUpgradeFailureUI();
-    QCOMPARE(
-        recorder.changes,
-        (QStringList{u"-tipMoiveLb"_s, u"-m_detectingUsbLb"_s, u"-m_connectHintLb"_s, u"+verCompLb"_s,
-                     u"+m_notesEdit"_s, u"+m_notesIconLb"_s, u"+m_notesTitleLb"_s, u"+m_notesLineLb"_s,
-                     u"-upgradeProgDisPlay"_s, u"+m_failIconLb"_s, u"+m_failTextLb"_s, u"-m_rocketLb"_s,
-                     u"-m_waitingIconLb"_s, u"-m_upgradingLb"_s, u"+m_upgradeTextLb"_s}));
+    QCOMPARE(recorder.changes,
+             (QStringList{u"-tipMoiveLb"_s, u"-m_detectingUsbLb"_s, u"-m_connectHintLb"_s, u"+verCompLb"_s,
+                          u"+m_notesEdit"_s, u"+m_notesIconLb"_s, u"+m_notesTitleLb"_s, u"+m_notesLineLb"_s,
+                          u"-upgradeProgDisPlay"_s, u"+m_failIconLb"_s, u"+m_failTextLb"_s, u"-m_rocketLb"_s,
+                          u"-m_waitingIconLb"_s, u"-m_upgradingLb"_s, u"+m_upgradeTextLb"_s}));
 }
 
 void TestFailureScreen::stopsTheAnimation()
@@ -266,8 +264,8 @@ void TestFailureScreen::laysOutTheWaitingLine_data()
     QTest::newRow("upgrading, Chinese") << false << Language::Chinese << u"升级中，请勿关闭设备..."_s
                                         << QRect(101, 12, 24, 24) << QRect(133, 13, 174, 21);
     QTest::newRow("upgrading, English")
-        << false << Language::English << u"Updating... Do not turn off the device."_s
-        << QRect(44, 12, 24, 24) << QRect(76, 13, 310, 21);
+        << false << Language::English << u"Updating... Do not turn off the device."_s << QRect(44, 12, 24, 24)
+        << QRect(76, 13, 310, 21);
 }
 
 void TestFailureScreen::laysOutTheWaitingLine()

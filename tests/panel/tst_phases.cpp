@@ -25,8 +25,7 @@ const QString kFormer = QStringLiteral("what stood there");
 
 Waiting pcWaiting(DeviceModel model)
 {
-    return {model == DeviceModel::R1 ? u":/new/prefix1/image/pc.gif"_s
-                                     : u":/new/prefix1/image/dc5v_pc.gif"_s,
+    return {model == DeviceModel::R1 ? u":/new/prefix1/image/pc.gif"_s : u":/new/prefix1/image/dc5v_pc.gif"_s,
             {},
             {}};
 }
@@ -183,11 +182,11 @@ void TestPhases::waitingScreenChangesInOrder()
                       u"m_failTextLb"_s});
     const VisibilityRecorder recorder(*stage.panel);
     stage.finishDownloads();
-    QCOMPARE(recorder.changes,
-             (QStringList{u"-verCompLb"_s, u"-m_notesEdit"_s, u"-m_notesIconLb"_s, u"-m_notesTitleLb"_s,
-                          u"-m_notesLineLb"_s, u"+tipMoiveLb"_s, u"+m_detectingUsbLb"_s,
-                          u"+m_connectHintLb"_s, u"-m_rocketLb"_s, u"-m_upgradeTextLb"_s,
-                          u"+m_waitingIconLb"_s, u"+m_upgradingLb"_s}));
+    QCOMPARE(
+        recorder.changes,
+        (QStringList{u"-verCompLb"_s, u"-m_notesEdit"_s, u"-m_notesIconLb"_s, u"-m_notesTitleLb"_s,
+                     u"-m_notesLineLb"_s, u"+tipMoiveLb"_s, u"+m_detectingUsbLb"_s, u"+m_connectHintLb"_s,
+                     u"-m_rocketLb"_s, u"-m_upgradeTextLb"_s, u"+m_waitingIconLb"_s, u"+m_upgradingLb"_s}));
 }
 
 void TestPhases::waitingScreenFollowsTheLanguage()

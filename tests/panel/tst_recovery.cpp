@@ -121,8 +121,7 @@ void TestRecovery::asksForWhatItDoesNotKnow_data()
                                    << QStringList{r2Pc, r2Pc, r2Pc, r2Otg};
     QTest::newRow("nothing known, R1") << DeviceModel::R1 << QString() << QString()
                                        << QStringList{r1Pc, r1Pc, r1Pc, ServerPaths::kR1OtgVersion};
-    QTest::newRow("PC known") << DeviceModel::R2 << u"1.2.3"_s << QString()
-                              << QStringList{r2Pc, r2Pc, r2Otg};
+    QTest::newRow("PC known") << DeviceModel::R2 << u"1.2.3"_s << QString() << QStringList{r2Pc, r2Pc, r2Otg};
     QTest::newRow("OTG known") << DeviceModel::R2 << QString() << u"1.0.4"_s << QStringList{r2Pc, r2Pc};
     QTest::newRow("both known") << DeviceModel::R2 << u"1.2.3"_s << u"1.0.4"_s << QStringList{r2Pc};
 }
@@ -238,8 +237,7 @@ void TestRecovery::offersTheRetryAfterAFailure()
     panel.m_progressBar->setValue(42);
     panel.m_progressBar->setClickable(false);
     panel.m_upgradeTextLb->setGeometry(0, 0, 7, 7);
-    Screen::showOnly(panel,
-                     {u"m_progressBar"_s, u"m_rocketLb"_s, u"m_upgradingLb"_s, u"m_waitingIconLb"_s});
+    Screen::showOnly(panel, {u"m_progressBar"_s, u"m_rocketLb"_s, u"m_upgradingLb"_s, u"m_waitingIconLb"_s});
     const VisibilityRecorder recorder(panel);
     panel.startAutoRecoverUpgrade();
 

@@ -85,14 +85,12 @@ void TestReleaseNotes::comeFromTheServer_data()
     QTest::addColumn<QString>("shown");
     const QString chinese = QString::fromUtf8(kChineseNotes);
     QTest::newRow("notes") << Server::version("2.0.0", kChineseNotes, kEnglishNotes) << QString() << chinese;
-    QTest::newRow("notes after other notes")
-        << Server::version("2.0.0", kChineseNotes) << u"旧"_s << chinese;
+    QTest::newRow("notes after other notes") << Server::version("2.0.0", kChineseNotes) << u"旧"_s << chinese;
     QTest::newRow("an answer without notes") << Server::version("2.0.0") << u"旧"_s << kFormer;
     QTest::newRow("no version but notes")
         << Server::page(R"([{"f_remark": "只有说明"}])") << QString() << u"只有说明"_s;
     QTest::newRow("an error page, nothing known") << Server::page("no", 500) << QString() << kFormer;
-    QTest::newRow("an error page, notes known from before")
-        << Server::page("no", 500) << u"旧"_s << u"旧"_s;
+    QTest::newRow("an error page, notes known from before") << Server::page("no", 500) << u"旧"_s << u"旧"_s;
     QTest::newRow("a connection that breaks") << Server::hangUp() << u"旧"_s << u"旧"_s;
 }
 

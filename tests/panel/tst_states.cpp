@@ -311,11 +311,10 @@ void TestStates::available()
 
 void TestStates::availableChangesInOrder()
 {
-    const QStringList hiddenThen{
-        u"m_tooOldLb"_s,          u"m_offlineToolIconLb"_s, u"m_offlineToolTipLb"_s,
-        u"m_offlineToolLinkLb"_s, u"m_doneIconLb"_s,        u"m_doneLb"_s,
-        u"m_waitingIconLb"_s,     u"m_upgradingLb"_s,       u"m_failIconLb"_s,
-        u"m_failTextLb"_s,        u"upgradeProgDisPlay"_s};
+    const QStringList hiddenThen{u"m_tooOldLb"_s,          u"m_offlineToolIconLb"_s, u"m_offlineToolTipLb"_s,
+                                 u"m_offlineToolLinkLb"_s, u"m_doneIconLb"_s,        u"m_doneLb"_s,
+                                 u"m_waitingIconLb"_s,     u"m_upgradingLb"_s,       u"m_failIconLb"_s,
+                                 u"m_failTextLb"_s,        u"upgradeProgDisPlay"_s};
     const QStringList hiddenLater{u"m_noNewFirmwareLb"_s};
     const Prepared stage(UpgradePlan::PcOnly, u"1.2.0"_s, hiddenThen + hiddenLater);
     const VisibilityRecorder recorder(*stage.panel);

@@ -263,8 +263,7 @@ void ProbeRunsTest::watchEndsWhenInterrupted()
 {
 #ifdef Q_OS_UNIX
     QProcess process;
-    process.start(QStringLiteral(QUILLON_PROBE),
-                  {u"watch"_s, u"--replay"_s, ProbeRun::traceFile(u"r2"_s)});
+    process.start(QStringLiteral(QUILLON_PROBE), {u"watch"_s, u"--replay"_s, ProbeRun::traceFile(u"r2"_s)});
     QVERIFY(process.waitForReadyRead()); // the line about the plug: it watches
     ::kill(pid_t(process.processId()), SIGINT);
     QVERIFY(process.waitForFinished());

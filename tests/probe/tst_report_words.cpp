@@ -60,8 +60,7 @@ void ReportWordsTest::replies_data()
                                 << u"registers from 000b (PC version): 0001 0002 0003 = 1.2.3"_s;
     QTest::newRow("a negative version")
         << otgVersion({0xFFFF, 0, 0}) << u"registers from 0010 (OTG version): ffff 0000 0000 = -1.0.0"_s;
-    QTest::newRow("a run of registers")
-        << reply(6, {0x0200, 2, 8, 9}) << u"registers from 0200: 0008 0009"_s;
+    QTest::newRow("a run of registers") << reply(6, {0x0200, 2, 8, 9}) << u"registers from 0200: 0008 0009"_s;
     QTest::newRow("a write acknowledged") << reply(3, {0x0020, 5}) << u"written"_s;
     QTest::newRow("a run of writes acknowledged") << reply(5, {0x0020, 2}) << u"written from 0020"_s;
     QTest::newRow("an unknown operation") << reply(9, {}) << u"unknown operation 9"_s;

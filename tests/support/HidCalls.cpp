@@ -23,9 +23,9 @@ using HIDCommunicator::OrvikHIDManager;
 #define QUILLON_HID_CONST(name) "_ZNK15HIDCommunicator15OrvikHIDManager" name
 
 #ifdef Q_OS_WIN
-// The panel's objects call a DLL's function through a pointer of this name, which the linker would take from the import
-// library.
-#define QUILLON_TAKE_PLACE(name) \
+// The panel's objects call a DLL's function through a pointer of this name, which the linker would take from
+// the import library.
+#define QUILLON_TAKE_PLACE(name)                                                                             \
     asm(".data\n .balign 8\n .globl __imp_" name "\n__imp_" name ": .quad " name "\n .text")
 QUILLON_TAKE_PLACE(QUILLON_HID("7acquireEv"));
 QUILLON_TAKE_PLACE(QUILLON_HID("7releaseEv"));
@@ -184,8 +184,8 @@ bool OrvikHIDManager::disconnectDevice(int mode)
 bool OrvikHIDManager::getConnected() const
 {
     const LibraryCall call;
-    const bool connected = callLibrary<bool, const OrvikHIDManager *>(
-        QUILLON_HID_CONST("12getConnectedEv"), this);
+    const bool connected
+        = callLibrary<bool, const OrvikHIDManager *>(QUILLON_HID_CONST("12getConnectedEv"), this);
     if (call.isOutermost())
         write(u"hid? getConnected() = %1"_s.arg(connected ? u"true"_s : u"false"_s));
     return connected;

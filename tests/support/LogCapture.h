@@ -3,8 +3,8 @@
 #include <QString>
 #include <QStringList>
 
-/// Collects every log line of the process while it lives, and passes it on to the handler that was there before.
-/// One at a time.
+/// Collects every log line of the process while it lives, and passes it on to the handler that was there
+/// before. One at a time.
 class LogCapture {
 public:
     LogCapture();

@@ -12,8 +12,9 @@ inline QStringList panelState(const QuillonFirmwareUpgrade::FirmwareUpgradeWidge
     const auto text = [](const char *name, const QString &value) -> QString {
         return QLatin1String(name) + u'=' + value;
     };
-    const auto flag
-        = [&text](const char *name, bool value) { return text(name, value ? QStringLiteral("true") : QStringLiteral("false")); };
+    const auto flag = [&text](const char *name, bool value) {
+        return text(name, value ? QStringLiteral("true") : QStringLiteral("false"));
+    };
     const auto number = [&text](const char *name, int value) { return text(name, QString::number(value)); };
     return {
         flag("m_dragging", panel.m_dragging),

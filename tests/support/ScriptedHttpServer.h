@@ -14,8 +14,8 @@
 /// "/upinfo_test.aspx?proj_name=R2MCU".
 ///
 ///     ScriptedHttpServer server;
-///     server.answer(QStringLiteral("/upinfo_test.aspx?proj_name=R2MCU"), ScriptedHttpServer::version("1.2.3", "中文",
-///     "English"));
+///     server.answer(QStringLiteral("/upinfo_test.aspx?proj_name=R2MCU"),
+///     ScriptedHttpServer::version("1.2.3", "中文", "English"));
 ///
 /// Every function is thread-safe. One at a time.
 class ScriptedHttpServer {

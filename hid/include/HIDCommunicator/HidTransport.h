@@ -30,7 +30,8 @@ public:
         Gone ///< the device has left or failed; the connection is of no further use
     };
 
-    /// Waits at most \a timeout for one input report. \a report starts with the report ID and may have any length.
+    /// Waits at most \a timeout for one input report. \a report starts with the report ID and may have any
+    /// length.
     virtual ReadResult read(QByteArray &report, std::chrono::milliseconds timeout) = 0;
 
     /// Sends one output report, report ID first. False: the device has left or failed.
@@ -57,8 +58,8 @@ public:
     virtual void interruptHotplugWait() = 0;
 };
 
-/// The system's own HID bus, which the library uses unless another one is installed. For transports that stand
-/// in front of it. Never null; may be called from any thread.
+/// The system's own HID bus, which the library uses unless another one is installed. For transports that
+/// stand in front of it. Never null; may be called from any thread.
 HIDCOMMUNICATOR_EXPORT std::unique_ptr<HidTransport> makeDefaultTransport();
 
 /// Replaces the default transport. Call it before OrvikHIDManager::instance() is first used; later calls are
