@@ -1,5 +1,7 @@
 #include "Recorder.h"
 
+#include "tests/support/DeepCopy.h"
+
 #include <HIDCommunicator/OrvikHIDManager.h>
 
 #include <QThread>
@@ -18,31 +20,31 @@ Recorder::Recorder(Qt::ConnectionType type, Hooks hooks)
 QList<QStringList> Recorder::lists() const
 {
     const std::lock_guard lock(m_mutex);
-    return m_lists;
+    return deepCopy(m_lists);
 }
 
 QList<QList<int>> Recorder::productIds() const
 {
     const std::lock_guard lock(m_mutex);
-    return m_productIds;
+    return deepCopy(m_productIds);
 }
 
 QList<Recorder::Clock::time_point> Recorder::listTimes() const
 {
     const std::lock_guard lock(m_mutex);
-    return m_listTimes;
+    return deepCopy(m_listTimes);
 }
 
 QList<int> Recorder::statuses() const
 {
     const std::lock_guard lock(m_mutex);
-    return m_statuses;
+    return deepCopy(m_statuses);
 }
 
 QList<QByteArray> Recorder::reports() const
 {
     const std::lock_guard lock(m_mutex);
-    return m_reports;
+    return deepCopy(m_reports);
 }
 
 void Recorder::clear()
@@ -76,8 +78,8 @@ void Recorder::hearList(const QStringList &paths, const QList<int> &productIds)
         if (m_hooks.onList)
             m_hooks.onList(paths);
         const std::lock_guard lock(m_mutex);
-        m_lists.append(paths);
-        m_productIds.append(productIds);
+        m_lists.append(deepCopy(paths));
+        m_productIds.append(deepCopy(productIds));
         m_listTimes.append(Clock::now());
     });
 }
@@ -98,6 +100,6 @@ void Recorder::hearReport(const QByteArray &report)
         if (m_hooks.onReport)
             m_hooks.onReport(report);
         const std::lock_guard lock(m_mutex);
-        m_reports.append(report);
+        m_reports.append(deepCopy(report));
     });
 }

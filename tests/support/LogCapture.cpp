@@ -1,5 +1,7 @@
 #include "tests/support/LogCapture.h"
 
+#include "tests/support/DeepCopy.h"
+
 #include <QMutex>
 #include <QMutexLocker>
 
@@ -12,7 +14,7 @@ void capture(QtMsgType type, const QMessageLogContext &context, const QString &l
 {
     {
         const QMutexLocker lock(&mutex);
-        captured.append(line);
+        captured.append(deepCopy(line));
     }
     if (former)
         former(type, context, line);
@@ -33,7 +35,7 @@ LogCapture::~LogCapture()
 QStringList LogCapture::lines() const
 {
     const QMutexLocker lock(&mutex);
-    return captured;
+    return deepCopy(captured);
 }
 
 QStringList LogCapture::startingWith(const QString &prefix) const

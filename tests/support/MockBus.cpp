@@ -7,6 +7,8 @@
 
 #include "tests/support/MockBus.h"
 
+#include "tests/support/DeepCopy.h"
+
 #include <QByteArrayList>
 #include <QDir>
 #include <QFile>
@@ -145,7 +147,7 @@ struct MockDevice::State {
 void MockDevice::State::sendLocked(const QByteArray &report)
 {
     if (plugged && unread.size() < kUnreadReports && wire.addByte())
-        unread.push_back(report);
+        unread.push_back(deepCopy(report));
 }
 
 bool MockDevice::State::takeIoctl(UMockdevIoctlClient *client)
@@ -361,7 +363,7 @@ void MockDevice::send(const QByteArray &report)
 QList<QByteArray> MockDevice::written() const
 {
     const std::lock_guard lock(m_state->mutex);
-    return m_state->written;
+    return deepCopy(m_state->written);
 }
 
 void MockDevice::setReady(bool ready)

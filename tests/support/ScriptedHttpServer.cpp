@@ -1,5 +1,7 @@
 #include "tests/support/ScriptedHttpServer.h"
 
+#include "tests/support/DeepCopy.h"
+
 #include <QHash>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -262,7 +264,11 @@ void ScriptedHttpServer::release(const QString &path)
 QList<ScriptedHttpServer::Request> ScriptedHttpServer::requests() const
 {
     const QMutexLocker lock(&m_script->mutex);
-    return m_script->requests;
+    QList<Request> copies;
+    for (const Request &request : std::as_const(m_script->requests))
+        copies.append({deepCopy(request.method), QUrl::fromEncoded(deepCopy(request.url.toEncoded())),
+                       deepCopy(request.head)});
+    return copies;
 }
 
 QStringList ScriptedHttpServer::paths() const

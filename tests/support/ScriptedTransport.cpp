@@ -1,5 +1,7 @@
 #include "tests/support/ScriptedTransport.h"
 
+#include "tests/support/DeepCopy.h"
+
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -12,6 +14,11 @@ using HIDCommunicator::HidTransport;
 namespace {
 
 constexpr int kFamilyVendorId = 0x352F;
+
+HidDeviceInfo deepCopy(const HidDeviceInfo &device)
+{
+    return {::deepCopy(device.path), device.vendorId, device.productId};
+}
 
 /// A device in its socket. Plugged in again it is another one, whatever its path: old connections stay dead.
 struct PluggedDevice {
@@ -46,6 +53,12 @@ struct ScriptedBus::State {
                 return true;
         }
         return false;
+    }
+
+    void queue(const QList<QByteArray> &more)
+    {
+        for (const QByteArray &report : more)
+            reports.push_back(deepCopy(report));
     }
 
     std::mutex mutex;
@@ -95,7 +108,7 @@ public:
             return ReadResult::Gone;
         if (m_state->reports.empty())
             return ReadResult::Timeout;
-        report = m_state->reports.front();
+        report = std::move(m_state->reports.front());
         m_state->reports.pop_front();
         return ReadResult::Report;
     }
@@ -109,7 +122,7 @@ public:
             --m_state->writesToFail;
             return false;
         }
-        m_state->written.append(report);
+        m_state->written.append(deepCopy(report));
         const auto responder = m_state->responder;
         if (!responder)
             return true;
@@ -117,7 +130,7 @@ public:
         const QList<QByteArray> answers = responder(report);
         lock.lock();
         if (isPlugged())
-            m_state->reports.insert(m_state->reports.end(), answers.cbegin(), answers.cend());
+            m_state->queue(answers);
         m_state->changed.notify_all();
         return true;
     }
@@ -142,7 +155,7 @@ public:
         QList<HidDeviceInfo> found;
         for (const PluggedDevice &device : std::as_const(m_state->devices)) {
             if (device.info.vendorId == vendorId)
-                found.append(device.info);
+                found.append(deepCopy(device.info));
         }
         return found;
     }
@@ -154,7 +167,7 @@ public:
         const PluggedDevice *const device = m_state->find(path);
         if (!device || m_state->refuseOpen)
             return nullptr;
-        m_state->opened.append(path);
+        m_state->opened.append(deepCopy(path));
         ++m_state->openConnections;
         auto connection = std::make_unique<ScriptedConnection>(m_state, device->plugId);
         runHook(lock, m_state->afterOpen);
@@ -228,7 +241,7 @@ void ScriptedBus::plugPath(const QString &path, int productId)
 void ScriptedBus::plugDevice(const HidDeviceInfo &device)
 {
     const std::lock_guard lock(m_state->mutex);
-    m_state->devices.append({device, ++m_state->lastPlugId});
+    m_state->devices.append({deepCopy(device), ++m_state->lastPlugId});
     m_state->hotplugged = true;
     m_state->changed.notify_all();
 }
@@ -269,7 +282,7 @@ void ScriptedBus::failNextWrites(int count)
 void ScriptedBus::queueReport(const QByteArray &reportWithId)
 {
     const std::lock_guard lock(m_state->mutex);
-    m_state->reports.push_back(reportWithId);
+    m_state->queue({reportWithId});
     m_state->changed.notify_all();
 }
 
@@ -289,13 +302,13 @@ void ScriptedBus::setOpenHooks(std::function<void()> before, std::function<void(
 QList<QByteArray> ScriptedBus::written() const
 {
     const std::lock_guard lock(m_state->mutex);
-    return m_state->written;
+    return deepCopy(m_state->written);
 }
 
 QStringList ScriptedBus::opened() const
 {
     const std::lock_guard lock(m_state->mutex);
-    return m_state->opened;
+    return deepCopy(m_state->opened);
 }
 
 int ScriptedBus::openConnections() const
