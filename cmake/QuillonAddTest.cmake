@@ -1,14 +1,25 @@
-# quillon_add_test(NAME
-#     SOURCES file...        default: tst_NAME.cpp
-#     LIBRARIES target...    what the test links besides Qt Test and the support library
-#     LABELS label...        for "ctest -L"
-#     SPEED factor           the test and its children run with a clock this many times as fast
-#     TIMEOUT seconds        in real time, default 60
-#     ARGUMENTS word...      passed to the test
+# How a test is made and what it runs in. tests/support/surroundings keeps the machine out of it; how a class becomes a
+# test is told in tests/support/TestProgram.h.
+#
+# quillon_test_program(PROGRAM      an executable of several test classes, linked with Qt Test and the support library
+#     LIBRARIES target...           what they need besides
+#     LABELS label...               for "ctest -L"
+#     WHITE_BOX)                    they may look at private members
+#
+# quillon_add_test(NAME             the test NAME: the class in tst_NAME.cpp, as a part of
+#     PROGRAM program
+#     SOURCES file...               default: tst_NAME.cpp
+#     DEFINITIONS NAME=value...     for these sources
+#     SPEED factor                  the test and its children run with a clock this many times as fast
+#     TIMEOUT seconds               in real time, default 60
 #     ENVIRONMENT NAME=value...
-#     MOCK_BUS               sees the devices of tests/support/MockBus.h instead of this machine's
-#     WHITE_BOX              may look at private members)
+#     OWN_FOLDER                    the test lays a flashing tool beside its executable, so it has one of its own
+#     MOCK_BUS                      sees the devices of tests/support/MockBus.h instead of this machine's
+#     WHITE_BOX)                    may look at private members
 find_program(QUILLON_FAKETIME faketime)
+# No test looks for data beside its source. A folder of its own in every program's flags would keep the programs from
+# sharing precompiled headers.
+set_property(TARGET Qt6::Test PROPERTY INTERFACE_COMPILE_DEFINITIONS QT_TESTLIB_LIB)
 
 # Windows programs run under Wine. The faster clock does not reach all that they wait for, so they take their time.
 set(QUILLON_UNDER_WINE OFF)
@@ -16,31 +27,52 @@ if(WIN32 AND CMAKE_CROSSCOMPILING)
     set(QUILLON_UNDER_WINE ON)
 endif()
 
-# quillon_run_prefix(RESULT [SPEED factor] [REPORT]): the command prefix that runs a program of this build; with SPEED on
-# a clock that runs factor times as fast for it and its children; with REPORT for a program of Qt Test.
+# The fonts and the screen of every test and of the gallery.
+set(QUILLON_TEST_SCREEN "${PROJECT_SOURCE_DIR}/tests/support/screen.json")
+set(QUILLON_TEST_FONTS "${PROJECT_BINARY_DIR}/tests/fonts.conf")
+configure_file("${PROJECT_SOURCE_DIR}/tests/support/fonts.conf.in" "${QUILLON_TEST_FONTS}" @ONLY)
+
+# The address sanitizer has to be loaded before every other library, or it finds no leak.
+function(quillon_preload result library)
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=libasan.so
+        OUTPUT_VARIABLE sanitizer OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+    set(${result} "LD_PRELOAD=${sanitizer}:${library}" PARENT_SCOPE)
+endfunction()
+
+# quillon_run_prefix(RESULT [SPEED factor] [MOCK_BUS] [REPORT] [ENVIRONMENT NAME=value...]): the command prefix that runs a
+# program of this build in the tests' surroundings; with SPEED on a clock that runs factor times as fast for it and its
+# children; with REPORT for a program of Qt Test.
 function(quillon_run_prefix result)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "REPORT" "SPEED" "")
-    if(arg_SPEED AND NOT QUILLON_FAKETIME AND NOT WIN32)
-        message(FATAL_ERROR "Tests run at ${arg_SPEED} times the speed: install the package faketime")
-    endif()
-    set(prefix "")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "MOCK_BUS;REPORT" "SPEED" "ENVIRONMENT")
     if(QUILLON_UNDER_WINE)
-        set(prefix "${PROJECT_SOURCE_DIR}/cmake/mingw/wine-run" --prefix "${QUILLON_MINGW_PREFIX}"
+        set(prefix ${CMAKE_COMMAND} -E env ${arg_ENVIRONMENT}
+            "${PROJECT_SOURCE_DIR}/cmake/mingw/wine-run" --prefix "${QUILLON_MINGW_PREFIX}"
             --path "${PROJECT_BINARY_DIR}/bin")
         if(arg_REPORT)
             list(APPEND prefix --test)
         endif()
+        set(${result} ${prefix} PARENT_SCOPE)
+        return()
+    endif()
+    if(arg_SPEED AND NOT QUILLON_FAKETIME AND NOT WIN32)
+        message(FATAL_ERROR "Tests run at ${arg_SPEED} times the speed: install the package faketime")
+    endif()
+    set(wrapper "")
+    if(arg_MOCK_BUS AND QUILLON_SANITIZE MATCHES "address")
+        quillon_preload(preload libumockdev-preload.so.0)
+        list(APPEND arg_ENVIRONMENT "${preload}")
+    elseif(arg_MOCK_BUS)
+        set(wrapper umockdev-wrapper)
     elseif(arg_SPEED AND QUILLON_SANITIZE MATCHES "address")
-        # The address sanitizer has to be loaded first, or it finds no leak.
         execute_process(COMMAND ${QUILLON_FAKETIME} -f +0 printenv LD_PRELOAD
             OUTPUT_VARIABLE clock OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
-        execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=libasan.so
-            OUTPUT_VARIABLE sanitizer OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
-        set(prefix ${CMAKE_COMMAND} -E env "LD_PRELOAD=${sanitizer}:${clock}" "FAKETIME=+0 x${arg_SPEED}")
+        quillon_preload(preload "${clock}")
+        list(APPEND arg_ENVIRONMENT "${preload}" "FAKETIME=+0 x${arg_SPEED}")
     elseif(arg_SPEED AND NOT WIN32)
-        set(prefix ${QUILLON_FAKETIME} -f "+0 x${arg_SPEED}")
+        set(wrapper ${QUILLON_FAKETIME} -f "+0 x${arg_SPEED}")
     endif()
-    set(${result} ${prefix} PARENT_SCOPE)
+    set(${result} "${PROJECT_SOURCE_DIR}/tests/support/surroundings" "${QUILLON_TEST_FONTS}" "${QUILLON_TEST_SCREEN}"
+        ${arg_ENVIRONMENT} ${wrapper} PARENT_SCOPE)
 endfunction()
 
 # quillon_limit_test(NAME seconds SPEED factor): how long the test may take in real time where that clock is to be had.
@@ -56,39 +88,62 @@ function(quillon_limit_test name seconds)
     endif()
 endfunction()
 
-# The command prefix for a program that shows itself mock devices.
-function(quillon_mock_bus result)
-    if(QUILLON_SANITIZE MATCHES "address")
-        execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=libasan.so
-            OUTPUT_VARIABLE sanitizer OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
-        set(${result} ${CMAKE_COMMAND} -E env "LD_PRELOAD=${sanitizer}:libumockdev-preload.so.0" PARENT_SCOPE)
-    else()
-        set(${result} umockdev-wrapper PARENT_SCOPE)
+# A test runs once after it is built, and most of the time it waits: what a compiler takes longer for does not pay.
+function(quillon_lighten_test target)
+    target_compile_options(${target} PRIVATE $<$<AND:$<CONFIG:Release>,$<CXX_COMPILER_ID:GNU,Clang>>:-O1>)
+endfunction()
+
+function(quillon_test_program program)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "WHITE_BOX" "" "LIBRARIES;LABELS")
+    add_executable(${program} "${PROJECT_SOURCE_DIR}/tests/support/TestProgram.cpp")
+    quillon_hygiene(${program})
+    quillon_lighten_test(${program})
+    target_link_libraries(${program} PRIVATE
+        ${arg_LIBRARIES} quillon_test_support Qt6::Widgets Qt6::Network Qt6::Test)
+    quillon_precompile(tests ${program})
+    if(arg_WHITE_BOX)
+        target_compile_options(${program} PRIVATE -fno-access-control)
     endif()
+    set_target_properties(${program} PROPERTIES QUILLON_TEST_LABELS "${arg_LABELS}")
+endfunction()
+
+# The program under another path: the panel looks for the flashing tool beside the executable, and tests run at the same time.
+function(quillon_give_folder program folder)
+    set(file "${folder}/$<TARGET_FILE_NAME:${program}>")
+    add_custom_command(TARGET ${program} POST_BUILD
+        COMMAND ${CMAKE_COMMAND} -E make_directory "${folder}"
+        COMMAND ${CMAKE_COMMAND} -E rm -f "${file}"
+        COMMAND ${CMAKE_COMMAND} -E create_hardlink "$<TARGET_FILE:${program}>" "${file}"
+        VERBATIM)
 endfunction()
 
 function(quillon_add_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "MOCK_BUS;WHITE_BOX" "SPEED;TIMEOUT" "SOURCES;LIBRARIES;LABELS;ARGUMENTS;ENVIRONMENT")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "MOCK_BUS;OWN_FOLDER;WHITE_BOX" "PROGRAM;SPEED;TIMEOUT"
+        "SOURCES;DEFINITIONS;ENVIRONMENT")
     if(NOT arg_SOURCES)
         set(arg_SOURCES tst_${name}.cpp)
     endif()
     if(NOT arg_TIMEOUT)
         set(arg_TIMEOUT 60)
     endif()
-    add_executable(tst_${name} ${arg_SOURCES})
-    quillon_hygiene(tst_${name})
-    target_link_libraries(tst_${name} PRIVATE ${arg_LIBRARIES} quillon_test_support Qt6::Test)
+    target_sources(${arg_PROGRAM} PRIVATE ${arg_SOURCES})
+    set_property(SOURCE ${arg_SOURCES} APPEND PROPERTY COMPILE_DEFINITIONS ${arg_DEFINITIONS})
     if(arg_WHITE_BOX)
-        target_compile_options(tst_${name} PRIVATE -fno-access-control)
+        set_property(SOURCE ${arg_SOURCES} APPEND PROPERTY COMPILE_OPTIONS -fno-access-control)
+    endif()
+    set(program "$<TARGET_FILE:${arg_PROGRAM}>")
+    if(arg_OWN_FOLDER)
+        quillon_give_folder(${arg_PROGRAM} "${CMAKE_CURRENT_BINARY_DIR}/${name}")
+        set(program "${CMAKE_CURRENT_BINARY_DIR}/${name}/$<TARGET_FILE_NAME:${arg_PROGRAM}>")
     endif()
 
+    set(options "")
     if(arg_MOCK_BUS)
-        quillon_mock_bus(prefix)
-    else()
-        quillon_run_prefix(prefix SPEED "${arg_SPEED}" REPORT)
+        set(options MOCK_BUS)
     endif()
-    add_test(NAME ${name} COMMAND ${prefix} $<TARGET_FILE:tst_${name}> ${arg_ARGUMENTS})
-    set_tests_properties(${name} PROPERTIES LABELS "${arg_LABELS}"
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;${arg_ENVIRONMENT}")
+    quillon_run_prefix(prefix REPORT ${options} SPEED "${arg_SPEED}" ENVIRONMENT ${arg_ENVIRONMENT})
+    add_test(NAME ${name} COMMAND ${prefix} "${program}" ${name})
+    get_target_property(labels ${arg_PROGRAM} QUILLON_TEST_LABELS)
+    set_tests_properties(${name} PROPERTIES LABELS "${labels}")
     quillon_limit_test(${name} ${arg_TIMEOUT} SPEED "${arg_SPEED}")
 endfunction()

@@ -3,6 +3,7 @@
 #include "tests/panel/PanelStage.h"
 #include "tests/support/DeviceReplies.h"
 #include "tests/support/PanelState.h"
+#include "tests/support/TestProgram.h"
 
 #include <HIDCommunicator/OrvikHIDManager.h>
 
@@ -251,5 +252,5 @@ void ConnectionTest::questionAskedBeforeThePlugIsAnsweredAfterIt()
     QCOMPARE(panel().m_devicePcVersion, u"1.2.3"_s);
 }
 
-QTEST_MAIN(ConnectionTest)
+QUILLON_TEST(ConnectionTest)
 #include "tst_connection.moc"

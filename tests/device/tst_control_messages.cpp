@@ -1,5 +1,6 @@
 // The reports that go to the device, byte for byte.
 #include "device/ControlMessages.h"
+#include "tests/support/TestProgram.h"
 
 #include <QMetaMethod>
 #include <QRegularExpression>
@@ -269,5 +270,5 @@ void ControlMessagesTest::registerValuesAreSharedByThreads()
         QCOMPARE(messages()->registerValue(quint16(0x2000 + i)), QVariant(i % kRegisters));
 }
 
-QTEST_GUILESS_MAIN(ControlMessagesTest)
+QUILLON_TEST_CORE(ControlMessagesTest)
 #include "tst_control_messages.moc"

@@ -2,6 +2,7 @@
 #include "tests/device/Scans.h"
 #include "tests/panel/PanelStage.h"
 #include "tests/support/PanelState.h"
+#include "tests/support/TestProgram.h"
 
 #include <QTest>
 
@@ -263,5 +264,5 @@ void DiscoveryTest::modelSwitchResetsNothing()
     QVERIFY(m_stage->log.startingWith(u"setDeviceModel"_s).isEmpty());
 }
 
-QTEST_MAIN(DiscoveryTest)
+QUILLON_TEST(DiscoveryTest)
 #include "tst_discovery.moc"

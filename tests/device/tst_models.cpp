@@ -4,6 +4,7 @@
 #include "tests/support/PanelState.h"
 #include "tests/support/Sandbox.h"
 #include "tests/support/ScriptedTransport.h"
+#include "tests/support/TestProgram.h"
 
 #include <QTest>
 #include <QUrl>
@@ -282,5 +283,5 @@ void ModelsTest::answersChangeNothing()
     QCOMPARE(panelState(*m_panel), before);
 }
 
-QTEST_MAIN(ModelsTest)
+QUILLON_TEST(ModelsTest)
 #include "tst_models.moc"

@@ -1,5 +1,6 @@
 // A device that answers "0.0.0": what is waited for after an upgrade, and what is taken as it is.
 #include "tests/device/Chips.h"
+#include "tests/support/TestProgram.h"
 
 using namespace Qt::StringLiterals;
 using namespace Chips;
@@ -171,5 +172,5 @@ void NotReadyTest::acceptedNotReadyEndsTheWait()
     QCOMPARE(m_stage->log.count(u"[VersionRead] 升级后等待期，跳过UI刷新 PC:1.2.3 OTG:0.0.0"_s), 1);
 }
 
-QTEST_MAIN(NotReadyTest)
+QUILLON_TEST(NotReadyTest)
 #include "tst_not_ready.moc"

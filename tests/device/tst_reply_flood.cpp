@@ -1,5 +1,6 @@
 // A device that repeats itself while the panel waits: replies nest inside one another, but not without end.
 #include "tests/device/Chips.h"
+#include "tests/support/TestProgram.h"
 
 #include <QMessageBox>
 #include <QTimer>
@@ -76,5 +77,5 @@ void ReplyFloodTest::nextReplyAfterAFloodIsRead()
     QCOMPARE(stage.panel->m_remotePcVersion, u"1.3.0"_s);
 }
 
-QTEST_MAIN(ReplyFloodTest)
+QUILLON_TEST(ReplyFloodTest)
 #include "tst_reply_flood.moc"

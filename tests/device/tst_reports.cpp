@@ -3,6 +3,7 @@
 #include "tests/panel/PanelStage.h"
 #include "tests/support/DeviceReplies.h"
 #include "tests/support/PanelState.h"
+#include "tests/support/TestProgram.h"
 
 #include <QAbstractButton>
 #include <QMessageBox>
@@ -296,5 +297,5 @@ void ReportsTest::hostileReportsAreSurvived()
     QCOMPARE(panel().m_devicePcVersion, version);
 }
 
-QTEST_MAIN(ReportsTest)
+QUILLON_TEST(ReportsTest)
 #include "tst_reports.moc"

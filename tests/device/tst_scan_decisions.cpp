@@ -3,6 +3,7 @@
 #include "tests/device/Scans.h"
 #include "tests/panel/PanelStage.h"
 #include "tests/support/PanelState.h"
+#include "tests/support/TestProgram.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -215,5 +216,5 @@ void ScanDecisionsTest::otgBeforeItsPhase()
     QCOMPARE(announced.count(), 0);
 }
 
-QTEST_MAIN(ScanDecisionsTest)
+QUILLON_TEST(ScanDecisionsTest)
 #include "tst_scan_decisions.moc"

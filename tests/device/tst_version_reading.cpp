@@ -1,6 +1,7 @@
 // A version reply: what is stored, what the server is asked, what the log says.
 #include "tests/device/Chips.h"
 #include "tests/support/LogOrder.h"
+#include "tests/support/TestProgram.h"
 
 using namespace Qt::StringLiterals;
 using namespace Chips;
@@ -179,5 +180,5 @@ void VersionReadingTest::wholeExchangeLeadsToAPlan()
     QCOMPARE(sent.at(2).mid(5, 2), QByteArray::fromHex("0610"));
 }
 
-QTEST_MAIN(VersionReadingTest)
+QUILLON_TEST(VersionReadingTest)
 #include "tst_version_reading.moc"

@@ -1,5 +1,6 @@
 // Whole runs of a real tool, in real time: started, followed, judged.
 #include "tests/flash/FlashingStage.h"
+#include "tests/support/TestProgram.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -82,5 +83,5 @@ void FlashingRunsTest::aRunEnds()
     QVERIFY(!panel.m_dfuTimeoutTimer->isActive());
 }
 
-QTEST_MAIN(FlashingRunsTest)
+QUILLON_TEST(FlashingRunsTest)
 #include "tst_flashing_runs.moc"

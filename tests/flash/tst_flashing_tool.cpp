@@ -1,5 +1,6 @@
 // How the flashing tool is started, and what its start shows.
 #include "tests/flash/FlashingStage.h"
+#include "tests/support/TestProgram.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -232,5 +233,5 @@ void FlashingToolTest::startsWithoutABar()
     QCOMPARE(m->log.startingWith(u"[startUpgrade]"_s), QStringList());
 }
 
-QTEST_MAIN(FlashingToolTest)
+QUILLON_TEST(FlashingToolTest)
 #include "tst_flashing_tool.moc"

@@ -1,6 +1,7 @@
 // A flashing tool that cannot be started, and how a running one ends.
 #include "tests/flash/FlashingStage.h"
 #include "tests/support/Processes.h"
+#include "tests/support/TestProgram.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -211,5 +212,5 @@ void FlashingToolEndTest::endsWithThePanel()
     QVERIFY(!isProcessAlive(processId));
 }
 
-QTEST_MAIN(FlashingToolEndTest)
+QUILLON_TEST(FlashingToolEndTest)
 #include "tst_flashing_tool_end.moc"

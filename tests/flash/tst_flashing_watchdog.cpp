@@ -1,5 +1,6 @@
 // A tool that never ends by itself. Registered to run with a faster clock: the watchdog waits for a minute.
 #include "tests/flash/FlashingStage.h"
+#include "tests/support/TestProgram.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -67,5 +68,5 @@ void FlashingWatchdogTest::aMinuteIsTheLimit()
     }
 }
 
-QTEST_MAIN(FlashingWatchdogTest)
+QUILLON_TEST(FlashingWatchdogTest)
 #include "tst_flashing_watchdog.moc"

@@ -1,6 +1,7 @@
 // The rules of the progress file: which line counts, and what a line says.
 #include "flash/ProgressFile.h"
 #include "tests/support/Sandbox.h"
+#include "tests/support/TestProgram.h"
 
 #include <QBuffer>
 #include <QFileInfo>
@@ -176,5 +177,5 @@ void ProgressFileTest::aLargeFileIsReadFromItsEnd()
     QVERIFY2(file.bytesRead <= 1024 * 1024, qPrintable(QString::number(file.bytesRead)));
 }
 
-QTEST_APPLESS_MAIN(ProgressFileTest)
+QUILLON_TEST_CORE(ProgressFileTest)
 #include "tst_progress_file.moc"

@@ -1,5 +1,6 @@
 // Progress files that no flashing tool would write. The panel neither stops nor takes them for a success.
 #include "tests/flash/FlashingStage.h"
+#include "tests/support/TestProgram.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -167,5 +168,5 @@ void ProgressHostileTest::noiseIsNoVerdict()
     }
 }
 
-QTEST_MAIN(ProgressHostileTest)
+QUILLON_TEST(ProgressHostileTest)
 #include "tst_progress_hostile.moc"

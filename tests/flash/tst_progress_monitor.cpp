@@ -1,5 +1,6 @@
 // One poll of the progress file while the tool works: what is ignored, what is shown, what counts as a stall.
 #include "tests/flash/FlashingStage.h"
+#include "tests/support/TestProgram.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -209,5 +210,5 @@ void ProgressMonitorTest::aHalfWrittenLineIsCorrected()
     QVERIFY(m->showsFailure());
 }
 
-QTEST_MAIN(ProgressMonitorTest)
+QUILLON_TEST(ProgressMonitorTest)
 #include "tst_progress_monitor.moc"

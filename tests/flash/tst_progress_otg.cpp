@@ -1,5 +1,6 @@
 // From the end of the PC half to the first percents of the OTG half.
 #include "tests/flash/FlashingStage.h"
+#include "tests/support/TestProgram.h"
 
 #include <QMovie>
 #include <QPointer>
@@ -218,5 +219,5 @@ void ProgressOtgTest::theSwitchHappensOnce()
     QVERIFY(!m->panel->tipMoiveLb->isHidden());
 }
 
-QTEST_MAIN(ProgressOtgTest)
+QUILLON_TEST(ProgressOtgTest)
 #include "tst_progress_otg.moc"

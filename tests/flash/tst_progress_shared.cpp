@@ -1,6 +1,7 @@
 // A progress file that the tool keeps open for writing while the panel reads it.
 #include "flash/ProgressFile.h"
 #include "tests/flash/FlashingStage.h"
+#include "tests/support/TestProgram.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -122,5 +123,5 @@ void ProgressSharedTest::whatIsLeftIsToldFromANewReport()
     QCOMPARE(ProgressFile::clear(path), QString());
 }
 
-QTEST_MAIN(ProgressSharedTest)
+QUILLON_TEST(ProgressSharedTest)
 #include "tst_progress_shared.moc"

@@ -1,5 +1,6 @@
 // When a percentage that stands still is a stall, and what becomes of the run then.
 #include "tests/flash/FlashingStage.h"
+#include "tests/support/TestProgram.h"
 
 #include <QDir>
 #include <QTest>
@@ -138,5 +139,5 @@ void ProgressStallTest::aStallNeedsThreeSeconds()
     QCOMPARE(m->panel->m_lastProgressTime, recordedAt);
 }
 
-QTEST_MAIN(ProgressStallTest)
+QUILLON_TEST(ProgressStallTest)
 #include "tst_progress_stall.moc"

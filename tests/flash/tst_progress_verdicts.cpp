@@ -1,5 +1,6 @@
 // How a flashing run ends: failed or complete.
 #include "tests/flash/FlashingStage.h"
+#include "tests/support/TestProgram.h"
 
 #include "device/ControlMessages.h"
 
@@ -270,5 +271,5 @@ void ProgressVerdictsTest::allWrittenAndEndedIsSuccess()
     QCOMPARE(m->panel->m_postUpgradeWaiting, succeeds && plan != UpgradePlan::Both);
 }
 
-QTEST_MAIN(ProgressVerdictsTest)
+QUILLON_TEST(ProgressVerdictsTest)
 #include "tst_progress_verdicts.moc"

@@ -1,6 +1,7 @@
 #include "tests/gallery/Contrast.h"
 #include "tests/gallery/Views.h"
 #include "tests/gallery/WidgetFacts.h"
+#include "tests/support/TestProgram.h"
 
 #include <QPainter>
 #include <QTest>
@@ -164,5 +165,5 @@ void GalleryContrastTest::theHarderHalfCounts()
     QVERIFY2(measured > 1.9 && measured < 2.2, qPrintable(QString::number(measured)));
 }
 
-QTEST_GUILESS_MAIN(GalleryContrastTest)
+QUILLON_TEST_CORE(GalleryContrastTest)
 #include "tst_gallery_contrast.moc"

@@ -1,6 +1,7 @@
 #include "tests/gallery/Views.h"
 #include "tests/gallery/WidgetFacts.h"
 #include "tests/gallery/WindowsFonts.h"
+#include "tests/support/TestProgram.h"
 
 #include <QSet>
 #include <QTest>
@@ -321,5 +322,5 @@ void GalleryFitTest::adviceOverTheNotesIsSeen()
     QCOMPARE(overlaps({notes, advice}), QStringList{u"m_failTextLb over m_notesEdit"_s});
 }
 
-QTEST_GUILESS_MAIN(GalleryFitTest)
+QUILLON_TEST_CORE(GalleryFitTest)
 #include "tst_gallery_fit.moc"

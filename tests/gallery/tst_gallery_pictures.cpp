@@ -1,6 +1,7 @@
 #include "tests/gallery/PictureFile.h"
 #include "tests/gallery/Views.h"
 #include "tests/gallery/WidgetFacts.h"
+#include "tests/support/TestProgram.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -242,5 +243,5 @@ void GalleryPicturesTest::aDifferenceIsSeen()
     QVERIFY(!PictureFile::compare(kept, QImage()).sameSize);
 }
 
-QTEST_GUILESS_MAIN(GalleryPicturesTest)
+QUILLON_TEST_CORE(GalleryPicturesTest)
 #include "tst_gallery_pictures.moc"

@@ -1,6 +1,7 @@
 #include "Hang.h"
 #include "ManagerTest.h"
 #include "ThisProcess.h"
+#include "tests/support/TestProgram.h"
 
 #include <QElapsedTimer>
 #include <QtTest>
@@ -311,5 +312,5 @@ void TestHidCalls::restartFromInsideASlot()
     restore();
 }
 
-QTEST_GUILESS_MAIN(TestHidCalls)
+QUILLON_TEST_CORE(TestHidCalls)
 #include "tst_hid_calls.moc"

@@ -1,5 +1,6 @@
 // Which of a device's top-level collections the panel takes on Windows.
 #include "CollectionOrder.h"
+#include "tests/support/TestProgram.h"
 
 #include <QTest>
 
@@ -110,5 +111,5 @@ void HidCollectionsTest::theIdentityStaysWithItsPath()
     QCOMPARE(devices.at(1).vendorId, 0x352F);
 }
 
-QTEST_GUILESS_MAIN(HidCollectionsTest)
+QUILLON_TEST_CORE(HidCollectionsTest)
 #include "tst_hid_collections.moc"

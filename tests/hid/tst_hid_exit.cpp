@@ -1,3 +1,5 @@
+#include "tests/support/TestProgram.h"
+
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QtTest>
@@ -37,5 +39,5 @@ void TestHidExit::processEndsWell()
     QVERIFY2(timer.elapsed() < 5000, qPrintable(QString::number(timer.elapsed())));
 }
 
-QTEST_GUILESS_MAIN(TestHidExit)
+QUILLON_TEST_CORE(TestHidExit)
 #include "tst_hid_exit.moc"

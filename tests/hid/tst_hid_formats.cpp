@@ -1,6 +1,7 @@
 #include "DevicePath.h"
 #include "ReportDescriptor.h"
 #include "ReportFraming.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -170,5 +171,5 @@ void TestHidFormats::strangePathIsRefused()
     QVERIFY(!DevicePath::fromString(path).has_value());
 }
 
-QTEST_GUILESS_MAIN(TestHidFormats)
+QUILLON_TEST_CORE(TestHidFormats)
 #include "tst_hid_formats.moc"

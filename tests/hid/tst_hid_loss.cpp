@@ -1,4 +1,5 @@
 #include "ManagerTest.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -276,5 +277,5 @@ void TestHidLoss::lossBeforeTheReleaseIsForgotten()
     checkRoundTrip();
 }
 
-QTEST_GUILESS_MAIN(TestHidLoss)
+QUILLON_TEST_CORE(TestHidLoss)
 #include "tst_hid_loss.moc"

@@ -1,5 +1,6 @@
 #include "Hang.h"
 #include "ManagerTest.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -196,5 +197,5 @@ void TestHidOpen::releaseDuringOpeningWins()
     QTRY_COMPARE(bus().openConnections(), 0);
 }
 
-QTEST_GUILESS_MAIN(TestHidOpen)
+QUILLON_TEST_CORE(TestHidOpen)
 #include "tst_hid_open.moc"

@@ -2,6 +2,7 @@
 // the speed's factor. A busy machine delays a thread as it likes, so whatever is measured is measured again
 // until it is as it should be; what is wrong never gets there.
 #include "ManagerTest.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -218,5 +219,5 @@ void TestHidScan::noScanAfterTheLastRelease()
     QTRY_VERIFY_WITH_TIMEOUT(!recorder().lists().isEmpty(), kPatienceMs);
 }
 
-QTEST_GUILESS_MAIN(TestHidScan)
+QUILLON_TEST_CORE(TestHidScan)
 #include "tst_hid_scan.moc"

@@ -4,6 +4,7 @@
 #include "ThisProcess.h"
 
 #include "tests/support/LogCapture.h"
+#include "tests/support/TestProgram.h"
 
 #include <QDeadlineTimer>
 #include <QtTest>
@@ -225,5 +226,5 @@ void TestHidStress::severalThreadsCallEverything()
     QVERIFY(comesToServe());
 }
 
-QTEST_GUILESS_MAIN(TestHidStress)
+QUILLON_TEST_CORE(TestHidStress)
 #include "tst_hid_stress.moc"

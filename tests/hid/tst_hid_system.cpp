@@ -1,4 +1,6 @@
 // The library as it ships, on whatever bus this machine has, and what its headers promise.
+#include "tests/support/TestProgram.h"
+
 #include <HIDCommunicator/OrvikHIDManager.h>
 
 #include <QElapsedTimer>
@@ -94,5 +96,5 @@ void TestHidSystem::pathsThatAreNoDeviceAreRefused()
     manager->release();
 }
 
-QTEST_GUILESS_MAIN(TestHidSystem)
+QUILLON_TEST_CORE(TestHidSystem)
 #include "tst_hid_system.moc"

@@ -1,6 +1,7 @@
 #include "ManagerTest.h"
 
 #include "tests/support/LogCapture.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -243,5 +244,5 @@ void TestHidTraffic::repliesReachTheAsker()
     QTRY_COMPARE(marks(recorder().reports(), 1), (QList<char>{1, 101, 2, 102}));
 }
 
-QTEST_GUILESS_MAIN(TestHidTraffic)
+QUILLON_TEST_CORE(TestHidTraffic)
 #include "tst_hid_traffic.moc"

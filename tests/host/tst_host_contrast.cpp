@@ -6,6 +6,7 @@
 #include "rig/Rig.h"
 #include "tests/gallery/Contrast.h"
 #include "tests/support/Sandbox.h"
+#include "tests/support/TestProgram.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
@@ -244,5 +245,5 @@ void HostContrastTest::thePlaceOfADeletedPanelSaysSo()
     QVERIFY2(contrast >= kReadable, qPrintable(QString::number(contrast)));
 }
 
-QTEST_MAIN(HostContrastTest)
+QUILLON_TEST(HostContrastTest)
 #include "tst_host_contrast.moc"

@@ -1,4 +1,5 @@
 #include "tests/host/HostRun.h"
+#include "tests/support/TestProgram.h"
 
 #include "rig/Fault.h"
 
@@ -124,5 +125,5 @@ void HostOptionsTest::withoutControllersTheDeviceIsNotPutOnUsb()
     QVERIFY2(run.errors.contains(u"USB device"), qPrintable(run.errors));
 }
 
-QTEST_GUILESS_MAIN(HostOptionsTest)
+QUILLON_TEST_CORE(HostOptionsTest)
 #include "tst_host_options.moc"

@@ -1,5 +1,7 @@
 // quillon-host in folders whose names are not made of Latin letters alone, with the user's folders there,
 // too: the paths reach the flashing tool, and a whole upgrade succeeds.
+#include "tests/support/TestProgram.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -72,5 +74,5 @@ void HostPlacesTest::anUpgradeSucceeds()
     QVERIFY2(log.readAll().contains(image), "the tool got its image from somewhere else");
 }
 
-QTEST_GUILESS_MAIN(HostPlacesTest)
+QUILLON_TEST_CORE(HostPlacesTest)
 #include "tst_host_places.moc"

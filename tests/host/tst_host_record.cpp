@@ -1,4 +1,5 @@
 #include "tests/host/HostRun.h"
+#include "tests/support/TestProgram.h"
 
 #include <QDir>
 #include <QFile>
@@ -123,5 +124,5 @@ void HostRecordTest::theTerminalTellsTheProgress()
     QVERIFY2(lines.first().endsWith(m_folder.filePath(u"deep/down"_s)), qPrintable(lines.first()));
 }
 
-QTEST_GUILESS_MAIN(HostRecordTest)
+QUILLON_TEST_CORE(HostRecordTest)
 #include "tst_host_record.moc"

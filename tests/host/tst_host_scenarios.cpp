@@ -1,4 +1,5 @@
 #include "tests/host/HostRun.h"
+#include "tests/support/TestProgram.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -116,5 +117,5 @@ void HostScenariosTest::theRealHomeIsLeftAlone()
     QVERIFY(!QDir(home.path()).exists(u"AppData"_s));
 }
 
-QTEST_GUILESS_MAIN(HostScenariosTest)
+QUILLON_TEST_CORE(HostScenariosTest)
 #include "tst_host_scenarios.moc"

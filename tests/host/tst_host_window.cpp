@@ -4,6 +4,7 @@
 #include "host/PanelHolder.h"
 #include "rig/Rig.h"
 #include "tests/support/Sandbox.h"
+#include "tests/support/TestProgram.h"
 
 #include <QCheckBox>
 #include <QLineEdit>
@@ -284,5 +285,5 @@ void HostWindowTest::everyControlIsReachedByKeyboard()
         QVERIFY2(reached.contains(QLatin1StringView(name)), name);
 }
 
-QTEST_MAIN(HostWindowTest)
+QUILLON_TEST(HostWindowTest)
 #include "tst_host_window.moc"

@@ -1,4 +1,5 @@
 #include "tests/net/NetworkingFixture.h"
+#include "tests/support/TestProgram.h"
 
 #include <QCryptographicHash>
 #include <QDeadlineTimer>
@@ -201,5 +202,5 @@ void DownloadTest::holdsLittleOfALargeImageInMemory()
     QCOMPARE(stored.result(), expected.result());
 }
 
-QTEST_GUILESS_MAIN(DownloadTest)
+QUILLON_TEST_CORE(DownloadTest)
 #include "tst_download.moc"

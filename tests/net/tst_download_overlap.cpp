@@ -1,4 +1,5 @@
 #include "tests/net/NetworkingFixture.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -141,5 +142,5 @@ void DownloadOverlapTest::outlivesItsReceiver()
     QCOMPARE(m->contentOf(m->image()), QByteArray(100'000, 'i'));
 }
 
-QTEST_GUILESS_MAIN(DownloadOverlapTest)
+QUILLON_TEST_CORE(DownloadOverlapTest)
 #include "tst_download_overlap.moc"

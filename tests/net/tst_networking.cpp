@@ -1,4 +1,5 @@
 #include "tests/net/NetworkingFixture.h"
+#include "tests/support/TestProgram.h"
 
 #include <QElapsedTimer>
 #include <QMetaMethod>
@@ -227,5 +228,5 @@ void NetworkingTest::releasesItsReplies()
     QTRY_COMPARE(m->repliesKept(), 0);
 }
 
-QTEST_GUILESS_MAIN(NetworkingTest)
+QUILLON_TEST_CORE(NetworkingTest)
 #include "tst_networking.moc"

@@ -1,5 +1,6 @@
 #include "net/networking_class.h"
 #include "tests/support/ScriptedHttpServer.h"
+#include "tests/support/TestProgram.h"
 
 #include <QElapsedTimer>
 #include <QThread>
@@ -66,5 +67,5 @@ void NetworkingProcessTest::aQueryEndsWithTheApplication()
     QVERIFY2(time.elapsed() < 1500, qPrintable(QString::number(time.elapsed())));
 }
 
-QTEST_GUILESS_MAIN(NetworkingProcessTest)
+QUILLON_TEST_CORE(NetworkingProcessTest)
 #include "tst_networking_process.moc"

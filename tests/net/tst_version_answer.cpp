@@ -1,4 +1,5 @@
 #include "tests/net/NetworkingFixture.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -150,5 +151,5 @@ void VersionAnswerTest::keepsTheNotesOfTheLastGoodQuery()
     QCOMPARE(m->client->f_remark_en, u"new"_s);
 }
 
-QTEST_GUILESS_MAIN(VersionAnswerTest)
+QUILLON_TEST_CORE(VersionAnswerTest)
 #include "tst_version_answer.moc"

@@ -1,4 +1,5 @@
 #include "tests/panel/PanelStage.h"
+#include "tests/support/TestProgram.h"
 #include "widgets/ClickableProgressBar.h"
 
 #include <QAccessible>
@@ -371,5 +372,5 @@ void TestAccess::aScreenReaderPressesTheBar()
     QCOMPARE(access->valueInterface()->maximumValue().toInt(), 100);
 }
 
-QTEST_MAIN(TestAccess)
+QUILLON_TEST(TestAccess)
 #include "tst_access.moc"

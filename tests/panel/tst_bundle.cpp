@@ -1,3 +1,5 @@
+#include "tests/support/TestProgram.h"
+
 #include <QDir>
 #include <QImageReader>
 #include <QMovie>
@@ -87,5 +89,5 @@ void TestBundle::holdsNothingElse()
     QCOMPARE(QDir(kCatalogues).entryList(QDir::AllEntries), QStringList{u"QuillonFirmwareUpgrade_en.qm"_s});
 }
 
-QTEST_MAIN(TestBundle)
+QUILLON_TEST(TestBundle)
 #include "tst_bundle.moc"

@@ -1,6 +1,7 @@
 // What a host may call, called in each of the panel's states: the model, the language, the recovery.
 #include "tests/panel/PanelInStates.h"
 #include "tests/support/HidCalls.h"
+#include "tests/support/TestProgram.h"
 
 #include <QTimer>
 
@@ -147,5 +148,5 @@ void CallsAnytimeTest::recoveryInAState()
     liveOn();
 }
 
-QTEST_MAIN(CallsAnytimeTest)
+QUILLON_TEST(CallsAnytimeTest)
 #include "tst_calls_anytime.moc"

@@ -1,6 +1,7 @@
 // What a host may call, called while one of the panel's own functions waits in a nested event loop.
 #include "tests/panel/Situations.h"
 #include "tests/support/HidCalls.h"
+#include "tests/support/TestProgram.h"
 
 #include <QAbstractButton>
 #include <QTest>
@@ -104,5 +105,5 @@ void CallsInLoopsTest::calledWhileItWaits()
     QVERIFY(m_stage->log.contains(u"[Upgrade] 不需要升级"_s));
 }
 
-QTEST_MAIN(CallsInLoopsTest)
+QUILLON_TEST(CallsInLoopsTest)
 #include "tst_calls_in_loops.moc"

@@ -1,3 +1,5 @@
+#include "tests/support/TestProgram.h"
+
 #include <QFile>
 #include <QResource>
 #include <QTest>
@@ -175,5 +177,5 @@ void TestCatalogue::knowsNothingAbout()
     QCOMPARE(translated(source.constData(), context.constData()), QString());
 }
 
-QTEST_MAIN(TestCatalogue)
+QUILLON_TEST(TestCatalogue)
 #include "tst_catalogue.moc"

@@ -1,6 +1,7 @@
 #include "tests/panel/PhaseStage.h"
 #include "tests/support/FakeFlashingTool.h"
 #include "tests/support/LogHook.h"
+#include "tests/support/TestProgram.h"
 
 #include <QElapsedTimer>
 #include <QLabel>
@@ -341,5 +342,5 @@ void TestDelays::readsTheVersionsBackAfterSuccess()
     QVERIFY(panel.m_doneLb->isVisible());
 }
 
-QTEST_MAIN(TestDelays)
+QUILLON_TEST(TestDelays)
 #include "tst_delays.moc"

@@ -3,6 +3,7 @@
 #include "tests/panel/PanelInStates.h"
 #include "tests/support/HidCalls.h"
 #include "tests/support/Processes.h"
+#include "tests/support/TestProgram.h"
 
 #include <QTimer>
 
@@ -141,5 +142,5 @@ void DeletionTest::deletedAndCreatedManyTimes()
     m_states->hasADeviceOpen(); // the first panel still has its link
 }
 
-QTEST_MAIN(DeletionTest)
+QUILLON_TEST(DeletionTest)
 #include "tst_deletion.moc"

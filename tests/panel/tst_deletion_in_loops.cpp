@@ -2,6 +2,7 @@
 // something: whoever deletes it, that function ends without touching it again.
 #include "tests/panel/Situations.h"
 #include "tests/support/HidCalls.h"
+#include "tests/support/TestProgram.h"
 
 #include <QPointer>
 #include <QRegularExpression>
@@ -175,5 +176,5 @@ void DeletionInLoopsTest::deletedByAReceiver()
     delete parent;
 }
 
-QTEST_MAIN(DeletionInLoopsTest)
+QUILLON_TEST(DeletionInLoopsTest)
 #include "tst_deletion_in_loops.moc"

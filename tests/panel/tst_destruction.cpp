@@ -6,6 +6,7 @@
 #include "tests/support/HidCalls.h"
 #include "tests/support/LogHook.h"
 #include "tests/support/Processes.h"
+#include "tests/support/TestProgram.h"
 #include "widgets/ClickableProgressBar.h"
 
 #include <HIDCommunicator/OrvikHIDManager.h>
@@ -336,5 +337,5 @@ void DestructionTest::missingPartsAreNoProblem()
     QVERIFY(m_stage->log.contains(kLastLine));
 }
 
-QTEST_MAIN(DestructionTest)
+QUILLON_TEST(DestructionTest)
 #include "tst_destruction.moc"

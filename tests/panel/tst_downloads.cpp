@@ -1,4 +1,5 @@
 #include "tests/panel/ReadyToUpgrade.h"
+#include "tests/support/TestProgram.h"
 
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
@@ -305,5 +306,5 @@ void TestDownloads::survivesItsEnd()
     QTRY_COMPARE(replies(), 0);
 }
 
-QTEST_MAIN(TestDownloads)
+QUILLON_TEST(TestDownloads)
 #include "tst_downloads.moc"

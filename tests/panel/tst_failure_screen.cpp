@@ -1,5 +1,6 @@
 #include "tests/panel/PanelStage.h"
 #include "tests/support/PanelState.h"
+#include "tests/support/TestProgram.h"
 #include "widgets/ClickableProgressBar.h"
 
 #include <QLabel>
@@ -296,5 +297,5 @@ void TestFailureScreen::waitingLineShowsNothingByItself()
     QVERIFY(stage.panel->m_waitingIconLb->isHidden());
 }
 
-QTEST_MAIN(TestFailureScreen)
+QUILLON_TEST(TestFailureScreen)
 #include "tst_failure_screen.moc"

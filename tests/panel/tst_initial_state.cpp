@@ -3,6 +3,7 @@
 #include "tests/support/PanelState.h"
 #include "tests/support/Sandbox.h"
 #include "tests/support/ScriptedTransport.h"
+#include "tests/support/TestProgram.h"
 #include "widgets/ClickableProgressBar.h"
 
 #include <HIDCommunicator/OrvikHIDManager.h>
@@ -169,5 +170,5 @@ void InitialStateTest::pollRepeatsAndWatchdogFiresOnce()
     QCOMPARE(m_panel->m_progressTimer->interval(), 100);
 }
 
-QTEST_MAIN(InitialStateTest)
+QUILLON_TEST(InitialStateTest)
 #include "tst_initial_state.moc"

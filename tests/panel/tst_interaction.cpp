@@ -1,4 +1,5 @@
 #include "tests/panel/PanelStage.h"
+#include "tests/support/TestProgram.h"
 #include "widgets/ClickableProgressBar.h"
 
 #include <QEnterEvent>
@@ -270,5 +271,5 @@ void TestInteraction::neverConsumesAnEvent()
     QVERIFY(!panel.eventFilter(panel.m_offlineToolLinkLb, &leave));
 }
 
-QTEST_MAIN(TestInteraction)
+QUILLON_TEST(TestInteraction)
 #include "tst_interaction.moc"

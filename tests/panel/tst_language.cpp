@@ -1,5 +1,6 @@
 #include "tests/panel/PanelStage.h"
 #include "tests/support/LogHook.h"
+#include "tests/support/TestProgram.h"
 
 #include <QLabel>
 #include <QTest>
@@ -283,5 +284,5 @@ void TestLanguage::keepsChineseTextsWithoutACatalogue()
     setLanguage(Language::Chinese);
 }
 
-QTEST_MAIN(TestLanguage)
+QUILLON_TEST(TestLanguage)
 #include "tst_language.moc"

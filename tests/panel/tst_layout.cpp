@@ -1,4 +1,5 @@
 #include "tests/panel/WidgetTable.h"
+#include "tests/support/TestProgram.h"
 
 #include <QIcon>
 #include <QMovie>
@@ -236,5 +237,5 @@ void TestLayout::connectsTheTwoButtonsOnly()
     QCOMPARE(stage.panel->m_progressBar->receivers(SIGNAL(clicked())), 1);
 }
 
-QTEST_MAIN(TestLayout)
+QUILLON_TEST(TestLayout)
 #include "tst_layout.moc"

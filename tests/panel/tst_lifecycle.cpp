@@ -7,6 +7,7 @@
 #include "tests/support/Sandbox.h"
 #include "tests/support/ScriptedHttpServer.h"
 #include "tests/support/ScriptedTransport.h"
+#include "tests/support/TestProgram.h"
 
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -262,5 +263,5 @@ void LifecycleTest::aDeletedPanelAsksNothing()
     QCOMPARE(m_log->count(kModeQuery), 1);
 }
 
-QTEST_MAIN(LifecycleTest)
+QUILLON_TEST(LifecycleTest)
 #include "tst_lifecycle.moc"

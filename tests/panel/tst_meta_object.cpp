@@ -1,6 +1,7 @@
 // The class as a host and Qt's meta-object system see it: bases, enumerations, who may call what, methods and
 // their order.
 #include "panel/FirmwareUpgradeWidget.h"
+#include "tests/support/TestProgram.h"
 
 #include <QMetaMethod>
 #include <QTest>
@@ -152,5 +153,5 @@ void MetaObjectTest::argumentTypesAreRegistered()
     QCOMPARE(method.parameterMetaType(argument), QMetaType::fromName(typeName));
 }
 
-QTEST_MAIN(MetaObjectTest)
+QUILLON_TEST(MetaObjectTest)
 #include "tst_meta_object.moc"

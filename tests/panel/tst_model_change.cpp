@@ -4,6 +4,7 @@
 #include "tests/support/HidCalls.h"
 #include "tests/support/LogOrder.h"
 #include "tests/support/PanelState.h"
+#include "tests/support/TestProgram.h"
 
 #include <HIDCommunicator/OrvikHIDManager.h>
 
@@ -452,5 +453,5 @@ void ModelChangeTest::withoutALibraryNothingIsAsked()
     QCOMPARE(m_stage->log.lines(), QStringList(u"setDeviceModel:R1"_s));
 }
 
-QTEST_MAIN(ModelChangeTest)
+QUILLON_TEST(ModelChangeTest)
 #include "tst_model_change.moc"

@@ -1,5 +1,6 @@
 #include "tests/panel/PhaseStage.h"
 #include "tests/support/PanelState.h"
+#include "tests/support/TestProgram.h"
 
 #include <QLabel>
 #include <QMovie>
@@ -403,5 +404,5 @@ void TestPhases::retryOfTheOtgHalfFlashesOtgOnly()
     QCOMPARE(panel.m_upgradePlan, UpgradePlan::OtgOnly);
 }
 
-QTEST_MAIN(TestPhases)
+QUILLON_TEST(TestPhases)
 #include "tst_phases.moc"

@@ -1,6 +1,7 @@
 // From four versions to a plan and its announcement, and the device that is too old for it.
 #include "tests/panel/PanelStage.h"
 #include "tests/support/PanelState.h"
+#include "tests/support/TestProgram.h"
 #include "widgets/ClickableProgressBar.h"
 
 #include <QSignalSpy>
@@ -163,5 +164,5 @@ void PlanTest::tooOldIsBlocked()
     QCOMPARE(panel().m_progressBar->m_backgroundColor == kFailureRed, isBlocked);
 }
 
-QTEST_MAIN(PlanTest)
+QUILLON_TEST(PlanTest)
 #include "tst_plan.moc"

@@ -2,6 +2,7 @@
 #include "tests/panel/PanelStage.h"
 #include "tests/support/DeviceReplies.h"
 #include "tests/support/PanelState.h"
+#include "tests/support/TestProgram.h"
 
 #include <QLabel>
 #include <QSignalSpy>
@@ -211,5 +212,5 @@ void PlanStepTest::nextReadAfterTheWaitIsLoud()
     QCOMPARE(shownNumber(), u"V1.3.0"_s);
 }
 
-QTEST_MAIN(PlanStepTest)
+QUILLON_TEST(PlanStepTest)
 #include "tst_plan_step.moc"

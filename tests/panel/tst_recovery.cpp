@@ -1,6 +1,7 @@
 #include "tests/panel/ReadyToUpgrade.h"
 #include "tests/support/LogHook.h"
 #include "tests/support/PanelState.h"
+#include "tests/support/TestProgram.h"
 
 #include <QLabel>
 #include <QTextEdit>
@@ -406,5 +407,5 @@ void TestRecovery::endsWithThePanel()
     QCOMPARE(stage.server.paths().size(), queries);
 }
 
-QTEST_MAIN(TestRecovery)
+QUILLON_TEST(TestRecovery)
 #include "tst_recovery.moc"

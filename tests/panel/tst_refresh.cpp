@@ -1,4 +1,5 @@
 #include "tests/panel/PanelStage.h"
+#include "tests/support/TestProgram.h"
 #include "widgets/ClickableProgressBar.h"
 
 #include <QElapsedTimer>
@@ -181,5 +182,5 @@ void TestRefresh::endsWithThePanel()
     QCOMPARE(stage.log.startingWith(u"[Refresh]"_s), QStringList());
 }
 
-QTEST_MAIN(TestRefresh)
+QUILLON_TEST(TestRefresh)
 #include "tst_refresh.moc"

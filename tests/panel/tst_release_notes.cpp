@@ -1,6 +1,7 @@
 #include "tests/panel/PanelStage.h"
 #include "tests/support/LogHook.h"
 #include "tests/support/PanelState.h"
+#include "tests/support/TestProgram.h"
 #include "widgets/ClickableProgressBar.h"
 
 #include <QElapsedTimer>
@@ -275,5 +276,5 @@ void TestReleaseNotes::doNotKeepAPanelWaiting()
     QVERIFY(stage.panel->m_progressBar->isClickable());
 }
 
-QTEST_MAIN(TestReleaseNotes)
+QUILLON_TEST(TestReleaseNotes)
 #include "tst_release_notes.moc"

@@ -1,5 +1,6 @@
 #include "tests/panel/PanelStage.h"
 #include "tests/support/LogHook.h"
+#include "tests/support/TestProgram.h"
 #include "widgets/ClickableProgressBar.h"
 
 #include <QLabel>
@@ -236,5 +237,5 @@ void TestRetranslation::logsBetweenItsSteps()
                           u"New Version"_s, u"Update Completed"_s}));
 }
 
-QTEST_MAIN(TestRetranslation)
+QUILLON_TEST(TestRetranslation)
 #include "tst_retranslation.moc"

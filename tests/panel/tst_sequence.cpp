@@ -1,5 +1,6 @@
 #include "tests/panel/ReadyToUpgrade.h"
 #include "tests/support/LogHook.h"
+#include "tests/support/TestProgram.h"
 
 #include <QLabel>
 #include <QTimer>
@@ -201,5 +202,5 @@ void TestSequence::goesOnWithoutVersions()
     QCOMPARE(contentOf(stage.image(u"R2_OTG104.bin"_s)), QByteArray(kOtgImage));
 }
 
-QTEST_MAIN(TestSequence)
+QUILLON_TEST(TestSequence)
 #include "tst_sequence.moc"

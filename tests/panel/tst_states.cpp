@@ -1,5 +1,6 @@
 #include "tests/panel/PanelStage.h"
 #include "tests/support/PanelState.h"
+#include "tests/support/TestProgram.h"
 #include "widgets/ClickableProgressBar.h"
 
 #include <QLabel>
@@ -414,5 +415,5 @@ void TestStates::placesTheUpgradeText()
              "both styles name this family in either language");
 }
 
-QTEST_MAIN(TestStates)
+QUILLON_TEST(TestStates)
 #include "tst_states.moc"

@@ -1,4 +1,5 @@
 #include "tests/panel/PanelStage.h"
+#include "tests/support/TestProgram.h"
 
 #include <QLabel>
 #include <QTest>
@@ -270,5 +271,5 @@ void TestTextsByState::laysOutTheWaitingLine()
     QCOMPARE(stage.panel->m_waitingIconLb->geometry(), QRect(44, 12, 24, 24));
 }
 
-QTEST_MAIN(TestTextsByState)
+QUILLON_TEST(TestTextsByState)
 #include "tst_texts_by_state.moc"

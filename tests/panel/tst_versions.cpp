@@ -3,6 +3,7 @@
 #include "panel/VersionRules.h"
 #include "tests/support/Sandbox.h"
 #include "tests/support/ScriptedTransport.h"
+#include "tests/support/TestProgram.h"
 
 #include <QTest>
 
@@ -159,5 +160,5 @@ void VersionsTest::upToDate()
     QTEST(VersionRules::isUpToDate(device, remote), "isUpToDate");
 }
 
-QTEST_MAIN(VersionsTest)
+QUILLON_TEST(VersionsTest)
 #include "tst_versions.moc"

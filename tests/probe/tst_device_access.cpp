@@ -4,6 +4,7 @@
 #include "hid/access/DeviceAccess.h"
 #include "tests/probe/AsOrdinaryUser.h"
 #include "tests/support/ScriptedTransport.h"
+#include "tests/support/TestProgram.h"
 
 #include <HIDCommunicator/OrvikHIDManager.h>
 
@@ -180,5 +181,5 @@ void DeviceAccessTest::shellWords()
     QTEST(DeviceAccess::shellWord(path), "word");
 }
 
-QTEST_GUILESS_MAIN(DeviceAccessTest)
+QUILLON_TEST_CORE(DeviceAccessTest)
 #include "tst_device_access.moc"

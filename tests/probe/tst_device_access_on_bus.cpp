@@ -2,6 +2,7 @@
 #include "hid/access/DeviceAccess.h"
 #include "tests/probe/AsOrdinaryUser.h"
 #include "tests/support/MockBus.h"
+#include "tests/support/TestProgram.h"
 
 #include <HIDCommunicator/OrvikHIDManager.h>
 
@@ -42,5 +43,5 @@ void DeviceAccessOnBusTest::modeOfTheDeviceFileDecides()
     manager->release();
 }
 
-QTEST_GUILESS_MAIN(DeviceAccessOnBusTest)
+QUILLON_TEST_CORE(DeviceAccessOnBusTest)
 #include "tst_device_access_on_bus.moc"

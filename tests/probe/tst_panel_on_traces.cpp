@@ -4,6 +4,7 @@
 #include "tests/support/LogCapture.h"
 #include "tests/support/Sandbox.h"
 #include "tests/support/ScriptedHttpServer.h"
+#include "tests/support/TestProgram.h"
 
 #include <QApplication>
 #include <QMessageBox>
@@ -103,5 +104,5 @@ void PanelOnTracesTest::upgradeModeIsToldAndNoVersionRead()
     QCOMPARE(panel.m_devicePcVersion, QString());
 }
 
-QTEST_MAIN(PanelOnTracesTest)
+QUILLON_TEST(PanelOnTracesTest)
 #include "tst_panel_on_traces.moc"

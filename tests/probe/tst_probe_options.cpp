@@ -1,5 +1,6 @@
 // The command line: what is refused, and how.
 #include "tests/probe/ProbeRun.h"
+#include "tests/support/TestProgram.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -94,5 +95,5 @@ void ProbeOptionsTest::helpNamesEveryCommandOptionAndStatus()
         QVERIFY2(run.output.contains(QLatin1StringView(word)), word);
 }
 
-QTEST_GUILESS_MAIN(ProbeOptionsTest)
+QUILLON_TEST_CORE(ProbeOptionsTest)
 #include "tst_probe_options.moc"

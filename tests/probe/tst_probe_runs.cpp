@@ -1,5 +1,6 @@
 // quillon-probe as a program, on devices that traces play.
 #include "tests/probe/ProbeRun.h"
+#include "tests/support/TestProgram.h"
 
 #include "probe/trace/Trace.h"
 
@@ -290,5 +291,5 @@ void ProbeRunsTest::aRecordingOfAReplayPlaysTheSame()
     QCOMPARE(trace->events.first().productId, 0x000E);
 }
 
-QTEST_GUILESS_MAIN(ProbeRunsTest)
+QUILLON_TEST_CORE(ProbeRunsTest)
 #include "tst_probe_runs.moc"

@@ -4,6 +4,7 @@
 #include "probe/trace/TraceRecorder.h"
 #include "rig/SimulatedBus.h"
 #include "rig/SimulatedDevice.h"
+#include "tests/support/TestProgram.h"
 
 #include <QTemporaryDir>
 #include <QTest>
@@ -167,5 +168,5 @@ void RecordingTest::aTraceEndsBeforeItIsTooLarge()
     QVERIFY2(Trace::load(file, &error), qPrintable(error));
 }
 
-QTEST_GUILESS_MAIN(RecordingTest)
+QUILLON_TEST_CORE(RecordingTest)
 #include "tst_recording.moc"

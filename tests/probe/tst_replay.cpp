@@ -1,5 +1,6 @@
 // A trace played as a bus, looked at as the HID library looks at it.
 #include "probe/trace/ReplayTransport.h"
+#include "tests/support/TestProgram.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -255,5 +256,5 @@ void ReplayTest::interruptingEndsTheWaitAndHidesNoPlug()
     QVERIFY(!bus.transport->waitForHotplug(10ms));
 }
 
-QTEST_GUILESS_MAIN(ReplayTest)
+QUILLON_TEST_CORE(ReplayTest)
 #include "tst_replay.moc"

@@ -2,6 +2,7 @@
 #include "device/ControlMessages.h"
 #include "probe/ReportWords.h"
 #include "tests/support/DeviceReplies.h"
+#include "tests/support/TestProgram.h"
 
 #include <QTest>
 
@@ -136,5 +137,5 @@ void ReportWordsTest::bytesLeaveOutZeros()
     QTEST(bytesText(report), "text");
 }
 
-QTEST_GUILESS_MAIN(ReportWordsTest)
+QUILLON_TEST_CORE(ReportWordsTest)
 #include "tst_report_words.moc"

@@ -1,5 +1,6 @@
 // The text of a trace: what is read, what is refused, and that what is written is read again.
 #include "probe/trace/Trace.h"
+#include "tests/support/TestProgram.h"
 
 #include <QTemporaryDir>
 #include <QTest>
@@ -245,5 +246,5 @@ void TraceFileTest::aFileAsLargeAsAllowedIsRead()
     QCOMPARE(error, file.fileName() + u": larger than 16 MiB"_s);
 }
 
-QTEST_GUILESS_MAIN(TraceFileTest)
+QUILLON_TEST_CORE(TraceFileTest)
 #include "tst_trace_file.moc"

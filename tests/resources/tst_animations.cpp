@@ -1,4 +1,5 @@
 #include "tests/support/Pixels.h"
+#include "tests/support/TestProgram.h"
 
 #include <QFile>
 #include <QImage>
@@ -339,5 +340,5 @@ void TestAnimations::tellsTheDevicesApart()
     QVERIFY2(different > device.width() * device.height() / 10, qPrintable(QString::number(different)));
 }
 
-QTEST_MAIN(TestAnimations)
+QUILLON_TEST(TestAnimations)
 #include "tst_animations.moc"

@@ -1,4 +1,5 @@
 #include "tests/support/Pixels.h"
+#include "tests/support/TestProgram.h"
 
 #include <QIcon>
 #include <QImage>
@@ -244,5 +245,5 @@ void TestIcons::storeTheBarSmall()
     QVERIFY2(bar.size() * 10 < bar.uncompressedSize(), qPrintable(QString::number(bar.size())));
 }
 
-QTEST_MAIN(TestIcons)
+QUILLON_TEST(TestIcons)
 #include "tst_icons.moc"

@@ -1,3 +1,5 @@
+#include "tests/support/TestProgram.h"
+
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -73,5 +75,5 @@ void TestRendering::refusesAnUnknownPicture()
     QVERIFY(QDir(folder.path()).isEmpty());
 }
 
-QTEST_GUILESS_MAIN(TestRendering)
+QUILLON_TEST_CORE(TestRendering)
 #include "tst_rendering.moc"

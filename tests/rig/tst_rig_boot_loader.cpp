@@ -2,6 +2,7 @@
 #include "rig/FirmwareImage.h"
 #include "rig/LittleEndian.h"
 #include "rig/RegisterReports.h"
+#include "tests/support/TestProgram.h"
 
 #include <QTest>
 
@@ -209,5 +210,5 @@ void BootLoaderTest::onlyImagesTakenToTheEndAreCounted()
     QCOMPARE(m_chip->restarts(), 1);
 }
 
-QTEST_GUILESS_MAIN(BootLoaderTest)
+QUILLON_TEST_CORE(BootLoaderTest)
 #include "tst_rig_boot_loader.moc"

@@ -1,5 +1,6 @@
 #include "rig/SimulatedBus.h"
 #include "rig/SimulatedDevice.h"
+#include "tests/support/TestProgram.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -257,5 +258,5 @@ void BusTest::aBusWithoutItsDeviceIsEmpty()
     QCOMPARE(connection->read(reply, 1000ms), HidConnection::ReadResult::Gone);
 }
 
-QTEST_GUILESS_MAIN(BusTest)
+QUILLON_TEST_CORE(BusTest)
 #include "tst_rig_bus.moc"

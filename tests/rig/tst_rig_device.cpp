@@ -1,5 +1,6 @@
 #include "rig/FirmwareImage.h"
 #include "rig/SimulatedDevice.h"
+#include "tests/support/TestProgram.h"
 
 #include <QTest>
 
@@ -415,5 +416,5 @@ void DeviceTest::damageOnTheWayIsInTheFlash()
     QCOMPARE(m_device->flash(Chip::Pc), QByteArray("qbcdefgh"));
 }
 
-QTEST_GUILESS_MAIN(DeviceTest)
+QUILLON_TEST_CORE(DeviceTest)
 #include "tst_rig_device.moc"

@@ -1,4 +1,5 @@
 #include "rig/FaultBoard.h"
+#include "tests/support/TestProgram.h"
 
 #include <QSet>
 #include <QSignalSpy>
@@ -148,5 +149,5 @@ void FaultsTest::everyChangeIsAnnounced()
     QCOMPARE(changes.size(), 3);
 }
 
-QTEST_GUILESS_MAIN(FaultsTest)
+QUILLON_TEST_CORE(FaultsTest)
 #include "tst_rig_faults.moc"

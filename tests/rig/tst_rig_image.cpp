@@ -1,4 +1,5 @@
 #include "rig/FirmwareImage.h"
+#include "tests/support/TestProgram.h"
 
 #include <QTest>
 
@@ -126,5 +127,5 @@ void ImageTest::whatFollowsAnImageIsLeftAlone()
     QVERIFY(readImage(buildImage(sample()) + QByteArray(1000, char(0xFF))));
 }
 
-QTEST_GUILESS_MAIN(ImageTest)
+QUILLON_TEST_CORE(ImageTest)
 #include "tst_rig_image.moc"

@@ -1,6 +1,7 @@
 #include "rig/FirmwareImage.h"
 #include "rig/ScenarioPlayer.h"
 #include "tests/rig/FakePanel.h"
+#include "tests/support/TestProgram.h"
 
 #include <QElapsedTimer>
 #include <QEventLoop>
@@ -423,5 +424,5 @@ void PlayerTest::delaysAreMeasured()
                 .endsWith(QStringLiteral("in this order")));
 }
 
-QTEST_MAIN(PlayerTest)
+QUILLON_TEST(PlayerTest)
 #include "tst_rig_player.moc"

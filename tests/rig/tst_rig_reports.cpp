@@ -1,5 +1,6 @@
 #include "rig/DeviceReplies.h"
 #include "rig/RegisterReports.h"
+#include "tests/support/TestProgram.h"
 
 #include <QTest>
 
@@ -227,5 +228,5 @@ void ReportsTest::zeroVersionsConcernOneChip()
              report("51 C4 11 00 00 06 10 00 03 00 00 00 00 00 00 00 12 FF"));
 }
 
-QTEST_GUILESS_MAIN(ReportsTest)
+QUILLON_TEST_CORE(ReportsTest)
 #include "tst_rig_reports.moc"

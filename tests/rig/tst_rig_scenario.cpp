@@ -3,6 +3,7 @@
 #include "rig/ScenarioGrammar.h"
 #include "rig/ScenarioWords.h"
 #include "rig/ScreenRecognizer.h"
+#include "tests/support/TestProgram.h"
 
 #include <QDir>
 #include <QFile>
@@ -331,5 +332,5 @@ void ScenarioTest::theGuideListsEveryFaultAndEveryStatement()
         QVERIFY2(text.contains(QByteArray('`' + screen.toLatin1() + '`')), qPrintable(screen));
 }
 
-QTEST_GUILESS_MAIN(ScenarioTest)
+QUILLON_TEST_CORE(ScenarioTest)
 #include "tst_rig_scenario.moc"

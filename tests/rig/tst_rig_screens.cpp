@@ -1,5 +1,6 @@
 #include "rig/ScreenRecognizer.h"
 #include "tests/rig/FakePanel.h"
+#include "tests/support/TestProgram.h"
 
 #include <QTest>
 
@@ -106,5 +107,5 @@ void ScreensTest::aForeignWidgetShowsNoScreen()
     QVERIFY(recognizeScreen(widget).isEmpty());
 }
 
-QTEST_MAIN(ScreensTest)
+QUILLON_TEST(ScreensTest)
 #include "tst_rig_screens.moc"

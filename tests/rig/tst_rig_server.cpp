@@ -1,5 +1,6 @@
 #include "rig/FirmwareImage.h"
 #include "rig/UpdateServer.h"
+#include "tests/support/TestProgram.h"
 
 #include <QElapsedTimer>
 #include <QJsonArray>
@@ -426,5 +427,5 @@ void ServerTest::goingDownWithARequestOpenIsSafe()
     QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 1, kPatience);
 }
 
-QTEST_GUILESS_MAIN(ServerTest)
+QUILLON_TEST_CORE(ServerTest)
 #include "tst_rig_server.moc"

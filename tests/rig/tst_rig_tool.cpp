@@ -2,6 +2,7 @@
 #include "rig/FirmwareImage.h"
 #include "rig/ToolWire.h"
 #include "tests/support/Sandbox.h"
+#include "tests/support/TestProgram.h"
 
 #include <QLocalSocket>
 #include <QProcess>
@@ -521,5 +522,5 @@ void ToolTest::nonsenseOnTheSocketIsHungUpOn()
     QTRY_COMPARE_WITH_TIMEOUT(disconnected.size(), 1, kPatience);
 }
 
-QTEST_GUILESS_MAIN(ToolTest)
+QUILLON_TEST_CORE(ToolTest)
 #include "tst_rig_tool.moc"

@@ -1,4 +1,5 @@
 #include "rig/ToolFile.h"
+#include "tests/support/TestProgram.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -147,5 +148,5 @@ void ToolFileTest::theToolIsLookedForBesideTheExecutable()
              QCoreApplication::applicationDirPath() + QStringLiteral("/OrvikFirmwareUpdata.exe"));
 }
 
-QTEST_GUILESS_MAIN(ToolFileTest)
+QUILLON_TEST_CORE(ToolFileTest)
 #include "tst_rig_tool_file.moc"

@@ -2,6 +2,7 @@
 #include "rig/LittleEndian.h"
 #include "rig/RegisterReports.h"
 #include "rig/usb/UsbDescriptors.h"
+#include "tests/support/TestProgram.h"
 
 #include <QTest>
 
@@ -100,5 +101,5 @@ void UsbDescriptorsTest::thereAreNoStrings()
     QCOMPARE(numberAt<quint32>(strings, 4), quint32(16));
 }
 
-QTEST_GUILESS_MAIN(UsbDescriptorsTest)
+QUILLON_TEST_CORE(UsbDescriptorsTest)
 #include "tst_rig_usb_descriptors.moc"

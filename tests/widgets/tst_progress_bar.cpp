@@ -1,3 +1,4 @@
+#include "tests/support/TestProgram.h"
 #include "widgets/ClickableProgressBar.h"
 
 #include <QEnterEvent>
@@ -229,5 +230,5 @@ void TestProgressBar::survivesItsDeletionInTheClick()
     QVERIFY(!bar);
 }
 
-QTEST_MAIN(TestProgressBar)
+QUILLON_TEST(TestProgressBar)
 #include "tst_progress_bar.moc"

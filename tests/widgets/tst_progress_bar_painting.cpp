@@ -1,3 +1,4 @@
+#include "tests/support/TestProgram.h"
 #include "widgets/ClickableProgressBar.h"
 
 #include <QEnterEvent>
@@ -276,5 +277,5 @@ void TestProgressBarPainting::hasSmoothEdges()
     QVERIFY(blended > 0);
 }
 
-QTEST_MAIN(TestProgressBarPainting)
+QUILLON_TEST(TestProgressBarPainting)
 #include "tst_progress_bar_painting.moc"

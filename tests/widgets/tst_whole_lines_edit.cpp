@@ -1,3 +1,4 @@
+#include "tests/support/TestProgram.h"
 #include "widgets/WholeLinesEdit.h"
 
 #include <QAbstractTextDocumentLayout>
@@ -154,5 +155,5 @@ void WholeLinesEditTest::aTallerLineThanTheBoxIsStillShown()
     QCOMPARE(edit.viewport()->height(), kHeight);
 }
 
-QTEST_MAIN(WholeLinesEditTest)
+QUILLON_TEST(WholeLinesEditTest)
 #include "tst_whole_lines_edit.moc"

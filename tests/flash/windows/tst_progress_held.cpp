@@ -1,6 +1,7 @@
 // A progress file that a virus scanner, an editor or an old tool keeps to itself, which Windows lets it do.
 #include "system/SharedFile.h"
 #include "tests/flash/FlashingStage.h"
+#include "tests/support/TestProgram.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -173,5 +174,5 @@ void ProgressHeldTest::anOldReportIsNoneWhenTheToolWritesNothing()
     QVERIFY(m->log.contains(u"[状态] 进程已退出但无进度文件，判定为失败"_s));
 }
 
-QTEST_MAIN(ProgressHeldTest)
+QUILLON_TEST(ProgressHeldTest)
 #include "tst_progress_held.moc"

@@ -3,6 +3,7 @@
 #include "system/ToolProcess.h"
 #include "tests/flash/FlashingStage.h"
 #include "tests/support/Processes.h"
+#include "tests/support/TestProgram.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -168,5 +169,5 @@ void ToolProcessTest::aSecondRunIsEndedLikeTheFirst()
     }
 }
 
-QTEST_MAIN(ToolProcessTest)
+QUILLON_TEST(ToolProcessTest)
 #include "tst_tool_process.moc"

@@ -1,6 +1,7 @@
 // Devices come, are served, and go.
 #include "MockBusTest.h"
 #include "MockUdevd.h"
+#include "tests/support/TestProgram.h"
 
 #include <QElapsedTimer>
 #include <QtTest>
@@ -171,5 +172,5 @@ void TestHidHotplug::oneOfTwoDevicesIsOpen()
     QTRY_COMPARE_WITH_TIMEOUT(first->openHandles(), 0, kPatienceMs);
 }
 
-QTEST_GUILESS_MAIN(TestHidHotplug)
+QUILLON_TEST_CORE(TestHidHotplug)
 #include "tst_hid_hotplug.moc"

@@ -1,6 +1,7 @@
 // Which nodes the library lists, which it opens, and when it tries again.
 #include "MockBusTest.h"
 #include "MockUdevd.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -154,5 +155,5 @@ void TestHidNodes::unsettledNodeIsOpenedOnceUdevdIsDone()
     QVERIFY(isServed(*device));
 }
 
-QTEST_GUILESS_MAIN(TestHidNodes)
+QUILLON_TEST_CORE(TestHidNodes)
 #include "tst_hid_nodes.moc"

@@ -3,6 +3,7 @@
 #include "MockBusTest.h"
 
 #include "tests/hid/ThisProcess.h"
+#include "tests/support/TestProgram.h"
 
 #include <QDeadlineTimer>
 #include <QDir>
@@ -117,5 +118,5 @@ void TestHidReplug::cableIsPulledAtRandomMoments()
     manager().acquire();
 }
 
-QTEST_GUILESS_MAIN(TestHidReplug)
+QUILLON_TEST_CORE(TestHidReplug)
 #include "tst_hid_replug.moc"

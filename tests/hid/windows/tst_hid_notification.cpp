@@ -1,5 +1,6 @@
 // What the system tells of devices that come and go, on a system that tells it, does not, or tells it at a
 // bad moment.
+#include "tests/support/TestProgram.h"
 #include "windows/ConfigurationManager.h"
 #include "windows/DeviceNotification.h"
 
@@ -168,5 +169,5 @@ void HidNotificationTest::notificationsUntilTheVeryEndDoNoHarm()
     QCOMPARE(manager.unsubscribed.load(), 50);
 }
 
-QTEST_GUILESS_MAIN(HidNotificationTest)
+QUILLON_TEST_CORE(HidNotificationTest)
 #include "tst_hid_notification.moc"

@@ -1,5 +1,6 @@
 // quillon-host opens no console of its own on Windows, and what it prints still arrives, in every script.
 #include "tests/host/HostRun.h"
+#include "tests/support/TestProgram.h"
 
 #include <QFile>
 #include <QProcess>
@@ -94,5 +95,5 @@ void HostConsoleTest::withoutAReaderItPrintsNothingAndEnds()
     QCOMPARE(host.exitCode(), 0);
 }
 
-QTEST_GUILESS_MAIN(HostConsoleTest)
+QUILLON_TEST_CORE(HostConsoleTest)
 #include "tst_host_console.moc"

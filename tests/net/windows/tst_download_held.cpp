@@ -2,6 +2,7 @@
 // it.
 #include "tests/net/NetworkingFixture.h"
 #include "tests/support/HeldFile.h"
+#include "tests/support/TestProgram.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -106,5 +107,5 @@ void DownloadHeldTest::aFileThatMayBeWrittenMeanwhileIsNotWaitedFor()
     QCOMPARE(m->contentOf(m->image()), QByteArray("new image"));
 }
 
-QTEST_MAIN(DownloadHeldTest)
+QUILLON_TEST(DownloadHeldTest)
 #include "tst_download_held.moc"
