@@ -1,5 +1,5 @@
 # Sourced by ./demo and ./check, which set root (the tree). What they share: the packages, and how to build.
-# shellcheck shell=bash
+# shellcheck shell=bash disable=SC2154
 
 packages=(build-essential cmake ninja-build pkg-config
     qt6-base-dev qt6-base-dev-tools qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools
