@@ -17,6 +17,16 @@ packages=(build-essential cmake ninja-build pkg-config
 # shellcheck disable=SC2034
 fuzz_packages=(clang-14 libclang-rt-14-dev)
 
+# What looks at the sources. Only version 14 of clang's tools counts, and of the Debians only 12 has it.
+# shellcheck disable=SC2034
+lint_packages=(shellcheck git)
+# shellcheck disable=SC2034
+tidy_packages=()
+if grep -qx 'VERSION_ID="12"' /etc/os-release 2>/dev/null; then
+    lint_packages+=(clang-format-14)
+    tidy_packages+=(clang-tidy-14)
+fi
+
 # What ./check --vm needs besides: an emulated machine, and what its file system is made with.
 # shellcheck disable=SC2034
 vm_packages=(qemu-system-x86 cpio kmod)
