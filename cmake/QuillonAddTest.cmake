@@ -45,7 +45,7 @@ endfunction()
 function(quillon_run_prefix result)
     cmake_parse_arguments(PARSE_ARGV 1 arg "MOCK_BUS;REPORT" "SPEED" "ENVIRONMENT")
     if(QUILLON_UNDER_WINE)
-        set(prefix ${CMAKE_COMMAND} -E env ${arg_ENVIRONMENT}
+        set(prefix ${CMAKE_COMMAND} -E env LC_ALL=C.UTF-8 ${arg_ENVIRONMENT}
             "${PROJECT_SOURCE_DIR}/cmake/mingw/wine-run" --prefix "${QUILLON_MINGW_PREFIX}"
             --path "${PROJECT_BINARY_DIR}/bin")
         if(arg_REPORT)
