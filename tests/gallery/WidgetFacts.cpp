@@ -47,7 +47,7 @@ QString stateOf(const QWidget &widget)
     if (label && label->movie())
         return label->movie()->fileName()
             + QStringLiteral(", frame %1").arg(label->movie()->currentFrameNumber());
-    if (label && !label->pixmap(Qt::ReturnByValue).isNull())
+    if (label && !label->pixmap().isNull())
         return QStringLiteral("picture");
     return {};
 }
