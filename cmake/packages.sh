@@ -15,7 +15,7 @@ packages=(build-essential cmake ninja-build pkg-config
 
 # What the fuzz targets are built with.
 # shellcheck disable=SC2034
-fuzz_packages=(clang-14 libclang-rt-14-dev)
+fuzz_packages=(clang libclang-rt-dev)
 
 # What looks at the sources. Only version 14 of clang's tools counts, and of the Debians only 12 has it.
 # shellcheck disable=SC2034
