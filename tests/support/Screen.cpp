@@ -32,6 +32,13 @@ QList<QWidget *> namedWidgets(const QWidget &window)
     }
     return named;
 }
+
+/// A widget that nobody has shown or hidden is shown with its parent. While the parent is hidden, Qt 6.8
+/// takes such a widget for hidden, and tells it of every time that the parent is shown.
+bool showsWithItsParent(const QWidget &widget)
+{
+    return !widget.isHidden() || !widget.testAttribute(Qt::WA_WState_ExplicitShowHide);
+}
 } // namespace
 
 QStringList Screen::visibleWidgets(const QWidget &window)
@@ -67,15 +74,24 @@ void Screen::showOnly(QWidget &window, const QStringList &names)
 VisibilityRecorder::VisibilityRecorder(const QWidget &window)
 {
     const auto children = namedWidgets(window);
-    for (QWidget *child : children)
+    for (QWidget *child : children) {
+        m_shown.insert(child, showsWithItsParent(*child));
         child->installEventFilter(this);
+    }
 }
 
 bool VisibilityRecorder::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::ShowToParent)
-        changes.append(u'+' + watched->objectName());
-    else if (event->type() == QEvent::HideToParent)
-        changes.append(u'-' + watched->objectName());
+    const bool shows = event->type() == QEvent::ShowToParent;
+    if (shows || event->type() == QEvent::HideToParent)
+        record(watched, shows);
     return QObject::eventFilter(watched, event);
+}
+
+void VisibilityRecorder::record(const QObject *widget, bool shown)
+{
+    bool &wasShown = m_shown[widget];
+    if (wasShown != shown)
+        changes.append((shown ? u'+' : u'-') + widget->objectName());
+    wasShown = shown;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QObject>
 #include <QStringList>
 
@@ -22,7 +23,7 @@ void showOnly(QWidget &window, const QStringList &names);
 } // namespace Screen
 
 /// Writes down, in order, which child widgets are shown ("+m_rocketLb") and hidden ("-m_rocketLb"). A call
-/// that changes nothing is not seen.
+/// that changes nothing is not seen, nor is a widget that only comes and goes with its parent.
 class VisibilityRecorder : public QObject {
 public:
     explicit VisibilityRecorder(const QWidget &window);
@@ -31,4 +32,9 @@ public:
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void record(const QObject *widget, bool shown);
+
+    QHash<const QObject *, bool> m_shown;
 };
