@@ -31,32 +31,38 @@ double ratio(QRgb a, QRgb b)
     return (lighter + 0.05) / (darker + 0.05);
 }
 
-double ofText(const QImage &picture, const QRect &ink)
+double ofText(const QImage &picture, const QRect &ink, const QRect &ground)
 {
     // The edges of strokes are mixed with the ground: their cores show the text's colour.
     struct Ground {
         int columns = 0;
         double contrast = 1;
     };
-    const QRect inside = ink & picture.rect();
-    const int above = std::max(inside.top() - kClear, 0);
-    const int below = std::min(inside.bottom() + kClear, picture.height() - 1);
+    const QRect painted = ground & picture.rect();
+    const QRect inside = ink & painted;
+    const int above = std::max(inside.top() - kClear, painted.top());
+    const int below = std::min(inside.bottom() + kClear, painted.bottom());
     QHash<QRgb, Ground> grounds;
     for (int x = inside.left(); x <= inside.right(); ++x) {
         const QRgb colour = picture.pixel(x, above);
         if (colour != picture.pixel(x, below))
             continue;
-        Ground &ground = grounds[colour];
-        ++ground.columns;
+        Ground &found = grounds[colour];
+        ++found.columns;
         for (int y = inside.top(); y <= inside.bottom(); ++y)
-            ground.contrast = std::max(ground.contrast, ratio(picture.pixel(x, y), colour));
+            found.contrast = std::max(found.contrast, ratio(picture.pixel(x, y), colour));
     }
     double worst = 0;
-    for (const Ground &ground : std::as_const(grounds)) {
-        if (ground.columns >= kLeastColumns)
-            worst = worst == 0 ? ground.contrast : std::min(worst, ground.contrast);
+    for (const Ground &found : std::as_const(grounds)) {
+        if (found.columns >= kLeastColumns)
+            worst = worst == 0 ? found.contrast : std::min(worst, found.contrast);
     }
     return worst;
+}
+
+double ofText(const QImage &picture, const QRect &ink)
+{
+    return ofText(picture, ink, picture.rect());
 }
 
 } // namespace Contrast

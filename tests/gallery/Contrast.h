@@ -10,8 +10,10 @@ namespace Contrast {
 double ratio(QRgb a, QRgb b);
 
 /// The contrast of the text whose strokes fill \a ink of \a picture with what is painted under it: the
-/// colours right above and below it. Where there are several, the one on which the text is hardest to read.
-/// 0: there is nothing to measure.
+/// colours right above and below it, no farther off than \a ground reaches. Where there are several, the one
+/// on which the text is hardest to read. 0: there is nothing to measure.
+double ofText(const QImage &picture, const QRect &ink, const QRect &ground);
+/// The same where the ground fills all of the picture.
 double ofText(const QImage &picture, const QRect &ink);
 
 } // namespace Contrast

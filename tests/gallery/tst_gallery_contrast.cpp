@@ -88,6 +88,7 @@ private Q_SLOTS:
     void contrastIsMeasured_data();
     void contrastIsMeasured();
     void theHarderHalfCounts();
+    void nothingBeyondTheGroundCounts();
 };
 
 void GalleryContrastTest::everyTextCanBeRead_data()
@@ -163,6 +164,23 @@ void GalleryContrastTest::theHarderHalfCounts()
     painter.end();
     const double measured = Contrast::ofText(picture, QRect(10, 8, 40, 10));
     QVERIFY2(measured > 1.9 && measured < 2.2, qPrintable(QString::number(measured)));
+}
+
+/// A selected line, right above and below whose strokes the selection ends.
+void GalleryContrastTest::nothingBeyondTheGroundCounts()
+{
+    const QRect line(0, 10, 60, 10);
+    QImage picture(60, 30, QImage::Format_RGB32);
+    picture.fill(Qt::black);
+    QPainter painter(&picture);
+    painter.fillRect(line, QColor(118, 118, 118));
+    painter.fillRect(QRect(10, 10, 1, 10), Qt::white);
+    painter.fillRect(QRect(10, 14, 40, 2), Qt::white);
+    painter.end();
+    const QRect ink(10, 10, 40, 10);
+    const double measured = Contrast::ofText(picture, ink, line);
+    QVERIFY2(std::abs(measured - 4.54) < 0.01, qPrintable(QString::number(measured)));
+    QVERIFY(Contrast::ofText(picture, ink) > 20);
 }
 
 QUILLON_TEST_CORE(GalleryContrastTest)
