@@ -37,7 +37,7 @@ windows_packages=(g++-mingw-w64-x86-64-posix dpkg-dev wine wine64 xvfb xauth)
 
 # What ./check --fresh needs, and nothing else: the rest is installed in the system that it makes.
 # shellcheck disable=SC2034
-fresh_packages=(mmdebstrap git util-linux)
+fresh_packages=(mmdebstrap git util-linux mount)
 
 is_installed() {
     [ "$(dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
