@@ -188,7 +188,7 @@ Outcome ScenarioStage::dismissWarning(Words)
 Outcome ScenarioStage::picture(Words words)
 {
     const auto take = m_controls.takePicture;
-    const QString name = words.at(0);
+    const QString &name = words.at(0);
     return control(take ? std::function<void()>([=] { take(name); }) : nullptr, "take a picture");
 }
 
