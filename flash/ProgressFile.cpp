@@ -12,7 +12,7 @@ namespace ProgressFile {
 
 namespace {
 /// A report takes a few bytes; what lies further back than this is not read, however large the file is.
-constexpr qint64 kTail = 64 * 1024;
+constexpr qint64 kTail = qint64(64) * 1024;
 
 QString folder()
 {

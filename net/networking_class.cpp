@@ -24,13 +24,13 @@ namespace {
 /// The only time limit of a version query.
 constexpr auto kQueryLimit = 2000ms;
 /// Bounds what a fast server can make the process hold while the disk is slow.
-constexpr qint64 kDownloadBuffer = 1024 * 1024;
+constexpr qint64 kDownloadBuffer = qint64(1024) * 1024;
 /// How often, and how many times, a file that another program holds is tried: for 3 s in all, longer than a
 /// virus scanner looks at one.
 constexpr auto kHeldFilePause = 100ms;
 constexpr int kHeldFileTries = 30;
 /// Far more than release notes need. A server that sends on and on stalls here until the time limit.
-constexpr qint64 kLargestAnswer = 4 * 1024 * 1024;
+constexpr qint64 kLargestAnswer = qint64(4) * 1024 * 1024;
 
 QDebug logLine()
 {

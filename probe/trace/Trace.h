@@ -36,11 +36,11 @@ struct Trace {
     QList<TraceEvent> events;
 
     /// What a reader takes, in bytes. A writer has to keep below.
-    static constexpr qsizetype kLargestFile = 16 * 1024 * 1024;
-    static constexpr qsizetype kLongestLine = 16 * 1024;
+    static constexpr qsizetype kLargestFile = qsizetype(16) * 1024 * 1024;
+    static constexpr qsizetype kLongestLine = qsizetype(16) * 1024;
     static constexpr qsizetype kLongestReport = 4096;
     /// Of all reports together: a few characters can stand for many bytes.
-    static constexpr qsizetype kMostTraffic = 64 * 1024 * 1024;
+    static constexpr qsizetype kMostTraffic = qsizetype(64) * 1024 * 1024;
     /// A reader takes no more plugs and no more events than these.
     static constexpr int kMostDevices = 1000;
     static constexpr int kMostEvents = 1'000'000;
