@@ -30,7 +30,16 @@ endif()
 # The fonts and the screen of every test and of the gallery.
 set(QUILLON_TEST_SCREEN "${PROJECT_SOURCE_DIR}/tests/support/screen.json")
 set(QUILLON_TEST_FONTS "${PROJECT_BINARY_DIR}/tests/fonts.conf")
+set(QUILLON_TEST_FONT_FILES "${PROJECT_BINARY_DIR}/tests/fonts")
 configure_file("${PROJECT_SOURCE_DIR}/tests/support/fonts.conf.in" "${QUILLON_TEST_FONTS}" @ONLY)
+# These files and no neighbour of theirs: Qt 6.8 also takes what fontconfig is told to reject.
+file(GLOB font_files /usr/share/fonts/truetype/roboto/unhinted/RobotoTTF/*.ttf
+    /usr/share/fonts/opentype/noto/NotoSansCJK-Bold.ttc /usr/share/fonts/opentype/noto/NotoSansCJK-Regular.ttc)
+file(MAKE_DIRECTORY "${QUILLON_TEST_FONT_FILES}")
+foreach(file IN LISTS font_files)
+    get_filename_component(name "${file}" NAME)
+    file(CREATE_LINK "${file}" "${QUILLON_TEST_FONT_FILES}/${name}" SYMBOLIC)
+endforeach()
 
 # The address sanitizer has to be loaded before every other library, or it finds no leak.
 function(quillon_preload result library)
