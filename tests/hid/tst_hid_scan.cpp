@@ -186,8 +186,9 @@ void TestHidScan::listHoldsTheFamilyOnly()
     for (const int productId : std::as_const(family))
         paths.append(bus().plug(productId, int(paths.size())));
 
-    recorder().clear();
-    QTRY_VERIFY_WITH_TIMEOUT(recorder().lists().size() >= 2, kPatienceMs);
+    // A scan that began before the last of them was plugged in may still be announced.
+    waitForQuietBus();
+    QTRY_VERIFY_WITH_TIMEOUT(!recorder().lists().isEmpty(), kPatienceMs);
     QCOMPARE(recorder().lists().last(), paths);
     QCOMPARE(recorder().productIds().last(), family);
 
