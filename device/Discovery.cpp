@@ -68,17 +68,17 @@ void FirmwareUpgradeWidget::initHIDCommunicator()
             &FirmwareUpgradeWidget::onHidConnetChanged, Qt::QueuedConnection);
 }
 
-/// Judges the devices that are present right now. False: the panel was deleted meanwhile.
-bool FirmwareUpgradeWidget::rescan()
+/// Judges the devices that are present right now. Whoever hears of what is found may delete the panel.
+FirmwareUpgradeWidget::PanelIs FirmwareUpgradeWidget::rescan()
 {
     if (!m_hidManager)
-        return true;
+        return PanelIs::Alive;
     QStringList paths;
     QList<int> productIds;
     m_hidManager->getOrvikHIDListPath(paths, productIds);
     const QPointer<FirmwareUpgradeWidget> alive(this);
     ConnectingR2(paths, productIds);
-    return alive;
+    return alive ? PanelIs::Alive : PanelIs::Gone;
 }
 
 /// Asks whether the device runs its normal firmware; a "no upgrade mode" answer leads on to the versions.

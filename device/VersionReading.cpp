@@ -116,44 +116,53 @@ void FirmwareUpgradeWidget::handle_Continue_RD(QByteArray receiveData)
     for (const VersionChannel &channel : channels) {
         if (channel.address != reply->start)
             continue;
-        if (reply->version.isEmpty() || !takeDeviceVersion(channel, reply->version))
+        if (reply->version.isEmpty() || isTooEarly(channel, reply->version)
+            || takeDeviceVersion(channel, reply->version) == PanelIs::Gone)
             return;
     }
     takeFreshVersions(silent);
 }
 
-/// Stores what the device reported and asks the server for the newest version. False: the reply is dropped,
-/// or the panel was deleted meanwhile.
-bool FirmwareUpgradeWidget::takeDeviceVersion(const VersionChannel &channel, const QString &version)
+/// Whether the device still restarts after an upgrade, so that its answer is not to be looked at. Counts such
+/// answers: so many are believed in the end.
+bool FirmwareUpgradeWidget::isTooEarly(const VersionChannel &channel, const QString &version)
 {
     if (version == kNotReadyVersion && m_postUpgradeWaiting) {
         logLine() << channel.notReadyLog << ++m_zeroVersionCount;
         if (m_zeroVersionCount < kNotReadyLimit) {
             logLine() << "[handle_Continue_RD] 暂时忽略 0.0.0，等待设备准备好";
-            return false;
+            return true;
         }
         logLine() << "[handle_Continue_RD] 连续5次收到 0.0.0，判定为设备变砖，接受此版本号";
         m_zeroVersionCount = 0;
     } else if (version != kNotReadyVersion) {
         m_zeroVersionCount = 0;
     }
-    this->*channel.deviceVersion = version;
-    logLine() << channel.deviceLog << version;
-    if (!queryServer((this->*channel.url)(), channel.remoteVersion))
-        return false;
-    logLine() << channel.remoteLog << this->*channel.remoteVersion;
-    return true;
+    return false;
 }
 
-/// Blocks until the server has answered, at most about 2 s. False: the panel was deleted meanwhile.
-bool FirmwareUpgradeWidget::queryServer(const QString &url, QString FirmwareUpgradeWidget::*remoteVersion)
+/// Stores what the device reported and asks the server for the newest version, at most about 2 s.
+FirmwareUpgradeWidget::PanelIs FirmwareUpgradeWidget::takeDeviceVersion(const VersionChannel &channel,
+                                                                        const QString &version)
+{
+    this->*channel.deviceVersion = version;
+    logLine() << channel.deviceLog << version;
+    if (queryServer((this->*channel.url)(), channel.remoteVersion) == PanelIs::Gone)
+        return PanelIs::Gone;
+    logLine() << channel.remoteLog << this->*channel.remoteVersion;
+    return PanelIs::Alive;
+}
+
+/// Blocks until the server has answered, at most about 2 s.
+FirmwareUpgradeWidget::PanelIs
+FirmwareUpgradeWidget::queryServer(const QString &url, QString FirmwareUpgradeWidget::*remoteVersion)
 {
     const QPointer<FirmwareUpgradeWidget> alive(this);
     const QString version = networking_class::getInstance()->getVersion(url);
     if (!alive)
-        return false;
+        return PanelIs::Gone;
     this->*remoteVersion = version;
-    return true;
+    return PanelIs::Alive;
 }
 
 } // namespace QuillonFirmwareUpgrade

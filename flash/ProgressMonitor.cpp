@@ -103,7 +103,7 @@ void FirmwareUpgradeWidget::takeResult(int status)
         const bool pcHalfDone = m_upgradePlan == UpgradePlan::Both && !pcUpgradeCompleted;
         if (!pcHalfDone)
             completeUpgrade();
-        else if (!handOverToOtg())
+        else if (handOverToOtg() == PanelIs::Gone)
             return;
     }
     // What a tool has started may still have the new firmware to start.

@@ -103,6 +103,9 @@ private Q_SLOTS:
 
 private:
     enum class Port { Pc, Otg };
+    /// Whether the panel outlived a call in which others could delete it: their slots, or an event loop, ran
+    /// there. Once it is Gone no member may be touched. Only a function's last step may ignore it.
+    enum class [[nodiscard]] PanelIs{Alive, Gone};
     struct Scan;
 
     // ---- Lifecycle: panel/Lifecycle.cpp ----
@@ -118,18 +121,18 @@ private:
     // ---- Versions and plan: panel/Plan.cpp ----
     int compareVersion(const QString &a, const QString &b) const;
     UpgradePlan decideUpgradePlan();
-    bool storeFreshPlan();
+    PanelIs storeFreshPlan();
     bool isTooOldForPanel() const;
     bool isUpgradePlanned() const;
     bool isOtgPhase() const;
     void takeFreshVersions(bool silent);
-    bool refreshPlanAndScreen();
+    PanelIs refreshPlanAndScreen();
     void logPlan() const;
 
     // ---- Download and sequence: panel/Sequence.cpp ----
     void onUpgradeClicked();
     void startDownloadAndUpgrade();
-    bool fetchRemoteVersions();
+    PanelIs fetchRemoteVersions();
     void prepareDownloads();
     void startPhaseOfPlan();
     void startPcPhase();
@@ -139,7 +142,7 @@ private:
     void scheduleOtgFlashing();
     void startOtgFlashingIfStillWanted();
     void startOtgFlashingAtOnce();
-    bool handOverToOtg();
+    PanelIs handOverToOtg();
     void completeUpgrade();
 
     // ---- Recovery and refresh: panel/Recovery.cpp ----
@@ -162,7 +165,7 @@ private:
 
     // ---- Discovery: device/Discovery.cpp ----
     void initHIDCommunicator();
-    bool rescan();
+    PanelIs rescan();
     void queryDeviceMode();
     void classify(const QString &path, Scan &scan);
     void connectToDevice(const QString &path);
@@ -174,8 +177,9 @@ private:
     void handle_Randow_WR(QByteArray receiveData);
     void answerDeviceMode(bool upgradeMode);
     struct VersionChannel;
-    bool takeDeviceVersion(const VersionChannel &channel, const QString &version);
-    bool queryServer(const QString &url, QString FirmwareUpgradeWidget::*remoteVersion);
+    bool isTooEarly(const VersionChannel &channel, const QString &version);
+    PanelIs takeDeviceVersion(const VersionChannel &channel, const QString &version);
+    PanelIs queryServer(const QString &url, QString FirmwareUpgradeWidget::*remoteVersion);
 
     // ---- Flashing tool: flash/FlashingTool.cpp ----
     void startUpgradeWithExternalTool(const QString &binPath, int pid);
@@ -232,7 +236,7 @@ private:
     void showUpToDateScreen();
     void placeOfflineToolLine();
     void showServerVersion();
-    bool fetchReleaseNotes();
+    PanelIs fetchReleaseNotes();
     void showReleaseNotes();
     void showRetryOffer();
     bool isRetryScreen() const;

@@ -9,6 +9,8 @@
 
 #include <QPointer>
 
+#include <tuple>
+
 namespace QuillonFirmwareUpgrade {
 
 int FirmwareUpgradeWidget::compareVersion(const QString &a, const QString &b) const
@@ -25,15 +27,15 @@ UpgradePlan FirmwareUpgradeWidget::decideUpgradePlan()
     return plan;
 }
 
-/// False: a receiver of the announcement has deleted the panel.
-bool FirmwareUpgradeWidget::storeFreshPlan()
+/// A receiver of the announcement may delete the panel.
+FirmwareUpgradeWidget::PanelIs FirmwareUpgradeWidget::storeFreshPlan()
 {
     const QPointer<FirmwareUpgradeWidget> alive(this);
     const UpgradePlan plan = decideUpgradePlan();
     if (!alive)
-        return false;
+        return PanelIs::Gone;
     m_upgradePlan = plan;
-    return true;
+    return PanelIs::Alive;
 }
 
 bool FirmwareUpgradeWidget::isTooOldForPanel() const
@@ -67,13 +69,13 @@ void FirmwareUpgradeWidget::takeFreshVersions(bool silent)
                   << " PC:" << m_devicePcVersion << " OTG:" << m_deviceOtgVersion;
         m_postUpgradeWaiting = false;
         m_zeroVersionCount = 0;
-        storeFreshPlan();
+        std::ignore = storeFreshPlan();
     } else if (m_isUpgrading) {
         logLine() << "[Upgrade] 升级进行中，保持当前升级计划: " << VersionRules::planLogName(m_upgradePlan)
                   << " PC版本:" << m_devicePcVersion << " OTG版本:" << m_deviceOtgVersion;
     } else if (silent) {
-        storeFreshPlan();
-    } else if (refreshPlanAndScreen()) {
+        std::ignore = storeFreshPlan();
+    } else if (refreshPlanAndScreen() == PanelIs::Alive) {
         logPlan();
     }
 }
@@ -97,14 +99,13 @@ void FirmwareUpgradeWidget::logPlan() const
     }
 }
 
-/// False: the panel was deleted meanwhile.
-bool FirmwareUpgradeWidget::refreshPlanAndScreen()
+FirmwareUpgradeWidget::PanelIs FirmwareUpgradeWidget::refreshPlanAndScreen()
 {
-    if (!storeFreshPlan())
-        return false;
+    if (storeFreshPlan() == PanelIs::Gone)
+        return PanelIs::Gone;
     const QPointer<FirmwareUpgradeWidget> alive(this);
     updateUIByUpgradeState();
-    return alive;
+    return alive ? PanelIs::Alive : PanelIs::Gone;
 }
 
 } // namespace QuillonFirmwareUpgrade

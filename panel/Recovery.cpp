@@ -13,6 +13,8 @@
 #include <QLabel>
 #include <QPointer>
 
+#include <tuple>
+
 using namespace std::chrono_literals;
 
 namespace QuillonFirmwareUpgrade {
@@ -29,7 +31,7 @@ void FirmwareUpgradeWidget::startAutoRecoverUpgrade()
     logLine() << "[AutoRecover] start auto recover upgrade flow.";
     m_upgradePlan = UpgradePlan::Both;
     if (m_remotePcVersion.isEmpty()) {
-        if (!queryServer(pcVersionUrl(), &FirmwareUpgradeWidget::m_remotePcVersion))
+        if (queryServer(pcVersionUrl(), &FirmwareUpgradeWidget::m_remotePcVersion) == PanelIs::Gone)
             return;
         logLine() << "[AutoRecover] fetch remote PC firmware version:" << m_remotePcVersion;
     }
@@ -53,7 +55,7 @@ void FirmwareUpgradeWidget::requestVersionRefreshWithRetry(int retriesLeft)
 {
     if (retriesLeft < 1) {
         logLine() << "[Refresh] version refresh retries exhausted";
-        refreshPlanAndScreen();
+        std::ignore = refreshPlanAndScreen();
         return;
     }
     if (!m_hidManager)
@@ -67,7 +69,7 @@ void FirmwareUpgradeWidget::judgeVersionRefresh(int retriesLeft)
     if (VersionRules::isUpToDate(m_devicePcVersion, m_remotePcVersion)
         && VersionRules::isUpToDate(m_deviceOtgVersion, m_remoteOtgVersion)) {
         logLine() << "[Refresh] versions are up-to-date, refresh UI";
-        refreshPlanAndScreen();
+        std::ignore = refreshPlanAndScreen();
         return;
     }
     logLine() << "[Refresh] not ready yet, retry left:" << retriesLeft - 1 << "pc=" << m_devicePcVersion

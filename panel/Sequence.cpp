@@ -19,6 +19,8 @@
 #include <QMovie>
 #include <QPointer>
 
+#include <tuple>
+
 using namespace std::chrono_literals;
 
 namespace QuillonFirmwareUpgrade {
@@ -73,7 +75,7 @@ void FirmwareUpgradeWidget::startDownloadAndUpgrade()
     m_isUpgrading = true;
     m_pcFirmwareDownloaded = m_otgFirmwareDownloaded = pcUpgradeCompleted = false;
     m_downloadRetryCount = 0;
-    if (!fetchRemoteVersions())
+    if (fetchRemoteVersions() == PanelIs::Gone)
         return;
     prepareDownloads();
     connect(networking_class::getInstance(), &networking_class::network_finish_download, this,
@@ -81,18 +83,18 @@ void FirmwareUpgradeWidget::startDownloadAndUpgrade()
     networking_class::getInstance()->downloadFile(QUrl(m_pcDownloadUrl), m_pcFirmwarePath);
 }
 
-/// False: the panel was deleted while it waited for the server.
-bool FirmwareUpgradeWidget::fetchRemoteVersions()
+/// Blocks for at most two server queries.
+FirmwareUpgradeWidget::PanelIs FirmwareUpgradeWidget::fetchRemoteVersions()
 {
     if (!m_remotePcVersion.isEmpty() && !m_remoteOtgVersion.isEmpty())
-        return true;
-    if (!queryServer(pcVersionUrl(), &FirmwareUpgradeWidget::m_remotePcVersion))
-        return false;
+        return PanelIs::Alive;
+    if (queryServer(pcVersionUrl(), &FirmwareUpgradeWidget::m_remotePcVersion) == PanelIs::Gone)
+        return PanelIs::Gone;
     logLine() << "[Upgrade] fetch remote PC firmware version:" << m_remotePcVersion;
-    if (!queryServer(otgVersionUrl(), &FirmwareUpgradeWidget::m_remoteOtgVersion))
-        return false;
+    if (queryServer(otgVersionUrl(), &FirmwareUpgradeWidget::m_remoteOtgVersion) == PanelIs::Gone)
+        return PanelIs::Gone;
     logLine() << "[Upgrade] fetch remote OTG firmware version:" << m_remoteOtgVersion;
-    return true;
+    return PanelIs::Alive;
 }
 
 void FirmwareUpgradeWidget::prepareDownloads()
@@ -169,7 +171,7 @@ void FirmwareUpgradeWidget::startOtgPhase()
     connect(
         this, &FirmwareUpgradeWidget::r2otgConnected, this, [this] { startOtgFlashingAtOnce(); },
         kOnceQueued);
-    rescan();
+    std::ignore = rescan();
 }
 
 void FirmwareUpgradeWidget::startBothPhases()
@@ -180,14 +182,14 @@ void FirmwareUpgradeWidget::startBothPhases()
         this, &FirmwareUpgradeWidget::r2otgConnected, this, [this] { scheduleOtgFlashing(); }, kOnceQueued);
     showWaitingScreen(Port::Pc);
     runAfter(kPcFlashDelay, this, [this] { startPcFlashing(); });
-    rescan();
+    std::ignore = rescan();
 }
 
 void FirmwareUpgradeWidget::startPcFlashing()
 {
     hideConnectionHint();
     showCardAndNotes(true);
-    if (rescan())
+    if (rescan() == PanelIs::Alive)
         startUpgradeWithExternalTool(m_pcFirmwarePath, resolvePcTargetPid());
 }
 
@@ -217,8 +219,8 @@ void FirmwareUpgradeWidget::startOtgFlashingAtOnce()
 }
 
 /// The PC half of a run over both chips is flashed; discovery takes over until the OTG interface is there.
-/// False: a receiver of the announcement that it is there already has deleted the panel.
-bool FirmwareUpgradeWidget::handOverToOtg()
+/// It may be there already, and a receiver of that announcement may delete the panel.
+FirmwareUpgradeWidget::PanelIs FirmwareUpgradeWidget::handOverToOtg()
 {
     pcUpgradeCompleted = true;
     logLine() << "PC upgrade completed, waiting for OTG device...";
@@ -248,7 +250,7 @@ void FirmwareUpgradeWidget::completeUpgrade()
     showAll({m_doneIconLb, m_doneLb});
     upgradeProgDisPlay->hide();
     runAfter(kReadBackDelay, this, [this] {
-        if (m_hidManager && rescan())
+        if (m_hidManager && rescan() == PanelIs::Alive)
             queryDeviceMode();
     });
 }

@@ -61,7 +61,7 @@ void FirmwareUpgradeWidget::showTooOldScreen()
     m_offlineToolLinkLb->adjustSize();
     placeOfflineToolLine();
     showServerVersion();
-    if (!fetchReleaseNotes())
+    if (fetchReleaseNotes() == PanelIs::Gone)
         return;
     showReleaseNotes();
     logLine() << "[VersionCheck] firmware too old, upgrade blocked. PC:" << m_devicePcVersion
@@ -86,7 +86,7 @@ void FirmwareUpgradeWidget::showUpgradeAvailableScreen()
     m_noNewFirmwareLb->hide();
     showAll({m_newVerTitleLb, m_newVerDotLb, m_newVerLb});
     showServerVersion();
-    if (!fetchReleaseNotes())
+    if (fetchReleaseNotes() == PanelIs::Gone)
         return;
     logLine() << "######22222 isChinese is: " << isChinese << " current notes is: " << currentReleaseNotes();
     showReleaseNotes();
@@ -126,14 +126,13 @@ void FirmwareUpgradeWidget::showServerVersion()
         m_newVerLb->setText(versionText(m_remotePcVersion));
 }
 
-/// Has the update client fetch the notes of the newest PC firmware; blocks for at most about 2 s. False: the
-/// panel was deleted meanwhile.
-bool FirmwareUpgradeWidget::fetchReleaseNotes()
+/// Has the update client fetch the notes of the newest PC firmware; blocks for at most about 2 s.
+FirmwareUpgradeWidget::PanelIs FirmwareUpgradeWidget::fetchReleaseNotes()
 {
     m_notesEdit->show();
     const QPointer<FirmwareUpgradeWidget> alive(this);
     networking_class::getInstance()->getVersion(pcVersionUrl());
-    return alive;
+    return alive ? PanelIs::Alive : PanelIs::Gone;
 }
 
 void FirmwareUpgradeWidget::showReleaseNotes()

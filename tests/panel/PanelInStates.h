@@ -172,7 +172,7 @@ inline void PanelInStates::flashesThePcChip()
 inline void PanelInStates::waitsForTheOtgChip()
 {
     waitsBeforeThePcChip();
-    panel->handOverToOtg();
+    QVERIFY(panel->handOverToOtg() == FirmwareUpgradeWidget::PanelIs::Alive);
 }
 
 inline void PanelInStates::waitsBeforeTheOtgChip()
