@@ -1,4 +1,4 @@
-# Installs the libraries, the public header and the package files for find_package(QuillonFirmwareUpgrade).
+# Installs the libraries, the public headers and the package files for find_package(QuillonFirmwareUpgrade).
 include(CMakePackageConfigHelpers)
 
 set(package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/QuillonFirmwareUpgrade")
@@ -11,8 +11,7 @@ install(TARGETS QuillonFirmwareUpgrade EXPORT QuillonFirmwareUpgradeTargets
 if(UNIX AND NOT APPLE)
     set_target_properties(QuillonFirmwareUpgrade PROPERTIES INSTALL_RPATH "$ORIGIN")
 endif()
-install(FILES "${PROJECT_SOURCE_DIR}/panel/FirmwareUpgradeWidget.h"
-    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/QuillonFirmwareUpgrade" COMPONENT development)
+quillon_install_public_headers(development)
 install(EXPORT QuillonFirmwareUpgradeTargets
     NAMESPACE QuillonFirmwareUpgrade:: DESTINATION "${package_folder}" COMPONENT development)
 

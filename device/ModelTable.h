@@ -1,16 +1,18 @@
 #pragma once
 
-#include "panel/FirmwareUpgradeWidget.h"
+#include "device/DeviceModel.h"
 
 #include <QLatin1String>
+#include <QList>
 
 namespace QuillonFirmwareUpgrade {
 
 /// USB vendor ID of the whole device family.
 constexpr int kVendorId = 0x352F;
 
-/// Everything outside the screens that differs between the device models.
-struct ModelIdentifiers {
+/// Everything that differs between the device models.
+struct ModelRow {
+    DeviceModel model;
     QLatin1String code; ///< as it appears in file names and log lines
     int pcNormalPid;
     int pcDfuPid; ///< the boot loader of the PC chip
@@ -22,7 +24,10 @@ struct ModelIdentifiers {
     QLatin1String otgImagePath;
 };
 
-/// The row of \a model; any model other than R1 gets the row of R2.
-const ModelIdentifiers &identifiersOf(DeviceModel model);
+/// All models there are.
+const QList<ModelRow> &modelRows();
+
+/// The row of \a model; a value that is no model gets the row of R2.
+const ModelRow &rowOf(DeviceModel model);
 
 } // namespace QuillonFirmwareUpgrade

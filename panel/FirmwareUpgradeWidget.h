@@ -1,5 +1,7 @@
 #pragma once
 
+#include "device/DeviceModel.h"
+
 #include <QDateTime>
 #include <QList>
 #include <QPoint>
@@ -26,9 +28,6 @@ class OrvikHIDManager;
 #endif
 
 namespace QuillonFirmwareUpgrade {
-
-/// The device models that a panel can serve. A value outside the two is served as R2.
-enum class DeviceModel : int { R1 = 0, R2 = 1 };
 
 /// Which firmware of the device has to be replaced.
 enum class UpgradePlan : int { None = 0, PcOnly = 1, OtgOnly = 2, Both = 3 };
@@ -106,7 +105,6 @@ private:
     /// Whether the panel outlived a call in which others could delete it: their slots, or an event loop, ran
     /// there. Once it is Gone no member may be touched. Only a function's last step may ignore it.
     enum class [[nodiscard]] PanelIs{Alive, Gone};
-    struct Scan;
 
     // ---- Lifecycle: panel/Lifecycle.cpp ----
     void removeStaleProgressFile();
@@ -149,7 +147,7 @@ private:
     void requestVersionRefreshWithRetry(int retriesLeft);
     void judgeVersionRefresh(int retriesLeft);
 
-    // ---- Models: device/Models.cpp ----
+    // ---- Models: device/panel/Models.cpp ----
     int pcNormalPid() const;
     int pcDfuPid() const;
     int otgNormalPid() const;
@@ -163,15 +161,14 @@ private:
     QString otgFirmwareDownloadUrl() const;
     QString firmwareFilePrefix() const;
 
-    // ---- Discovery: device/Discovery.cpp ----
+    // ---- Discovery: device/panel/Discovery.cpp ----
     void initHIDCommunicator();
     PanelIs rescan();
     void queryDeviceMode();
-    void classify(const QString &path, Scan &scan);
     void connectToDevice(const QString &path);
     void recoverBrickedDevice();
 
-    // ---- Version reading: device/VersionReading.cpp ----
+    // ---- Version reading: device/panel/VersionReading.cpp ----
     void handle_Continue_RD(QByteArray receiveData);
     void handle_Randow_RD(QByteArray receiveData);
     void handle_Randow_WR(QByteArray receiveData);
@@ -181,7 +178,7 @@ private:
     PanelIs takeDeviceVersion(const VersionChannel &channel, const QString &version);
     PanelIs queryServer(const QString &url, QString FirmwareUpgradeWidget::*remoteVersion);
 
-    // ---- Flashing tool: flash/FlashingTool.cpp ----
+    // ---- Flashing tool: flash/panel/FlashingTool.cpp ----
     void startUpgradeWithExternalTool(const QString &binPath, int pid);
     QStringList buildDfuArgs(const QString &binPath, int pid) const;
     bool startTool(const QString &binPath, int pid);
@@ -189,7 +186,7 @@ private:
     enum class ToolHelpers { End, Stay };
     void killTool(ToolHelpers helpers = ToolHelpers::End);
 
-    // ---- Progress of the tool: flash/ProgressMonitor.cpp ----
+    // ---- Progress of the tool: flash/panel/ProgressMonitor.cpp ----
     QString firmwareTxtPath() const;
     bool isToolRunning() const;
     void takeLine(const QString &line);

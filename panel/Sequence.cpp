@@ -4,12 +4,12 @@
 // m_postUpgradeWaiting. Called by the bar's click, by the recovery, by the end of each download and by the
 // progress monitor.
 
+#include "flash/ProgressScale.h"
 #include "net/networking_class.h"
 #include "panel/Colours.h"
 #include "panel/Delays.h"
 #include "panel/FirmwareUpgradeWidget.h"
 #include "panel/Log.h"
-#include "panel/ProgressScale.h"
 #include "panel/Visibility.h"
 
 #include <QDir>

@@ -3,6 +3,7 @@
 // m_isUpgrading; the waiting screen sets m_isWaitingForUSB. Called by version reading, the sequence, the
 // recovery, the flashing tool and its monitor.
 
+#include "flash/StallRule.h"
 #include "net/networking_class.h"
 #include "panel/Colours.h"
 #include "panel/FirmwareUpgradeWidget.h"
@@ -264,7 +265,7 @@ void FirmwareUpgradeWidget::showProgress(int percent)
 
 void FirmwareUpgradeWidget::resetStallDetector()
 {
-    m_lastProgressPercent = -1;
+    m_lastProgressPercent = StallRule::kNothingYet;
     m_lastProgressTime = QDateTime();
 }
 

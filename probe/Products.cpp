@@ -4,14 +4,11 @@
 
 namespace probe {
 
-using QuillonFirmwareUpgrade::DeviceModel;
-using QuillonFirmwareUpgrade::identifiersOf;
-using QuillonFirmwareUpgrade::ModelIdentifiers;
+using QuillonFirmwareUpgrade::ModelRow;
 
 Product productOf(int productId)
 {
-    for (const DeviceModel model : {DeviceModel::R1, DeviceModel::R2}) {
-        const ModelIdentifiers &ids = identifiersOf(model);
+    for (const ModelRow &ids : QuillonFirmwareUpgrade::modelRows()) {
         const QString name(ids.code);
         if (productId == ids.pcNormalPid)
             return {name, QStringLiteral("PC interface"), true};

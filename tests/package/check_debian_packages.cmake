@@ -12,7 +12,7 @@ set(owed_by_runtime
     bin/quillon-host bin/quillon-probe lib/libQuillonFirmwareUpgrade.so.1 lib/libHIDCommunicator.so.1
     lib/udev/rules.d/70-quillon.rules share/doc/quillon-firmware-upgrade/probe.md share/quillon/scenarios/demo.scn)
 set(owed_by_development
-    include/QuillonFirmwareUpgrade/FirmwareUpgradeWidget.h
+    include/QuillonFirmwareUpgrade/FirmwareUpgradeWidget.h include/QuillonFirmwareUpgrade/device/DeviceModel.h
     lib/libQuillonFirmwareUpgrade.so lib/cmake/QuillonFirmwareUpgrade/QuillonFirmwareUpgradeConfig.cmake)
 set(fields_of_runtime
     "Package: quillon-firmware-upgrade\n" "Depends: [^\n]*libqt6widgets6 [^\n]*" "Depends: [^\n]*libhidapi-hidraw0 [^\n]*"

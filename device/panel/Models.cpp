@@ -1,3 +1,4 @@
+// Members of the panel (panel/FirmwareUpgradeWidget.h).
 // What depends on the model that the panel serves: product IDs, server addresses, the prefix of image files.
 // The rest of the panel asks these functions and holds no such number of its own. Reads m_deviceModel and,
 // for the product ID that the flashing tool is to find, what discovery last saw.
@@ -10,22 +11,22 @@ namespace QuillonFirmwareUpgrade {
 
 int FirmwareUpgradeWidget::pcNormalPid() const
 {
-    return identifiersOf(m_deviceModel).pcNormalPid;
+    return rowOf(m_deviceModel).pcNormalPid;
 }
 
 int FirmwareUpgradeWidget::pcDfuPid() const
 {
-    return identifiersOf(m_deviceModel).pcDfuPid;
+    return rowOf(m_deviceModel).pcDfuPid;
 }
 
 int FirmwareUpgradeWidget::otgNormalPid() const
 {
-    return identifiersOf(m_deviceModel).otgNormalPid;
+    return rowOf(m_deviceModel).otgNormalPid;
 }
 
 int FirmwareUpgradeWidget::otgDfuPid() const
 {
-    return identifiersOf(m_deviceModel).otgDfuPid;
+    return rowOf(m_deviceModel).otgDfuPid;
 }
 
 bool FirmwareUpgradeWidget::isDfuPid(int pid) const
@@ -47,27 +48,27 @@ int FirmwareUpgradeWidget::resolveOtgTargetPid() const
 
 QString FirmwareUpgradeWidget::pcVersionUrl() const
 {
-    return updateServerAddress() + identifiersOf(m_deviceModel).pcVersionPath;
+    return updateServerAddress() + rowOf(m_deviceModel).pcVersionPath;
 }
 
 QString FirmwareUpgradeWidget::otgVersionUrl() const
 {
-    return updateServerAddress() + identifiersOf(m_deviceModel).otgVersionPath;
+    return updateServerAddress() + rowOf(m_deviceModel).otgVersionPath;
 }
 
 QString FirmwareUpgradeWidget::pcFirmwareDownloadUrl() const
 {
-    return updateServerAddress() + identifiersOf(m_deviceModel).pcImagePath;
+    return updateServerAddress() + rowOf(m_deviceModel).pcImagePath;
 }
 
 QString FirmwareUpgradeWidget::otgFirmwareDownloadUrl() const
 {
-    return updateServerAddress() + identifiersOf(m_deviceModel).otgImagePath;
+    return updateServerAddress() + rowOf(m_deviceModel).otgImagePath;
 }
 
 QString FirmwareUpgradeWidget::firmwareFilePrefix() const
 {
-    return identifiersOf(m_deviceModel).code;
+    return rowOf(m_deviceModel).code;
 }
 
 } // namespace QuillonFirmwareUpgrade

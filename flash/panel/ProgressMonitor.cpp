@@ -1,26 +1,22 @@
+// Members of the panel (panel/FirmwareUpgradeWidget.h).
 // Follows the flashing tool through its progress file, ten times a second, to the verdict of the run. Sets
 // m_lastProgressPercent and m_lastProgressTime, the memory of the stall detector, counts m_heldPolls, and
 // clears m_isWaitingForUSB when the OTG chip is being written. Called by m_progressTimer, which runs from the
 // start of the tool to the verdict.
 
 #include "flash/ProgressFile.h"
+#include "flash/ProgressScale.h"
+#include "flash/StallRule.h"
 #include "panel/Colours.h"
 #include "panel/FirmwareUpgradeWidget.h"
 #include "panel/Log.h"
-#include "panel/ProgressScale.h"
 
 #include <QLabel>
 #include <QTimer>
 
-#include <chrono>
-
-using namespace std::chrono_literals;
-
 namespace QuillonFirmwareUpgrade {
 
 namespace {
-/// A percentage that stands for this long means that the tool hangs.
-constexpr auto kStallLimit = 3s;
 /// The waiting screen stays up until the OTG chip demonstrably takes its image.
 constexpr int kOtgProgressShownFrom = 3;
 const QString kAllWrittenLine = QStringLiteral("100%");
@@ -115,26 +111,27 @@ void FirmwareUpgradeWidget::takePercentage(int percent)
     if (isStalled(percent))
         return endStalledRun(percent);
 
-    int displayed = percent;
-    if (m_upgradePlan == UpgradePlan::Both)
-        displayed = percent / 2 + (pcUpgradeCompleted ? ProgressScale::kPcHalfDone : 0);
+    using ProgressScale::Part;
+    const Part half = pcUpgradeCompleted ? Part::OtgHalf : Part::PcHalf;
+    const int displayed
+        = ProgressScale::shown(percent, m_upgradePlan == UpgradePlan::Both ? half : Part::WholeRun);
     logLine() << "[onReadFirmwareTxt] percent=" << percent << " displayPercent=" << displayed
               << " progressColor=red?" << isWaitingForOtg() << " pcUpgradeCompleted=" << pcUpgradeCompleted;
     switchToOtgProgress(percent);
     showProgress(displayed);
 }
 
-/// Records \a percent when it is news. A 0 % never arms the detector: a tool may take long to begin.
+/// Records \a percent when it is news.
 bool FirmwareUpgradeWidget::isStalled(int percent)
 {
     const QDateTime now = QDateTime::currentDateTime();
-    const bool isFirst = m_lastProgressPercent == -1;
-    if (isFirst ? percent >= 1 : percent != m_lastProgressPercent) {
+    const StallRule::Verdict verdict
+        = StallRule::judge({m_lastProgressPercent, m_lastProgressTime}, percent, now);
+    if (verdict == StallRule::Verdict::News) {
         m_lastProgressPercent = percent;
         m_lastProgressTime = now;
-        return false;
     }
-    return !isFirst && m_lastProgressTime.isValid() && m_lastProgressTime.secsTo(now) >= kStallLimit.count();
+    return verdict == StallRule::Verdict::Stalled;
 }
 
 void FirmwareUpgradeWidget::endStalledRun(int percent)

@@ -1,8 +1,10 @@
+// Members of the panel (panel/FirmwareUpgradeWidget.h).
 // Finds the device on the HID bus. Every list of paths, whether the HID library announced it or the panel
 // asked for it, is judged by ConnectingR2, which opens the device, starts a recovery or announces the OTG
-// interface. Sets lastDetectedPcPid and lastDetectedOtgPid, and m_isUpgrading with m_autoRecoverRunning when
+// found. Sets lastDetectedPcPid and lastDetectedOtgPid, and m_isUpgrading with m_autoRecoverRunning when
 // a recovery starts.
 
+#include "device/BusScan.h"
 #include "device/ControlMessages.h"
 #include "device/ModelTable.h"
 #include "panel/FirmwareUpgradeWidget.h"
@@ -15,43 +17,33 @@
 namespace QuillonFirmwareUpgrade {
 
 namespace {
-/// The product ID digits that follow "pid_" in a device path; null when the path has none.
-QString productIdText(const QString &lowerCasePath)
+/// The log names one model's code for both models.
+void logInterface(const BusInterface &found)
 {
-    static const QString marker = QStringLiteral("pid_");
-    const qsizetype at = lowerCasePath.indexOf(marker);
-    return at < 0 ? QString() : lowerCasePath.mid(at + marker.size(), 4);
-}
-
-struct ModelSwitch {
-    DeviceModel model;
-    const char *logText;
-};
-// A boot loader tells its model beyond doubt, whatever model the host has chosen.
-constexpr ModelSwitch kBootLoaderModels[] = {
-    {DeviceModel::R1, "[ConnectingR2] 检测到R1 DFU PID，自动切换 model 为 R1"},
-    {DeviceModel::R2, "[ConnectingR2] 检测到R2 DFU PID，自动切换 model 为 R2"},
-};
-
-const ModelSwitch *bootLoaderModel(int pid)
-{
-    for (const ModelSwitch &row : kBootLoaderModels) {
-        if (pid == identifiersOf(row.model).pcDfuPid)
-            return &row;
+    using Kind = BusInterface::Kind;
+    logLine() << "2pid is: " << found.productIdText;
+    switch (found.kind) {
+    case Kind::PcNormal:
+        logLine() << "find R2 device";
+        break;
+    case Kind::PcBootLoader:
+        if (found.newModel) {
+            const QLatin1String code = rowOf(*found.newModel).code;
+            logLine() << "[ConnectingR2] 检测到" << code << " DFU PID，自动切换 model 为 " << code;
+        }
+        logLine() << "find DFU device, pid=" << QString::number(found.productId, 16);
+        break;
+    case Kind::OtgNormal:
+        logLine() << "find R2 OTG device";
+        break;
+    case Kind::OtgBootLoader:
+        logLine() << "find R2 OTG DFU device";
+        break;
+    case Kind::Foreign:
+        break;
     }
-    return nullptr;
 }
 } // namespace
-
-/// What one list of paths showed. The names in the log carry one model's code for both models.
-struct FirmwareUpgradeWidget::Scan {
-    bool foundR2 = false;
-    bool foundR2DFU = false;
-    bool foundR2OTG = false;
-    bool foundR2OTGDFU = false;
-    QString pcPath;
-    int pcPid = 0;
-};
 
 void FirmwareUpgradeWidget::initHIDCommunicator()
 {
@@ -95,13 +87,15 @@ void FirmwareUpgradeWidget::ConnectingR2(const QStringList &devices, const QList
               << " m_autoRecoverRunning=" << m_autoRecoverRunning;
     logLine() << "[FirmwareUpgradeWidget定时器扫描] 发现 " << devices.size() << " 个设备";
 
-    Scan scan;
-    for (const QString &path : devices)
-        classify(path, scan);
-    if (scan.pcPid != 0)
-        lastDetectedPcPid = scan.pcPid;
+    using Kind = BusInterface::Kind;
+    const BusScan scan = scanBus(devices, {m_deviceModel, lastDetectedPcPid, lastDetectedOtgPid});
+    m_deviceModel = scan.known.model;
+    lastDetectedPcPid = scan.known.pcPid;
+    lastDetectedOtgPid = scan.known.otgPid;
+    for (const BusInterface &found : scan.interfaces)
+        logInterface(found);
 
-    const bool otgSeen = scan.foundR2OTG || scan.foundR2OTGDFU;
+    const bool otgSeen = scan.found(Kind::OtgNormal) || scan.found(Kind::OtgBootLoader);
     if (m_isUpgrading && isOtgPhase()) {
         if (!otgSeen) {
             logLine() << "OTG ready phase, but OTG device not found yet";
@@ -112,50 +106,16 @@ void FirmwareUpgradeWidget::ConnectingR2(const QStringList &devices, const QList
         return;
     }
 
-    logLine() << "[ConnectingR2] foundR2=" << scan.foundR2 << " foundR2DFU=" << scan.foundR2DFU
-              << " foundR2OTG=" << scan.foundR2OTG << " foundR2OTGDFU=" << scan.foundR2OTGDFU;
-    if (scan.foundR2)
-        connectToDevice(scan.pcPath);
-    else if (scan.foundR2DFU)
+    logLine() << "[ConnectingR2] foundR2=" << scan.found(Kind::PcNormal)
+              << " foundR2DFU=" << scan.found(Kind::PcBootLoader)
+              << " foundR2OTG=" << scan.found(Kind::OtgNormal)
+              << " foundR2OTGDFU=" << scan.found(Kind::OtgBootLoader);
+    if (scan.found(Kind::PcNormal))
+        connectToDevice(scan.pathOf(Kind::PcNormal));
+    else if (scan.found(Kind::PcBootLoader))
         recoverBrickedDevice();
     else if (otgSeen && m_isUpgrading)
         logLine() << "find r2 otg device, but not ready for OTG upgrade yet";
-}
-
-void FirmwareUpgradeWidget::classify(const QString &path, Scan &scan)
-{
-    const QString digits = productIdText(path.toLower());
-    if (digits.isNull())
-        return;
-    logLine() << "2pid is: " << digits;
-    bool isNumber = false;
-    const int pid = digits.toInt(&isNumber, 16);
-    if (!isNumber)
-        return;
-
-    if (pid == pcNormalPid()) {
-        scan.pcPath = path;
-        scan.foundR2 = true;
-        scan.pcPid = pid;
-        logLine() << "find R2 device";
-    } else if (const ModelSwitch *bootLoader = bootLoaderModel(pid)) {
-        scan.foundR2DFU = true;
-        scan.pcPid = pid;
-        if (m_deviceModel != bootLoader->model) {
-            m_deviceModel = bootLoader->model;
-            logLine() << bootLoader->logText;
-        }
-        logLine() << "find DFU device, pid=" << QString::number(pid, 16);
-    } else if (pid == otgNormalPid()) {
-        scan.foundR2OTG = true;
-        lastDetectedOtgPid = pid;
-        logLine() << "find R2 OTG device";
-    } else if (pid == otgDfuPid()) {
-        scan.foundR2OTGDFU = true;
-        if (lastDetectedOtgPid != otgNormalPid())
-            lastDetectedOtgPid = pid;
-        logLine() << "find R2 OTG DFU device";
-    }
 }
 
 void FirmwareUpgradeWidget::connectToDevice(const QString &path)

@@ -1,12 +1,13 @@
+// Members of the panel (panel/FirmwareUpgradeWidget.h).
 // Starts the external flashing tool for one image and one chip, and ends it when it takes too long. What the
 // run comes to is judged from the tool's progress file alone, never from its exit code. Called by the
 // sequence.
 
 #include "flash/ProgressFile.h"
+#include "flash/ProgressScale.h"
 #include "panel/Colours.h"
 #include "panel/FirmwareUpgradeWidget.h"
 #include "panel/Log.h"
-#include "panel/ProgressScale.h"
 #include "panel/Visibility.h"
 #include "system/ToolProcess.h"
 

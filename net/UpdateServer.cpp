@@ -1,0 +1,11 @@
+#include "net/UpdateServer.h"
+
+QString updateServerAddress()
+{
+    return QStringLiteral(QUILLON_UPDATE_SERVER);
+}
+
+QString offlineToolHost()
+{
+    return QStringLiteral(QUILLON_DOWNLOAD_HOST);
+}
