@@ -20,7 +20,7 @@ QString productIdText(const QString &lowerCasePath)
 const ModelRow *bootLoaderModel(int productId)
 {
     for (const ModelRow &row : modelRows()) {
-        if (productId == row.pcDfuPid)
+        if (productId == row.pc.dfuPid)
             return &row;
     }
     return nullptr;
@@ -30,7 +30,7 @@ const ModelRow *bootLoaderModel(int productId)
 Kind judge(BusInterface &found, KnownDevice &known)
 {
     const int pid = found.productId;
-    if (pid == rowOf(known.model).pcNormalPid) {
+    if (pid == rowOf(known.model).pc.normalPid) {
         known.pcPid = pid;
         return Kind::PcNormal;
     }
@@ -42,13 +42,13 @@ Kind judge(BusInterface &found, KnownDevice &known)
         return Kind::PcBootLoader;
     }
     const ModelRow &model = rowOf(known.model);
-    if (pid == model.otgNormalPid) {
+    if (pid == model.otg.normalPid) {
         known.otgPid = pid;
         return Kind::OtgNormal;
     }
-    if (pid == model.otgDfuPid) {
+    if (pid == model.otg.dfuPid) {
         // An OTG chip that was seen running is flashed under the identity it ran with.
-        if (known.otgPid != model.otgNormalPid)
+        if (known.otgPid != model.otg.normalPid)
             known.otgPid = pid;
         return Kind::OtgBootLoader;
     }

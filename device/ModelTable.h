@@ -5,23 +5,31 @@
 #include <QLatin1String>
 #include <QList>
 
+#include <chrono>
+
 namespace QuillonFirmwareUpgrade {
 
 /// USB vendor ID of the whole device family.
 constexpr int kVendorId = 0x352F;
 
+/// One of the two chips of a model.
+struct ChipRow {
+    int normalPid;
+    int dfuPid; ///< in its boot loader
+    QLatin1String versionPath; ///< on the update server
+    QLatin1String imagePath;
+    QLatin1String movie; ///< which cable goes where; a file of the picture resources
+    const char *hint; ///< the same in words, as the translation catalogue knows them
+    std::chrono::milliseconds
+        flashDelay; ///< for it to settle, and for the user to see which cable goes where
+};
+
 /// Everything that differs between the device models.
 struct ModelRow {
     DeviceModel model;
     QLatin1String code; ///< as it appears in file names and log lines
-    int pcNormalPid;
-    int pcDfuPid; ///< the boot loader of the PC chip
-    int otgNormalPid;
-    int otgDfuPid; ///< the boot loader of the OTG chip; R1 uses the product ID of normal mode
-    QLatin1String pcVersionPath; ///< on the update server
-    QLatin1String otgVersionPath;
-    QLatin1String pcImagePath;
-    QLatin1String otgImagePath;
+    ChipRow pc;
+    ChipRow otg;
 };
 
 /// All models there are.

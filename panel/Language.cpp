@@ -2,6 +2,7 @@
 // which also moves what is longer in English. Sets isChinese. Called by the host, and by Qt when the language
 // has changed.
 
+#include "device/ModelTable.h"
 #include "net/networking_class.h"
 #include "panel/FirmwareUpgradeWidget.h"
 #include "panel/Log.h"
@@ -193,10 +194,8 @@ QString FirmwareUpgradeWidget::detectingText(Port port) const
 
 QString FirmwareUpgradeWidget::connectionHint(Port port) const
 {
-    const bool isR1 = m_deviceModel == DeviceModel::R1;
-    if (port == Port::Otg)
-        return tr(isR1 ? Texts::kConnectOtgR1 : Texts::kConnectOtgR2);
-    return tr(isR1 ? Texts::kConnectPcR1 : Texts::kConnectPcR2);
+    const ModelRow &model = rowOf(m_deviceModel);
+    return tr(port == Port::Otg ? model.otg.hint : model.pc.hint);
 }
 
 } // namespace QuillonFirmwareUpgrade

@@ -4,6 +4,7 @@
 // m_postUpgradeWaiting. Called by the bar's click, by the recovery, by the end of each download and by the
 // progress monitor.
 
+#include "device/ModelTable.h"
 #include "flash/ProgressScale.h"
 #include "net/networking_class.h"
 #include "panel/Colours.h"
@@ -26,12 +27,6 @@ using namespace std::chrono_literals;
 namespace QuillonFirmwareUpgrade {
 
 namespace {
-/// Time for the user to see which cable goes where, and for the device to settle, before the PC chip is
-/// flashed.
-constexpr auto kPcFlashDelay = 6000ms;
-/// The OTG chip of an R1 needs longer after it has appeared on the bus.
-constexpr auto kOtgFlashDelayR1 = 8000ms;
-constexpr auto kOtgFlashDelayR2 = 6000ms;
 /// A device that was just flashed restarts before it can tell its new versions.
 constexpr auto kReadBackDelay = 2400ms;
 
@@ -161,7 +156,7 @@ void FirmwareUpgradeWidget::startPcPhase()
     showWaitingScreen(Port::Pc);
     if (m_progressBar)
         m_progressBar->setValue(0);
-    runAfter(kPcFlashDelay, this, [this] { startPcFlashing(); });
+    runAfter(rowOf(m_deviceModel).pc.flashDelay, this, [this] { startPcFlashing(); });
 }
 
 void FirmwareUpgradeWidget::startOtgPhase()
@@ -181,7 +176,7 @@ void FirmwareUpgradeWidget::startBothPhases()
     connect(
         this, &FirmwareUpgradeWidget::r2otgConnected, this, [this] { scheduleOtgFlashing(); }, kOnceQueued);
     showWaitingScreen(Port::Pc);
-    runAfter(kPcFlashDelay, this, [this] { startPcFlashing(); });
+    runAfter(rowOf(m_deviceModel).pc.flashDelay, this, [this] { startPcFlashing(); });
     std::ignore = rescan();
 }
 
@@ -197,8 +192,7 @@ void FirmwareUpgradeWidget::scheduleOtgFlashing()
 {
     disconnect(this, &FirmwareUpgradeWidget::r2otgConnected, nullptr, nullptr);
     logLine() << "[OTG] OTG设备已就绪，延迟后启动OTG升级";
-    runAfter(m_deviceModel == DeviceModel::R1 ? kOtgFlashDelayR1 : kOtgFlashDelayR2, this,
-             [this] { startOtgFlashingIfStillWanted(); });
+    runAfter(rowOf(m_deviceModel).otg.flashDelay, this, [this] { startOtgFlashingIfStillWanted(); });
 }
 
 void FirmwareUpgradeWidget::startOtgFlashingIfStillWanted()

@@ -3,6 +3,7 @@
 // m_isUpgrading; the waiting screen sets m_isWaitingForUSB. Called by version reading, the sequence, the
 // recovery, the flashing tool and its monitor.
 
+#include "device/ModelTable.h"
 #include "flash/StallRule.h"
 #include "net/networking_class.h"
 #include "panel/Colours.h"
@@ -246,12 +247,11 @@ void FirmwareUpgradeWidget::showCardAndNotes(bool visible)
 /// label's.
 void FirmwareUpgradeWidget::loadTipMovie(Port port)
 {
-    const bool isR1 = m_deviceModel == DeviceModel::R1;
-    const QString pcMovie = isR1 ? QStringLiteral("pc.gif") : QStringLiteral("dc5v_pc.gif");
-    const QString otgMovie = isR1 ? QStringLiteral("pc_otg.gif") : QStringLiteral("dc5v_otg.gif");
+    const ModelRow &model = rowOf(m_deviceModel);
     if (m_tipMovie)
         m_tipMovie->stop();
-    m_tipMovie = new QMovie(QStringLiteral(":/new/prefix1/image/") + (port == Port::Otg ? otgMovie : pcMovie),
+    m_tipMovie = new QMovie(QStringLiteral(":/new/prefix1/image/")
+                                + (port == Port::Otg ? model.otg.movie : model.pc.movie),
                             QByteArray(), tipMoiveLb);
     tipMoiveLb->setMovie(m_tipMovie);
 }

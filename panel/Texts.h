@@ -2,8 +2,9 @@
 
 #include <QtGlobal>
 
-/// Every text that the panel shows, in the source language. The English ones are in the translation
-/// catalogue, whose keys these texts are, byte for byte. FirmwareUpgradeWidget::tr() translates them.
+/// Every text that the panel shows in the source language, but for those that differ between the models: they
+/// are in device/ModelTable.cpp. The English ones are in the translation catalogue, whose keys these texts
+/// are, byte for byte. FirmwareUpgradeWidget::tr() translates them.
 #define QUILLON_TEXT(text) QT_TRANSLATE_NOOP("QuillonFirmwareUpgrade::FirmwareUpgradeWidget", text)
 
 namespace QuillonFirmwareUpgrade::Texts {
@@ -24,13 +25,6 @@ constexpr const char *kFailed = QUILLON_TEXT("升级失败！请拔插设备后�
 
 constexpr const char *kDetectingUsb = QUILLON_TEXT("正在检测USB接入...");
 constexpr const char *kDetectingOtg = QUILLON_TEXT("正在检测OTG接入...");
-constexpr const char *kConnectPcR1 = QUILLON_TEXT("请使用USB线连接图示USB口和电脑，\n接入后自动完成升级。");
-constexpr const char *kConnectPcR2
-    = QUILLON_TEXT("请使用配件附带USB线接入图示DC-5V和USB-C口，\n开始固件升级。");
-constexpr const char *kConnectOtgR1
-    = QUILLON_TEXT("请使用配件附带的USB线，接入并保持USB-C和OTG口\n与电脑的连接。");
-constexpr const char *kConnectOtgR2
-    = QUILLON_TEXT("请使用配件附带USB线接入图示DC-5V和OTG口,\n继续完成升级。");
 
 constexpr const char *kTooOld = QUILLON_TEXT("固件版本过低，无法升级");
 constexpr const char *kUseOfflineTool = QUILLON_TEXT("需使用离线升级工具进行更新，");

@@ -10,16 +10,16 @@ Product productOf(int productId)
 {
     for (const ModelRow &ids : QuillonFirmwareUpgrade::modelRows()) {
         const QString name(ids.code);
-        if (productId == ids.pcNormalPid)
+        if (productId == ids.pc.normalPid)
             return {name, QStringLiteral("PC interface"), true};
-        if (productId == ids.pcDfuPid)
+        if (productId == ids.pc.dfuPid)
             return {name, QStringLiteral("PC chip in its boot loader"), false};
-        if (productId == ids.otgNormalPid)
+        if (productId == ids.otg.normalPid)
             return {name,
-                    ids.otgNormalPid == ids.otgDfuPid ? QStringLiteral("OTG interface, or its boot loader")
-                                                      : QStringLiteral("OTG interface"),
+                    ids.otg.normalPid == ids.otg.dfuPid ? QStringLiteral("OTG interface, or its boot loader")
+                                                        : QStringLiteral("OTG interface"),
                     false};
-        if (productId == ids.otgDfuPid)
+        if (productId == ids.otg.dfuPid)
             return {name, QStringLiteral("OTG chip in its boot loader"), false};
     }
     return {QStringLiteral("?"), QStringLiteral("unknown product of the family"), false};

@@ -11,22 +11,22 @@ namespace QuillonFirmwareUpgrade {
 
 int FirmwareUpgradeWidget::pcNormalPid() const
 {
-    return rowOf(m_deviceModel).pcNormalPid;
+    return rowOf(m_deviceModel).pc.normalPid;
 }
 
 int FirmwareUpgradeWidget::pcDfuPid() const
 {
-    return rowOf(m_deviceModel).pcDfuPid;
+    return rowOf(m_deviceModel).pc.dfuPid;
 }
 
 int FirmwareUpgradeWidget::otgNormalPid() const
 {
-    return rowOf(m_deviceModel).otgNormalPid;
+    return rowOf(m_deviceModel).otg.normalPid;
 }
 
 int FirmwareUpgradeWidget::otgDfuPid() const
 {
-    return rowOf(m_deviceModel).otgDfuPid;
+    return rowOf(m_deviceModel).otg.dfuPid;
 }
 
 bool FirmwareUpgradeWidget::isDfuPid(int pid) const
@@ -48,22 +48,22 @@ int FirmwareUpgradeWidget::resolveOtgTargetPid() const
 
 QString FirmwareUpgradeWidget::pcVersionUrl() const
 {
-    return updateServerAddress() + rowOf(m_deviceModel).pcVersionPath;
+    return updateServerAddress() + rowOf(m_deviceModel).pc.versionPath;
 }
 
 QString FirmwareUpgradeWidget::otgVersionUrl() const
 {
-    return updateServerAddress() + rowOf(m_deviceModel).otgVersionPath;
+    return updateServerAddress() + rowOf(m_deviceModel).otg.versionPath;
 }
 
 QString FirmwareUpgradeWidget::pcFirmwareDownloadUrl() const
 {
-    return updateServerAddress() + rowOf(m_deviceModel).pcImagePath;
+    return updateServerAddress() + rowOf(m_deviceModel).pc.imagePath;
 }
 
 QString FirmwareUpgradeWidget::otgFirmwareDownloadUrl() const
 {
-    return updateServerAddress() + rowOf(m_deviceModel).otgImagePath;
+    return updateServerAddress() + rowOf(m_deviceModel).otg.imagePath;
 }
 
 QString FirmwareUpgradeWidget::firmwareFilePrefix() const
