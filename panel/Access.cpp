@@ -3,6 +3,7 @@
 // retranslateUI().
 
 #include "panel/FirmwareUpgradeWidget.h"
+#include "panel/LanguageTable.h"
 #include "panel/Texts.h"
 #include "widgets/BarAccess.h"
 #include "widgets/ClickableProgressBar.h"
@@ -52,7 +53,7 @@ void FirmwareUpgradeWidget::makeAccessible()
 void FirmwareUpgradeWidget::nameForScreenReaders()
 {
     setAccessibleName(tr(Texts::kTitle));
-    m_closeBtn->setAccessibleName(isChinese ? QStringLiteral("关闭") : QStringLiteral("Close"));
+    m_closeBtn->setAccessibleName(shownLanguage().closeButton);
     m_notesEdit->setAccessibleName(tr(Texts::kNotesTitle));
     m_offlineToolLinkLb->setAccessibleName(tr(Texts::kUseOfflineTool) + tr(Texts::kDownloadOfflineTool));
     // For the moments in which there are no words on it.

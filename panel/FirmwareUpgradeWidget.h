@@ -35,6 +35,8 @@ enum class UpgradePlan : int { None = 0, PcOnly = 1, OtgOnly = 2, Both = 3 };
 /// The languages of the panel. A value outside the two is shown as English.
 enum class Language : int { Chinese = 0, English = 1 };
 
+struct LanguageRow;
+
 /// Switches every panel of this process, those to come included, to \a lang and re-translates them before it
 /// returns. Also makes the language's font family the application's default font. GUI thread only; needs a
 /// QApplication.
@@ -219,6 +221,7 @@ private:
     void retranslateLabels();
     void retranslateNotes();
     void retranslateUpgradeText();
+    const LanguageRow &shownLanguage() const;
     QString fontFamily() const;
     QString currentReleaseNotes() const;
     QString detectingText(Port port) const;
@@ -237,8 +240,6 @@ private:
     void showReleaseNotes();
     void showRetryOffer();
     bool isRetryScreen() const;
-    enum class UpgradeText { Retry, BesideRocket, Alone };
-    QRect upgradeTextPlace(UpgradeText form) const;
     void showWaitingScreen(Port port);
     void hideConnectionHint();
     void showCardAndNotes(bool visible);
@@ -314,6 +315,7 @@ private:
     int m_downloadRetryCount = 0;
     int m_maxDownloadRetry = 3;
     bool isChinese = true;                 // the texts are Chinese                  retranslateUI                retranslateUI
+    Language m_otherLanguage = Language::English; // what they are otherwise          retranslateUI
     bool m_isWaitingForUSB = true;         // the bar asks for the cable             waiting screen               tool start, progress monitor
     DeviceModel m_deviceModel = DeviceModel::R2;
     int lastDetectedOtgPid = 0;            // 0: none seen                           discovery                    click, model change, success

@@ -1,11 +1,13 @@
 // The panel's language: the choice that all panels of the process share, and the re-translation of one panel,
-// which also moves what is longer in English. Sets isChinese. Called by the host, and by Qt when the language
-// has changed.
+// which also moves what is longer in another language. Sets isChinese and m_otherLanguage. Called by the
+// host, and by Qt when the language has changed.
 
 #include "device/ModelTable.h"
 #include "net/networking_class.h"
 #include "panel/FirmwareUpgradeWidget.h"
+#include "panel/LanguageTable.h"
 #include "panel/Log.h"
+#include "panel/Places.h"
 #include "panel/Styles.h"
 #include "panel/Texts.h"
 
@@ -23,11 +25,6 @@ namespace {
 Language currentLanguage = Language::Chinese;
 QTranslator *installedTranslator = nullptr; // null while the source language is shown
 
-const QString &familyOf(bool chinese)
-{
-    return chinese ? Styles::kChineseFamily : Styles::kEnglishFamily;
-}
-
 void removeTranslator()
 {
     if (!installedTranslator)
@@ -37,17 +34,17 @@ void removeTranslator()
     installedTranslator = nullptr;
 }
 
-void installEnglishTranslator()
+void installTranslator(const LanguageRow &language)
 {
     auto *translator = new QTranslator;
-    if (!translator->load(QStringLiteral(":/QUILLON/Translate/QuillonFirmwareUpgrade_en.qm"))) {
-        qWarning().noquote() << "QuillonCustomLibrary: Failed to load English translation";
+    if (!translator->load(language.catalogue)) {
+        qWarning().noquote() << "QuillonCustomLibrary: Failed to load" << language.name << "translation";
         delete translator;
         return;
     }
     installedTranslator = translator;
     QCoreApplication::installTranslator(translator);
-    logLine() << "QuillonCustomLibrary: English translation loaded";
+    logLine() << "QuillonCustomLibrary: " << language.name << " translation loaded";
 }
 
 void announceLanguageChange()
@@ -66,14 +63,14 @@ void announceLanguageChange()
 
 void setLanguage(Language lang)
 {
-    const bool chinese = lang == Language::Chinese;
+    const LanguageRow &language = rowOf(lang);
     removeTranslator();
     currentLanguage = lang;
-    QApplication::setFont(QFont(familyOf(chinese)));
-    if (chinese)
-        logLine() << "QuillonCustomLibrary: Using Chinese (source language)";
+    QApplication::setFont(QFont(language.family));
+    if (language.catalogue.isEmpty())
+        logLine() << "QuillonCustomLibrary: Using " << language.name << " (source language)";
     else
-        installEnglishTranslator();
+        installTranslator(language);
     announceLanguageChange();
 }
 
@@ -92,8 +89,9 @@ void FirmwareUpgradeWidget::changeEvent(QEvent *event)
 void FirmwareUpgradeWidget::retranslateUI()
 {
     isChinese = currentLanguage == Language::Chinese;
-    logLine() << "Detected language switch. The language after switching is: "
-              << (isChinese ? "Chinese" : "English");
+    if (!isChinese)
+        m_otherLanguage = currentLanguage;
+    logLine() << "Detected language switch. The language after switching is: " << shownLanguage().name;
     m_titleLabel->setText(tr(Texts::kTitle));
     m_tooOldLb->setText(tr(Texts::kTooOld));
     m_tooOldLb->setStyleSheet(Styles::label(Styles::kTooOld, fontFamily()));
@@ -126,29 +124,28 @@ void FirmwareUpgradeWidget::retranslateOfflineTool()
 
 void FirmwareUpgradeWidget::retranslateLabels()
 {
-    struct LabelPlace {
+    struct MovingLabel {
         QLabel *FirmwareUpgradeWidget::*label;
         const char *text; // null: the text is not this function's
-        QRect chinese;
-        QRect english;
+        Place place;
     };
     using Panel = FirmwareUpgradeWidget;
-    static const LabelPlace places[] = {
-        {&Panel::m_newVerTitleLb, Texts::kNewVersion, {24, 16, 42, 19}, {24, 16, 90, 19}},
-        {&Panel::m_curVerTitleLb, Texts::kCurrentVersion, {207, 16, 56, 19}, {207, 16, 110, 19}},
-        {&Panel::m_notesTitleLb, Texts::kNotesTitle, {60, 159, 64, 21}, {60, 159, 100, 21}},
-        {&Panel::m_noNewFirmwareLb, Texts::kUpToDate, {24, 29, 150, 21}, {24, 19, 150, 42}},
-        {&Panel::m_rocketLb, nullptr, {158, 14, 20, 20}, {142, 14, 20, 20}},
-        {&Panel::m_doneIconLb, nullptr, {156, 12, 24, 24}, {117, 12, 24, 24}},
-        {&Panel::m_doneLb, nullptr, {188, 13, 64, 21}, {149, 13, 142, 21}},
-        {&Panel::m_failIconLb, nullptr, {95, 317, 24, 24}, {32, 317, 24, 24}},
-        {&Panel::m_failTextLb, nullptr, {122, 319, 256, 19}, {58, 319, 364, 19}},
+    static constexpr MovingLabel labels[] = {
+        {&Panel::m_newVerTitleLb, Texts::kNewVersion, Places::kNewVersionTitle},
+        {&Panel::m_curVerTitleLb, Texts::kCurrentVersion, Places::kCurrentVersionTitle},
+        {&Panel::m_notesTitleLb, Texts::kNotesTitle, Places::kNotesTitle},
+        {&Panel::m_noNewFirmwareLb, Texts::kUpToDate, Places::kUpToDate},
+        {&Panel::m_rocketLb, nullptr, Places::kRocket},
+        {&Panel::m_doneIconLb, nullptr, Places::kDoneIcon},
+        {&Panel::m_doneLb, nullptr, Places::kDone},
+        {&Panel::m_failIconLb, nullptr, Places::kFailureIcon},
+        {&Panel::m_failTextLb, nullptr, Places::kFailureText},
     };
-    for (const LabelPlace &place : places) {
-        QLabel *label = this->*place.label;
-        if (place.text)
-            label->setText(tr(place.text));
-        label->setGeometry(isChinese ? place.chinese : place.english);
+    for (const MovingLabel &row : labels) {
+        QLabel *label = this->*row.label;
+        if (row.text)
+            label->setText(tr(row.text));
+        label->setGeometry(row.place.in(shownLanguage()));
     }
     m_newVerLb->setStyleSheet(Styles::label(Styles::kNewVersion, fontFamily()));
     m_curVerLb->setStyleSheet(Styles::label(Styles::kCurrentVersion, fontFamily()));
@@ -166,25 +163,29 @@ void FirmwareUpgradeWidget::retranslateNotes()
 void FirmwareUpgradeWidget::retranslateUpgradeText()
 {
     if (isRetryScreen()) {
-        m_upgradeTextLb->setGeometry(upgradeTextPlace(UpgradeText::Retry));
+        m_upgradeTextLb->setGeometry(Places::kRetry.in(shownLanguage()));
         m_upgradeTextLb->setText(tr(Texts::kRetry));
         m_upgradeTextLb->setStyleSheet(Styles::retryText(fontFamily()));
         return;
     }
-    m_upgradeTextLb->setGeometry(
-        upgradeTextPlace(isUpgradePlanned() ? UpgradeText::BesideRocket : UpgradeText::Alone));
+    const Place &place = isUpgradePlanned() ? Places::kUpgradeBesideRocket : Places::kUpgradeAlone;
+    m_upgradeTextLb->setGeometry(place.in(shownLanguage()));
     m_upgradeTextLb->setText(tr(Texts::kUpgradeNow));
+}
+
+const LanguageRow &FirmwareUpgradeWidget::shownLanguage() const
+{
+    return rowOf(isChinese ? Language::Chinese : m_otherLanguage);
 }
 
 QString FirmwareUpgradeWidget::fontFamily() const
 {
-    return familyOf(isChinese);
+    return shownLanguage().family;
 }
 
 QString FirmwareUpgradeWidget::currentReleaseNotes() const
 {
-    const networking_class *server = networking_class::getInstance();
-    return isChinese ? server->f_remark : server->f_remark_en;
+    return networking_class::getInstance()->*shownLanguage().notes;
 }
 
 QString FirmwareUpgradeWidget::detectingText(Port port) const

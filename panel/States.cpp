@@ -9,6 +9,7 @@
 #include "panel/Colours.h"
 #include "panel/FirmwareUpgradeWidget.h"
 #include "panel/Log.h"
+#include "panel/Places.h"
 #include "panel/Styles.h"
 #include "panel/Texts.h"
 #include "panel/Visibility.h"
@@ -81,7 +82,7 @@ void FirmwareUpgradeWidget::showUpgradeAvailableScreen()
              m_waitingIconLb, m_upgradingLb, m_failIconLb, m_failTextLb, upgradeProgDisPlay});
     m_upgradeTextLb->setText(tr(Texts::kUpgradeNow));
     m_rocketLb->show();
-    m_upgradeTextLb->setGeometry(upgradeTextPlace(UpgradeText::BesideRocket));
+    m_upgradeTextLb->setGeometry(Places::kUpgradeBesideRocket.in(shownLanguage()));
     m_upgradeTextLb->show();
     m_upgradeTextLb->setStyleSheet(Styles::label(Styles::kBarReady));
     m_upgradeTextLb->raise();
@@ -103,7 +104,7 @@ void FirmwareUpgradeWidget::showUpToDateScreen()
     hideAll({m_newVerTitleLb, m_newVerDotLb, m_newVerLb, m_doneIconLb, m_doneLb, m_rocketLb});
     m_notesEdit->setPlainText(QStringLiteral("--"));
     m_upgradeTextLb->setText(tr(Texts::kUpgradeNow));
-    m_upgradeTextLb->setGeometry(upgradeTextPlace(UpgradeText::Alone));
+    m_upgradeTextLb->setGeometry(Places::kUpgradeAlone.in(shownLanguage()));
     m_upgradeTextLb->setStyleSheet(Styles::label(Styles::kBarDimmed));
     m_upgradeTextLb->show();
     upgradeProgDisPlay->hide();
@@ -173,7 +174,7 @@ void FirmwareUpgradeWidget::showRetryOffer()
     hideAll({m_rocketLb, m_waitingIconLb, m_upgradingLb});
     m_upgradeTextLb->setText(tr(Texts::kRetry));
     m_upgradeTextLb->setStyleSheet(Styles::retryText(fontFamily()));
-    m_upgradeTextLb->setGeometry(upgradeTextPlace(UpgradeText::Retry));
+    m_upgradeTextLb->setGeometry(Places::kRetry.in(shownLanguage()));
     m_upgradeTextLb->show();
 }
 
@@ -182,34 +183,14 @@ bool FirmwareUpgradeWidget::isRetryScreen() const
     return m_inFailureRetry && m_autoRecoverRunning && !m_isUpgrading;
 }
 
-QRect FirmwareUpgradeWidget::upgradeTextPlace(UpgradeText form) const
-{
-    switch (form) {
-    case UpgradeText::Retry:
-        return isChinese ? QRect(116, 13, 176, 21) : QRect(46, 13, 317, 21);
-    case UpgradeText::BesideRocket:
-        return isChinese ? QRect(186, 13, 64, 21) : QRect(170, 13, 105, 21);
-    case UpgradeText::Alone:
-        break;
-    }
-    return isChinese ? QRect(172, 13, 64, 21) : QRect(156, 13, 105, 21);
-}
-
 void FirmwareUpgradeWidget::updateWaitingLabelLayout()
 {
-    struct WaitingLine {
-        int iconLeft;
-        int textLeft;
-        int textWidth;
-    };
-    static constexpr WaitingLine kWaitingChinese{108, 140, 159}, kWaitingEnglish{51, 83, 290};
-    static constexpr WaitingLine kUpgradingChinese{101, 133, 174}, kUpgradingEnglish{44, 76, 310};
-
-    const WaitingLine &line = m_isWaitingForUSB ? (isChinese ? kWaitingChinese : kWaitingEnglish)
-                                                : (isChinese ? kUpgradingChinese : kUpgradingEnglish);
+    const LanguageRow &language = shownLanguage();
     m_upgradingLb->setText(tr(m_isWaitingForUSB ? Texts::kWaitingForCable : Texts::kUpgrading));
-    m_waitingIconLb->setGeometry(line.iconLeft, 12, 24, 24);
-    m_upgradingLb->setGeometry(line.textLeft, 13, line.textWidth, 21);
+    m_waitingIconLb->setGeometry(
+        (m_isWaitingForUSB ? Places::kWaitingIcon : Places::kUpgradingIcon).in(language));
+    m_upgradingLb->setGeometry(
+        (m_isWaitingForUSB ? Places::kWaitingText : Places::kUpgradingText).in(language));
 }
 
 void FirmwareUpgradeWidget::showWaitingScreen(Port port)

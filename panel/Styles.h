@@ -1,13 +1,12 @@
 #pragma once
 
+#include "panel/LanguageTable.h"
+
 #include <QString>
 
 /// The style sheets of the panel's children. Where a style names a font family, it is that of the language
 /// shown.
 namespace QuillonFirmwareUpgrade::Styles {
-
-inline const QString kChineseFamily = QStringLiteral("Microsoft YaHei");
-inline const QString kEnglishFamily = QStringLiteral("Segoe UI");
 
 /// A label's rule, property by property in this order; what is empty or false is left out.
 struct LabelStyle {
@@ -42,7 +41,7 @@ constexpr LabelStyle kOfflineTool    {"255,255,255,1",    true,  14, 700, false,
 // clang-format on
 
 /// The style sheet of \a style with \a family where it names one.
-QString label(const LabelStyle &style, const QString &family = kChineseFamily);
+QString label(const LabelStyle &style, const QString &family = sourceLanguage().family);
 
 /// The bar's text while it offers the retry.
 QString retryText(const QString &family);

@@ -1,0 +1,37 @@
+#include "panel/LanguageTable.h"
+
+#include "net/networking_class.h"
+
+#include <QList>
+
+namespace QuillonFirmwareUpgrade {
+
+namespace {
+const QList<LanguageRow> &languageRows()
+{
+    static const QList<LanguageRow> rows{
+        {Language::Chinese, "Chinese", QStringLiteral("Microsoft YaHei"), QString(),
+         &networking_class::f_remark, QStringLiteral("关闭")},
+        {Language::English, "English", QStringLiteral("Segoe UI"),
+         QStringLiteral(":/QUILLON/Translate/QuillonFirmwareUpgrade_en.qm"), &networking_class::f_remark_en,
+         QStringLiteral("Close")},
+    };
+    return rows;
+}
+} // namespace
+
+const LanguageRow &rowOf(Language language)
+{
+    for (const LanguageRow &row : languageRows()) {
+        if (row.language == language)
+            return row;
+    }
+    return rowOf(Language::English);
+}
+
+const LanguageRow &sourceLanguage()
+{
+    return rowOf(Language::Chinese);
+}
+
+} // namespace QuillonFirmwareUpgrade
