@@ -315,7 +315,7 @@ private:
     int m_downloadRetryCount = 0;
     int m_maxDownloadRetry = 3;
     bool isChinese = true;                 // the texts are Chinese                  retranslateUI                retranslateUI
-    Language m_otherLanguage = Language::English; // what they are otherwise          retranslateUI
+    Language m_otherLanguage = Language::English; // what they are otherwise         retranslateUI
     bool m_isWaitingForUSB = true;         // the bar asks for the cable             waiting screen               tool start, progress monitor
     DeviceModel m_deviceModel = DeviceModel::R2;
     int lastDetectedOtgPid = 0;            // 0: none seen                           discovery                    click, model change, success
