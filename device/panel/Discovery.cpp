@@ -1,7 +1,7 @@
 // Members of the panel (panel/FirmwareUpgradeWidget.h).
 // Finds the device on the HID bus. Every list of paths, whether the HID library announced it or the panel
 // asked for it, is judged by ConnectingR2, which opens the device, starts a recovery or announces the OTG
-// found. Sets lastDetectedPcPid and lastDetectedOtgPid, and m_isUpgrading with m_autoRecoverRunning when
+// interface. Sets lastDetectedPcPid and lastDetectedOtgPid, and m_isUpgrading with m_autoRecoverRunning when
 // a recovery starts.
 
 #include "device/BusScan.h"

@@ -12,7 +12,12 @@
 #include <QMessageBox>
 #include <QTemporaryDir>
 
+#ifdef QUILLON_LOOKS_FOR_LEAKS
+#include <sanitizer/lsan_interface.h>
+#endif
+
 #include <cstdint>
+#include <cstdlib>
 #include <utility>
 
 using namespace QuillonFirmwareUpgrade;
@@ -57,6 +62,11 @@ public:
         m_panel = new FirmwareUpgradeWidget;
         // No scans in between, so that the same input does the same thing each time.
         QObject::disconnect(HIDCommunicator::OrvikHIDManager::instance(), nullptr, m_panel, nullptr);
+#ifdef QUILLON_LOOKS_FOR_LEAKS
+        // While the stage still stands: once Qt has begun to take itself down, what it keeps for the process
+        // would look lost.
+        std::atexit(__lsan_do_leak_check);
+#endif
     }
 
     void play(const QByteArray &input)
