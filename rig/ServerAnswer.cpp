@@ -11,11 +11,12 @@
 namespace rig {
 
 using namespace std::chrono_literals;
-using Delivery = ServerAnswer::Delivery;
+using Manner = HttpAnswer::Manner;
 
 namespace {
 
 constexpr int kHugeNotes = 1000 * 1000;
+constexpr auto kDripTime = 4000ms;
 
 struct Context {
     const RequestSubject &subject;
@@ -26,7 +27,7 @@ struct Context {
 struct Effect {
     Fault fault;
     std::optional<RequestKind> only;
-    void (*apply)(ServerAnswer &answer, const Context &context);
+    void (*apply)(HttpAnswer &answer, const Context &context);
 };
 
 QByteArray imageFor(const RequestSubject &subject, Chip chip)
@@ -55,25 +56,27 @@ QByteArray withHugeNotes(const RequestSubject &subject)
     return listOf(entry);
 }
 
-void becomePage(ServerAnswer &answer, const QByteArray &status)
+void becomePage(HttpAnswer &answer, int status, const QByteArray &reason)
 {
+    const QByteArray title = QByteArray::number(status) + ' ' + reason;
     answer.status = status;
+    answer.reason = reason;
     answer.contentType = "text/html";
     answer.body
-        = "<html><head><title>" + status + "</title></head><body><h1>" + status + "</h1></body></html>\n";
+        = "<html><head><title>" + title + "</title></head><body><h1>" + title + "</h1></body></html>\n";
 }
 
-void redirect(ServerAnswer &answer, const QByteArray &target)
+void redirect(HttpAnswer &answer, const QByteArray &target)
 {
-    becomePage(answer, "302 Found");
-    answer.location = target;
+    becomePage(answer, 302, "Found");
+    answer.moreHead = "Location: " + target + "\r\n";
 }
 
 const QList<Effect> &effects()
 {
     constexpr auto queries = RequestKind::VersionQuery;
     constexpr auto downloads = RequestKind::Download;
-    using Answer = ServerAnswer;
+    using Answer = HttpAnswer;
     // clang-format off
     static const QList<Effect> table {
         {Fault::ServerMalformedJson, queries, [](Answer &a, const Context &) { a.body.truncate(a.body.size() / 2); }},
@@ -86,24 +89,24 @@ const QList<Effect> &effects()
         {Fault::ServerForeignImage, downloads, [](Answer &a, const Context &c) { a.body = imageFor(c.subject, c.subject.chip == Chip::Pc ? Chip::Otg : Chip::Pc); }},
         {Fault::ServerHugeImage, downloads, [](Answer &a, const Context &c) { a.body = buildImage({c.subject.model, c.subject.chip, c.subject.version}, kFlashSize); }},
         {Fault::ServerEmptyBody, {}, [](Answer &a, const Context &) { a.body.clear(); }},
-        {Fault::ServerNotFound, {}, [](Answer &a, const Context &) { becomePage(a, "404 Not Found"); }},
-        {Fault::ServerBroken, {}, [](Answer &a, const Context &) { becomePage(a, "500 Internal Server Error"); }},
+        {Fault::ServerNotFound, {}, [](Answer &a, const Context &) { becomePage(a, 404, "Not Found"); }},
+        {Fault::ServerBroken, {}, [](Answer &a, const Context &) { becomePage(a, 500, "Internal Server Error"); }},
         {Fault::ServerRedirects, {}, [](Answer &a, const Context &c) { redirect(a, c.target); }},
         {Fault::ServerGarbage, {}, [](Answer &a, const Context &) { a.raw = "\x7f" "ELF not an answer\r\n\r\n\xff\xfe"; }},
         {Fault::ServerSlow, {}, [](Answer &a, const Context &) { a.delay = 1500ms; }},
         {Fault::ServerLate, {}, [](Answer &a, const Context &) { a.delay = 5000ms; }},
-        {Fault::ServerDripping, {}, [](Answer &a, const Context &) { a.delivery = Delivery::Dripping; }},
-        {Fault::ServerCutShort, {}, [](Answer &a, const Context &) { a.delivery = Delivery::HalfThenHangUp; }},
-        {Fault::ServerDropped, {}, [](Answer &a, const Context &) { a.delivery = Delivery::HangUp; }},
-        {Fault::ServerSilent, {}, [](Answer &a, const Context &) { a.delivery = Delivery::Never; }},
+        {Fault::ServerDripping, {}, [](Answer &a, const Context &) { a.dripTime = kDripTime; }},
+        {Fault::ServerCutShort, {}, [](Answer &a, const Context &) { a.cutAfter = a.body.size() / 2; }},
+        {Fault::ServerDropped, {}, [](Answer &a, const Context &) { a.manner = Manner::HangUp; }},
+        {Fault::ServerSilent, {}, [](Answer &a, const Context &) { a.manner = Manner::Silence; }},
     };
     // clang-format on
     return table;
 }
 
-ServerAnswer soundAnswer(const RequestSubject &subject)
+HttpAnswer soundAnswer(const RequestSubject &subject)
 {
-    ServerAnswer answer;
+    HttpAnswer answer;
     if (subject.kind == RequestKind::VersionQuery) {
         answer.contentType = "application/json; charset=utf-8";
         answer.body = listOf(versionEntry(subject));
@@ -116,33 +119,9 @@ ServerAnswer soundAnswer(const RequestSubject &subject)
 
 } // namespace
 
-QByteArray ServerAnswer::head() const
+HttpAnswer answerTo(const RequestSubject &subject, const QByteArray &target, FaultBoard &faults)
 {
-    QByteArray head = "HTTP/1.1 " + status + "\r\nContent-Type: " + contentType
-        + "\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\nConnection: close\r\n";
-    if (!location.isEmpty())
-        head += "Location: " + location + "\r\n";
-    return head + "\r\n";
-}
-
-QByteArray ServerAnswer::sentBody() const
-{
-    switch (delivery) {
-    case Delivery::Whole:
-    case Delivery::Dripping:
-        return raw.isEmpty() ? body : QByteArray();
-    case Delivery::HalfThenHangUp:
-        return body.left(body.size() / 2);
-    case Delivery::HangUp:
-    case Delivery::Never:
-        break;
-    }
-    return {};
-}
-
-ServerAnswer answerTo(const RequestSubject &subject, const QByteArray &target, FaultBoard &faults)
-{
-    ServerAnswer answer = soundAnswer(subject);
+    HttpAnswer answer = soundAnswer(subject);
     for (const Effect &effect : effects()) {
         if (effect.only && effect.only != subject.kind)
             continue;
@@ -152,10 +131,10 @@ ServerAnswer answerTo(const RequestSubject &subject, const QByteArray &target, F
     return answer;
 }
 
-ServerAnswer errorPage(const QByteArray &status)
+HttpAnswer errorPage(int status, const QByteArray &reason)
 {
-    ServerAnswer answer;
-    becomePage(answer, status);
+    HttpAnswer answer;
+    becomePage(answer, status, reason);
     return answer;
 }
 

@@ -6,14 +6,21 @@
 #include "rig/RigThread.h"
 
 #include <QList>
+#include <QMap>
+#include <QMutex>
 #include <QObject>
 #include <QString>
 #include <QVersionNumber>
 
+#include <atomic>
 #include <chrono>
-#include <memory>
+#include <utility>
 
 namespace rig {
+
+class HttpConversation;
+class HttpServer;
+struct HttpAnswer;
 
 /// A request that the server understood, and what it gave.
 struct ServedRequest {
@@ -58,11 +65,22 @@ Q_SIGNALS:
     void requestArrived(const rig::ServedRequest &request);
 
 private:
-    class Listener;
-    struct Shelf;
-    std::shared_ptr<Shelf> m_shelf;
+    HttpAnswer serve(HttpConversation &conversation);
+    bool listen();
+    void followRefusal();
+    int note(const ServedRequest &request);
+    void markAnswered(int index);
+
     RigThread &m_thread;
-    Listener *m_listener; // lives on the rig's thread
+    FaultBoard &m_faults;
+    Journal &m_journal;
+    HttpServer *m_http = nullptr; // lives on the rig's thread, where the functions above run
+    std::atomic<quint16> m_port{0};
+
+    mutable QMutex m_mutex; // for all that follows
+    QMap<std::pair<Model, Chip>, QVersionNumber> m_versions; // where it is not the first one
+    QList<ServedRequest> m_requests;
+    int m_forgotten = 0; // requests that were dropped from the front of the list
 };
 
 } // namespace rig

@@ -1,5 +1,7 @@
 #include "tests/support/ScriptedHttpServer.h"
 
+#include "rig/HttpServer.h"
+#include "rig/RigThread.h"
 #include "tests/support/DeepCopy.h"
 
 #include <QHash>
@@ -9,31 +11,14 @@
 #include <QMutex>
 #include <QMutexLocker>
 #include <QNetworkProxy>
-#include <QPointer>
-#include <QTcpServer>
-#include <QTcpSocket>
-#include <QThread>
-#include <QTimer>
 
-#include <algorithm>
+using rig::HttpConversation;
+using Answer = ScriptedHttpServer::Answer;
 
 namespace {
-using Answer = ScriptedHttpServer::Answer;
-using Manner = ScriptedHttpServer::Manner;
-
-constexpr qint64 kChunk = 64 * 1024;
-
 QString pathOf(const QUrl &url)
 {
     return url.toString(QUrl::RemoveScheme | QUrl::RemoveAuthority | QUrl::FullyEncoded);
-}
-
-QByteArray headOf(const Answer &answer)
-{
-    return QByteArrayLiteral("HTTP/1.1 ") + QByteArray::number(answer.status)
-        + QByteArrayLiteral(" Scripted\r\nContent-Type: text/plain; charset=utf-8\r\nContent-Length: ")
-        + QByteArray::number(answer.size()) + QByteArrayLiteral("\r\nConnection: close\r\n") + answer.moreHead
-        + QByteArrayLiteral("\r\n");
 }
 } // namespace
 
@@ -43,13 +28,36 @@ struct ScriptedHttpServer::Script {
     QHash<QString, qint64> sent;
     QStringList released;
     QList<Request> requests;
+    rig::RigThread thread;
+    rig::HttpServer *server = nullptr; // lives on the thread
 
-    Answer take(const Request &request)
+    Script()
     {
+        thread.runAndWait([this] {
+            server
+                = new rig::HttpServer([this](HttpConversation &conversation) { return take(conversation); });
+            if (!server->listen(QHostAddress::LocalHost))
+                qFatal("no port on loopback: %s", qPrintable(server->errorString()));
+        });
+    }
+
+    ~Script()
+    {
+        thread.runAndWait([this] { delete server; });
+    }
+
+    Answer take(HttpConversation &conversation)
+    {
+        const rig::HttpRequest &request = conversation.request();
+        const QString path = pathOf(request.url);
+        QObject::connect(&conversation, &HttpConversation::taken, server,
+                         [this, path](qint64 bytes) { countSent(path, bytes); });
         const QMutexLocker lock(&mutex);
-        requests.append(request);
-        return answers.value(pathOf(request.url),
-                             page(QByteArrayLiteral("nobody programmed this path"), 404));
+        requests.append({request.method, request.url, request.head});
+        Answer answer = answers.value(path, page(QByteArrayLiteral("nobody programmed this path"), 404));
+        if (released.contains(path))
+            answer.holdAfter = -1;
+        return answer;
     }
 
     void countSent(const QString &path, qint64 bytes)
@@ -58,156 +66,20 @@ struct ScriptedHttpServer::Script {
         sent[path] += bytes;
     }
 
-    bool isReleased(const QString &path) const
+    void goOn(const QString &path) const
     {
-        const QMutexLocker lock(&mutex);
-        return released.contains(path);
-    }
-};
-
-namespace {
-using Script = ScriptedHttpServer::Script;
-
-/// One request and its answer; lives as long as its socket.
-class Conversation : public QObject {
-public:
-    Conversation(QTcpSocket *socket, std::shared_ptr<Script> script)
-        : QObject(socket)
-        , m_socket(socket)
-        , m_script(std::move(script))
-    {
-        connect(socket, &QTcpSocket::readyRead, this, &Conversation::listen);
-        connect(socket, &QTcpSocket::bytesWritten, this, &Conversation::onTaken);
-        connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-        listen();
-    }
-
-    void goOn()
-    {
-        if (!m_speaking)
-            return;
-        const qint64 end = endForNow();
-        while (m_position < end && m_socket->bytesToWrite() < kChunk)
-            sendUpTo(end);
-        if (m_position == end && end == lastByte() && m_socket->bytesToWrite() == 0)
-            m_socket->disconnectFromHost();
-    }
-
-private:
-    void listen()
-    {
-        m_head += m_socket->readAll();
-        if (m_heard || !m_head.contains("\r\n\r\n"))
-            return;
-        m_heard = true;
-        const QList<QByteArray> words = m_head.left(m_head.indexOf("\r\n")).split(' ');
-        const QUrl url = QUrl::fromEncoded(words.value(1));
-        m_path = pathOf(url);
-        m_answer = m_script->take({words.value(0), url, m_head});
-        if (m_answer.manner == Manner::HangUp)
-            m_socket->disconnectFromHost();
-        else if (m_answer.manner == Manner::Answer)
-            QTimer::singleShot(m_answer.delay, this, &Conversation::speak);
-    }
-
-    void speak()
-    {
-        m_speaking = true;
-        m_socket->write(headOf(m_answer));
-        goOn();
-    }
-
-    void onTaken(qint64 bytes)
-    {
-        m_script->countSent(m_path, bytes);
-        goOn();
-    }
-
-    qint64 lastByte() const
-    {
-        return m_answer.cutAfter < 0 ? m_answer.size() : std::min(m_answer.cutAfter, m_answer.size());
-    }
-
-    qint64 endForNow() const
-    {
-        const bool held = m_answer.holdAfter >= 0 && !m_script->isReleased(m_path);
-        return held ? std::min(m_answer.holdAfter, lastByte()) : lastByte();
-    }
-
-    void sendUpTo(qint64 end)
-    {
-        const qint64 from = m_position % m_answer.body.size();
-        const qint64 length = std::min({kChunk, end - m_position, m_answer.body.size() - from});
-        m_socket->write(m_answer.body.constData() + from, length);
-        m_position += length;
-    }
-
-    QTcpSocket *m_socket;
-    std::shared_ptr<Script> m_script;
-    QByteArray m_head;
-    QString m_path;
-    Answer m_answer;
-    qint64 m_position = 0;
-    bool m_heard = false;
-    bool m_speaking = false;
-};
-
-class Listener : public QTcpServer {
-public:
-    explicit Listener(const std::shared_ptr<Script> &script)
-    {
-        connect(this, &QTcpServer::newConnection, this, [this, script] {
-            while (QTcpSocket *socket = nextPendingConnection())
-                m_conversations.append(new Conversation(socket, script));
-        });
-        if (!listen(QHostAddress::LocalHost))
-            qFatal("no port on loopback: %s", qPrintable(errorString()));
-    }
-
-    void goOn() const
-    {
-        for (const QPointer<Conversation> &conversation : m_conversations) {
-            if (conversation)
-                conversation->goOn();
+        for (HttpConversation *conversation : server->conversations()) {
+            if (pathOf(conversation->request().url) == path)
+                conversation->release();
         }
-    }
-
-private:
-    QList<QPointer<Conversation>> m_conversations;
-};
-} // namespace
-
-struct ScriptedHttpServer::Thread {
-    QThread thread;
-    QObject inside;
-    Listener *listener = nullptr;
-
-    template <typename Work> void run(Work work)
-    {
-        QMetaObject::invokeMethod(&inside, work, Qt::BlockingQueuedConnection);
-    }
-
-    explicit Thread(const std::shared_ptr<Script> &script)
-    {
-        inside.moveToThread(&thread);
-        thread.start();
-        run([this, script] { listener = new Listener(script); });
-    }
-
-    ~Thread()
-    {
-        run([this] { delete listener; });
-        thread.quit();
-        thread.wait();
     }
 };
 
 ScriptedHttpServer::ScriptedHttpServer()
-    : m_script(std::make_shared<Script>())
-    , m_thread(std::make_unique<Thread>(m_script))
+    : m_script(std::make_unique<Script>())
 {
-    QNetworkProxy::setApplicationProxy(QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"),
-                                                     m_thread->listener->serverPort()));
+    QNetworkProxy::setApplicationProxy(
+        QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), m_script->server->serverPort()));
 }
 
 ScriptedHttpServer::~ScriptedHttpServer()
@@ -229,20 +101,22 @@ Answer ScriptedHttpServer::page(const QByteArray &body, int status)
     Answer answer;
     answer.body = body;
     answer.status = status;
+    answer.reason = QByteArrayLiteral("Scripted");
+    answer.contentType = QByteArrayLiteral("text/plain; charset=utf-8");
     return answer;
 }
 
 Answer ScriptedHttpServer::silence()
 {
     Answer answer;
-    answer.manner = Manner::Silence;
+    answer.manner = Answer::Manner::Silence;
     return answer;
 }
 
 Answer ScriptedHttpServer::hangUp()
 {
     Answer answer;
-    answer.manner = Manner::HangUp;
+    answer.manner = Answer::Manner::HangUp;
     return answer;
 }
 
@@ -258,7 +132,7 @@ void ScriptedHttpServer::release(const QString &path)
         const QMutexLocker lock(&m_script->mutex);
         m_script->released.append(path);
     }
-    m_thread->run([this] { m_thread->listener->goOn(); });
+    m_script->thread.runAndWait([this, &path] { m_script->goOn(path); });
 }
 
 QList<ScriptedHttpServer::Request> ScriptedHttpServer::requests() const

@@ -1,11 +1,12 @@
 #pragma once
 
+#include "rig/HttpMessages.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
 #include <QUrl>
 
-#include <chrono>
 #include <memory>
 
 /// An HTTP server on loopback, on a thread of its own, that answers every path as the test says. While it
@@ -20,25 +21,7 @@
 /// Every function is thread-safe. One at a time.
 class ScriptedHttpServer {
 public:
-    enum class Manner {
-        Answer,
-        Silence, ///< takes the request and never says a word
-        HangUp, ///< takes the request and closes the connection
-    };
-
-    struct Answer {
-        QByteArray body;
-        int status = 200;
-        QByteArray moreHead; ///< further lines of the head, each with its line end
-        std::chrono::milliseconds delay{0}; ///< from the request to the first byte
-        int repeat = 1; ///< the body is sent this many times over, made while it is sent: large answers cost
-                        ///< no memory
-        qint64 cutAfter = -1; ///< the connection closes after so many bytes of the body; -1: sent whole
-        qint64 holdAfter = -1; ///< so many bytes of the body go out, the rest after release(); -1: sent whole
-        Manner manner = Manner::Answer;
-
-        qint64 size() const { return qint64(body.size()) * repeat; }
-    };
+    using Answer = rig::HttpAnswer;
 
     struct Request {
         QByteArray method;
@@ -72,10 +55,7 @@ public:
     /// Forgets every answer and every request.
     void clear();
 
-    struct Script;
-
 private:
-    std::shared_ptr<Script> m_script;
-    struct Thread;
-    std::unique_ptr<Thread> m_thread;
+    struct Script;
+    std::unique_ptr<Script> m_script;
 };
