@@ -10,7 +10,7 @@
 
 namespace rig {
 
-/// What a flashing tool can have one chip do, whichever wire its requests take. Thread-safe; none waits.
+/// What a flashing tool can have one chip do, whichever wire its reports take. Thread-safe; none waits.
 class BootLoader {
 public:
     /// How long a chip takes to erase its flash; whoever passes erase() on answers after that.

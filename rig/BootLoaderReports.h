@@ -6,8 +6,9 @@
 
 namespace rig {
 
-/// What a flashing tool says to a chip over USB. Every request but Block and an incomplete Data is answered
-/// with a report of the same command; unless stated its payload is one byte, 1 for yes and 0 for no.
+/// What a flashing tool says to a chip, over USB and over the rig's socket alike. Every request but Block and
+/// an incomplete Data is answered with a report of the same command; unless stated its payload is one byte, 1
+/// for yes and 0 for no.
 enum class BootLoaderCommand : quint8 {
     Enter = 1, ///< go into the boot loader; payload: 1 when the chip is said to be there
     Ready, ///< is the chip in its boot loader?

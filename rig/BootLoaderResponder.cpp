@@ -2,8 +2,6 @@
 
 #include "rig/LittleEndian.h"
 
-#include <QThread>
-
 namespace rig {
 
 namespace {
@@ -20,13 +18,16 @@ BootLoaderResponder::BootLoaderResponder(BootLoader &chip)
 {
 }
 
-QList<QByteArray> BootLoaderResponder::answer(const QByteArray &report)
+BootLoaderAnswer BootLoaderResponder::answer(const QByteArray &report)
 {
     const auto request = decodeBootLoaderReport(report);
     const QByteArray payload = request ? take(*request) : QByteArray();
     if (payload.isEmpty())
         return {};
-    return {encode({request->command, payload})};
+    BootLoaderAnswer answer{encode({request->command, payload})};
+    if (request->command == BootLoaderCommand::Erase)
+        answer.after = BootLoader::kEraseTime;
+    return answer;
 }
 
 QByteArray BootLoaderResponder::take(const BootLoaderReport &request)
@@ -38,9 +39,7 @@ QByteArray BootLoaderResponder::take(const BootLoaderReport &request)
         return verdict(m_chip.isReady());
     case BootLoaderCommand::Erase: {
         const bool whole = request.payload.size() == 4;
-        const bool erased = whole && m_chip.erase(int(numberAt<quint32>(request.payload, 0)));
-        QThread::msleep(BootLoader::kEraseTime.count());
-        return verdict(erased);
+        return verdict(whole && m_chip.erase(int(numberAt<quint32>(request.payload, 0))));
     }
     case BootLoaderCommand::Block:
         return beginBlock(request.payload);

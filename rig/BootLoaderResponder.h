@@ -4,18 +4,23 @@
 #include "rig/BootLoaderReports.h"
 
 #include <QByteArray>
-#include <QList>
+
+#include <chrono>
 
 namespace rig {
+
+struct BootLoaderAnswer {
+    QByteArray report; ///< ID first; empty: there is no answer
+    std::chrono::milliseconds after{0}; ///< how long the chip takes for it
+};
 
 /// Answers a flashing tool's reports for one chip. Not thread-safe.
 class BootLoaderResponder {
 public:
     explicit BootLoaderResponder(BootLoader &chip);
 
-    /// The reports that answer \a report, ID first; none for a report that is no boot loader's. Takes as long
-    /// as the chip does: an erase most of a second.
-    QList<QByteArray> answer(const QByteArray &report);
+    /// Nothing for a report that is no boot loader's, or that needs another one to complete it.
+    BootLoaderAnswer answer(const QByteArray &report);
 
 private:
     QByteArray take(const BootLoaderReport &request); // the answer's payload; empty: none

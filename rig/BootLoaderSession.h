@@ -1,9 +1,12 @@
 #pragma once
 
 #include "rig/BootLoaderPort.h"
+#include "rig/BootLoaderResponder.h"
 
 #include <QLocalSocket>
 #include <QObject>
+
+#include <optional>
 
 namespace rig {
 
@@ -30,19 +33,12 @@ private:
     bool handleLine(const QByteArray &line);
     void close();
 
-    void hello(const QStringList &words);
-    void find(const QStringList &words);
-    void attach(const QStringList &words);
-    void ready(const QStringList &words);
-    void erase(const QStringList &words);
-    void beginBlock(const QStringList &words);
-    void endBlock(const QByteArray &block);
-    void digest(const QStringList &words);
-    void restart(const QStringList &words);
+    // False: the message makes no sense.
+    bool hello(const QStringList &words);
+    bool find(const QStringList &words);
+    bool report(const QStringList &words);
 
-    void reply(bool yes);
     void reply(const QStringList &words);
-    bool isOnBus(int productId) const;
     BootLoader &chip(); // that the tool was started for
 
     QLocalSocket *m_socket;
@@ -51,10 +47,8 @@ private:
     FaultBoard &m_faults;
     const Journal &m_journal;
     ToolRun m_run;
-    bool m_greeted = false;
+    std::optional<BootLoaderResponder> m_responder; // the chip's; none before the greeting
     int m_restartsBefore = 0; // the chip's, when the tool reported
-    int m_blockOffset = 0;
-    int m_blockSize = 0; // above 0: bytes of a block are awaited in place of a line
 };
 
 } // namespace rig

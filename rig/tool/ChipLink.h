@@ -1,26 +1,39 @@
 #pragma once
 
+#include "rig/BootLoaderReports.h"
+#include "rig/Identity.h"
+#include "rig/tool/ChipWire.h"
+
 #include <QByteArray>
 
-#include <chrono>
+#include <optional>
 
 namespace tool {
 
-/// The way to one chip. Every call waits for its answer, a few seconds at most.
+/// What the tool asks of one chip, whichever wire leads there. Every call waits for its answer, a few seconds
+/// at most.
 class ChipLink {
 public:
-    virtual ~ChipLink() = default;
+    explicit ChipLink(ChipWire &wire)
+        : m_wire(wire)
+    {
+    }
 
-    /// How long a chip may take to be found, and to show itself in its boot loader.
-    virtual std::chrono::milliseconds patience() const = 0;
+    bool attach(int productId, bool alreadyInBootLoader); ///< talk to this chip
+    bool isReady(); ///< is it on the bus in its boot loader?
+    bool erase(qsizetype imageSize);
+    bool write(qsizetype offset, const QByteArray &block);
+    QByteArray digest(); ///< SHA-256 of what the flash holds, hexadecimal
+    bool restart();
 
-    virtual bool find(int productId) = 0; ///< is it on the bus?
-    virtual bool attach(int productId, bool alreadyInBootLoader) = 0; ///< talk to this chip
-    virtual bool isReady() = 0; ///< is it on the bus in its boot loader?
-    virtual bool erase(qsizetype imageSize) = 0;
-    virtual bool write(qsizetype offset, const QByteArray &block) = 0;
-    virtual QByteArray digest() = 0; ///< SHA-256 of what the flash holds, hexadecimal
-    virtual bool restart() = 0;
+private:
+    bool send(rig::BootLoaderCommand command, const QByteArray &payload = {});
+    std::optional<QByteArray> receive(rig::BootLoaderCommand command);
+    bool isAgreedTo(rig::BootLoaderCommand command);
+    bool agree(rig::BootLoaderCommand command, const QByteArray &payload = {});
+
+    ChipWire &m_wire;
+    const rig::ChipIdentity *m_identity = nullptr;
 };
 
 } // namespace tool

@@ -1,7 +1,7 @@
 #include "rig/tool/FlashRun.h"
 
 #include "rig/ToolWire.h"
-#include "rig/tool/UsbChipLink.h"
+#include "rig/tool/UsbWire.h"
 
 #include <QCryptographicHash>
 #include <QDeadlineTimer>
@@ -101,16 +101,17 @@ std::optional<ToolOptions> ToolOptions::from(const QStringList &arguments)
 FlashRun::FlashRun(const ToolOptions &options, const QStringList &arguments)
     : m_options(options)
     , m_arguments(arguments)
-    , m_usb(qgetenv(rig::wire::kBusVariable) == rig::wire::kUsb ? makeUsbChipLink() : nullptr)
-    , m_chip(m_usb ? *m_usb : m_link)
+    , m_usb(qgetenv(rig::wire::kBusVariable) == rig::wire::kUsb ? makeUsbWire() : nullptr)
+    , m_wire(m_usb ? *m_usb : m_rig)
+    , m_chip(m_wire)
 {
 }
 
 FlashRun::ExitCode FlashRun::execute()
 {
-    const bool connected = m_link.connectToRig();
+    const bool connected = m_rig.connectToRig();
     if (connected)
-        m_behaviour = behaviourFor(m_link.greet(m_arguments));
+        m_behaviour = behaviourFor(m_rig.greet(m_arguments));
     if (m_behaviour.ignoresTerminate)
         std::signal(SIGTERM, SIG_IGN);
     if (m_behaviour.crashesAtStart)
@@ -144,9 +145,9 @@ FlashRun::ExitCode FlashRun::fake()
 
 bool FlashRun::reachBootLoader()
 {
-    return eventually(m_chip.patience(), [this] { return m_chip.find(m_options.productId); })
+    return eventually(m_wire.patience(), [this] { return m_wire.find(m_options.productId); })
         && m_chip.attach(m_options.productId, m_options.alreadyInBootLoader)
-        && eventually(m_chip.patience(), [this] { return m_chip.isReady(); });
+        && eventually(m_wire.patience(), [this] { return m_chip.isReady(); });
 }
 
 bool FlashRun::program(const QByteArray &image)
@@ -200,7 +201,7 @@ void FlashRun::showPercent(int percent)
 // Ends with the rig, so that no tool outlives a host that was killed.
 void FlashRun::stand()
 {
-    m_link.waitForEnd();
+    m_rig.waitForEnd();
     std::exit(Failed);
 }
 

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "rig/tool/BootLoaderLink.h"
+#include "rig/tool/ChipLink.h"
 #include "rig/tool/ProgressFile.h"
+#include "rig/tool/RigLink.h"
 #include "rig/tool/ToolBehaviour.h"
 
 #include <QByteArray>
@@ -43,9 +44,10 @@ private:
 
     ToolOptions m_options;
     QStringList m_arguments;
-    BootLoaderLink m_link;
-    std::unique_ptr<ChipLink> m_usb;
-    ChipLink &m_chip; // one of the two
+    RigLink m_rig;
+    std::unique_ptr<ChipWire> m_usb;
+    ChipWire &m_wire; // one of the two
+    ChipLink m_chip;
     ProgressFile m_progress;
     ToolBehaviour m_behaviour;
 };

@@ -6,6 +6,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QThread>
 
 #include <array>
 
@@ -61,9 +62,11 @@ private:
 
     QList<QByteArray> answer(const QByteArray &report)
     {
-        if (report.startsWith(kBootLoaderReportId))
-            return m_bootLoader.answer(report);
-        return m_device.answer(currentFace().path, report);
+        if (!report.startsWith(kBootLoaderReportId))
+            return m_device.answer(currentFace().path, report);
+        const BootLoaderAnswer answer = m_bootLoader.answer(report);
+        QThread::msleep(answer.after.count());
+        return answer.report.isEmpty() ? QList<QByteArray>() : QList{answer.report};
     }
 
     SimulatedDevice &m_device;

@@ -22,7 +22,7 @@ const QByteArray no(1, '\0');
 
 } // namespace
 
-// What a flashing tool and a chip say to each other over USB.
+// What a flashing tool and a chip say to each other.
 class BootLoaderTest : public QObject {
     Q_OBJECT
 
@@ -35,6 +35,7 @@ private Q_SLOTS:
     void whatIsNoReportIsIgnored();
     void anImageTakenInReportsRuns();
     void onlyTheReportThatCompletesABlockIsAnswered();
+    void onlyErasingTakesItsTime();
     void whatMakesNoSenseIsRefused_data();
     void whatMakesNoSenseIsRefused();
     void aRunningChipTakesNoImage_data();
@@ -66,11 +67,11 @@ void BootLoaderTest::init()
 // The payload of the answer; empty when there is none.
 QByteArray BootLoaderTest::ask(BootLoaderCommand command, const QByteArray &payload)
 {
-    const QList<QByteArray> answers = m_responder->answer(encode({command, payload}));
-    if (answers.isEmpty())
+    const QByteArray report = m_responder->answer(encode({command, payload})).report;
+    if (report.isEmpty())
         return {};
-    const auto answer = decodeBootLoaderReport(answers.first());
-    const bool fits = answers.size() == 1 && answer && answer->command == command;
+    const auto answer = decodeBootLoaderReport(report);
+    const bool fits = answer && answer->command == command;
     return fits ? answer->payload : QByteArray("not an answer to this");
 }
 
@@ -132,7 +133,7 @@ void BootLoaderTest::whatIsNoReportIsIgnored()
 {
     QFETCH(QByteArray, report);
     QVERIFY(!decodeBootLoaderReport(report));
-    QVERIFY(m_responder->answer(report).isEmpty());
+    QVERIFY(m_responder->answer(report).report.isEmpty());
 }
 
 void BootLoaderTest::anImageTakenInReportsRuns()
@@ -154,6 +155,17 @@ void BootLoaderTest::onlyTheReportThatCompletesABlockIsAnswered()
     QCOMPARE(ask(BootLoaderCommand::Data, "ab"), QByteArray());
     QCOMPARE(ask(BootLoaderCommand::Data, "c"), yes);
     QVERIFY(m_device->flash(Chip::Pc).startsWith("abc"));
+}
+
+void BootLoaderTest::onlyErasingTakesItsTime()
+{
+    waitInBootLoader();
+    const auto time = [this](BootLoaderCommand command, const QByteArray &payload) {
+        return m_responder->answer(encode({command, payload})).after;
+    };
+    QCOMPARE(time(BootLoaderCommand::Ready, {}), std::chrono::milliseconds(0));
+    QCOMPARE(time(BootLoaderCommand::Erase, size(1000)), BootLoader::kEraseTime);
+    QCOMPARE(time(BootLoaderCommand::Digest, {}), std::chrono::milliseconds(0));
 }
 
 void BootLoaderTest::whatMakesNoSenseIsRefused_data()

@@ -1,4 +1,5 @@
 #include "rig/BootLoaderPort.h"
+#include "rig/BootLoaderReports.h"
 #include "rig/FirmwareImage.h"
 #include "rig/ToolWire.h"
 #include "tests/support/Sandbox.h"
@@ -503,10 +504,11 @@ void ToolTest::nonsenseOnTheSocketIsHungUpOn_data()
     QTest::addColumn<QByteArray>("sent");
     QTest::newRow("an unknown message") << QByteArray("flash everything\n");
     QTest::newRow("an empty line") << QByteArray("\n");
-    QTest::newRow("a message without its words") << QByteArray("write 0\n");
-    QTest::newRow("a block of no size") << QByteArray("write 0 0\n");
-    QTest::newRow("a block of negative size") << QByteArray("write 0 -5\n");
-    QTest::newRow("a block too large") << QByteArray("write 0 99999999\n");
+    QTest::newRow("a message without its words") << QByteArray("report\n");
+    const QByteArray report = encode({BootLoaderCommand::Ready, {}}).toHex();
+    QTest::newRow("a report before the greeting") << QByteArray("report " + report + '\n');
+    QTest::newRow("a report one byte short") << QByteArray("hello 1\nreport " + report.chopped(2) + '\n');
+    QTest::newRow("a report that is no number") << QByteArray("hello 1\nreport block\n");
     QTest::newRow("a line without an end") << QByteArray(100 * 1024, 'x');
 }
 

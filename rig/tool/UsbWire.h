@@ -1,12 +1,12 @@
 #pragma once
 
-#include "rig/tool/ChipLink.h"
+#include "rig/tool/ChipWire.h"
 
 #include <memory>
 
 namespace tool {
 
 /// The way to a chip over the machine's own USB; null where there is none.
-std::unique_ptr<ChipLink> makeUsbChipLink();
+std::unique_ptr<ChipWire> makeUsbWire();
 
 } // namespace tool

@@ -1,0 +1,10 @@
+#include "rig/tool/UsbWire.h"
+
+namespace tool {
+
+std::unique_ptr<ChipWire> makeUsbWire()
+{
+    return nullptr;
+}
+
+} // namespace tool
