@@ -7,13 +7,15 @@
 #include "rig/SimulatedDevice.h"
 
 #include <QList>
+#include <QMutex>
 #include <QObject>
 #include <QStringList>
 
 #include <array>
 #include <atomic>
 #include <chrono>
-#include <memory>
+
+class QLocalServer;
 
 namespace rig {
 
@@ -59,13 +61,20 @@ Q_SIGNALS:
     void toolEnded(const rig::ToolRun &run);
 
 private:
-    class Listener;
-    struct Log;
-    std::shared_ptr<Log> m_log;
+    // On the rig's thread.
+    void acceptAll();
+    void begin(const ToolRun &run);
+    void end(const ToolRun &run);
+
     RigThread &m_thread;
+    SimulatedDevice &m_device;
+    FaultBoard &m_faults;
+    Journal &m_journal;
     std::array<BootLoader, 2> m_bootLoaders;
     std::atomic<bool> m_greetingsOnly{false};
-    Listener *m_listener; // lives on the rig's thread
+    QLocalServer *m_server = nullptr; // lives on the rig's thread
+    mutable QMutex m_mutex;
+    QList<ToolRun> m_runs;
 };
 
 } // namespace rig
