@@ -11,7 +11,12 @@ namespace probe {
 
 namespace {
 
-constexpr char kReportId = 0x51;
+/// The ID that the panel's own reports begin with.
+char reportId()
+{
+    static const char id = ControlMessages::getInstance()->randomRead(DeviceRegister::kUpgradeMode).at(0);
+    return id;
+}
 
 struct NamedRegister {
     quint16 address;
@@ -130,7 +135,7 @@ QStringList oddities(const RegisterReport &report, const QByteArray &payload, Di
 
 QString wordsOf(const QByteArray &report, Direction direction)
 {
-    if (!report.startsWith(kReportId))
+    if (!report.startsWith(reportId()))
         return QStringLiteral("not a report of the device: its ID is not 51");
     const QByteArray payload = report.sliced(1);
     const auto decoded = RegisterReport::decode(payload);

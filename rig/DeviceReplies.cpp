@@ -8,9 +8,6 @@ namespace rig {
 
 namespace {
 
-constexpr quint16 kModeFlag = 0x1008;
-constexpr quint16 kPcVersion = 0x000B;
-constexpr quint16 kOtgVersion = 0x0010;
 constexpr int kShortReply = 4; // bytes behind the report ID
 
 bool isVersionPart(quint16 address, quint16 version)
@@ -20,12 +17,12 @@ bool isVersionPart(quint16 address, quint16 version)
 
 quint16 valueOf(quint16 address, const Registers &registers)
 {
-    if (address == kModeFlag)
+    if (address == kModeRegister)
         return registers.inBootLoader ? 1 : 0;
-    if (isVersionPart(address, kPcVersion))
-        return quint16(registers.pcVersion.segmentAt(address - kPcVersion));
-    if (isVersionPart(address, kOtgVersion))
-        return quint16(registers.otgVersion.segmentAt(address - kOtgVersion));
+    if (isVersionPart(address, kPcVersionRegister))
+        return quint16(registers.pcVersion.segmentAt(address - kPcVersionRegister));
+    if (isVersionPart(address, kOtgVersionRegister))
+        return quint16(registers.otgVersion.segmentAt(address - kOtgVersionRegister));
     return registers.written.value(address);
 }
 
@@ -33,9 +30,10 @@ quint16 valueOf(quint16 address, const Registers &registers)
 std::optional<Chip> chipReadBy(const RegisterRequest &request)
 {
     const quint16 first = request.addresses.first();
-    if (request.operation != Operation::ContinuousRead || (first != kPcVersion && first != kOtgVersion))
+    if (request.operation != Operation::ContinuousRead
+        || (first != kPcVersionRegister && first != kOtgVersionRegister))
         return {};
-    return first == kPcVersion ? Chip::Pc : Chip::Otg;
+    return first == kPcVersionRegister ? Chip::Pc : Chip::Otg;
 }
 
 // What this request is told, which a fault may have bent.
@@ -43,7 +41,7 @@ Registers shownTo(const RegisterRequest &request, const Registers &registers, Fa
 {
     Registers shown = registers;
     const bool asksMode
-        = request.operation == Operation::RandomRead && request.addresses.first() == kModeFlag;
+        = request.operation == Operation::RandomRead && request.addresses.first() == kModeRegister;
     if (asksMode && faults.strikes(Fault::DeviceSaysDfu))
         shown.inBootLoader = true;
     if (const auto chip = chipReadBy(request)) {

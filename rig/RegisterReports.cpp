@@ -71,19 +71,20 @@ RegisterRequest decodeRun(Operation operation, const QByteArray &payload)
     return request;
 }
 
-QByteArray frame(Operation operation, const QByteArray &payload)
+} // namespace
+
+QByteArray encodeReport(quint8 operation, const QList<quint16> &words)
 {
     QByteArray report(kPayloadAt, '\0');
     report[0] = kReportId;
     report[kMarkAt] = kMark;
-    report[kLengthAt] = char(kFrame + payload.size());
+    report[kLengthAt] = char(kFrame + 2 * words.size());
     report[kOperationAt] = char(operation);
-    report += payload;
+    for (const quint16 word : words)
+        report += bytesOf(word);
     report += bytesOf(checksum(QByteArrayView(report).sliced(kMarkAt)));
     return report.leftJustified(kReportSize, '\0');
 }
-
-} // namespace
 
 std::optional<RegisterRequest> decodeRequest(const QByteArray &report)
 {
@@ -109,18 +110,16 @@ QByteArray encodeReply(const RegisterRequest &request, const std::function<quint
 {
     const bool run
         = request.operation == Operation::ContinuousRead || request.operation == Operation::ContinuousWrite;
-    QByteArray payload;
-    if (run) {
-        payload += bytesOf(request.addresses.first());
-        payload += bytesOf(quint16(request.addresses.size()));
-    }
+    QList<quint16> words;
+    if (run)
+        words << request.addresses.first() << quint16(request.addresses.size());
     for (const quint16 address : request.addresses) {
         if (!run)
-            payload += bytesOf(address);
+            words << address;
         if (request.operation != Operation::ContinuousWrite)
-            payload += bytesOf(valueOf(address));
+            words << valueOf(address);
     }
-    return frame(request.operation, payload);
+    return encodeReport(quint8(request.operation), words);
 }
 
 } // namespace rig

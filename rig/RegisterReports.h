@@ -11,6 +11,10 @@ namespace rig {
 constexpr int kReportSize = 65; ///< the report ID included
 constexpr char kReportId = 0x51;
 
+constexpr quint16 kModeRegister = 0x1008; ///< 0: the firmware runs
+constexpr quint16 kPcVersionRegister = 0x000B; ///< the first of three: major, minor, patch
+constexpr quint16 kOtgVersionRegister = 0x0010; ///< likewise
+
 enum class Operation : quint8 { RandomWrite = 3, RandomRead = 4, ContinuousWrite = 5, ContinuousRead = 6 };
 
 /// What a host asks of the registers. In a continuous operation the addresses follow each other.
@@ -19,6 +23,10 @@ struct RegisterRequest {
     QList<quint16> addresses;
     QList<quint16> values; ///< write operations: one for each address
 };
+
+/// A report, ID first, with \a words behind the operation. Makes nonsense too, when that is what is asked
+/// for.
+QByteArray encodeReport(quint8 operation, const QList<quint16> &words);
 
 /// Reads an output report, ID first. Nothing for one that a device ignores: wrong size, ID, mark, length or
 /// checksum, an unknown operation, or more registers than fit into one reply.

@@ -1,76 +1,53 @@
 #include "tests/support/DeviceReplies.h"
 
+#include "rig/RegisterReports.h"
+
 namespace DeviceReplies {
 
-namespace {
-constexpr int kReplySize = 64;
-constexpr char kReportId = 0x51;
-constexpr quint8 kRandomRead = 4;
-constexpr quint8 kContinuousRead = 6;
-constexpr quint16 kModeRegister = 0x1008;
-constexpr quint16 kPcVersionRegister = 0x000B;
-constexpr quint16 kOtgVersionRegister = 0x0010;
-
-void appendWord(QByteArray &bytes, unsigned word)
-{
-    bytes.append(char(word & 0xFF)).append(char(word >> 8 & 0xFF));
-}
-
-quint16 wordAt(const QByteArray &bytes, int offset)
-{
-    return quint16(quint8(bytes.at(offset)) | quint8(bytes.at(offset + 1)) << 8);
-}
-} // namespace
+using rig::Operation;
 
 QByteArray reply(quint8 operation, const QList<quint16> &words)
 {
-    QByteArray bytes = QByteArray::fromHex("c400000000");
-    bytes[1] = char(7 + 2 * words.size());
-    bytes[4] = char(operation);
-    for (const quint16 word : words)
-        appendWord(bytes, word);
-    unsigned sum = 0;
-    for (const char byte : bytes)
-        sum += quint8(byte);
-    appendWord(bytes, 0x10000 - sum);
-    return bytes.append(kReplySize - bytes.size(), '\0');
+    return rig::encodeReport(operation, words).sliced(1);
 }
 
 QByteArray mode(quint16 flag)
 {
-    return reply(kRandomRead, {kModeRegister, flag});
+    return reply(quint8(Operation::RandomRead), {rig::kModeRegister, flag});
 }
 
 QByteArray version(quint16 start, Version version)
 {
-    return reply(kContinuousRead, {start, 3, version.major, version.minor, version.patch});
+    return reply(quint8(Operation::ContinuousRead), {start, 3, version.major, version.minor, version.patch});
 }
 
 QByteArray pcVersion(Version numbers)
 {
-    return version(kPcVersionRegister, numbers);
+    return version(rig::kPcVersionRegister, numbers);
 }
 
 QByteArray otgVersion(Version numbers)
 {
-    return version(kOtgVersionRegister, numbers);
+    return version(rig::kOtgVersionRegister, numbers);
 }
 
 QByteArray withId(const QByteArray &reply)
 {
-    return kReportId + reply;
+    return rig::kReportId + reply;
 }
 
 std::function<QList<QByteArray>(const QByteArray &report)> device(Version pc, Version otg)
 {
     return [pc, otg](const QByteArray &report) -> QList<QByteArray> {
-        const quint8 operation = quint8(report.at(5));
-        const quint16 address = wordAt(report, 6);
-        if (operation == kRandomRead && address == kModeRegister)
+        const auto request = rig::decodeRequest(report);
+        const auto asks = [&request](Operation operation, quint16 address) {
+            return request && request->operation == operation && request->addresses.first() == address;
+        };
+        if (asks(Operation::RandomRead, rig::kModeRegister))
             return {withId(mode(0))};
-        if (operation == kContinuousRead && address == kPcVersionRegister)
+        if (asks(Operation::ContinuousRead, rig::kPcVersionRegister))
             return {withId(pcVersion(pc))};
-        if (operation == kContinuousRead && address == kOtgVersionRegister)
+        if (asks(Operation::ContinuousRead, rig::kOtgVersionRegister))
             return {withId(otgVersion(otg))};
         return {};
     };

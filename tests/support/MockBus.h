@@ -1,5 +1,7 @@
 #pragma once
 
+#include "rig/RegisterReports.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
@@ -11,7 +13,7 @@
 struct MockIdentity {
     int vendorId = 0x352F;
     int productId = 0x000E;
-    int reportId = 0x51; ///< the one its report descriptor declares
+    int reportId = rig::kReportId; ///< the one its report descriptor declares
 };
 
 /// A device in its socket: a hidraw node that this process plays, on a thread of its own. Every function may
