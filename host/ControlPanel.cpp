@@ -85,8 +85,7 @@ void ControlPanel::addRow(QFormLayout *form, Text label, QWidget *field, QWidget
 QComboBox *ControlPanel::makeModelBox(void (ControlPanel::*chosen)(Model))
 {
     auto *box = new QComboBox(this);
-    for (const Model model : {Model::R1, Model::R2})
-        box->addItem(nameOf(model));
+    box->addItems(rig::modelNames());
     connect(box, &QComboBox::activated, this, [this, chosen](int index) { (this->*chosen)(Model(index)); });
     return box;
 }

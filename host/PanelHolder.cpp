@@ -9,9 +9,12 @@ using QuillonFirmwareUpgrade::Language;
 namespace host {
 
 namespace {
+// Both enumerations count the models alike.
+static_assert(int(DeviceModel::R1) == int(rig::Model::R1) && int(DeviceModel::R2) == int(rig::Model::R2));
+
 DeviceModel panelModel(rig::Model model)
 {
-    return model == rig::Model::R1 ? DeviceModel::R1 : DeviceModel::R2;
+    return DeviceModel(int(model));
 }
 } // namespace
 

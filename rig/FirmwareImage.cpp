@@ -4,6 +4,8 @@
 
 #include <QCryptographicHash>
 
+#include <algorithm>
+
 namespace rig {
 
 namespace {
@@ -40,13 +42,21 @@ QByteArray digestOf(const QByteArray &image)
     return hash.result();
 }
 
+bool isForKnownDevice(const QByteArray &flash)
+{
+    const QList<ChipIdentity> &all = allIdentities();
+    return std::any_of(all.begin(), all.end(), [&flash](const ChipIdentity &identity) {
+        return identity.model == Model(flash.at(kModelAt)) && identity.chip == Chip(flash.at(kChipAt));
+    });
+}
+
 QString defectOf(const QByteArray &flash)
 {
     if (flash.size() < kImageHeaderSize)
         return QStringLiteral("shorter than a header");
     if (!flash.startsWith(kMark))
         return QStringLiteral("no firmware image");
-    if (quint8(flash.at(kModelAt)) > quint8(Model::R2) || quint8(flash.at(kChipAt)) > quint8(Chip::Otg))
+    if (!isForKnownDevice(flash))
         return QStringLiteral("made for an unknown device");
     const quint32 length = numberAt<quint32>(flash, kLengthAt);
     if (length > quint32(flash.size() - kImageHeaderSize))
@@ -70,7 +80,7 @@ QByteArray buildImage(const ImageInfo &info, int bodySize)
     image.replace(0, kModelAt, kMark);
     image[kModelAt] = char(info.model);
     image[kChipAt] = char(info.chip);
-    quint32 seed = quint32(info.model) * 2 + quint32(info.chip) + 1;
+    auto seed = quint32(identityOf(info.model, info.chip).imageNumber);
     for (int part = 0; part < 3; ++part) {
         const auto number = quint16(info.version.segmentAt(part));
         image.replace(kVersionAt + part * 2, 2, bytesOf(number));

@@ -4,22 +4,34 @@
 
 namespace rig {
 
-const QList<ChipIdentity> &allIdentities()
+const QList<ModelIdentity> &modelTable()
 {
     // The R1's OTG chip keeps its product ID in the boot loader: from the bus alone the two cannot be told
     // apart.
-    static const QList<ChipIdentity> identities{
-        {Model::R1, Chip::Pc, 0x0001, 0x0010, "R1MCU", 153},
-        {Model::R1, Chip::Otg, 0x0012, 0x0012, "R1OTG", 154},
-        {Model::R2, Chip::Pc, 0x000E, 0x00FF, "R2MCU", 155},
-        {Model::R2, Chip::Otg, 0x001F, 0x0065, "R2OTG", 156},
+    // clang-format off
+    static const QList<ModelIdentity> table{
+        {Model::R1, "R1", {Model::R1, Chip::Pc, 0x0001, 0x0010, "R1MCU", 153}, {Model::R1, Chip::Otg, 0x0012, 0x0012, "R1OTG", 154}},
+        {Model::R2, "R2", {Model::R2, Chip::Pc, 0x000E, 0x00FF, "R2MCU", 155}, {Model::R2, Chip::Otg, 0x001F, 0x0065, "R2OTG", 156}},
     };
+    // clang-format on
+    return table;
+}
+
+const QList<ChipIdentity> &allIdentities()
+{
+    static const QList<ChipIdentity> identities = [] {
+        QList<ChipIdentity> all;
+        for (const ModelIdentity &row : modelTable())
+            all << row.pc << row.otg;
+        return all;
+    }();
     return identities;
 }
 
 const ChipIdentity &identityOf(Model model, Chip chip)
 {
-    return allIdentities().at(int(model) * 2 + int(chip));
+    const ModelIdentity &row = modelTable().at(int(model));
+    return chip == Chip::Pc ? row.pc : row.otg;
 }
 
 const ChipIdentity *identityWith(int productId)
@@ -31,9 +43,17 @@ const ChipIdentity *identityWith(int productId)
     return found == all.end() ? nullptr : &*found;
 }
 
+QStringList modelNames()
+{
+    QStringList names;
+    for (const ModelIdentity &row : modelTable())
+        names.append(QLatin1StringView(row.name));
+    return names;
+}
+
 QString nameOf(Model model)
 {
-    return model == Model::R1 ? QStringLiteral("R1") : QStringLiteral("R2");
+    return QLatin1StringView(modelTable().at(int(model)).name);
 }
 
 QString nameOf(Chip chip)
@@ -43,9 +63,9 @@ QString nameOf(Chip chip)
 
 std::optional<Model> modelNamed(QStringView name)
 {
-    for (const Model model : {Model::R1, Model::R2}) {
-        if (name.compare(nameOf(model), Qt::CaseInsensitive) == 0)
-            return model;
+    for (const ModelIdentity &row : modelTable()) {
+        if (name.compare(QLatin1StringView(row.name), Qt::CaseInsensitive) == 0)
+            return row.model;
     }
     return {};
 }

@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 #include <QStringView>
 
 #include <optional>
@@ -28,11 +29,22 @@ struct ChipIdentity {
     int imageNumber; ///< "f_sn" of the server's download
 };
 
-const QList<ChipIdentity> &allIdentities();
+/// All that the rig has to know of a model.
+struct ModelIdentity {
+    Model model;
+    const char *name;
+    ChipIdentity pc;
+    ChipIdentity otg;
+};
+
+/// Every model once, in the order of the enumeration.
+const QList<ModelIdentity> &modelTable();
+const QList<ChipIdentity> &allIdentities(); ///< the chips of all models
 const ChipIdentity &identityOf(Model model, Chip chip);
 const ChipIdentity *identityWith(int productId); ///< in either state; null when nobody has it
 
-QString nameOf(Model model); ///< "R1" or "R2"
+QStringList modelNames(); ///< "R1", "R2"
+QString nameOf(Model model);
 QString nameOf(Chip chip); ///< "pc" or "otg"
 std::optional<Model> modelNamed(QStringView name); ///< either case
 std::optional<Chip> chipNamed(QStringView name); ///< either case

@@ -50,12 +50,17 @@ QString screens()
     return QStringLiteral("a screen (") + screenNames().join(QStringLiteral(", ")) + QLatin1Char(')');
 }
 
+QString quoted(const QStringList &words)
+{
+    return QLatin1Char('"') + words.join(QStringLiteral("\" or \"")) + QLatin1Char('"');
+}
+
 QString quoted(std::initializer_list<const char *> words)
 {
     QStringList list;
     for (const char *word : words)
-        list.append(QLatin1Char('"') + QLatin1StringView(word) + QLatin1Char('"'));
-    return list.join(QStringLiteral(" or "));
+        list.append(QLatin1StringView(word));
+    return quoted(list);
 }
 
 const QList<WordKind> &kinds()
@@ -65,10 +70,8 @@ const QList<WordKind> &kinds()
          [] {
              return quoted({"pc", "otg"});
          }},
-        {"model", [](const QString &w) { return w == u"R1" || w == u"R2"; },
-         [] {
-             return quoted({"R1", "R2"});
-         }},
+        {"model", [](const QString &w) { return modelNames().contains(w); },
+         [] { return quoted(modelNames()); }},
         {"language", [](const QString &w) { return w == u"zh" || w == u"en"; },
          [] {
              return quoted({"zh", "en"});

@@ -130,8 +130,8 @@ void UpdateServer::setVersion(Model model, Chip chip, const QVersionNumber &vers
 
 void UpdateServer::setVersion(Chip chip, const QVersionNumber &version)
 {
-    for (const Model model : {Model::R1, Model::R2})
-        setVersion(model, chip, version);
+    for (const ModelIdentity &row : modelTable())
+        setVersion(row.model, chip, version);
 }
 
 QVersionNumber UpdateServer::version(Model model, Chip chip) const

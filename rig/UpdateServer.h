@@ -53,7 +53,7 @@ public:
 
     /// The newest version of one chip's firmware (1.1.1 at the start); notes and image follow from it.
     void setVersion(Model model, Chip chip, const QVersionNumber &version);
-    void setVersion(Chip chip, const QVersionNumber &version); ///< for both models
+    void setVersion(Chip chip, const QVersionNumber &version); ///< for all models
     QVersionNumber version(Model model, Chip chip) const;
     QByteArray image(Model model, Chip chip) const; ///< what an undisturbed download gives
 
