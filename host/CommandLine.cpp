@@ -1,7 +1,5 @@
 #include "host/CommandLine.h"
 
-#include <QCommandLineParser>
-
 namespace host {
 
 namespace {
@@ -14,12 +12,22 @@ const QString kScenario = QStringLiteral("scenario");
 const QString kHeadless = QStringLiteral("headless");
 const QString kRecord = QStringLiteral("record");
 const QString kFault = QStringLiteral("fault");
-const QString kHelp = QStringLiteral("help");
+
+/// "R1 or R2", with \a mark behind the model that is taken when none is named.
+QString modelsWith(const QString &mark)
+{
+    QStringList names;
+    for (const rig::ModelIdentity &row : rig::modelTable())
+        names.append(QLatin1StringView(row.name) + (row.model == Options().model ? mark : QString()));
+    return names.join(QStringLiteral(" or "));
+}
 
 QList<QCommandLineOption> optionTable()
 {
     return {
-        {kModel, QStringLiteral("Device model that the panel serves: R1 or R2 (the default)."),
+        {kModel,
+         QStringLiteral("Device model that the panel serves: %1.")
+             .arg(modelsWith(QStringLiteral(" (the default)"))),
          QStringLiteral("model")},
         {kLanguage, QStringLiteral("Language of the panel and the window: zh (the default) or en."),
          QStringLiteral("language")},
@@ -38,14 +46,12 @@ QList<QCommandLineOption> optionTable()
         {kFault,
          QStringLiteral("Let this go wrong from the start; needs --simulate; may be given several times."),
          QStringLiteral("name")},
-        {kHelp, QStringLiteral("Print this and end.")},
     };
 }
 
-QString helpText(const QCommandLineParser &parser)
+QString helpText(const options::Words &words)
 {
-    QString text = parser.helpText();
-    text.replace(QStringLiteral("<executable_name>"), QStringLiteral("quillon-host"));
+    QString text = words.helpTextFor(QStringLiteral("quillon-host [options]"));
     text += QStringLiteral("\nFaults:\n");
     for (const rig::FaultInfo &fault : rig::faultTable()) {
         text += QStringLiteral("  %1  %2\n")
@@ -58,26 +64,26 @@ QString helpText(const QCommandLineParser &parser)
     return text;
 }
 
-// Everything that is wrong is noted once, in the order of the options' table; the first note is told.
+// Complains in the order of the options' table.
 class Reader {
 public:
-    explicit Reader(const QCommandLineParser &parser)
-        : m_parser(parser)
+    explicit Reader(options::Words &words)
+        : m_words(words)
     {
     }
 
     Options read()
     {
         Options options;
-        if (const QStringList extra = m_parser.positionalArguments(); !extra.isEmpty())
-            complain(QStringLiteral("unexpected argument \"%1\"").arg(extra.first()));
+        if (const QStringList extra = m_words.positionalArguments(); !extra.isEmpty())
+            m_words.complain(QStringLiteral("unexpected argument \"%1\"").arg(extra.first()));
         readModel(options);
         readLanguage(options);
-        options.simulate = m_parser.isSet(kSimulate);
-        options.usb = m_parser.isSet(kUsb);
-        options.headless = m_parser.isSet(kHeadless);
-        options.scenario = readPlace(kScenario, QStringLiteral("a file"));
-        options.recordFolder = readPlace(kRecord, QStringLiteral("a folder"));
+        options.simulate = m_words.isSet(kSimulate);
+        options.usb = m_words.isSet(kUsb);
+        options.headless = m_words.isSet(kHeadless);
+        options.scenario = m_words.nameIn(kScenario, QStringLiteral("a file"));
+        options.recordFolder = m_words.nameIn(kRecord, QStringLiteral("a folder"));
         readFaults(options);
         require(kUsb, kSimulate);
         require(kScenario, kSimulate);
@@ -86,85 +92,57 @@ public:
         return options;
     }
 
-    QString complaint() const { return m_complaint; }
-
 private:
-    void complain(const QString &text)
-    {
-        if (m_complaint.isEmpty())
-            m_complaint = text;
-    }
-
     void readModel(Options &options)
     {
-        if (!m_parser.isSet(kModel))
+        if (!m_words.isSet(kModel))
             return;
-        const auto model = rig::modelNamed(m_parser.value(kModel));
+        const auto model = rig::modelNamed(m_words.value(kModel));
         if (!model)
-            complain(QStringLiteral("--model takes R1 or R2, not \"%1\"").arg(m_parser.value(kModel)));
+            m_words.complain(
+                QStringLiteral("--model takes %1, not \"%2\"").arg(modelsWith({}), m_words.value(kModel)));
         options.model = model.value_or(options.model);
     }
 
     void readLanguage(Options &options)
     {
-        if (!m_parser.isSet(kLanguage))
+        if (!m_words.isSet(kLanguage))
             return;
-        const QString language = m_parser.value(kLanguage);
+        const QString language = m_words.value(kLanguage);
         if (language != u"zh" && language != u"en")
-            complain(QStringLiteral("--language takes zh or en, not \"%1\"").arg(language));
+            m_words.complain(QStringLiteral("--language takes zh or en, not \"%1\"").arg(language));
         options.english = language == u"en";
-    }
-
-    QString readPlace(const QString &option, const QString &what)
-    {
-        const QString place = m_parser.value(option);
-        if (m_parser.isSet(option) && place.isEmpty())
-            complain(QStringLiteral("--%1 takes the name of %2").arg(option, what));
-        return place;
     }
 
     void readFaults(Options &options)
     {
-        for (const QString &name : m_parser.values(kFault)) {
+        for (const QString &name : m_words.values(kFault)) {
             if (const auto fault = rig::faultNamed(name))
                 options.faults.append(*fault);
             else
-                complain(QStringLiteral("--fault: there is no fault \"%1\"; --help lists them").arg(name));
+                m_words.complain(
+                    QStringLiteral("--fault: there is no fault \"%1\"; --help lists them").arg(name));
         }
     }
 
     void require(const QString &option, const QString &other)
     {
-        if (m_parser.isSet(option) && !m_parser.isSet(other))
-            complain(QStringLiteral("--%1 needs --%2").arg(option, other));
+        if (m_words.isSet(option) && !m_words.isSet(other))
+            m_words.complain(QStringLiteral("--%1 needs --%2").arg(option, other));
     }
 
-    const QCommandLineParser &m_parser;
-    QString m_complaint;
+    options::Words &m_words;
 };
 
 } // namespace
 
 CommandLine readCommandLine(const QStringList &arguments)
 {
-    QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("Shows the firmware-upgrade panel, for a real device or for a simulated one."));
-    parser.addOptions(optionTable());
-
-    if (!parser.parse(arguments)) {
-        QString message = parser.errorText();
-        if (message.endsWith(QLatin1Char('.')))
-            message.chop(1);
-        return {CommandLine::Verdict::Wrong, {}, message};
-    }
-    if (parser.isSet(kHelp))
-        return {CommandLine::Verdict::Help, {}, helpText(parser)};
-    Reader reader(parser);
-    const Options options = reader.read();
-    if (!reader.complaint().isEmpty())
-        return {CommandLine::Verdict::Wrong, {}, reader.complaint()};
-    return {CommandLine::Verdict::Run, options, {}};
+    options::Words words(
+        QStringLiteral("Shows the firmware-upgrade panel, for a real device or for a simulated one."),
+        optionTable(), arguments);
+    const auto read = [](options::Words &words) { return Reader(words).read(); };
+    return options::judge<Options>(words, read, helpText);
 }
 
 } // namespace host

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "probe/options/CommandLine.h"
 #include "rig/Fault.h"
 #include "rig/Identity.h"
 
@@ -21,14 +22,7 @@ struct Options {
     QList<rig::Fault> faults; ///< armed from the start
 };
 
-/// A command line that was read: something to run, or a text to print and a status to end with.
-struct CommandLine {
-    enum class Verdict { Run, Help, Wrong };
-
-    Verdict verdict = Verdict::Run;
-    Options options; ///< only for Run
-    QString message; ///< what is wrong, in one line, or the help text
-};
+using CommandLine = options::CommandLine<Options>;
 
 /// The exit statuses of quillon-host.
 constexpr int kStatusDone = 0; ///< the scenario reached its end, or the window was closed

@@ -1,7 +1,5 @@
 #include "probe/CommandLine.h"
 
-#include <QCommandLineParser>
-
 #include <cmath>
 
 namespace probe {
@@ -15,7 +13,6 @@ const QString kFor = QStringLiteral("for");
 const QString kListen = QStringLiteral("listen");
 const QString kRecord = QStringLiteral("record");
 const QString kReplay = QStringLiteral("replay");
-const QString kHelp = QStringLiteral("help");
 
 constexpr int kRegisters = 0x10000;
 /// A month: far more than anybody watches, and small enough for every timer.
@@ -50,7 +47,6 @@ QList<QCommandLineOption> optionTable()
          QStringLiteral("file")},
         {kReplay, QStringLiteral("Play the device of such a file instead of using the system's bus."),
          QStringLiteral("file")},
-        {kHelp, QStringLiteral("Print this and end.")},
     };
 }
 
@@ -71,7 +67,7 @@ QString commandNames()
     return names.join(QStringLiteral(", "));
 }
 
-QString helpText(const QCommandLineParser &parser)
+QString helpText(const options::Words &words)
 {
     QString commands = QStringLiteral("\nCommands:\n");
     for (const CommandRow &row : kCommands) {
@@ -79,10 +75,7 @@ QString helpText(const QCommandLineParser &parser)
             = QStringLiteral("%1 %2").arg(QLatin1String(row.name), QLatin1String(row.arguments));
         commands += QStringLiteral("  %1  %2\n").arg(form, -22).arg(QLatin1String(row.meaning));
     }
-    QString text = parser.helpText();
-    text.replace(QStringLiteral("<executable_name>"), QStringLiteral("quillon-probe"));
-    text.replace(QStringLiteral("[options]"), QStringLiteral("COMMAND [options]"));
-    return text + commands
+    return words.helpTextFor(QStringLiteral("quillon-probe COMMAND [options]")) + commands
         + QStringLiteral(
                "\nExit status: 0 when it was done, 1 when there is no device or none that answers,\n2 for a "
                "bad "
@@ -100,12 +93,11 @@ std::optional<int> number(const QString &word, int largest)
     return isNumber && value <= largest ? std::optional(value) : std::nullopt;
 }
 
-// Everything that is wrong is noted once; the first note is told.
 class Reader {
 public:
-    explicit Reader(const QCommandLineParser &parser)
-        : m_parser(parser)
-        , m_words(parser.positionalArguments())
+    explicit Reader(options::Words &words)
+        : m_words(words)
+        , m_arguments(words.positionalArguments())
     {
     }
 
@@ -117,108 +109,79 @@ public:
         m_options.command = row->command;
         if (row->command == Command::Read)
             readRegisters();
-        else if (m_words.size() > 1)
-            complain(QStringLiteral("unexpected argument \"%1\"").arg(m_words.at(1)));
-        m_options.json = m_parser.isSet(kJson);
+        else if (m_arguments.size() > 1)
+            m_words.complain(QStringLiteral("unexpected argument \"%1\"").arg(m_arguments.at(1)));
+        m_options.json = m_words.isSet(kJson);
         readDuration(*row);
-        m_options.listen = m_parser.isSet(kListen);
+        m_options.listen = m_words.isSet(kListen);
         if (m_options.listen && row->command != Command::Trace)
-            complain(QStringLiteral("--listen goes with trace"));
-        m_options.recordFile = readFile(kRecord);
-        m_options.replayFile = readFile(kReplay);
+            m_words.complain(QStringLiteral("--listen goes with trace"));
+        m_options.recordFile = m_words.nameIn(kRecord, QStringLiteral("a file"));
+        m_options.replayFile = m_words.nameIn(kReplay, QStringLiteral("a file"));
         return m_options;
     }
 
-    QString complaint() const { return m_complaint; }
-
 private:
-    void complain(const QString &text)
-    {
-        if (m_complaint.isEmpty())
-            m_complaint = text;
-    }
-
     const CommandRow *readCommand()
     {
-        if (m_words.isEmpty()) {
-            complain(QStringLiteral("what to do? One of %1; --help explains them").arg(commandNames()));
+        if (m_arguments.isEmpty()) {
+            m_words.complain(
+                QStringLiteral("what to do? One of %1; --help explains them").arg(commandNames()));
             return nullptr;
         }
-        const CommandRow *const row = commandNamed(m_words.first());
+        const CommandRow *const row = commandNamed(m_arguments.first());
         if (!row)
-            complain(QStringLiteral("there is no command \"%1\"; there is %2")
-                         .arg(m_words.first(), commandNames()));
+            m_words.complain(QStringLiteral("there is no command \"%1\"; there is %2")
+                                 .arg(m_arguments.first(), commandNames()));
         return row;
     }
 
     void readRegisters()
     {
-        if (m_words.size() < 2 || m_words.size() > 3)
-            return complain(QStringLiteral("read takes an address and, if you like, a count"));
-        const auto address = number(m_words.at(1), kRegisters - 1);
+        if (m_arguments.size() < 2 || m_arguments.size() > 3)
+            return m_words.complain(QStringLiteral("read takes an address and, if you like, a count"));
+        const auto address = number(m_arguments.at(1), kRegisters - 1);
         if (!address)
-            return complain(
-                QStringLiteral("\"%1\" is no address: 0 to 65535, or 0x0 to 0xffff").arg(m_words.at(1)));
+            return m_words.complain(
+                QStringLiteral("\"%1\" is no address: 0 to 65535, or 0x0 to 0xffff").arg(m_arguments.at(1)));
         const int most = kRegisters - *address;
-        const auto count = m_words.size() < 3 ? std::optional(1) : number(m_words.at(2), most);
+        const auto count = m_arguments.size() < 3 ? std::optional(1) : number(m_arguments.at(2), most);
         if (!count || *count == 0)
-            return complain(QStringLiteral("\"%1\" is no count: there are 1 to %2 registers from there on")
-                                .arg(m_words.at(2))
-                                .arg(most));
+            return m_words.complain(
+                QStringLiteral("\"%1\" is no count: there are 1 to %2 registers from there on")
+                    .arg(m_arguments.at(2))
+                    .arg(most));
         m_options.address = quint16(*address);
         m_options.count = *count;
     }
 
     void readDuration(const CommandRow &row)
     {
-        if (!m_parser.isSet(kFor))
+        if (!m_words.isSet(kFor))
             return;
         if (!row.lasts)
-            return complain(QStringLiteral("--for goes with watch and trace"));
+            return m_words.complain(QStringLiteral("--for goes with watch and trace"));
         bool isNumber = false;
-        const double seconds = m_parser.value(kFor).toDouble(&isNumber);
+        const double seconds = m_words.value(kFor).toDouble(&isNumber);
         if (!isNumber || !(seconds > 0) || seconds > kLongestDuration)
-            return complain(
-                QStringLiteral("--for takes a number of seconds, not \"%1\"").arg(m_parser.value(kFor)));
+            return m_words.complain(
+                QStringLiteral("--for takes a number of seconds, not \"%1\"").arg(m_words.value(kFor)));
         m_options.duration = std::chrono::milliseconds(qint64(std::ceil(seconds * 1000)));
     }
 
-    QString readFile(const QString &option)
-    {
-        const QString file = m_parser.value(option);
-        if (m_parser.isSet(option) && file.isEmpty())
-            complain(QStringLiteral("--%1 takes the name of a file").arg(option));
-        return file;
-    }
-
-    const QCommandLineParser &m_parser;
-    QStringList m_words;
+    options::Words &m_words;
+    QStringList m_arguments;
     Options m_options;
-    QString m_complaint;
 };
 
 } // namespace
 
 CommandLine readCommandLine(const QStringList &arguments)
 {
-    QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("Looks at a device of the family from the command line."));
-    parser.addOptions(optionTable());
-
-    if (!parser.parse(arguments)) {
-        QString message = parser.errorText();
-        if (message.endsWith(u'.'))
-            message.chop(1);
-        return {CommandLine::Verdict::Wrong, {}, message};
-    }
-    if (parser.isSet(kHelp))
-        return {CommandLine::Verdict::Help, {}, helpText(parser)};
-    Reader reader(parser);
-    const Options options = reader.read();
-    if (!reader.complaint().isEmpty())
-        return {CommandLine::Verdict::Wrong, {}, reader.complaint()};
-    return {CommandLine::Verdict::Run, options, {}};
+    options::Words words(QStringLiteral("Looks at a device of the family from the command line."),
+                         optionTable(), arguments);
+    const auto read = [](options::Words &words) { return Reader(words).read(); };
+    return options::judge<Options>(words, read, helpText);
 }
 
 } // namespace probe

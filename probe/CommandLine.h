@@ -1,5 +1,7 @@
 #pragma once
 
+#include "probe/options/CommandLine.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -28,14 +30,7 @@ struct Options {
     QString replayFile; ///< empty: the system's own bus
 };
 
-/// A command line that was read: something to run, or a text to print and a status to end with.
-struct CommandLine {
-    enum class Verdict { Run, Help, Wrong };
-
-    Verdict verdict = Verdict::Run;
-    Options options; ///< only for Run
-    QString message; ///< what is wrong, in one line, or the help text
-};
+using CommandLine = options::CommandLine<Options>;
 
 /// Reads \a arguments, the program's name first.
 CommandLine readCommandLine(const QStringList &arguments);
