@@ -1,6 +1,7 @@
 #include "rig/tool/FlashRun.h"
 
 #include "rig/ToolWire.h"
+#include "rig/tool/ToolPlatform.h"
 #include "rig/tool/UsbWire.h"
 
 #include <QCryptographicHash>
@@ -11,13 +12,8 @@
 #include <QThread>
 
 #include <algorithm>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
-
-#ifdef Q_OS_WIN
-#include <windows.h>
-#endif
 
 namespace tool {
 
@@ -76,15 +72,6 @@ void chatter()
     std::fflush(stdout);
 }
 
-[[noreturn]] void crash()
-{
-#ifdef Q_OS_WIN
-    // There, an abort is an ordinary end with exit code 3.
-    TerminateProcess(GetCurrentProcess(), UINT(EXCEPTION_ACCESS_VIOLATION));
-#endif
-    std::abort();
-}
-
 } // namespace
 
 std::optional<ToolOptions> ToolOptions::from(const QStringList &arguments)
@@ -113,9 +100,9 @@ FlashRun::ExitCode FlashRun::execute()
     if (connected)
         m_behaviour = behaviourFor(m_rig.greet(m_arguments));
     if (m_behaviour.ignoresTerminate)
-        std::signal(SIGTERM, SIG_IGN);
+        ToolPlatform::ignoreTerminate();
     if (m_behaviour.crashesAtStart)
-        crash();
+        ToolPlatform::crash();
     pause(m_behaviour.startDelay);
     if (m_behaviour.fake != ToolBehaviour::Fake::None)
         return fake();
@@ -193,7 +180,7 @@ void FlashRun::showPercent(int percent)
     if (m_behaviour.chatty)
         chatter();
     if (percent == m_behaviour.crashesAt)
-        crash();
+        ToolPlatform::crash();
     if (percent == m_behaviour.standsAt)
         stand();
 }

@@ -1,7 +1,7 @@
 #include "rig/tool/ProgressFile.h"
 
-#include <QDir>
-#include <QFileInfo>
+#include "rig/tool/ToolPlatform.h"
+
 #include <QThread>
 
 namespace tool {
@@ -11,13 +11,14 @@ constexpr std::chrono::milliseconds kHalfLinePause{30};
 } // namespace
 
 ProgressFile::ProgressFile()
-    : m_file(QDir::homePath() + QStringLiteral("/AppData/Roaming/OrvikQuillon2x2/Firmware_bin.txt"))
+    : m_file(ToolPlatform::progressFile())
 {
 }
 
 bool ProgressFile::begin()
 {
-    QDir().mkpath(QFileInfo(m_file).path());
+    std::error_code trouble;
+    std::filesystem::create_directories(ToolPlatform::progressFile().parent_path(), trouble);
     return m_file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered);
 }
 

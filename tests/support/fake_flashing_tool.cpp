@@ -1,6 +1,7 @@
-// Stands in for the flashing tool in tests. What it does is told by the environment variable
-// QUILLON_FAKE_TOOL, one instruction a line, carried out in order; without one it quits at once with exit
-// code 0.
+// Stands in for the flashing tool in tests. The rig's takes an image to a chip; this one does any one thing,
+// in any order, and starts at once, for it does without Qt: on a test's faster clock a start takes its time.
+// What it does is told by the environment variable QUILLON_FAKE_TOOL, one instruction a line, carried out in
+// order; without one it quits at once with exit code 0.
 //
 //   write TEXT       the progress file now holds this one line
 //   append TEXT      the progress file has one line more
@@ -19,7 +20,7 @@
 //
 // Before the first instruction it adds a line to "flashing-tool-runs.txt" in the home folder: the working
 // directory and the arguments, separated by tabulators.
-#include "tests/support/ToolPlatform.h"
+#include "rig/tool/ToolPlatform.h"
 
 #include <chrono>
 #include <cstdlib>
@@ -36,13 +37,9 @@ namespace fs = std::filesystem;
 namespace {
 using ToolPlatform::home;
 using ToolPlatform::pauseFor;
+using ToolPlatform::progressFile;
 
 std::unique_ptr<ToolPlatform::SharedWriter> heldFile;
-
-fs::path progressFile()
-{
-    return home() / "AppData/Roaming/OrvikQuillon2x2/Firmware_bin.txt";
-}
 
 void recordRun(const std::vector<std::string> &arguments)
 {

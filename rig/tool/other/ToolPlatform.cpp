@@ -1,4 +1,4 @@
-#include "tests/support/ToolPlatform.h"
+#include "rig/tool/ToolPlatform.h"
 
 #include <chrono>
 #include <csignal>
@@ -30,7 +30,6 @@ void ignoreTerminate()
 
 void crash()
 {
-    std::raise(SIGSEGV);
     std::abort();
 }
 

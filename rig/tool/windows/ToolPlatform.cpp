@@ -1,4 +1,4 @@
-#include "tests/support/ToolPlatform.h"
+#include "rig/tool/ToolPlatform.h"
 
 #include <windows.h>
 

@@ -5,10 +5,17 @@
 #include <string>
 #include <vector>
 
-/// What the stand-in for the flashing tool does differently on each system.
+/// What a stand-in for the flashing tool needs of the system: the rig's, and the tests' own, which does
+/// without Qt.
 namespace ToolPlatform {
 
 std::filesystem::path home();
+
+/// Through this file the tool tells how far it is; in a folder that need not be there yet.
+inline std::filesystem::path progressFile()
+{
+    return home() / "AppData/Roaming/OrvikQuillon2x2/Firmware_bin.txt";
+}
 
 /// The arguments without the program's name, as UTF-8.
 std::vector<std::string> arguments(int argc, char **argv);
@@ -17,7 +24,7 @@ std::vector<std::string> arguments(int argc, char **argv);
 void pauseFor(long milliseconds);
 void ignoreTerminate();
 
-[[noreturn]] void crash();
+[[noreturn]] void crash(); ///< ends as a program does that made a mistake
 
 /// Starts this program once more, without arguments, to hang. Its process ID; on Windows only, elsewhere 0.
 long startHelper();
