@@ -118,11 +118,14 @@ bool BootLoaderSession::report(const QStringList &words)
     if (!m_responder || !decodeBootLoaderReport(report))
         return false;
     const BootLoaderAnswer answer = m_responder->answer(report);
-    if (!answer.report.isEmpty()) {
-        QTimer::singleShot(answer.after, this, [this, bytes = answer.report] {
-            reply({QLatin1StringView(wire::kReport), QString::fromLatin1(bytes.toHex())});
-        });
-    }
+    // What takes no time is answered at once: an image is a hundred blocks.
+    const auto pass = [this, bytes = answer.report] {
+        reply({QLatin1StringView(wire::kReport), QString::fromLatin1(bytes.toHex())});
+    };
+    if (answer.after.count() > 0)
+        QTimer::singleShot(answer.after, this, pass);
+    else if (!answer.report.isEmpty())
+        pass();
     return true;
 }
 
