@@ -2,6 +2,8 @@
 
 #include "rig/tool/ToolPlatform.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QThread>
 
 namespace tool {
@@ -11,14 +13,13 @@ constexpr std::chrono::milliseconds kHalfLinePause{30};
 } // namespace
 
 ProgressFile::ProgressFile()
-    : m_file(ToolPlatform::progressFile())
+    : m_file(QDir::home().filePath(QLatin1StringView(ToolPlatform::kProgressFile)))
 {
 }
 
 bool ProgressFile::begin()
 {
-    std::error_code trouble;
-    std::filesystem::create_directories(ToolPlatform::progressFile().parent_path(), trouble);
+    QDir().mkpath(QFileInfo(m_file).path());
     return m_file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered);
 }
 

@@ -11,11 +11,8 @@ namespace ToolPlatform {
 
 std::filesystem::path home();
 
-/// Through this file the tool tells how far it is; in a folder that need not be there yet.
-inline std::filesystem::path progressFile()
-{
-    return home() / "AppData/Roaming/OrvikQuillon2x2/Firmware_bin.txt";
-}
+/// In the home folder: through this file the tool tells how far it is.
+constexpr char kProgressFile[] = "AppData/Roaming/OrvikQuillon2x2/Firmware_bin.txt";
 
 /// The arguments without the program's name, as UTF-8.
 std::vector<std::string> arguments(int argc, char **argv);

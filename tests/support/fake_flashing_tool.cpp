@@ -37,7 +37,6 @@ namespace fs = std::filesystem;
 namespace {
 using ToolPlatform::home;
 using ToolPlatform::pauseFor;
-using ToolPlatform::progressFile;
 
 std::unique_ptr<ToolPlatform::SharedWriter> heldFile;
 
@@ -56,7 +55,7 @@ void report(const std::string &text, std::ios::openmode mode)
     if (heldFile)
         heldFile->write(text, mode == std::ios::trunc);
     else
-        std::ofstream(progressFile(), std::ios::out | mode) << text << std::flush;
+        std::ofstream(home() / ToolPlatform::kProgressFile, std::ios::out | mode) << text << std::flush;
 }
 
 void await(const std::string &name)
@@ -87,7 +86,7 @@ void obey(const std::string &instruction, const std::string &rest)
     else if (instruction == "await")
         await(rest);
     else if (instruction == "hold")
-        heldFile = std::make_unique<ToolPlatform::SharedWriter>(progressFile(), rest);
+        heldFile = std::make_unique<ToolPlatform::SharedWriter>(home() / ToolPlatform::kProgressFile, rest);
     else if (instruction == "helper")
         std::ofstream(home() / "helper.txt") << ToolPlatform::startHelper() << std::flush;
     else if (instruction == "ignore-terminate")
