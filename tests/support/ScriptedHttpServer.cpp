@@ -48,12 +48,12 @@ struct ScriptedHttpServer::Script {
 
     Answer take(HttpConversation &conversation)
     {
-        const rig::HttpRequest &request = conversation.request();
+        const Request &request = conversation.request();
         const QString path = pathOf(request.url);
         QObject::connect(&conversation, &HttpConversation::taken, server,
                          [this, path](qint64 bytes) { countSent(path, bytes); });
         const QMutexLocker lock(&mutex);
-        requests.append({request.method, request.url, request.head});
+        requests.append(request);
         Answer answer = answers.value(path, page(QByteArrayLiteral("nobody programmed this path"), 404));
         if (released.contains(path))
             answer.holdAfter = -1;
@@ -140,8 +140,8 @@ QList<ScriptedHttpServer::Request> ScriptedHttpServer::requests() const
     const QMutexLocker lock(&m_script->mutex);
     QList<Request> copies;
     for (const Request &request : std::as_const(m_script->requests))
-        copies.append({deepCopy(request.method), QUrl::fromEncoded(deepCopy(request.url.toEncoded())),
-                       deepCopy(request.head)});
+        copies.append({deepCopy(request.method), deepCopy(request.target),
+                       QUrl::fromEncoded(deepCopy(request.url.toEncoded())), deepCopy(request.head)});
     return copies;
 }
 

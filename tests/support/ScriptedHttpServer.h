@@ -5,7 +5,6 @@
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
-#include <QUrl>
 
 #include <memory>
 
@@ -22,12 +21,7 @@
 class ScriptedHttpServer {
 public:
     using Answer = rig::HttpAnswer;
-
-    struct Request {
-        QByteArray method;
-        QUrl url; ///< as asked for, host included
-        QByteArray head; ///< every line, line ends as they came
-    };
+    using Request = rig::HttpRequest;
 
     ScriptedHttpServer();
     ~ScriptedHttpServer();
