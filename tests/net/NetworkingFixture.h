@@ -1,6 +1,7 @@
 #pragma once
 
 #include "net/networking_class.h"
+#include "tests/net/ClientInside.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/ScriptedHttpServer.h"
 
@@ -44,7 +45,7 @@ struct NetworkingFixture {
     }
 
     /// Replies that the client still keeps.
-    qsizetype repliesKept() const { return client->manager->findChildren<QNetworkReply *>().size(); }
+    qsizetype repliesKept() const { return ClientInside::manager()->findChildren<QNetworkReply *>().size(); }
 
     static inline const QString kVersionPath = QStringLiteral("/upinfo_test.aspx?proj_name=R2MCU");
     static inline const QString kImagePath = QStringLiteral("/dnfile_test.aspx?f_sn=155");

@@ -70,7 +70,7 @@ void NetworkingTest::thereIsOneInstanceWithoutParent()
     QVERIFY(networking_class::getInstance());
     QCOMPARE(networking_class::getInstance(), m->client);
     QVERIFY(!m->client->parent());
-    QVERIFY(!m->client->manager->parent());
+    QVERIFY(!ClientInside::manager()->parent());
 }
 
 void NetworkingTest::logsAFailedQuery_data()

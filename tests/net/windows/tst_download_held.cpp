@@ -77,7 +77,7 @@ void DownloadHeldTest::asksNothingWhenItIsNeverLetGo()
 {
     auto scanner = hold(Share::Reading);
     m->download(m->image());
-    QTRY_VERIFY_WITH_TIMEOUT(!m->client->heldFileTimer->isActive(), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(!ClientInside::heldFileTimer()->isActive(), kPatience);
     scanner.reset();
     QTest::qWait(500);
     QCOMPARE(m->server.paths(), QStringList());
@@ -102,7 +102,7 @@ void DownloadHeldTest::aFileThatMayBeWrittenMeanwhileIsNotWaitedFor()
 {
     const auto scanner = hold(Share::ReadingAndWriting);
     m->download(m->image());
-    QVERIFY(!m->client->heldFileTimer->isActive());
+    QVERIFY(!ClientInside::heldFileTimer()->isActive());
     QTRY_COMPARE_WITH_TIMEOUT(m->ended.size(), 1, kPatience);
     QCOMPARE(m->contentOf(m->image()), QByteArray("new image"));
 }
