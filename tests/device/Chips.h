@@ -10,37 +10,33 @@ namespace Chips {
 
 using DeviceReplies::Version;
 
-/// A chip and all that is named after it.
-struct Chip {
-    QByteArray (*reply)(Version);
-    QString FirmwareUpgradeWidget::*device;
-    QString FirmwareUpgradeWidget::*remote;
-    QString name;
-    QString r1Path;
-    QString r2Path;
-};
-
-inline const Chip kPc{&DeviceReplies::pcVersion,
-                      &FirmwareUpgradeWidget::m_devicePcVersion,
-                      &FirmwareUpgradeWidget::m_remotePcVersion,
-                      QStringLiteral("PC"),
-                      ServerPaths::kR1PcVersion,
-                      ServerPaths::kR2PcVersion};
-inline const Chip kOtg{&DeviceReplies::otgVersion,
-                       &FirmwareUpgradeWidget::m_deviceOtgVersion,
-                       &FirmwareUpgradeWidget::m_remoteOtgVersion,
-                       QStringLiteral("OTG"),
-                       ServerPaths::kR1OtgVersion,
-                       ServerPaths::kR2OtgVersion};
-
-inline QString deviceLine(const Chip &chip, const QString &version)
+inline QString nameOf(Chip chip)
 {
-    return QStringLiteral("DEVICE %1 VERSION : %2").arg(chip.name, version);
+    return chip == Chip::Pc ? QStringLiteral("PC") : QStringLiteral("OTG");
 }
 
-inline QString remoteLine(const Chip &chip, const QString &version)
+/// The answer to a read of the chip's version.
+inline QByteArray reply(Chip chip, Version version)
 {
-    return QStringLiteral("Remote %1 Firmware Version is: %2").arg(chip.name, version);
+    return chip == Chip::Pc ? DeviceReplies::pcVersion(version) : DeviceReplies::otgVersion(version);
+}
+
+/// Where the server is asked for the chip's newest version.
+inline QString versionPath(Chip chip, DeviceModel model)
+{
+    if (model == DeviceModel::R1)
+        return chip == Chip::Pc ? ServerPaths::kR1PcVersion : ServerPaths::kR1OtgVersion;
+    return chip == Chip::Pc ? ServerPaths::kR2PcVersion : ServerPaths::kR2OtgVersion;
+}
+
+inline QString deviceLine(Chip chip, const QString &version)
+{
+    return QStringLiteral("DEVICE %1 VERSION : %2").arg(nameOf(chip), version);
+}
+
+inline QString remoteLine(Chip chip, const QString &version)
+{
+    return QStringLiteral("Remote %1 Firmware Version is: %2").arg(nameOf(chip), version);
 }
 
 /// The lines of a log but for those of the bus scans, which come whenever the event loop turns.
@@ -57,8 +53,8 @@ inline void addRows()
 {
     QTest::addColumn<Chip>("chip");
     QTest::addColumn<Chip>("otherChip");
-    QTest::newRow("PC chip") << kPc << kOtg;
-    QTest::newRow("OTG chip") << kOtg << kPc;
+    QTest::newRow("PC chip") << Chip::Pc << Chip::Otg;
+    QTest::newRow("OTG chip") << Chip::Otg << Chip::Pc;
 }
 
 } // namespace Chips

@@ -1,8 +1,7 @@
 // Opening the device, losing it, finding it again.
 #include "tests/device/Scans.h"
-#include "tests/panel/PanelStage.h"
+#include "tests/panel/PanelTest.h"
 #include "tests/support/DeviceReplies.h"
-#include "tests/support/PanelState.h"
 #include "tests/support/TestProgram.h"
 
 #include <HIDCommunicator/OrvikHIDManager.h>
@@ -14,12 +13,11 @@ using namespace Qt::StringLiterals;
 using namespace Scans;
 using HIDCommunicator::OrvikHIDManager;
 
-class ConnectionTest : public QObject {
+class ConnectionTest : public PanelTest {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void cleanup() override;
 
     void deviceIsOpenedWithBothThreads();
     void lastOfSeveralIsOpened();
@@ -41,23 +39,14 @@ private slots:
     void questionAskedBeforeThePlugIsAnsweredAfterIt();
 
 private:
-    FirmwareUpgradeWidget &panel() { return *m_stage->panel; }
     QStringList lines() const { return m_stage->log.lines(); }
     QStringList commands() const { return m_stage->log.startingWith(u"hid: "_s); }
-
-    std::unique_ptr<PanelStage> m_stage;
 };
-
-void ConnectionTest::init()
-{
-    m_stage = std::make_unique<PanelStage>();
-    m_stage->log.clear();
-}
 
 void ConnectionTest::cleanup()
 {
-    panel().m_isUpgrading = false;
-    m_stage.reset();
+    panel().pretendUpgrading(false);
+    PanelTest::cleanup();
 }
 
 void ConnectionTest::deviceIsOpenedWithBothThreads()
@@ -66,7 +55,7 @@ void ConnectionTest::deviceIsOpenedWithBothThreads()
     const QString own = u"\\\\?\\HID#VID_352F&PID_000E#7&2"_s;
     PanelStage::bus().plugPath(own, 0x000E);
 
-    panel().ConnectingR2({own}, {});
+    panel().seeDevices({own});
     QCOMPARE(lines(),
              QStringList({
                  u"[ConnectingR2] START - m_isUpgrading=false m_autoRecoverRunning=false"_s,
@@ -88,7 +77,7 @@ void ConnectionTest::lastOfSeveralIsOpened()
     const QString first = PanelStage::bus().plug(0x000E, 1);
     const QString second = PanelStage::bus().plug(0x000E, 2);
 
-    panel().ConnectingR2({first, second}, {});
+    panel().seeDevices({first, second});
     QCOMPARE(PanelStage::bus().opened(), QStringList(second));
 }
 
@@ -96,23 +85,23 @@ void ConnectionTest::refusedOpenIsTriedAgainByTheNextScan()
 {
     const QString device = PanelStage::bus().plug(0x000E);
     PanelStage::bus().refuseOpen(true);
-    panel().ConnectingR2({device}, {});
+    panel().seeDevices({device});
     QCOMPARE(commands(), QStringList(u"hid: openHIDHandle(%1, 0x352f, 0x000e, 0)"_s.arg(device)));
     QVERIFY(!m_stage->log.contains(u"connected R2 successfully!!!"_s));
     QCOMPARE(lines().constLast(), commands().constLast()); // silently
 
     PanelStage::bus().refuseOpen(false);
-    panel().ConnectingR2({device}, {});
+    panel().seeDevices({device});
     QVERIFY(m_stage->log.contains(u"connected R2 successfully!!!"_s));
 }
 
 void ConnectionTest::secondScanOpensNothing()
 {
     const QString device = PanelStage::bus().plug(0x000E);
-    panel().ConnectingR2({device}, {});
+    panel().seeDevices({device});
     m_stage->log.clear();
 
-    panel().ConnectingR2({device}, {});
+    panel().seeDevices({device});
     QCOMPARE(commands(), QStringList());
     QCOMPARE(lines().constLast(), u"hid? getConnected() = true"_s);
     QCOMPARE(PanelStage::bus().opened().size(), 1);
@@ -123,19 +112,19 @@ void ConnectionTest::normalDeviceWinsOverBootLoader()
     const QString device = PanelStage::bus().plug(0x000E);
     QSignalSpy bricked(&panel(), &FirmwareUpgradeWidget::onDeviceBrickedDetected);
 
-    panel().ConnectingR2({path(u"00ff"_s), device, path(u"00ff"_s)}, {});
+    panel().seeDevices({path(u"00ff"_s), device, path(u"00ff"_s)});
     QCOMPARE(PanelStage::bus().opened(), QStringList(device));
     QCOMPARE(bricked.count(), 0);
-    QVERIFY(!panel().m_isUpgrading);
-    QVERIFY(!panel().m_autoRecoverRunning);
-    QCOMPARE(panel().lastDetectedPcPid, 255); // the last PC match of the list
+    QVERIFY(!panel().isUpgrading());
+    QVERIFY(!panel().isRecovering());
+    QCOMPARE(panel().lastSeenId(Chip::Pc), 255); // the last PC match of the list
 }
 
 void ConnectionTest::switchedModelNamesTheProductIdOfTheOpen()
 {
     const QString device = PanelStage::bus().plug(0x000E);
 
-    panel().ConnectingR2({device, path(u"0010"_s)}, {});
+    panel().seeDevices({device, path(u"0010"_s)});
     QCOMPARE(commands(), QStringList(u"hid: openHIDHandle(%1, 0x352f, 0x0001, 0)"_s.arg(device)));
 }
 
@@ -156,20 +145,20 @@ void ConnectionTest::connectionStatus()
 {
     QFETCH(int, status);
 
-    panel().onHidConnetChanged(status);
+    panel().connectionChanges(status);
     QTEST(lines(), "expected");
 }
 
 void ConnectionTest::connectionStatusChangesNoMember()
 {
-    panel().lastDetectedPcPid = 14;
-    panel().m_devicePcVersion = u"1.2.3"_s;
-    panel().m_isUpgrading = true;
-    const QStringList before = panelState(panel());
+    panel().pretendLastSeenId(Chip::Pc, 14);
+    panel().pretendDeviceVersion(Chip::Pc, u"1.2.3"_s);
+    panel().pretendUpgrading(true);
+    const QStringList before = panel().state();
 
-    panel().onHidConnetChanged(1);
-    panel().onHidConnetChanged(0);
-    QCOMPARE(panelState(panel()), before);
+    panel().connectionChanges(1);
+    panel().connectionChanges(0);
+    QCOMPARE(panel().state(), before);
 }
 
 void ConnectionTest::signalsOfTheLibraryWaitForTheEventLoop_data()
@@ -204,7 +193,7 @@ void ConnectionTest::pluggedDeviceIsOpenedByItself()
 
     QTRY_COMPARE(PanelStage::bus().opened(), QStringList(device));
     QTRY_VERIFY(m_stage->log.contains(u"[状态] 设备连接信号"_s));
-    QCOMPARE(panel().lastDetectedPcPid, 14);
+    QCOMPARE(panel().lastSeenId(Chip::Pc), 14);
 }
 
 void ConnectionTest::deviceOfTheOtherModelIsLeftAlone()
@@ -213,7 +202,7 @@ void ConnectionTest::deviceOfTheOtherModelIsLeftAlone()
 
     QTRY_VERIFY(m_stage->log.contains(u"2pid is: 0001"_s));
     QCOMPARE(commands(), QStringList());
-    QCOMPARE(panel().m_deviceModel, DeviceModel::R2);
+    QCOMPARE(panel().model(), DeviceModel::R2);
 }
 
 void ConnectionTest::removedDeviceIsFoundAgain()
@@ -225,8 +214,8 @@ void ConnectionTest::removedDeviceIsFoundAgain()
     PanelStage::bus().unplug(0x000E);
     QTRY_VERIFY(m_stage->log.contains(u"\n[状态] 设备已断开！定时器应该切换到1秒快速扫描"_s));
     QTRY_COMPARE(PanelStage::bus().openConnections(), 0);
-    QVERIFY(!panel().m_hidManager->getConnected());
-    QCOMPARE(panel().lastDetectedPcPid, 14); // remembered
+    QVERIFY(!panel().isDeviceOpen());
+    QCOMPARE(panel().lastSeenId(Chip::Pc), 14); // remembered
 
     PanelStage::bus().plug(0x000E);
     QTRY_COMPARE(PanelStage::bus().opened(), QStringList({device, device}));
@@ -248,8 +237,8 @@ void ConnectionTest::questionAskedBeforeThePlugIsAnsweredAfterIt()
     PanelStage::bus().setResponder(DeviceReplies::device({1, 2, 3}, {1, 2, 4}));
 
     PanelStage::bus().plug(0x000E);
-    QTRY_COMPARE(panel().m_deviceOtgVersion, u"1.2.4"_s);
-    QCOMPARE(panel().m_devicePcVersion, u"1.2.3"_s);
+    QTRY_COMPARE(panel().deviceVersion(Chip::Otg), u"1.2.4"_s);
+    QCOMPARE(panel().deviceVersion(Chip::Pc), u"1.2.3"_s);
 }
 
 QUILLON_TEST(ConnectionTest)

@@ -13,6 +13,8 @@
 using namespace Qt::StringLiterals;
 
 namespace {
+using Builder = QByteArray (*)(const QList<quint16> &);
+
 constexpr int kReportSize = 65;
 constexpr int kLengthOffset = 2;
 
@@ -208,25 +210,25 @@ void ControlMessagesTest::surplusPartnersAreLeftOut()
 
 void ControlMessagesTest::whatDoesNotFitIsNotBuilt_data()
 {
-    QTest::addColumn<int>("builder");
+    QTest::addColumn<Builder>("build");
     QTest::addColumn<int>("count");
-    QTest::newRow("29 addresses") << 0 << 29;
-    QTest::newRow("15 pairs") << 1 << 15;
-    QTest::newRow("27 values") << 2 << 27;
-    QTest::newRow("more than the length byte can say") << 0 << 1000;
+    const Builder read = [](const QList<quint16> &list) { return messages()->randomRead(list); };
+    const Builder writePairs = [](const QList<quint16> &list) { return messages()->randomWrite(list, list); };
+    const Builder write = [](const QList<quint16> &list) { return messages()->continuousWrite(0, 0, list); };
+    QTest::newRow("29 addresses") << read << 29;
+    QTest::newRow("15 pairs") << writePairs << 15;
+    QTest::newRow("27 values") << write << 27;
+    QTest::newRow("more than the length byte can say") << read << 1000;
 }
 
 void ControlMessagesTest::whatDoesNotFitIsNotBuilt()
 {
-    QFETCH(int, builder);
+    QFETCH(Builder, build);
     QFETCH(int, count);
     const QList<quint16> list = numbers(count, 0, 1);
 
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"do not fit into one report$"_s));
-    const QByteArray report = builder == 0 ? messages()->randomRead(list)
-        : builder == 1                     ? messages()->randomWrite(list, list)
-                                           : messages()->continuousWrite(0, 0, list);
-    QCOMPARE(report, QByteArray());
+    QCOMPARE(build(list), QByteArray());
 }
 
 void ControlMessagesTest::buildersAreIndependent()

@@ -1,7 +1,6 @@
 // One list of device paths judged: what is recognised and remembered, and which model the panel then serves.
 #include "tests/device/Scans.h"
-#include "tests/panel/PanelStage.h"
-#include "tests/support/PanelState.h"
+#include "tests/panel/PanelTest.h"
 #include "tests/support/TestProgram.h"
 
 #include <QTest>
@@ -10,21 +9,15 @@ using namespace Qt::StringLiterals;
 using namespace Scans;
 
 namespace {
-DeviceModel model(int value)
-{
-    return static_cast<DeviceModel>(value);
-}
-
 const QString kR1Switch = u"[ConnectingR2] 检测到R1 DFU PID，自动切换 model 为 R1"_s;
 const QString kR2Switch = u"[ConnectingR2] 检测到R2 DFU PID，自动切换 model 为 R2"_s;
 } // namespace
 
-class DiscoveryTest : public QObject {
+class DiscoveryTest : public PanelTest {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void cleanup() override;
 
     void logBegins_data();
     void logBegins();
@@ -37,27 +30,18 @@ private slots:
     void modelSwitchResetsNothing();
 
 private:
-    FirmwareUpgradeWidget &panel() { return *m_stage->panel; }
     QStringList lines() const { return m_stage->log.lines(); }
     /// Discovery raises the signal all the same; the panel does not act on it.
     void dropRecovery()
     {
         disconnect(&panel(), &FirmwareUpgradeWidget::onDeviceBrickedDetected, &panel(), nullptr);
     }
-
-    std::unique_ptr<PanelStage> m_stage;
 };
-
-void DiscoveryTest::init()
-{
-    m_stage = std::make_unique<PanelStage>();
-    m_stage->log.clear();
-}
 
 void DiscoveryTest::cleanup()
 {
-    panel().m_isUpgrading = false;
-    m_stage.reset();
+    panel().pretendUpgrading(false);
+    PanelTest::cleanup();
 }
 
 void DiscoveryTest::logBegins_data()
@@ -75,10 +59,10 @@ void DiscoveryTest::logBegins()
     QFETCH(QStringList, devices);
     QFETCH(bool, isUpgrading);
     QFETCH(bool, isRecovering);
-    panel().m_isUpgrading = isUpgrading;
-    panel().m_autoRecoverRunning = isRecovering;
+    panel().pretendUpgrading(isUpgrading);
+    panel().pretendRecovering(isRecovering);
 
-    panel().ConnectingR2(devices, {});
+    panel().seeDevices(devices);
     QCOMPARE(lines().mid(0, 2),
              QStringList({u"[ConnectingR2] START - m_isUpgrading=%1 m_autoRecoverRunning=%2"_s.arg(
                               word(isUpgrading), word(isRecovering)),
@@ -87,7 +71,7 @@ void DiscoveryTest::logBegins()
 
 void DiscoveryTest::pathsAreClassified_data()
 {
-    QTest::addColumn<int>("modelBefore");
+    QTest::addColumn<DeviceModel>("modelBefore");
     QTest::addColumn<int>("lastPcBefore");
     QTest::addColumn<int>("lastOtgBefore");
     QTest::addColumn<QStringList>("productIds");
@@ -95,71 +79,83 @@ void DiscoveryTest::pathsAreClassified_data()
     QTest::addColumn<int>("lastPc");
     QTest::addColumn<int>("lastOtg");
     QTest::addColumn<QString>("lastLine"); // of the last path
-    const auto row
-        = [](const char *name, int modelBefore, std::pair<int, int> before, const QStringList &productIds,
-             const QString &found, std::pair<int, int> after, const QString &lastLine) {
-              QTest::newRow(name) << modelBefore << before.first << before.second << productIds << found
-                                  << after.first << after.second << lastLine;
-          };
+    const auto row = [](const char *name, DeviceModel modelBefore, std::pair<int, int> before,
+                        const QStringList &productIds, const QString &found, std::pair<int, int> after,
+                        const QString &lastLine) {
+        QTest::newRow(name) << modelBefore << before.first << before.second << productIds << found
+                            << after.first << after.second << lastLine;
+    };
     const QString normal = u"find R2 device"_s;
     const QString otg = u"find R2 OTG device"_s;
     const QString otgDfu = u"find R2 OTG DFU device"_s;
 
-    row("nothing keeps what was seen", 1, {14, 31}, {}, u""_s, {14, 31}, u""_s);
-    row("R2: the PC chip", 1, {0, 0}, {u"000e"_s}, u"P"_s, {14, 0}, normal);
-    row("R1: the PC chip", 0, {0, 0}, {u"0001"_s}, u"P"_s, {1, 0}, normal);
-    row("2 is served as R2: the PC chip", 2, {0, 0}, {u"000e"_s}, u"P"_s, {14, 0}, normal);
-    row("upper case", 1, {0, 0}, {u"000E"_s}, u"P"_s, {14, 0}, normal);
-    row("R2: its boot loader", 1, {0, 0}, {u"00ff"_s}, u"p"_s, {255, 0}, u"find DFU device, pid=ff"_s);
-    row("R2: its boot loader in upper case", 1, {0, 0}, {u"00FF"_s}, u"p"_s, {255, 0},
+    row("nothing keeps what was seen", DeviceModel::R2, {14, 31}, {}, u""_s, {14, 31}, u""_s);
+    row("R2: the PC chip", DeviceModel::R2, {0, 0}, {u"000e"_s}, u"P"_s, {14, 0}, normal);
+    row("R1: the PC chip", DeviceModel::R1, {0, 0}, {u"0001"_s}, u"P"_s, {1, 0}, normal);
+    row("2 is served as R2: the PC chip", DeviceModel(2), {0, 0}, {u"000e"_s}, u"P"_s, {14, 0}, normal);
+    row("upper case", DeviceModel::R2, {0, 0}, {u"000E"_s}, u"P"_s, {14, 0}, normal);
+    row("R2: its boot loader", DeviceModel::R2, {0, 0}, {u"00ff"_s}, u"p"_s, {255, 0},
         u"find DFU device, pid=ff"_s);
-    row("R1: its boot loader", 0, {0, 0}, {u"0010"_s}, u"p"_s, {16, 0}, u"find DFU device, pid=10"_s);
-    row("R2: the OTG chip", 1, {0, 0}, {u"001f"_s}, u"O"_s, {0, 31}, otg);
-    row("R2: the OTG chip's boot loader", 1, {0, 0}, {u"0065"_s}, u"o"_s, {0, 101}, otgDfu);
-    row("R1: 0x0012 is always the normal OTG chip", 0, {0, 0}, {u"0012"_s}, u"O"_s, {0, 18}, otg);
-    row("R2: 0x0012 is nothing", 1, {0, 0}, {u"0012"_s}, u""_s, {0, 0}, u"2pid is: 0012"_s);
-    row("R2: an R1 in normal mode is nothing", 1, {0, 0}, {u"0001"_s}, u""_s, {0, 0}, u"2pid is: 0001"_s);
-    row("R1: an R2 in normal mode is nothing", 0, {0, 0}, {u"000e"_s}, u""_s, {0, 0}, u"2pid is: 000e"_s);
-    row("R1: an R2's OTG chip is nothing", 0, {0, 0}, {u"001f"_s}, u""_s, {0, 0}, u"2pid is: 001f"_s);
-    row("R1: an R2's OTG boot loader is nothing", 0, {0, 0}, {u"0065"_s}, u""_s, {0, 0}, u"2pid is: 0065"_s);
-    row("another device of the family", 1, {14, 31}, {u"1234"_s}, u""_s, {14, 31}, u"2pid is: 1234"_s);
+    row("R2: its boot loader in upper case", DeviceModel::R2, {0, 0}, {u"00FF"_s}, u"p"_s, {255, 0},
+        u"find DFU device, pid=ff"_s);
+    row("R1: its boot loader", DeviceModel::R1, {0, 0}, {u"0010"_s}, u"p"_s, {16, 0},
+        u"find DFU device, pid=10"_s);
+    row("R2: the OTG chip", DeviceModel::R2, {0, 0}, {u"001f"_s}, u"O"_s, {0, 31}, otg);
+    row("R2: the OTG chip's boot loader", DeviceModel::R2, {0, 0}, {u"0065"_s}, u"o"_s, {0, 101}, otgDfu);
+    row("R1: 0x0012 is always the normal OTG chip", DeviceModel::R1, {0, 0}, {u"0012"_s}, u"O"_s, {0, 18},
+        otg);
+    row("R2: 0x0012 is nothing", DeviceModel::R2, {0, 0}, {u"0012"_s}, u""_s, {0, 0}, u"2pid is: 0012"_s);
+    row("R2: an R1 in normal mode is nothing", DeviceModel::R2, {0, 0}, {u"0001"_s}, u""_s, {0, 0},
+        u"2pid is: 0001"_s);
+    row("R1: an R2 in normal mode is nothing", DeviceModel::R1, {0, 0}, {u"000e"_s}, u""_s, {0, 0},
+        u"2pid is: 000e"_s);
+    row("R1: an R2's OTG chip is nothing", DeviceModel::R1, {0, 0}, {u"001f"_s}, u""_s, {0, 0},
+        u"2pid is: 001f"_s);
+    row("R1: an R2's OTG boot loader is nothing", DeviceModel::R1, {0, 0}, {u"0065"_s}, u""_s, {0, 0},
+        u"2pid is: 0065"_s);
+    row("another device of the family", DeviceModel::R2, {14, 31}, {u"1234"_s}, u""_s, {14, 31},
+        u"2pid is: 1234"_s);
 
-    row("both chips", 1, {0, 0}, {u"000e"_s, u"001f"_s}, u"PO"_s, {14, 31}, otg);
-    row("both chips the other way round", 1, {0, 0}, {u"001f"_s, u"000e"_s}, u"PO"_s, {14, 31}, normal);
-    row("the later PC match is remembered: boot loader", 1, {0, 0}, {u"000e"_s, u"00ff"_s}, u"Pp"_s, {255, 0},
-        u"find DFU device, pid=ff"_s);
-    row("the later PC match is remembered: normal", 1, {0, 0}, {u"00ff"_s, u"000e"_s}, u"Pp"_s, {14, 0},
+    row("both chips", DeviceModel::R2, {0, 0}, {u"000e"_s, u"001f"_s}, u"PO"_s, {14, 31}, otg);
+    row("both chips the other way round", DeviceModel::R2, {0, 0}, {u"001f"_s, u"000e"_s}, u"PO"_s, {14, 31},
         normal);
-    row("a PC chip overwrites what was seen before", 1, {255, 0}, {u"000e"_s}, u"P"_s, {14, 0}, normal);
-    row("an OTG chip leaves the PC chip remembered", 1, {14, 0}, {u"001f"_s}, u"O"_s, {14, 31}, otg);
+    row("the later PC match is remembered: boot loader", DeviceModel::R2, {0, 0}, {u"000e"_s, u"00ff"_s},
+        u"Pp"_s, {255, 0}, u"find DFU device, pid=ff"_s);
+    row("the later PC match is remembered: normal", DeviceModel::R2, {0, 0}, {u"00ff"_s, u"000e"_s}, u"Pp"_s,
+        {14, 0}, normal);
+    row("a PC chip overwrites what was seen before", DeviceModel::R2, {255, 0}, {u"000e"_s}, u"P"_s, {14, 0},
+        normal);
+    row("an OTG chip leaves the PC chip remembered", DeviceModel::R2, {14, 0}, {u"001f"_s}, u"O"_s, {14, 31},
+        otg);
 
-    row("a normal OTG sighting is not overwritten in the same list", 1, {0, 0}, {u"001f"_s, u"0065"_s},
-        u"Oo"_s, {0, 31}, otgDfu);
-    row("a normal OTG sighting overwrites the boot loader", 1, {0, 0}, {u"0065"_s, u"001f"_s}, u"Oo"_s,
-        {0, 31}, otg);
-    row("a normal OTG sighting of an earlier list is not overwritten", 1, {0, 31}, {u"0065"_s}, u"o"_s,
-        {0, 31}, otgDfu);
-    row("another model's OTG sighting is overwritten", 1, {0, 18}, {u"0065"_s}, u"o"_s, {0, 101}, otgDfu);
-    row("everything at once", 1, {0, 0}, {u"0065"_s, u"001f"_s, u"00ff"_s, u"000e"_s, u"1234"_s}, u"PpOo"_s,
-        {14, 31}, u"2pid is: 1234"_s);
+    row("a normal OTG sighting is not overwritten in the same list", DeviceModel::R2, {0, 0},
+        {u"001f"_s, u"0065"_s}, u"Oo"_s, {0, 31}, otgDfu);
+    row("a normal OTG sighting overwrites the boot loader", DeviceModel::R2, {0, 0}, {u"0065"_s, u"001f"_s},
+        u"Oo"_s, {0, 31}, otg);
+    row("a normal OTG sighting of an earlier list is not overwritten", DeviceModel::R2, {0, 31}, {u"0065"_s},
+        u"o"_s, {0, 31}, otgDfu);
+    row("another model's OTG sighting is overwritten", DeviceModel::R2, {0, 18}, {u"0065"_s}, u"o"_s,
+        {0, 101}, otgDfu);
+    row("everything at once", DeviceModel::R2, {0, 0},
+        {u"0065"_s, u"001f"_s, u"00ff"_s, u"000e"_s, u"1234"_s}, u"PpOo"_s, {14, 31}, u"2pid is: 1234"_s);
 }
 
 void DiscoveryTest::pathsAreClassified()
 {
-    QFETCH(int, modelBefore);
+    QFETCH(DeviceModel, modelBefore);
     QFETCH(int, lastPcBefore);
     QFETCH(int, lastOtgBefore);
     QFETCH(QStringList, productIds);
     QFETCH(QString, found);
     QFETCH(QString, lastLine);
     dropRecovery();
-    panel().m_deviceModel = model(modelBefore);
-    panel().lastDetectedPcPid = lastPcBefore;
-    panel().lastDetectedOtgPid = lastOtgBefore;
+    panel().pretendModel(modelBefore);
+    panel().pretendLastSeenId(Chip::Pc, lastPcBefore);
+    panel().pretendLastSeenId(Chip::Otg, lastOtgBefore);
 
-    panel().ConnectingR2(paths(productIds), {1, 2, 3}); // the list of product IDs is not looked at
-    QTEST(panel().lastDetectedPcPid, "lastPc");
-    QTEST(panel().lastDetectedOtgPid, "lastOtg");
+    panel().seeDevices(paths(productIds), {1, 2, 3}); // the list of product IDs is not looked at
+    QTEST(panel().lastSeenId(Chip::Pc), "lastPc");
+    QTEST(panel().lastSeenId(Chip::Otg), "lastOtg");
     const qsizetype foundAt = lines().indexOf(foundLine(found));
     QVERIFY2(foundAt > 0, qPrintable(lines().join(u'\n')));
     if (!lastLine.isEmpty())
@@ -200,44 +196,49 @@ void DiscoveryTest::oddPaths()
     QFETCH(QString, oddPath);
     QFETCH(QString, found);
 
-    panel().ConnectingR2({oddPath}, {});
+    panel().seeDevices({oddPath});
     QTEST(m_stage->log.startingWith(u"2pid is: "_s), "pidLines");
     QVERIFY(m_stage->log.contains(foundLine(found)));
 }
 
 void DiscoveryTest::modelFollowsABootLoader_data()
 {
-    QTest::addColumn<int>("modelBefore");
+    QTest::addColumn<DeviceModel>("modelBefore");
     QTest::addColumn<QStringList>("productIds");
-    QTest::addColumn<int>("modelAfter");
+    QTest::addColumn<DeviceModel>("modelAfter");
     QTest::addColumn<QStringList>("switchLines");
     QTest::addColumn<QString>("found");
     QTest::newRow("R2 sees the boot loader of an R1")
-        << 1 << QStringList(u"0010"_s) << 0 << QStringList(kR1Switch) << u"p"_s;
+        << DeviceModel::R2 << QStringList(u"0010"_s) << DeviceModel::R1 << QStringList(kR1Switch) << u"p"_s;
     QTest::newRow("R1 sees the boot loader of an R2")
-        << 0 << QStringList(u"00ff"_s) << 1 << QStringList(kR2Switch) << u"p"_s;
-    QTest::newRow("R1 sees its own") << 0 << QStringList(u"0010"_s) << 0 << QStringList() << u"p"_s;
-    QTest::newRow("R2 sees its own") << 1 << QStringList(u"00ff"_s) << 1 << QStringList() << u"p"_s;
+        << DeviceModel::R1 << QStringList(u"00ff"_s) << DeviceModel::R2 << QStringList(kR2Switch) << u"p"_s;
+    QTest::newRow("R1 sees its own") << DeviceModel::R1 << QStringList(u"0010"_s) << DeviceModel::R1
+                                     << QStringList() << u"p"_s;
+    QTest::newRow("R2 sees its own") << DeviceModel::R2 << QStringList(u"00ff"_s) << DeviceModel::R2
+                                     << QStringList() << u"p"_s;
     QTest::newRow("a switch changes the tests for the later paths")
-        << 1 << QStringList{u"0010"_s, u"0001"_s, u"0012"_s} << 0 << QStringList(kR1Switch) << u"pPO"_s;
+        << DeviceModel::R2 << QStringList{u"0010"_s, u"0001"_s, u"0012"_s} << DeviceModel::R1
+        << QStringList(kR1Switch) << u"pPO"_s;
     QTest::newRow("a switch does not change the tests for the earlier paths")
-        << 1 << QStringList{u"0001"_s, u"0012"_s, u"0010"_s} << 0 << QStringList(kR1Switch) << u"p"_s;
+        << DeviceModel::R2 << QStringList{u"0001"_s, u"0012"_s, u"0010"_s} << DeviceModel::R1
+        << QStringList(kR1Switch) << u"p"_s;
     QTest::newRow("both boot loaders, the last one stays")
-        << 1 << QStringList{u"0010"_s, u"00ff"_s} << 1 << QStringList{kR1Switch, kR2Switch} << u"p"_s;
+        << DeviceModel::R2 << QStringList{u"0010"_s, u"00ff"_s} << DeviceModel::R2
+        << QStringList{kR1Switch, kR2Switch} << u"p"_s;
     QTest::newRow("an R1's OTG chip switches nothing")
-        << 1 << QStringList(u"0012"_s) << 1 << QStringList() << u""_s;
+        << DeviceModel::R2 << QStringList(u"0012"_s) << DeviceModel::R2 << QStringList() << u""_s;
 }
 
 void DiscoveryTest::modelFollowsABootLoader()
 {
-    QFETCH(int, modelBefore);
+    QFETCH(DeviceModel, modelBefore);
     QFETCH(QStringList, productIds);
     QFETCH(QString, found);
     dropRecovery();
-    panel().m_deviceModel = model(modelBefore);
+    panel().pretendModel(modelBefore);
 
-    panel().ConnectingR2(paths(productIds), {});
-    QTEST(int(panel().m_deviceModel), "modelAfter");
+    panel().seeDevices(paths(productIds));
+    QTEST(panel().model(), "modelAfter");
     QTEST(m_stage->log.startingWith(u"[ConnectingR2] 检测到"_s), "switchLines");
     QVERIFY(m_stage->log.contains(foundLine(found)));
     if (!m_stage->log.startingWith(u"[ConnectingR2] 检测到"_s).isEmpty()) {
@@ -251,14 +252,14 @@ void DiscoveryTest::modelFollowsABootLoader()
 void DiscoveryTest::modelSwitchResetsNothing()
 {
     dropRecovery();
-    panel().m_devicePcVersion = u"1.2.3"_s;
-    panel().m_remotePcVersion = u"1.3.3"_s;
-    panel().m_upgradePlan = UpgradePlan::PcOnly;
-    panel().lastDetectedOtgPid = 31;
-    const QStringList before = panelState(panel());
+    panel().pretendDeviceVersion(Chip::Pc, u"1.2.3"_s);
+    panel().pretendServerVersion(Chip::Pc, u"1.3.3"_s);
+    panel().pretendPlan(UpgradePlan::PcOnly);
+    panel().pretendLastSeenId(Chip::Otg, 31);
+    const QStringList before = panel().state();
 
-    panel().ConnectingR2(paths({u"0010"_s}), {});
-    QCOMPARE(changedState(before, panelState(panel())),
+    panel().seeDevices(paths({u"0010"_s}));
+    QCOMPARE(changedState(before, panel().state()),
              QStringList({u"m_autoRecoverRunning=true"_s, u"m_isUpgrading=true"_s, u"m_deviceModel=0"_s,
                           u"lastDetectedPcPid=16"_s}));
     QVERIFY(m_stage->log.startingWith(u"setDeviceModel"_s).isEmpty());

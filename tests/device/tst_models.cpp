@@ -1,7 +1,6 @@
 // What depends on the model: product IDs, the identity a chip is flashed under, server addresses, file
 // prefix.
-#include "panel/FirmwareUpgradeWidget.h"
-#include "tests/support/PanelState.h"
+#include "tests/panel/OpenPanel.h"
 #include "tests/support/Sandbox.h"
 #include "tests/support/ScriptedTransport.h"
 #include "tests/support/TestProgram.h"
@@ -12,16 +11,9 @@
 #include <memory>
 
 using namespace Qt::StringLiterals;
-using namespace QuillonFirmwareUpgrade;
 
 namespace {
-using ProductId = int (FirmwareUpgradeWidget::*)() const;
-using Address = QString (FirmwareUpgradeWidget::*)() const;
-
-DeviceModel model(int value)
-{
-    return static_cast<DeviceModel>(value);
-}
+using Address = QString (OpenPanel::*)(Chip) const;
 
 QString pathAndQuery(const QString &address)
 {
@@ -55,7 +47,7 @@ private slots:
 
 private:
     std::unique_ptr<Sandbox> m_sandbox;
-    std::unique_ptr<FirmwareUpgradeWidget> m_panel;
+    std::unique_ptr<OpenPanel> m_panel;
 };
 
 void ModelsTest::initTestCase()
@@ -66,7 +58,7 @@ void ModelsTest::initTestCase()
 void ModelsTest::init()
 {
     m_sandbox = std::make_unique<Sandbox>();
-    m_panel = std::make_unique<FirmwareUpgradeWidget>();
+    m_panel = std::make_unique<OpenPanel>();
 }
 
 void ModelsTest::cleanup()
@@ -77,168 +69,172 @@ void ModelsTest::cleanup()
 
 void ModelsTest::productIds_data()
 {
-    QTest::addColumn<int>("modelValue");
+    QTest::addColumn<DeviceModel>("model");
     QTest::addColumn<int>("pcNormal");
     QTest::addColumn<int>("pcDfu");
     QTest::addColumn<int>("otgNormal");
     QTest::addColumn<int>("otgDfu");
-    QTest::newRow("R1: the OTG chip has one identity for both modes") << 0 << 1 << 16 << 18 << 18;
-    QTest::newRow("R2") << 1 << 14 << 255 << 31 << 101;
-    QTest::newRow("2 is served as R2") << 2 << 14 << 255 << 31 << 101;
-    QTest::newRow("-1 is served as R2") << -1 << 14 << 255 << 31 << 101;
+    QTest::newRow("R1: the OTG chip has one identity for both modes")
+        << DeviceModel::R1 << 1 << 16 << 18 << 18;
+    QTest::newRow("R2") << DeviceModel::R2 << 14 << 255 << 31 << 101;
+    QTest::newRow("2 is served as R2") << DeviceModel(2) << 14 << 255 << 31 << 101;
+    QTest::newRow("-1 is served as R2") << DeviceModel(-1) << 14 << 255 << 31 << 101;
 }
 
 void ModelsTest::productIds()
 {
-    QFETCH(int, modelValue);
-    m_panel->m_deviceModel = model(modelValue);
+    QFETCH(DeviceModel, model);
+    m_panel->pretendModel(model);
 
-    QTEST(m_panel->pcNormalPid(), "pcNormal");
-    QTEST(m_panel->pcDfuPid(), "pcDfu");
-    QTEST(m_panel->otgNormalPid(), "otgNormal");
-    QTEST(m_panel->otgDfuPid(), "otgDfu");
+    QTEST(m_panel->normalId(Chip::Pc), "pcNormal");
+    QTEST(m_panel->bootLoaderId(Chip::Pc), "pcDfu");
+    QTEST(m_panel->normalId(Chip::Otg), "otgNormal");
+    QTEST(m_panel->bootLoaderId(Chip::Otg), "otgDfu");
 }
 
 void ModelsTest::dfuProductIds_data()
 {
-    QTest::addColumn<int>("modelValue");
+    QTest::addColumn<DeviceModel>("model");
     QTest::addColumn<int>("productId");
     QTest::addColumn<bool>("isDfu");
-    QTest::newRow("R1: 0x0010 is the PC boot loader") << 0 << 16 << true;
+    QTest::newRow("R1: 0x0010 is the PC boot loader") << DeviceModel::R1 << 16 << true;
     QTest::newRow("R1: 0x0012 counts as a boot loader though it is the OTG chip's normal identity")
-        << 0 << 18 << true;
-    QTest::newRow("R1: 0x0001 is normal") << 0 << 1 << false;
-    QTest::newRow("R1: R2's PC boot loader is not R1's") << 0 << 255 << false;
-    QTest::newRow("R1: R2's OTG boot loader is not R1's") << 0 << 101 << false;
-    QTest::newRow("R2: 0x00FF is the PC boot loader") << 1 << 255 << true;
-    QTest::newRow("R2: 0x0065 is the OTG boot loader") << 1 << 101 << true;
-    QTest::newRow("R2: 0x000E is normal") << 1 << 14 << false;
-    QTest::newRow("R2: 0x001F is normal") << 1 << 31 << false;
-    QTest::newRow("R2: R1's PC boot loader is not R2's") << 1 << 16 << false;
-    QTest::newRow("R2: 0x0012 is not R2's") << 1 << 18 << false;
-    QTest::newRow("R2: no product ID") << 1 << 0 << false;
-    QTest::newRow("2 is served as R2: 0x00FF") << 2 << 255 << true;
-    QTest::newRow("2 is served as R2: 0x0010") << 2 << 16 << false;
+        << DeviceModel::R1 << 18 << true;
+    QTest::newRow("R1: 0x0001 is normal") << DeviceModel::R1 << 1 << false;
+    QTest::newRow("R1: R2's PC boot loader is not R1's") << DeviceModel::R1 << 255 << false;
+    QTest::newRow("R1: R2's OTG boot loader is not R1's") << DeviceModel::R1 << 101 << false;
+    QTest::newRow("R2: 0x00FF is the PC boot loader") << DeviceModel::R2 << 255 << true;
+    QTest::newRow("R2: 0x0065 is the OTG boot loader") << DeviceModel::R2 << 101 << true;
+    QTest::newRow("R2: 0x000E is normal") << DeviceModel::R2 << 14 << false;
+    QTest::newRow("R2: 0x001F is normal") << DeviceModel::R2 << 31 << false;
+    QTest::newRow("R2: R1's PC boot loader is not R2's") << DeviceModel::R2 << 16 << false;
+    QTest::newRow("R2: 0x0012 is not R2's") << DeviceModel::R2 << 18 << false;
+    QTest::newRow("R2: no product ID") << DeviceModel::R2 << 0 << false;
+    QTest::newRow("2 is served as R2: 0x00FF") << DeviceModel(2) << 255 << true;
+    QTest::newRow("2 is served as R2: 0x0010") << DeviceModel(2) << 16 << false;
 }
 
 void ModelsTest::dfuProductIds()
 {
-    QFETCH(int, modelValue);
+    QFETCH(DeviceModel, model);
     QFETCH(int, productId);
-    m_panel->m_deviceModel = model(modelValue);
+    m_panel->pretendModel(model);
 
-    QTEST(m_panel->isDfuPid(productId), "isDfu");
+    QTEST(m_panel->isBootLoaderId(productId), "isDfu");
 }
 
 void ModelsTest::pcTarget_data()
 {
-    QTest::addColumn<int>("modelValue");
+    QTest::addColumn<DeviceModel>("model");
     QTest::addColumn<int>("lastSeen");
     QTest::addColumn<bool>("recovering");
     QTest::addColumn<int>("target");
-    QTest::newRow("R1: never seen, the normal identity") << 0 << 0 << false << 1;
-    QTest::newRow("R1: never seen and recovering, the boot loader") << 0 << 0 << true << 16;
-    QTest::newRow("R2: never seen, the normal identity") << 1 << 0 << false << 14;
-    QTest::newRow("R2: never seen and recovering, the boot loader") << 1 << 0 << true << 255;
-    QTest::newRow("R2: seen in its boot loader") << 1 << 255 << false << 255;
-    QTest::newRow("R2: seen running and recovering, what was seen wins") << 1 << 14 << true << 14;
-    QTest::newRow("R2: what was seen wins over the model") << 1 << 16 << false << 16;
-    QTest::newRow("R2: what was seen wins over model and recovery") << 1 << 16 << true << 16;
-    QTest::newRow("2 is served as R2") << 2 << 0 << true << 255;
+    QTest::newRow("R1: never seen, the normal identity") << DeviceModel::R1 << 0 << false << 1;
+    QTest::newRow("R1: never seen and recovering, the boot loader") << DeviceModel::R1 << 0 << true << 16;
+    QTest::newRow("R2: never seen, the normal identity") << DeviceModel::R2 << 0 << false << 14;
+    QTest::newRow("R2: never seen and recovering, the boot loader") << DeviceModel::R2 << 0 << true << 255;
+    QTest::newRow("R2: seen in its boot loader") << DeviceModel::R2 << 255 << false << 255;
+    QTest::newRow("R2: seen running and recovering, what was seen wins")
+        << DeviceModel::R2 << 14 << true << 14;
+    QTest::newRow("R2: what was seen wins over the model") << DeviceModel::R2 << 16 << false << 16;
+    QTest::newRow("R2: what was seen wins over model and recovery") << DeviceModel::R2 << 16 << true << 16;
+    QTest::newRow("2 is served as R2") << DeviceModel(2) << 0 << true << 255;
 }
 
 void ModelsTest::pcTarget()
 {
-    QFETCH(int, modelValue);
+    QFETCH(DeviceModel, model);
     QFETCH(int, lastSeen);
     QFETCH(bool, recovering);
-    m_panel->m_deviceModel = model(modelValue);
-    m_panel->lastDetectedPcPid = lastSeen;
-    m_panel->lastDetectedOtgPid = 101; // the other chip does not matter
-    m_panel->m_autoRecoverRunning = recovering;
+    m_panel->pretendModel(model);
+    m_panel->pretendLastSeenId(Chip::Pc, lastSeen);
+    m_panel->pretendLastSeenId(Chip::Otg, 101); // the other chip does not matter
+    m_panel->pretendRecovering(recovering);
 
-    QTEST(m_panel->resolvePcTargetPid(), "target");
-    m_panel->m_autoRecoverRunning = false;
+    QTEST(m_panel->targetId(Chip::Pc), "target");
+    m_panel->pretendRecovering(false);
 }
 
 void ModelsTest::otgTarget_data()
 {
-    QTest::addColumn<int>("modelValue");
+    QTest::addColumn<DeviceModel>("model");
     QTest::addColumn<int>("lastSeen");
     QTest::addColumn<bool>("recovering");
     QTest::addColumn<int>("target");
-    QTest::newRow("R1: never seen") << 0 << 0 << false << 18;
-    QTest::newRow("R1: never seen and recovering") << 0 << 0 << true << 18;
-    QTest::newRow("R2: never seen") << 1 << 0 << false << 31;
-    QTest::newRow("R2: never seen and recovering, still the normal identity") << 1 << 0 << true << 31;
-    QTest::newRow("R2: seen in its boot loader") << 1 << 101 << false << 101;
-    QTest::newRow("R2: what was seen wins over the model") << 1 << 18 << true << 18;
-    QTest::newRow("2 is served as R2") << 2 << 0 << false << 31;
+    QTest::newRow("R1: never seen") << DeviceModel::R1 << 0 << false << 18;
+    QTest::newRow("R1: never seen and recovering") << DeviceModel::R1 << 0 << true << 18;
+    QTest::newRow("R2: never seen") << DeviceModel::R2 << 0 << false << 31;
+    QTest::newRow("R2: never seen and recovering, still the normal identity")
+        << DeviceModel::R2 << 0 << true << 31;
+    QTest::newRow("R2: seen in its boot loader") << DeviceModel::R2 << 101 << false << 101;
+    QTest::newRow("R2: what was seen wins over the model") << DeviceModel::R2 << 18 << true << 18;
+    QTest::newRow("2 is served as R2") << DeviceModel(2) << 0 << false << 31;
 }
 
 void ModelsTest::otgTarget()
 {
-    QFETCH(int, modelValue);
+    QFETCH(DeviceModel, model);
     QFETCH(int, lastSeen);
     QFETCH(bool, recovering);
-    m_panel->m_deviceModel = model(modelValue);
-    m_panel->lastDetectedOtgPid = lastSeen;
-    m_panel->lastDetectedPcPid = 255;
-    m_panel->m_autoRecoverRunning = recovering;
+    m_panel->pretendModel(model);
+    m_panel->pretendLastSeenId(Chip::Otg, lastSeen);
+    m_panel->pretendLastSeenId(Chip::Pc, 255);
+    m_panel->pretendRecovering(recovering);
 
-    QTEST(m_panel->resolveOtgTargetPid(), "target");
-    m_panel->m_autoRecoverRunning = false;
+    QTEST(m_panel->targetId(Chip::Otg), "target");
+    m_panel->pretendRecovering(false);
 }
 
 void ModelsTest::serverPaths_data()
 {
-    QTest::addColumn<int>("modelValue");
+    QTest::addColumn<DeviceModel>("model");
     QTest::addColumn<Address>("address");
+    QTest::addColumn<Chip>("chip");
     QTest::addColumn<QString>("path");
-    const auto rows = [](const char *name, Address address, const QString &r1, const QString &r2) {
-        QTest::addRow("%s of R1", name) << 0 << address << r1;
-        QTest::addRow("%s of R2", name) << 1 << address << r2;
-        QTest::addRow("%s of 2, served as R2", name) << 2 << address << r2;
+    const auto rows = [](const char *name, Address address, Chip chip, const QString &r1, const QString &r2) {
+        QTest::addRow("%s of R1", name) << DeviceModel::R1 << address << chip << r1;
+        QTest::addRow("%s of R2", name) << DeviceModel::R2 << address << chip << r2;
+        QTest::addRow("%s of 2, served as R2", name) << DeviceModel(2) << address << chip << r2;
     };
-    rows("PC version", &FirmwareUpgradeWidget::pcVersionUrl, u"/upinfo_test.aspx?proj_name=R1MCU"_s,
+    rows("PC version", &OpenPanel::versionAddress, Chip::Pc, u"/upinfo_test.aspx?proj_name=R1MCU"_s,
          u"/upinfo_test.aspx?proj_name=R2MCU"_s);
-    rows("OTG version", &FirmwareUpgradeWidget::otgVersionUrl, u"/upinfo_test.aspx?proj_name=R1OTG"_s,
+    rows("OTG version", &OpenPanel::versionAddress, Chip::Otg, u"/upinfo_test.aspx?proj_name=R1OTG"_s,
          u"/upinfo_test.aspx?proj_name=R2OTG"_s);
-    rows("PC image", &FirmwareUpgradeWidget::pcFirmwareDownloadUrl, u"/dnfile_test.aspx?f_sn=153"_s,
+    rows("PC image", &OpenPanel::imageAddressOfModel, Chip::Pc, u"/dnfile_test.aspx?f_sn=153"_s,
          u"/dnfile_test.aspx?f_sn=155"_s);
-    rows("OTG image", &FirmwareUpgradeWidget::otgFirmwareDownloadUrl, u"/dnfile_test.aspx?f_sn=154"_s,
+    rows("OTG image", &OpenPanel::imageAddressOfModel, Chip::Otg, u"/dnfile_test.aspx?f_sn=154"_s,
          u"/dnfile_test.aspx?f_sn=156"_s);
 }
 
 void ModelsTest::serverPaths()
 {
-    QFETCH(int, modelValue);
+    QFETCH(DeviceModel, model);
     QFETCH(Address, address);
+    QFETCH(Chip, chip);
     QFETCH(QString, path);
-    m_panel->m_deviceModel = model(modelValue);
+    m_panel->pretendModel(model);
 
-    const QString whole = ((*m_panel).*address)();
+    const QString whole = ((*m_panel).*address)(chip);
     QCOMPARE(pathAndQuery(whole), path);
     QVERIFY2(whole.endsWith(path), qPrintable(whole)); // byte for byte, nothing escaped
 }
 
 void ModelsTest::serverIsOneBareHost_data()
 {
-    QTest::addColumn<int>("modelValue");
-    QTest::newRow("R1") << 0;
-    QTest::newRow("R2") << 1;
+    QTest::addColumn<DeviceModel>("model");
+    QTest::newRow("R1") << DeviceModel::R1;
+    QTest::newRow("R2") << DeviceModel::R2;
 }
 
 void ModelsTest::serverIsOneBareHost()
 {
-    QFETCH(int, modelValue);
-    const QUrl reference(m_panel->pcVersionUrl());
-    m_panel->m_deviceModel = model(modelValue);
+    QFETCH(DeviceModel, model);
+    const QUrl reference(m_panel->versionAddress(Chip::Pc));
+    m_panel->pretendModel(model);
 
-    for (const Address address :
-         {&FirmwareUpgradeWidget::pcVersionUrl, &FirmwareUpgradeWidget::otgVersionUrl,
-          &FirmwareUpgradeWidget::pcFirmwareDownloadUrl, &FirmwareUpgradeWidget::otgFirmwareDownloadUrl}) {
-        const QString whole = ((*m_panel).*address)();
+    for (const QString &whole :
+         {m_panel->versionAddress(Chip::Pc), m_panel->versionAddress(Chip::Otg),
+          m_panel->imageAddressOfModel(Chip::Pc), m_panel->imageAddressOfModel(Chip::Otg)}) {
         const QUrl url(whole, QUrl::StrictMode);
         QVERIFY2(url.isValid(), qPrintable(whole));
         QCOMPARE(url.scheme(), u"http"_s);
@@ -251,36 +247,35 @@ void ModelsTest::serverIsOneBareHost()
 
 void ModelsTest::filePrefix_data()
 {
-    QTest::addColumn<int>("modelValue");
+    QTest::addColumn<DeviceModel>("model");
     QTest::addColumn<QString>("prefix");
-    QTest::newRow("R1") << 0 << u"R1"_s;
-    QTest::newRow("R2") << 1 << u"R2"_s;
-    QTest::newRow("2 is served as R2") << 2 << u"R2"_s;
+    QTest::newRow("R1") << DeviceModel::R1 << u"R1"_s;
+    QTest::newRow("R2") << DeviceModel::R2 << u"R2"_s;
+    QTest::newRow("2 is served as R2") << DeviceModel(2) << u"R2"_s;
 }
 
 void ModelsTest::filePrefix()
 {
-    QFETCH(int, modelValue);
-    m_panel->m_deviceModel = model(modelValue);
+    QFETCH(DeviceModel, model);
+    m_panel->pretendModel(model);
 
-    QTEST(m_panel->firmwareFilePrefix(), "prefix");
+    QTEST(m_panel->filePrefix(), "prefix");
 }
 
 void ModelsTest::answersChangeNothing()
 {
-    const QStringList before = panelState(*m_panel);
-    const FirmwareUpgradeWidget &panel = *m_panel;
+    const QStringList before = m_panel->state();
+    const OpenPanel &panel = *m_panel;
 
-    for (const ProductId productId :
-         {&FirmwareUpgradeWidget::pcNormalPid, &FirmwareUpgradeWidget::pcDfuPid,
-          &FirmwareUpgradeWidget::otgNormalPid, &FirmwareUpgradeWidget::otgDfuPid,
-          &FirmwareUpgradeWidget::resolvePcTargetPid, &FirmwareUpgradeWidget::resolveOtgTargetPid})
-        QCOMPARE((panel.*productId)(), (panel.*productId)());
-    QVERIFY(panel.isDfuPid(255));
-    QVERIFY(!panel.pcVersionUrl().isEmpty());
-    QVERIFY(!panel.firmwareFilePrefix().isEmpty());
+    for (const Chip chip : {Chip::Pc, Chip::Otg}) {
+        for (const auto productId : {&OpenPanel::normalId, &OpenPanel::bootLoaderId, &OpenPanel::targetId})
+            QCOMPARE((panel.*productId)(chip), (panel.*productId)(chip));
+    }
+    QVERIFY(panel.isBootLoaderId(255));
+    QVERIFY(!panel.versionAddress(Chip::Pc).isEmpty());
+    QVERIFY(!panel.filePrefix().isEmpty());
 
-    QCOMPARE(panelState(*m_panel), before);
+    QCOMPARE(m_panel->state(), before);
 }
 
 QUILLON_TEST(ModelsTest)

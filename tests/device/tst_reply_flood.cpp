@@ -22,7 +22,7 @@ namespace {
 constexpr int kFlood = 200;
 
 /// Hands \a reply over \a count times as soon as an event loop of the panel's runs.
-void flood(FirmwareUpgradeWidget &panel, const QByteArray &reply, int count)
+void flood(OpenPanel &panel, const QByteArray &reply, int count)
 {
     for (int i = 0; i < count; ++i)
         QMetaObject::invokeMethod(&panel, "onReceiveHIDdata", Qt::QueuedConnection, Q_ARG(QByteArray, reply));
@@ -39,10 +39,10 @@ void ReplyFloodTest::repliesOfASilentServersQueriesNestToALimit()
             [&] { deepest = std::max(deepest, int(stage.log.count(u"DEVICE PC VERSION : 1.2.3"_s))); });
     watch.start(20ms);
 
-    flood(*stage.panel, kPc.reply({1, 2, 3}), kFlood);
+    flood(*stage.panel, reply(Chip::Pc, {1, 2, 3}), kFlood);
     QElapsedTimer time;
     time.start();
-    stage.panel->onReceiveHIDdata(kPc.reply({1, 2, 3}));
+    stage.panel->receive(reply(Chip::Pc, {1, 2, 3}));
 
     QVERIFY2(time.elapsed() < 5000, qPrintable(QString::number(time.elapsed())));
     QVERIFY2(deepest > 1 && deepest <= 8, qPrintable(QString::number(deepest)));
@@ -59,7 +59,7 @@ void ReplyFloodTest::oneWarningBoxAtATime()
         for (QMessageBox *box : open)
             box->accept();
     });
-    stage.panel->onReceiveHIDdata(DeviceReplies::mode(1));
+    stage.panel->receive(DeviceReplies::mode(1));
     QCOMPARE(boxes, 1);
     QVERIFY(stage.panel->findChildren<QMessageBox *>().isEmpty());
 }
@@ -68,13 +68,13 @@ void ReplyFloodTest::nextReplyAfterAFloodIsRead()
 {
     PanelStage stage;
     stage.server.answer(ServerPaths::kR2PcVersion, ScriptedHttpServer::silence());
-    flood(*stage.panel, kPc.reply({1, 2, 3}), kFlood);
-    stage.panel->onReceiveHIDdata(kPc.reply({1, 2, 3}));
+    flood(*stage.panel, reply(Chip::Pc, {1, 2, 3}), kFlood);
+    stage.panel->receive(reply(Chip::Pc, {1, 2, 3}));
 
     stage.server.answer(ServerPaths::kR2PcVersion, ScriptedHttpServer::version("1.3.0"));
-    stage.panel->onReceiveHIDdata(kPc.reply({1, 2, 4}));
-    QCOMPARE(stage.panel->m_devicePcVersion, u"1.2.4"_s);
-    QCOMPARE(stage.panel->m_remotePcVersion, u"1.3.0"_s);
+    stage.panel->receive(reply(Chip::Pc, {1, 2, 4}));
+    QCOMPARE(stage.panel->deviceVersion(Chip::Pc), u"1.2.4"_s);
+    QCOMPARE(stage.panel->serverVersion(Chip::Pc), u"1.3.0"_s);
 }
 
 QUILLON_TEST(ReplyFloodTest)

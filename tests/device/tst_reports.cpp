@@ -1,8 +1,7 @@
 // What the panel does with a report: the log line, what is dropped, who handles it, the answer to the mode
 // query.
-#include "tests/panel/PanelStage.h"
+#include "tests/panel/PanelTest.h"
 #include "tests/support/DeviceReplies.h"
-#include "tests/support/PanelState.h"
 #include "tests/support/TestProgram.h"
 
 #include <QAbstractButton>
@@ -44,12 +43,12 @@ struct Boxes {
 };
 } // namespace
 
-class ReportsTest : public QObject {
+class ReportsTest : public PanelTest {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void init() override;
+    void cleanup() override;
 
     void logLine_data();
     void logLine();
@@ -67,20 +66,16 @@ private slots:
     void hostileReportsAreSurvived();
 
 private:
-    FirmwareUpgradeWidget &panel() { return *m_stage->panel; }
     QStringList commands() const { return m_stage->log.startingWith(u"hid: "_s); }
     void makeAllVersionsEqual();
     void lookAtTheBox();
-
-    std::unique_ptr<PanelStage> m_stage;
     Boxes m_boxes;
     QTimer m_boxWatch;
 };
 
 void ReportsTest::init()
 {
-    m_stage = std::make_unique<PanelStage>();
-    m_stage->log.clear();
+    PanelTest::init();
     m_boxes = {};
     connect(&m_boxWatch, &QTimer::timeout, this, &ReportsTest::lookAtTheBox);
     m_boxWatch.start(5ms);
@@ -90,16 +85,13 @@ void ReportsTest::cleanup()
 {
     m_boxWatch.stop();
     disconnect(&m_boxWatch, nullptr, this, nullptr);
-    m_stage.reset();
+    PanelTest::cleanup();
 }
 
 /// From here on every step of the plan leaves its line in the log.
 void ReportsTest::makeAllVersionsEqual()
 {
-    for (QString FirmwareUpgradeWidget::*version :
-         {&FirmwareUpgradeWidget::m_devicePcVersion, &FirmwareUpgradeWidget::m_deviceOtgVersion,
-          &FirmwareUpgradeWidget::m_remotePcVersion, &FirmwareUpgradeWidget::m_remoteOtgVersion})
-        panel().*version = u"2.0.0"_s;
+    panel().pretendVersions(u"2.0.0"_s, u"2.0.0"_s, u"2.0.0"_s, u"2.0.0"_s);
 }
 
 /// Writes down the warning box, if one is open, and presses its button.
@@ -138,7 +130,7 @@ void ReportsTest::logLine()
 {
     QFETCH(QByteArray, report);
 
-    panel().onReceiveHIDdata(report);
+    panel().receive(report);
     QTEST(m_stage->log.startingWith(u"[HID接收]"_s), "lines");
 }
 
@@ -162,10 +154,10 @@ void ReportsTest::reportsWithoutEffect()
 {
     QFETCH(QByteArray, report);
     makeAllVersionsEqual();
-    const QStringList before = panelState(panel());
+    const QStringList before = panel().state();
 
-    panel().onReceiveHIDdata(report);
-    QCOMPARE(panelState(panel()), before);
+    panel().receive(report);
+    QCOMPARE(panel().state(), before);
     QCOMPARE(commands(), QStringList());
     QVERIFY(!m_stage->log.contains(kPlanStep));
     QCOMPARE(m_stage->server.paths(), QStringList());
@@ -194,7 +186,7 @@ void ReportsTest::dispatch()
     QFETCH(QString, reaction);
     makeAllVersionsEqual();
 
-    panel().onReceiveHIDdata(report);
+    panel().receive(report);
     if (reaction.isEmpty())
         QCOMPARE(m_stage->log.lines(), QStringList());
     else
@@ -203,7 +195,7 @@ void ReportsTest::dispatch()
 
 void ReportsTest::normalModeAsksForBothVersions()
 {
-    panel().onReceiveHIDdata(DeviceReplies::mode(0));
+    panel().receive(DeviceReplies::mode(0));
 
     QCOMPARE(m_stage->log.lines().mid(1), QStringList({u" receive dfu mode is: off"_s, kPcRead, kOtgRead}));
 }
@@ -237,7 +229,7 @@ void ReportsTest::modeEntries()
     QFETCH(QByteArray, report);
     QFETCH(QStringList, modes);
 
-    panel().onReceiveHIDdata(report);
+    panel().receive(report);
     QCOMPARE(m_stage->log.startingWith(u" receive dfu mode is: "_s), modes);
     QCOMPARE(commands().count(kPcRead), modes.count(u" receive dfu mode is: off"_s));
     QCOMPARE(m_boxes.count, int(modes.count(u" receive dfu mode is: on"_s)));
@@ -256,7 +248,7 @@ void ReportsTest::upgradeModeShowsAWarning()
     QuillonFirmwareUpgrade::setLanguage(language);
     m_stage->log.clear();
 
-    panel().onReceiveHIDdata(DeviceReplies::mode(1));
+    panel().receive(DeviceReplies::mode(1));
     QCOMPARE(m_boxes.count, 1);
     QCOMPARE(m_boxes.title, u"提示"_s);
     QCOMPARE(m_boxes.text, u"当前设备是固件升级模式"_s);
@@ -288,13 +280,13 @@ void ReportsTest::hostileReportsAreSurvived()
             QByteArray report = full.left(size);
             if (size > 1)
                 report[1] = char(length);
-            panel().m_devicePcVersion.clear();
-            panel().onReceiveHIDdata(report);
+            panel().pretendDeviceVersion(Chip::Pc, {});
+            panel().receive(report);
         }
     }
     QCOMPARE(m_boxes.count, 0);
     QCOMPARE(commands(), QStringList());
-    QCOMPARE(panel().m_devicePcVersion, version);
+    QCOMPARE(panel().deviceVersion(Chip::Pc), version);
 }
 
 QUILLON_TEST(ReportsTest)

@@ -1,8 +1,7 @@
 // What a list of device paths leads to besides a connection: a recovery, or the announcement of the OTG
 // interface.
 #include "tests/device/Scans.h"
-#include "tests/panel/PanelStage.h"
-#include "tests/support/PanelState.h"
+#include "tests/panel/PanelTest.h"
 #include "tests/support/TestProgram.h"
 
 #include <QSignalSpy>
@@ -19,12 +18,11 @@ const QString kOtgMissing = u"OTG ready phase, but OTG device not found yet"_s;
 const QString kOtgTooEarly = u"find r2 otg device, but not ready for OTG upgrade yet"_s;
 } // namespace
 
-class ScanDecisionsTest : public QObject {
+class ScanDecisionsTest : public PanelTest {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void cleanup() override;
 
     void bootLoaderStartsARecovery();
     void bootLoaderStartsNothing_data();
@@ -38,27 +36,18 @@ private slots:
     void otgBeforeItsPhase();
 
 private:
-    FirmwareUpgradeWidget &panel() { return *m_stage->panel; }
     QStringList lines() const { return m_stage->log.lines(); }
     /// Discovery raises the signal all the same; the panel does not act on it.
     void dropRecovery()
     {
         disconnect(&panel(), &FirmwareUpgradeWidget::onDeviceBrickedDetected, &panel(), nullptr);
     }
-
-    std::unique_ptr<PanelStage> m_stage;
 };
-
-void ScanDecisionsTest::init()
-{
-    m_stage = std::make_unique<PanelStage>();
-    m_stage->log.clear();
-}
 
 void ScanDecisionsTest::cleanup()
 {
-    panel().m_isUpgrading = false;
-    m_stage.reset();
+    panel().pretendUpgrading(false);
+    PanelTest::cleanup();
 }
 
 void ScanDecisionsTest::bootLoaderStartsARecovery()
@@ -67,11 +56,11 @@ void ScanDecisionsTest::bootLoaderStartsARecovery()
     m_stage->server.answer(ServerPaths::kR2OtgVersion, ScriptedHttpServer::version("1.2.4"));
     QSignalSpy bricked(&panel(), &FirmwareUpgradeWidget::onDeviceBrickedDetected);
 
-    panel().ConnectingR2(paths({u"00ff"_s}), {});
+    panel().seeDevices(paths({u"00ff"_s}));
     QCOMPARE(bricked.count(), 1);
-    QVERIFY(panel().m_isUpgrading);
-    QVERIFY(panel().m_autoRecoverRunning);
-    QCOMPARE(panel().m_upgradePlan, UpgradePlan::Both);
+    QVERIFY(panel().isUpgrading());
+    QVERIFY(panel().isRecovering());
+    QCOMPARE(panel().plan(), UpgradePlan::Both);
     // The recovery runs inside the signal: its lines stand between the two of the scan.
     const qsizetype flags = lines().indexOf(kRecoveryFlags.arg(u"false"_s, u"false"_s));
     const qsizetype recovery = lines().indexOf(u"[AutoRecover] start auto recover upgrade flow."_s);
@@ -92,15 +81,15 @@ void ScanDecisionsTest::bootLoaderStartsNothing()
 {
     QFETCH(bool, isUpgrading);
     QFETCH(bool, isRecovering);
-    panel().m_isUpgrading = isUpgrading;
-    panel().m_autoRecoverRunning = isRecovering;
+    panel().pretendUpgrading(isUpgrading);
+    panel().pretendRecovering(isRecovering);
     QSignalSpy bricked(&panel(), &FirmwareUpgradeWidget::onDeviceBrickedDetected);
-    const QStringList before = panelState(panel());
+    const QStringList before = panel().state();
 
-    panel().ConnectingR2(paths({u"00ff"_s}), {});
+    panel().seeDevices(paths({u"00ff"_s}));
     QCOMPARE(bricked.count(), 0);
     QCOMPARE(lines().constLast(), kRecoveryFlags.arg(word(isUpgrading), word(isRecovering)));
-    QCOMPARE(changedState(before, panelState(panel())), QStringList(u"lastDetectedPcPid=255"_s));
+    QCOMPARE(changedState(before, panel().state()), QStringList(u"lastDetectedPcPid=255"_s));
 }
 
 void ScanDecisionsTest::recoveryFlagsStandWhenTheSignalComes()
@@ -108,9 +97,9 @@ void ScanDecisionsTest::recoveryFlagsStandWhenTheSignalComes()
     dropRecovery();
     QStringList atTheSignal;
     connect(&panel(), &FirmwareUpgradeWidget::onDeviceBrickedDetected, this,
-            [&] { atTheSignal = panelState(panel()); });
+            [&] { atTheSignal = panel().state(); });
 
-    panel().ConnectingR2(paths({u"00ff"_s}), {});
+    panel().seeDevices(paths({u"00ff"_s}));
     QVERIFY(atTheSignal.contains(u"m_isUpgrading=true"_s));
     QVERIFY(atTheSignal.contains(u"m_autoRecoverRunning=true"_s));
     QVERIFY(atTheSignal.contains(u"lastDetectedPcPid=255"_s));
@@ -119,41 +108,46 @@ void ScanDecisionsTest::recoveryFlagsStandWhenTheSignalComes()
 
 void ScanDecisionsTest::otgPhase_data()
 {
-    QTest::addColumn<int>("modelValue");
-    QTest::addColumn<int>("plan");
+    QTest::addColumn<DeviceModel>("model");
+    QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<bool>("isPcDone");
     QTest::addColumn<QStringList>("productIds");
     QTest::addColumn<int>("announcements");
     QTest::addColumn<QString>("lastLine");
     QTest::newRow("OtgOnly, OTG chip present")
-        << 1 << 2 << false << QStringList(u"001f"_s) << 1 << kOtgTrigger;
+        << DeviceModel::R2 << UpgradePlan::OtgOnly << false << QStringList(u"001f"_s) << 1 << kOtgTrigger;
     QTest::newRow("OtgOnly, OTG boot loader present")
-        << 1 << 2 << false << QStringList(u"0065"_s) << 1 << kOtgTrigger;
-    QTest::newRow("OtgOnly, R1") << 0 << 2 << false << QStringList(u"0012"_s) << 1 << kOtgTrigger;
-    QTest::newRow("OtgOnly, nothing present") << 1 << 2 << false << QStringList() << 0 << kOtgMissing;
+        << DeviceModel::R2 << UpgradePlan::OtgOnly << false << QStringList(u"0065"_s) << 1 << kOtgTrigger;
+    QTest::newRow("OtgOnly, R1") << DeviceModel::R1 << UpgradePlan::OtgOnly << false << QStringList(u"0012"_s)
+                                 << 1 << kOtgTrigger;
+    QTest::newRow("OtgOnly, nothing present")
+        << DeviceModel::R2 << UpgradePlan::OtgOnly << false << QStringList() << 0 << kOtgMissing;
     QTest::newRow("OtgOnly, the other model's OTG chip")
-        << 1 << 2 << false << QStringList(u"0012"_s) << 0 << kOtgMissing;
-    QTest::newRow("OtgOnly, PC chip only") << 1 << 2 << false << QStringList(u"000e"_s) << 0 << kOtgMissing;
+        << DeviceModel::R2 << UpgradePlan::OtgOnly << false << QStringList(u"0012"_s) << 0 << kOtgMissing;
+    QTest::newRow("OtgOnly, PC chip only")
+        << DeviceModel::R2 << UpgradePlan::OtgOnly << false << QStringList(u"000e"_s) << 0 << kOtgMissing;
     QTest::newRow("Both with its PC half done, OTG chip present")
-        << 1 << 3 << true << QStringList(u"001f"_s) << 1 << kOtgTrigger;
+        << DeviceModel::R2 << UpgradePlan::Both << true << QStringList(u"001f"_s) << 1 << kOtgTrigger;
     QTest::newRow("Both with its PC half done, both chips present")
-        << 1 << 3 << true << QStringList{u"000e"_s, u"001f"_s} << 1 << kOtgTrigger;
+        << DeviceModel::R2 << UpgradePlan::Both << true << QStringList{u"000e"_s, u"001f"_s} << 1
+        << kOtgTrigger;
     QTest::newRow("Both with its PC half done, nothing present")
-        << 1 << 3 << true << QStringList() << 0 << kOtgMissing;
+        << DeviceModel::R2 << UpgradePlan::Both << true << QStringList() << 0 << kOtgMissing;
     QTest::newRow("both of the OTG chip's identities are one announcement")
-        << 1 << 3 << true << QStringList{u"001f"_s, u"0065"_s} << 1 << kOtgTrigger;
+        << DeviceModel::R2 << UpgradePlan::Both << true << QStringList{u"001f"_s, u"0065"_s} << 1
+        << kOtgTrigger;
 }
 
 void ScanDecisionsTest::otgPhase()
 {
-    QFETCH(int, modelValue);
-    QFETCH(int, plan);
+    QFETCH(DeviceModel, model);
+    QFETCH(UpgradePlan, plan);
     QFETCH(bool, isPcDone);
     QFETCH(QStringList, productIds);
-    panel().m_deviceModel = static_cast<DeviceModel>(modelValue);
-    panel().m_isUpgrading = true;
-    panel().m_upgradePlan = static_cast<UpgradePlan>(plan);
-    panel().pcUpgradeCompleted = isPcDone;
+    panel().pretendModel(model);
+    panel().pretendUpgrading(true);
+    panel().pretendPlan(plan);
+    panel().pretendPcDone(isPcDone);
     QStringList atTheSignal;
     int announcements = 0;
     connect(&panel(), &FirmwareUpgradeWidget::r2otgConnected, this, [&] {
@@ -161,7 +155,7 @@ void ScanDecisionsTest::otgPhase()
         atTheSignal = lines();
     });
 
-    panel().ConnectingR2(paths(productIds), {});
+    panel().seeDevices(paths(productIds));
     QTEST(announcements, "announcements");
     QTEST(lines().constLast(), "lastLine");
     if (announcements)
@@ -172,44 +166,45 @@ void ScanDecisionsTest::otgPhase()
 void ScanDecisionsTest::otgPhaseOpensAndRecoversNothing()
 {
     const QString device = PanelStage::bus().plug(0x000E);
-    panel().m_isUpgrading = true;
-    panel().m_upgradePlan = UpgradePlan::OtgOnly;
+    panel().pretendUpgrading(true);
+    panel().pretendPlan(UpgradePlan::OtgOnly);
     QSignalSpy bricked(&panel(), &FirmwareUpgradeWidget::onDeviceBrickedDetected);
 
-    panel().ConnectingR2({device, path(u"00ff"_s)}, {});
+    panel().seeDevices({device, path(u"00ff"_s)});
     QCOMPARE(m_stage->log.startingWith(u"hid"_s), QStringList());
     QCOMPARE(bricked.count(), 0);
-    QCOMPARE(panel().lastDetectedPcPid, 255);
+    QCOMPARE(panel().lastSeenId(Chip::Pc), 255);
 }
 
 void ScanDecisionsTest::otgBeforeItsPhase_data()
 {
     QTest::addColumn<bool>("isUpgrading");
-    QTest::addColumn<int>("plan");
+    QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<bool>("isPcDone");
     QTest::addColumn<bool>("isTooEarly");
-    QTest::newRow("PC half of Both") << true << 3 << false << true;
-    QTest::newRow("PcOnly") << true << 1 << false << true;
-    QTest::newRow("PcOnly is no OTG run whatever the flag says") << true << 1 << true << true;
-    QTest::newRow("None") << true << 0 << false << true;
-    QTest::newRow("a plan that does not exist") << true << 7 << true << true;
-    QTest::newRow("OtgOnly before the click") << false << 2 << false << false;
-    QTest::newRow("Both, done, idle") << false << 3 << true << false;
+    QTest::newRow("PC half of Both") << true << UpgradePlan::Both << false << true;
+    QTest::newRow("PcOnly") << true << UpgradePlan::PcOnly << false << true;
+    QTest::newRow("PcOnly is no OTG run whatever the flag says")
+        << true << UpgradePlan::PcOnly << true << true;
+    QTest::newRow("None") << true << UpgradePlan::None << false << true;
+    QTest::newRow("a plan that does not exist") << true << UpgradePlan(7) << true << true;
+    QTest::newRow("OtgOnly before the click") << false << UpgradePlan::OtgOnly << false << false;
+    QTest::newRow("Both, done, idle") << false << UpgradePlan::Both << true << false;
 }
 
 void ScanDecisionsTest::otgBeforeItsPhase()
 {
     QFETCH(bool, isUpgrading);
-    QFETCH(int, plan);
+    QFETCH(UpgradePlan, plan);
     QFETCH(bool, isPcDone);
     QFETCH(bool, isTooEarly);
-    panel().m_isUpgrading = isUpgrading;
-    panel().m_upgradePlan = static_cast<UpgradePlan>(plan);
-    panel().pcUpgradeCompleted = isPcDone;
+    panel().pretendUpgrading(isUpgrading);
+    panel().pretendPlan(plan);
+    panel().pretendPcDone(isPcDone);
     QSignalSpy announced(&panel(), &FirmwareUpgradeWidget::r2otgConnected);
 
     for (const QString &productId : {u"001f"_s, u"0065"_s}) {
-        panel().ConnectingR2(paths({productId}), {});
+        panel().seeDevices(paths({productId}));
         QCOMPARE(lines().constLast(),
                  isTooEarly ? kOtgTooEarly : foundLine(productId == u"001f" ? u"O"_s : u"o"_s));
     }

@@ -1,18 +1,16 @@
 // A version reply: what is stored, what the server is asked, what the log says.
 #include "tests/device/Chips.h"
+#include "tests/panel/PanelTest.h"
 #include "tests/support/LogOrder.h"
 #include "tests/support/TestProgram.h"
 
 using namespace Qt::StringLiterals;
 using namespace Chips;
 
-class VersionReadingTest : public QObject {
+class VersionReadingTest : public PanelTest {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
-
     void registersBecomeAVersion_data();
     void registersBecomeAVersion();
     void serverIsAskedForTheSameChip_data();
@@ -26,32 +24,18 @@ private slots:
     void wholeExchangeLeadsToAPlan();
 
 private:
-    FirmwareUpgradeWidget &panel() { return *m_stage->panel; }
     QStringList lines() const { return withoutScans(m_stage->log.lines()); }
-    void receive(const Chip &chip, Version version) { panel().onReceiveHIDdata(chip.reply(version)); }
-
-    std::unique_ptr<PanelStage> m_stage;
+    void receive(Chip chip, Version version) { panel().receive(reply(chip, version)); }
 };
-
-void VersionReadingTest::init()
-{
-    m_stage = std::make_unique<PanelStage>();
-    m_stage->log.clear();
-}
-
-void VersionReadingTest::cleanup()
-{
-    m_stage.reset();
-}
 
 void VersionReadingTest::registersBecomeAVersion_data()
 {
     QTest::addColumn<Chip>("chip");
     QTest::addColumn<Version>("registers");
     QTest::addColumn<QString>("version");
-    for (const Chip &chip : {kPc, kOtg}) {
+    for (const Chip chip : {Chip::Pc, Chip::Otg}) {
         const auto row = [&chip](const char *name, Version registers, const QString &version) {
-            QTest::addRow("%s: %s", qPrintable(chip.name), name) << chip << registers << version;
+            QTest::addRow("%s: %s", qPrintable(nameOf(chip)), name) << chip << registers << version;
         };
         row("1, 2, 3", {1, 2, 3}, u"1.2.3"_s);
         row("both bytes of each register", {0x0102, 0x0304, 0x0506}, u"258.772.1286"_s);
@@ -68,31 +52,33 @@ void VersionReadingTest::registersBecomeAVersion()
     QFETCH(Version, registers);
 
     receive(chip, registers);
-    QTEST(panel().*chip.device, "version");
+    QTEST(panel().deviceVersion(chip), "version");
 }
 
 void VersionReadingTest::serverIsAskedForTheSameChip_data()
 {
     QTest::addColumn<Chip>("chip");
-    QTest::addColumn<int>("model");
+    QTest::addColumn<DeviceModel>("model");
     QTest::addColumn<QString>("path");
-    for (const Chip &chip : {kPc, kOtg}) {
-        QTest::addRow("%s chip of R1", qPrintable(chip.name)) << chip << 0 << chip.r1Path;
-        QTest::addRow("%s chip of R2", qPrintable(chip.name)) << chip << 1 << chip.r2Path;
+    for (const Chip chip : {Chip::Pc, Chip::Otg}) {
+        QTest::addRow("%s chip of R1", qPrintable(nameOf(chip)))
+            << chip << DeviceModel::R1 << versionPath(chip, DeviceModel::R1);
+        QTest::addRow("%s chip of R2", qPrintable(nameOf(chip)))
+            << chip << DeviceModel::R2 << versionPath(chip, DeviceModel::R2);
     }
 }
 
 void VersionReadingTest::serverIsAskedForTheSameChip()
 {
     QFETCH(Chip, chip);
-    QFETCH(int, model);
+    QFETCH(DeviceModel, model);
     QFETCH(QString, path);
-    panel().m_deviceModel = static_cast<DeviceModel>(model);
+    panel().pretendModel(model);
     m_stage->server.answer(path, ScriptedHttpServer::version("1.3.0"));
 
     receive(chip, {1, 2, 3});
     QCOMPARE(m_stage->server.paths(), QStringList(path));
-    QCOMPARE(panel().*chip.remote, u"1.3.0"_s);
+    QCOMPARE(panel().serverVersion(chip), u"1.3.0"_s);
     QCOMPARE(lines().mid(1), QStringList({deviceLine(chip, u"1.2.3"_s), remoteLine(chip, u"1.3.0"_s)}));
 }
 
@@ -101,11 +87,11 @@ void VersionReadingTest::answersOfTheServer_data()
     QTest::addColumn<Chip>("chip");
     QTest::addColumn<QByteArray>("body");
     QTest::addColumn<QString>("remote");
-    for (const Chip &chip : {kPc, kOtg}) {
-        QTest::addRow("%s: a version", qPrintable(chip.name))
+    for (const Chip chip : {Chip::Pc, Chip::Otg}) {
+        QTest::addRow("%s: a version", qPrintable(nameOf(chip)))
             << chip << QByteArray(R"([{"f_ver":"2.0.1"}])") << u"2.0.1"_s;
-        QTest::addRow("%s: no list", qPrintable(chip.name)) << chip << QByteArray("{}") << u"104"_s;
-        QTest::addRow("%s: a list whose element names no version", qPrintable(chip.name))
+        QTest::addRow("%s: no list", qPrintable(nameOf(chip))) << chip << QByteArray("{}") << u"104"_s;
+        QTest::addRow("%s: a list whose element names no version", qPrintable(nameOf(chip)))
             << chip << QByteArray("[{}]") << u""_s;
     }
 }
@@ -115,11 +101,11 @@ void VersionReadingTest::answersOfTheServer()
     QFETCH(Chip, chip);
     QFETCH(QByteArray, body);
     QFETCH(QString, remote);
-    panel().*chip.remote = u"9.9.9"_s; // of an earlier read
-    m_stage->server.answer(chip.r2Path, ScriptedHttpServer::page(body));
+    panel().pretendServerVersion(chip, u"9.9.9"_s); // of an earlier read
+    m_stage->server.answer(versionPath(chip, DeviceModel::R2), ScriptedHttpServer::page(body));
 
     receive(chip, {1, 2, 3});
-    QCOMPARE(panel().*chip.remote, remote);
+    QCOMPARE(panel().serverVersion(chip), remote);
     QVERIFY(m_stage->log.contains(remoteLine(chip, remote)));
 }
 
@@ -140,9 +126,9 @@ void VersionReadingTest::otherAddressesStoreNothing()
 {
     QFETCH(int, start);
 
-    panel().onReceiveHIDdata(DeviceReplies::version(quint16(start), {1, 2, 3}));
-    QVERIFY(panel().m_devicePcVersion.isEmpty());
-    QVERIFY(panel().m_deviceOtgVersion.isEmpty());
+    panel().receive(DeviceReplies::version(quint16(start), {1, 2, 3}));
+    QVERIFY(panel().deviceVersion(Chip::Pc).isEmpty());
+    QVERIFY(panel().deviceVersion(Chip::Otg).isEmpty());
     QCOMPARE(m_stage->server.paths(), QStringList());
 }
 
@@ -151,11 +137,11 @@ void VersionReadingTest::shortRepliesStoreNothing()
     constexpr int kWhole = 15;
     const QByteArray reply = DeviceReplies::pcVersion({1, 2, 3});
     for (int size = 0; size < kWhole; ++size)
-        panel().onReceiveHIDdata(reply.left(size));
-    QVERIFY(panel().m_devicePcVersion.isEmpty());
+        panel().receive(reply.left(size));
+    QVERIFY(panel().deviceVersion(Chip::Pc).isEmpty());
 
-    panel().onReceiveHIDdata(reply.left(kWhole)); // the checksum may be missing
-    QCOMPARE(panel().m_devicePcVersion, u"1.2.3"_s);
+    panel().receive(reply.left(kWhole)); // the checksum may be missing
+    QCOMPARE(panel().deviceVersion(Chip::Pc), u"1.2.3"_s);
 }
 
 // From the plug to the plan over the real link.
@@ -167,12 +153,13 @@ void VersionReadingTest::wholeExchangeLeadsToAPlan()
     PanelStage::bus().plug(0x000E);
 
     QTRY_COMPARE(m_stage->log.count(u"[Upgrade] 需要升级 PC 固件。device=1.2.3remote=1.3.0"_s), 1);
-    QCOMPARE(panel().m_upgradePlan, UpgradePlan::PcOnly);
+    QCOMPARE(panel().plan(), UpgradePlan::PcOnly);
     // The OTG version may come in while the server is still busy with the PC version.
-    for (const QStringList &order : {QStringList{u" receive dfu mode is: off"_s, deviceLine(kPc, u"1.2.3"_s),
-                                                 deviceLine(kOtg, u"1.2.4"_s)},
-                                     QStringList{deviceLine(kPc, u"1.2.3"_s), remoteLine(kPc, u"1.3.0"_s)},
-                                     QStringList{deviceLine(kOtg, u"1.2.4"_s), remoteLine(kOtg, u"1.2.4"_s)}})
+    for (const QStringList &order :
+         {QStringList{u" receive dfu mode is: off"_s, deviceLine(Chip::Pc, u"1.2.3"_s),
+                      deviceLine(Chip::Otg, u"1.2.4"_s)},
+          QStringList{deviceLine(Chip::Pc, u"1.2.3"_s), remoteLine(Chip::Pc, u"1.3.0"_s)},
+          QStringList{deviceLine(Chip::Otg, u"1.2.4"_s), remoteLine(Chip::Otg, u"1.2.4"_s)}})
         QCOMPARE(missingInOrder(lines(), order), QString());
     const QList<QByteArray> sent = PanelStage::bus().written();
     QCOMPARE(sent.size(), 3); // the query, then the PC version before the OTG version

@@ -3,7 +3,6 @@
 #include "tests/panel/PanelStage.h"
 #include "tests/support/FakeFlashingTool.h"
 #include "tests/support/LogOrder.h"
-#include "tests/support/PanelState.h"
 #include "widgets/ClickableProgressBar.h"
 
 #include <HIDCommunicator/OrvikHIDManager.h>
@@ -23,7 +22,7 @@ public:
         QFile file(image);
         if (!file.open(QIODevice::WriteOnly) || file.write("image") != 5)
             qFatal("cannot write %s", qPrintable(image));
-        panel->m_hidManager->disconnect(panel.get());
+        panel->library()->disconnect(panel.get());
         QCoreApplication::sendPostedEvents(panel.get(), QEvent::MetaCall);
         panel->show();
     }
@@ -32,31 +31,31 @@ public:
     bool runSilentTool()
     {
         tool.obeys("ignore-terminate\nhang");
-        panel->m_dfuProcess->start(FakeFlashingTool::path(), QStringList());
-        return panel->m_dfuProcess->waitForStarted() && isToolRunning();
+        panel->tool()->start(FakeFlashingTool::path(), QStringList());
+        return panel->tool()->waitForStarted() && isToolRunning();
     }
-    bool isToolRunning() const { return panel->m_dfuProcess->state() == QProcess::Running; }
+    bool isToolRunning() const { return panel->tool()->state() == QProcess::Running; }
 
     void poll(const QByteArray &progress)
     {
         sandbox.writeProgress(progress);
-        panel->onReadFirmwareTxt();
+        panel->pollProgress();
     }
 
     /// A run of this kind is going on; the OTG half waits for its chip.
     void beginRun(UpgradePlan plan, bool pcCompleted = false)
     {
-        panel->m_upgradePlan = plan;
-        panel->pcUpgradeCompleted = pcCompleted;
-        panel->m_isUpgrading = true;
-        panel->m_progressTimer->start();
-        panel->m_dfuTimeoutTimer->start(60'000);
-        panel->m_progressBar->setProgressColor(pcCompleted ? kWaitingRed : kNeutral);
+        panel->pretendPlan(plan);
+        panel->pretendPcDone(pcCompleted);
+        panel->pretendUpgrading(true);
+        panel->pollTimer()->start();
+        panel->watchdog()->start(60'000);
+        panel->bar()->setProgressColor(pcCompleted ? kWaitingRed : kNeutral);
     }
 
-    int percentOnBar() const { return panel->m_progressBar->value(); }
-    QString percentText() const { return panel->upgradeProgDisPlay->text(); }
-    bool showsFailure() const { return panel->m_inFailureRetry && !panel->m_failTextLb->isHidden(); }
+    int percentOnBar() const { return panel->bar()->value(); }
+    QString percentText() const { return panel->percentText()->text(); }
+    bool showsFailure() const { return panel->offersRetry() && !panel->failureText()->isHidden(); }
 
     FakeFlashingTool tool;
     const QString image;

@@ -1,5 +1,5 @@
 // Whole runs of a real tool, in real time: started, followed, judged.
-#include "tests/flash/FlashingStage.h"
+#include "tests/flash/FlashingTest.h"
 #include "tests/support/TestProgram.h"
 
 #include <QElapsedTimer>
@@ -7,17 +7,12 @@
 
 using namespace Qt::StringLiterals;
 
-class FlashingRunsTest : public QObject {
+class FlashingRunsTest : public FlashingTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m = std::make_unique<FlashingStage>(); }
-    void cleanup() { m.reset(); }
     void aRunEnds_data();
     void aRunEnds();
-
-private:
-    std::unique_ptr<FlashingStage> m;
 };
 
 void FlashingRunsTest::aRunEnds_data()
@@ -62,25 +57,25 @@ void FlashingRunsTest::aRunEnds()
     QFETCH(QString, line);
     QFETCH(int, earliest);
     QFETCH(int, latest);
-    FirmwareUpgradeWidget &panel = *m->panel;
-    panel.m_upgradePlan = UpgradePlan::PcOnly;
-    panel.m_isUpgrading = true;
+    OpenPanel &panel = *m->panel;
+    panel.pretendPlan(UpgradePlan::PcOnly);
+    panel.pretendUpgrading(true);
     m->tool.obeys(script);
     QElapsedTimer time;
     time.start();
-    panel.startUpgradeWithExternalTool(m->image, 14);
-    QVERIFY(panel.m_progressTimer->isActive());
+    panel.flash(m->image, 14);
+    QVERIFY(panel.pollTimer()->isActive());
 
-    QTRY_VERIFY_WITH_TIMEOUT(!panel.m_progressTimer->isActive(), latest);
+    QTRY_VERIFY_WITH_TIMEOUT(!panel.pollTimer()->isActive(), latest);
     QVERIFY2(time.elapsed() >= earliest, qPrintable(QString::number(time.elapsed())));
     QCOMPARE(m->log.count(line), 1);
     QCOMPARE(m->log.contains(u"Successfully upgrade !!!"_s), succeeds);
     QCOMPARE(m->showsFailure(), !succeeds);
-    QCOMPARE(panel.m_doneLb->isHidden(), !succeeds);
-    QCOMPARE(panel.m_postUpgradeWaiting, succeeds);
-    QVERIFY(!panel.m_isUpgrading);
-    QTRY_COMPARE(panel.m_dfuProcess->state(), QProcess::NotRunning);
-    QVERIFY(!panel.m_dfuTimeoutTimer->isActive());
+    QCOMPARE(panel.doneText()->isHidden(), !succeeds);
+    QCOMPARE(panel.awaitsNewVersions(), succeeds);
+    QVERIFY(!panel.isUpgrading());
+    QTRY_COMPARE(panel.tool()->state(), QProcess::NotRunning);
+    QVERIFY(!panel.watchdog()->isActive());
 }
 
 QUILLON_TEST(FlashingRunsTest)

@@ -1,21 +1,18 @@
 // How the flashing tool is started, and what its start shows.
-#include "tests/flash/FlashingStage.h"
+#include "tests/flash/FlashingTest.h"
 #include "tests/support/TestProgram.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QScopeGuard>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
-class FlashingToolTest : public QObject {
+class FlashingToolTest : public FlashingTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m = std::make_unique<FlashingStage>(); }
-    void cleanup() { m.reset(); }
     void argumentsNameImageAndChip_data();
     void argumentsNameImageAndChip();
     void theToolIsStartedAsItIs();
@@ -29,59 +26,58 @@ private Q_SLOTS:
     void startsWithoutABar();
 
 private:
-    void start(int pid = 14) { m->panel->startUpgradeWithExternalTool(m->image, pid); }
-
-    std::unique_ptr<FlashingStage> m;
+    void start(int pid = 14) { m->panel->flash(m->image, pid); }
 };
 
 void FlashingToolTest::argumentsNameImageAndChip_data()
 {
-    QTest::addColumn<int>("model");
+    QTest::addColumn<DeviceModel>("model");
     QTest::addColumn<int>("pid");
     QTest::addColumn<QString>("digits");
     QTest::addColumn<bool>("isInBootLoader");
-    QTest::newRow("R1, PC chip") << 0 << 1 << u"0001"_s << false;
-    QTest::newRow("R1, PC chip in its boot loader") << 0 << 16 << u"0010"_s << true;
-    QTest::newRow("R1, OTG chip, whose product ID is also its boot loader's") << 0 << 18 << u"0012"_s << true;
-    QTest::newRow("R1, R2's boot loader of the PC chip") << 0 << 255 << u"00ff"_s << false;
-    QTest::newRow("R1, R2's boot loader of the OTG chip") << 0 << 101 << u"0065"_s << false;
-    QTest::newRow("R2, PC chip") << 1 << 14 << u"000e"_s << false;
-    QTest::newRow("R2, PC chip in its boot loader") << 1 << 255 << u"00ff"_s << true;
-    QTest::newRow("R2, OTG chip") << 1 << 31 << u"001f"_s << false;
-    QTest::newRow("R2, OTG chip in its boot loader") << 1 << 101 << u"0065"_s << true;
-    QTest::newRow("R2, R1's boot loader") << 1 << 16 << u"0010"_s << false;
-    QTest::newRow("R2, R1's OTG chip") << 1 << 18 << u"0012"_s << false;
-    QTest::newRow("any other model is R2") << 7 << 255 << u"00ff"_s << true;
-    QTest::newRow("no chip") << 1 << 0 << u"0000"_s << false;
-    QTest::newRow("the largest product ID") << 1 << 0xFFFF << u"ffff"_s << false;
-    QTest::newRow("digits are lower case") << 1 << 0xABCD << u"abcd"_s << false;
-    QTest::newRow("a number that is no product ID") << 1 << 0x12345 << u"12345"_s << false;
+    QTest::newRow("R1, PC chip") << DeviceModel::R1 << 1 << u"0001"_s << false;
+    QTest::newRow("R1, PC chip in its boot loader") << DeviceModel::R1 << 16 << u"0010"_s << true;
+    QTest::newRow("R1, OTG chip, whose product ID is also its boot loader's")
+        << DeviceModel::R1 << 18 << u"0012"_s << true;
+    QTest::newRow("R1, R2's boot loader of the PC chip") << DeviceModel::R1 << 255 << u"00ff"_s << false;
+    QTest::newRow("R1, R2's boot loader of the OTG chip") << DeviceModel::R1 << 101 << u"0065"_s << false;
+    QTest::newRow("R2, PC chip") << DeviceModel::R2 << 14 << u"000e"_s << false;
+    QTest::newRow("R2, PC chip in its boot loader") << DeviceModel::R2 << 255 << u"00ff"_s << true;
+    QTest::newRow("R2, OTG chip") << DeviceModel::R2 << 31 << u"001f"_s << false;
+    QTest::newRow("R2, OTG chip in its boot loader") << DeviceModel::R2 << 101 << u"0065"_s << true;
+    QTest::newRow("R2, R1's boot loader") << DeviceModel::R2 << 16 << u"0010"_s << false;
+    QTest::newRow("R2, R1's OTG chip") << DeviceModel::R2 << 18 << u"0012"_s << false;
+    QTest::newRow("any other model is R2") << DeviceModel(7) << 255 << u"00ff"_s << true;
+    QTest::newRow("no chip") << DeviceModel::R2 << 0 << u"0000"_s << false;
+    QTest::newRow("the largest product ID") << DeviceModel::R2 << 0xFFFF << u"ffff"_s << false;
+    QTest::newRow("digits are lower case") << DeviceModel::R2 << 0xABCD << u"abcd"_s << false;
+    QTest::newRow("a number that is no product ID") << DeviceModel::R2 << 0x12345 << u"12345"_s << false;
 }
 
 void FlashingToolTest::argumentsNameImageAndChip()
 {
-    QFETCH(int, model);
+    QFETCH(DeviceModel, model);
     QFETCH(int, pid);
     QFETCH(QString, digits);
     QFETCH(bool, isInBootLoader);
-    m->panel->m_deviceModel = DeviceModel(model);
+    m->panel->pretendModel(model);
     QStringList expected{u"C:/a b/R2_PC1.2.3.bin"_s, u"--pid"_s, digits};
     if (isInBootLoader)
         expected.append(u"--already-in-dfu"_s);
-    QCOMPARE(m->panel->buildDfuArgs(u"C:/a b/R2_PC1.2.3.bin"_s, pid), expected);
+    QCOMPARE(m->panel->toolArguments(u"C:/a b/R2_PC1.2.3.bin"_s, pid), expected);
 }
 
 void FlashingToolTest::theToolIsStartedAsItIs()
 {
-    m->panel->startUpgradeWithExternalTool(m->image, 255);
+    m->panel->flash(m->image, 255);
     QTRY_COMPARE(m->tool.runs().size(), 1);
     QCOMPARE(m->tool.runs().first().arguments,
              (QStringList{m->image, u"--pid"_s, u"00ff"_s, u"--already-in-dfu"_s}));
     QCOMPARE(m->tool.runs().first().workingDirectory, QDir::currentPath());
-    QCOMPARE(m->panel->m_dfuProcess->program(), FakeFlashingTool::path());
-    QCOMPARE(m->panel->m_dfuProcess->openMode(), QIODevice::ReadWrite);
-    QVERIFY(m->panel->m_dfuProcess->workingDirectory().isEmpty());
-    QVERIFY(m->panel->m_dfuProcess->environment().isEmpty());
+    QCOMPARE(m->panel->tool()->program(), FakeFlashingTool::path());
+    QCOMPARE(m->panel->tool()->openMode(), QIODevice::ReadWrite);
+    QVERIFY(m->panel->tool()->workingDirectory().isEmpty());
+    QVERIFY(m->panel->tool()->environment().isEmpty());
 }
 
 void FlashingToolTest::theStartIsLogged_data()
@@ -112,9 +108,9 @@ void FlashingToolTest::theStartIsLogged()
     QFETCH(int, lastPcPid);
     QFETCH(int, lastOtgPid);
     QFETCH(bool, recovers);
-    m->panel->lastDetectedPcPid = lastPcPid;
-    m->panel->lastDetectedOtgPid = lastOtgPid;
-    m->panel->m_autoRecoverRunning = recovers;
+    m->panel->pretendLastSeenId(Chip::Pc, lastPcPid);
+    m->panel->pretendLastSeenId(Chip::Otg, lastOtgPid);
+    m->panel->pretendRecovering(recovers);
     m->log.clear();
     start(pid);
     QCOMPARE(m->log.lines(),
@@ -126,28 +122,28 @@ void FlashingToolTest::theStartIsLogged()
 void FlashingToolTest::formerResultsAreForgotten()
 {
     m->sandbox.writeProgress("success 1");
-    m->panel->m_lastProgressPercent = 42;
-    m->panel->m_lastProgressTime = QDateTime::currentDateTime();
+    m->panel->pretendLastPercent(42);
+    m->panel->pretendLastPercentSince(QDateTime::currentDateTime());
     m->tool.obeys("hang");
     start();
     QVERIFY(!QFile::exists(m->sandbox.progressFile()));
     QVERIFY(QFileInfo(QFileInfo(m->sandbox.progressFile()).path()).isDir());
-    QCOMPARE(m->panel->m_lastProgressPercent, -1);
-    QVERIFY(m->panel->m_lastProgressTime.isNull());
+    QCOMPARE(m->panel->lastPercent(), -1);
+    QVERIFY(m->panel->lastPercentSince().isNull());
 }
 
 void FlashingToolTest::theClocksRunAfterTheStart()
 {
     m->tool.obeys("hang");
-    QVERIFY(!m->panel->m_dfuTimeoutTimer->isActive());
-    QVERIFY(!m->panel->m_progressTimer->isActive());
+    QVERIFY(!m->panel->watchdog()->isActive());
+    QVERIFY(!m->panel->pollTimer()->isActive());
     start();
-    QVERIFY(m->panel->m_dfuTimeoutTimer->isActive());
-    QVERIFY(m->panel->m_dfuTimeoutTimer->isSingleShot());
-    QCOMPARE(m->panel->m_dfuTimeoutTimer->interval(), 60'000);
-    QVERIFY(m->panel->m_progressTimer->isActive());
-    QVERIFY(!m->panel->m_progressTimer->isSingleShot());
-    QCOMPARE(m->panel->m_progressTimer->interval(), 100);
+    QVERIFY(m->panel->watchdog()->isActive());
+    QVERIFY(m->panel->watchdog()->isSingleShot());
+    QCOMPARE(m->panel->watchdog()->interval(), 60'000);
+    QVERIFY(m->panel->pollTimer()->isActive());
+    QVERIFY(!m->panel->pollTimer()->isSingleShot());
+    QCOMPARE(m->panel->pollTimer()->interval(), 100);
 }
 
 void FlashingToolTest::theStartShows_data()
@@ -176,59 +172,57 @@ void FlashingToolTest::theStartShows()
     QFETCH(bool, pcCompleted);
     QFETCH(QColor, progressColor);
     QFETCH(int, percent);
-    FirmwareUpgradeWidget &panel = *m->panel;
-    panel.m_upgradePlan = plan;
-    panel.pcUpgradeCompleted = pcCompleted;
-    panel.m_isWaitingForUSB = true;
-    panel.m_progressBar->setProgressColor(progressColor);
-    panel.m_progressBar->setBackgroundColor(Qt::red);
-    panel.m_progressBar->setValue(77);
+    OpenPanel &panel = *m->panel;
+    panel.pretendPlan(plan);
+    panel.pretendPcDone(pcCompleted);
+    panel.pretendWaitingForCable(true);
+    panel.bar()->setProgressColor(progressColor);
+    panel.bar()->setBackgroundColor(Qt::red);
+    panel.bar()->setValue(77);
     const ScreenChange screen(panel, {u"m_waitingIconLb"_s, u"m_upgradingLb"_s, u"upgradeProgDisPlay"_s},
                               {u"m_rocketLb"_s, u"m_upgradeTextLb"_s});
     m->tool.obeys("hang");
     start();
     QCOMPARE(m->percentOnBar(), percent);
     QCOMPARE(m->percentText(), QString::number(percent) + u'%');
-    QCOMPARE(panel.m_progressBar->m_backgroundColor, FlashingStage::kGrey);
-    QCOMPARE(panel.m_progressBar->m_progressColor, progressColor);
+    QCOMPARE(panel.barBackground(), FlashingStage::kGrey);
+    QCOMPARE(panel.bar()->progressColor(), progressColor);
     QCOMPARE(screen.actual(), screen.expected());
-    QVERIFY(!panel.m_isWaitingForUSB);
-    QCOMPARE(panel.m_upgradingLb->text(), u"升级中，请勿关闭设备..."_s);
-    QCOMPARE(panel.m_upgradingLb->geometry(), QRect(133, 13, 174, 21));
-    QCOMPARE(panel.m_waitingIconLb->geometry(), QRect(101, 12, 24, 24));
+    QVERIFY(!panel.isWaitingForCable());
+    QCOMPARE(panel.waitingText()->text(), u"升级中，请勿关闭设备..."_s);
+    QCOMPARE(panel.waitingText()->geometry(), QRect(133, 13, 174, 21));
+    QCOMPARE(panel.waitingIcon()->geometry(), QRect(101, 12, 24, 24));
 }
 
 void FlashingToolTest::theWaitingScreenStays()
 {
-    FirmwareUpgradeWidget &panel = *m->panel;
+    OpenPanel &panel = *m->panel;
     m->beginRun(UpgradePlan::Both, true);
-    panel.m_isWaitingForUSB = true;
-    panel.m_progressBar->setBackgroundColor(Qt::red);
+    panel.pretendWaitingForCable(true);
+    panel.bar()->setBackgroundColor(Qt::red);
     const ScreenChange screen(panel, {}, {});
-    const QString bar = panel.m_upgradingLb->text();
+    const QString bar = panel.waitingText()->text();
     m->tool.obeys("hang");
     start(31);
     QCOMPARE(m->percentOnBar(), 50);
     QCOMPARE(m->percentText(), u"50%"_s);
-    QCOMPARE(panel.m_progressBar->m_backgroundColor, FlashingStage::kGrey);
-    QCOMPARE(panel.m_progressBar->m_progressColor, FlashingStage::kWaitingRed);
+    QCOMPARE(panel.barBackground(), FlashingStage::kGrey);
+    QCOMPARE(panel.bar()->progressColor(), FlashingStage::kWaitingRed);
     QCOMPARE(screen.actual(), screen.expected());
-    QVERIFY(panel.m_isWaitingForUSB);
-    QCOMPARE(panel.m_upgradingLb->text(), bar);
+    QVERIFY(panel.isWaitingForCable());
+    QCOMPARE(panel.waitingText()->text(), bar);
     QVERIFY(m->log.contains(
         u"[startUpgrade] keepWaitingUI=true progressColor=red?true pcUpgradeCompleted=true"_s));
 }
 
 void FlashingToolTest::startsWithoutABar()
 {
-    const auto restore
-        = qScopeGuard([this, bar = m->panel->m_progressBar] { m->panel->m_progressBar = bar; });
-    m->panel->m_progressBar = nullptr;
-    m->panel->upgradeProgDisPlay->setText(u"12%"_s);
+    const Without withoutBar(*m->panel, Part::Bar);
+    m->panel->percentText()->setText(u"12%"_s);
     m->tool.obeys("hang");
     start();
-    QVERIFY(m->panel->m_dfuTimeoutTimer->isActive());
-    QVERIFY(m->panel->m_progressTimer->isActive());
+    QVERIFY(m->panel->watchdog()->isActive());
+    QVERIFY(m->panel->pollTimer()->isActive());
     QCOMPARE(m->percentText(), u"12%"_s);
     QCOMPARE(m->log.startingWith(u"[startUpgrade]"_s), QStringList());
 }

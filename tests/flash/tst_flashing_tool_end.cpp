@@ -1,5 +1,5 @@
 // A flashing tool that cannot be started, and how a running one ends.
-#include "tests/flash/FlashingStage.h"
+#include "tests/flash/FlashingTest.h"
 #include "tests/support/Processes.h"
 #include "tests/support/TestProgram.h"
 
@@ -11,12 +11,10 @@
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
-class FlashingToolEndTest : public QObject {
+class FlashingToolEndTest : public FlashingTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m = std::make_unique<FlashingStage>(); }
-    void cleanup() { m.reset(); }
     void nothingChangesWhenItCannotStart_data();
     void nothingChangesWhenItCannotStart();
     void itsEndDecidesNothing_data();
@@ -29,9 +27,7 @@ private Q_SLOTS:
     void endsWithThePanel();
 
 private:
-    void start(int pid = 14) { m->panel->startUpgradeWithExternalTool(m->image, pid); }
-
-    std::unique_ptr<FlashingStage> m;
+    void start(int pid = 14) { m->panel->flash(m->image, pid); }
 };
 
 void FlashingToolEndTest::nothingChangesWhenItCannotStart_data()
@@ -74,35 +70,34 @@ void FlashingToolEndTest::nothingChangesWhenItCannotStart()
     QFETCH(QString, line);
     const auto noFolder = qScopeGuard([] { QDir().rmdir(FakeFlashingTool::path()); });
     spoil(*m);
-    FirmwareUpgradeWidget &panel = *m->panel;
-    panel.m_upgradePlan = UpgradePlan::Both;
-    panel.m_isUpgrading = true;
-    panel.m_progressBar->setValue(33);
-    panel.m_progressBar->setBackgroundColor(Qt::yellow);
+    OpenPanel &panel = *m->panel;
+    panel.pretendPlan(UpgradePlan::Both);
+    panel.pretendUpgrading(true);
+    panel.bar()->setValue(33);
+    panel.bar()->setBackgroundColor(Qt::yellow);
     m->sandbox.writeProgress("success 1");
-    const QStringList state = panelState(panel);
+    const QStringList state = panel.state();
     const QStringList screen = Screen::everything(panel);
     m->log.clear();
 
     QElapsedTimer time;
     time.start();
-    panel.startUpgradeWithExternalTool(imageName.isEmpty() ? QString() : m->sandbox.home() + u'/' + imageName,
-                                       14);
+    panel.flash(imageName.isEmpty() ? QString() : m->sandbox.home() + u'/' + imageName, 14);
     QVERIFY(time.elapsed() < 3500);
     QCOMPARE(m->log.lines().size(), 3);
     QCOMPARE(m->log.lines().at(1), u"##222 exePath is: "_s + FakeFlashingTool::path());
     QCOMPARE(m->log.lines().at(2), line);
-    QCOMPARE(panel.m_dfuProcess->state(), QProcess::NotRunning);
-    QVERIFY(!panel.m_dfuTimeoutTimer->isActive());
-    QVERIFY(!panel.m_progressTimer->isActive());
+    QCOMPARE(panel.tool()->state(), QProcess::NotRunning);
+    QVERIFY(!panel.watchdog()->isActive());
+    QVERIFY(!panel.pollTimer()->isActive());
     QVERIFY(!QFile::exists(m->sandbox.progressFile()));
 
-    QCOMPARE(panelState(panel), state);
+    QCOMPARE(panel.state(), state);
     QCOMPARE(Screen::everything(panel), screen);
     QCOMPARE(m->percentOnBar(), 33);
-    QCOMPARE(panel.m_progressBar->m_backgroundColor, QColor(Qt::yellow));
+    QCOMPARE(panel.barBackground(), QColor(Qt::yellow));
     QTest::qWait(150);
-    QCOMPARE(panelState(panel), state);
+    QCOMPARE(panel.state(), state);
     QVERIFY(m->tool.runs().isEmpty());
 }
 
@@ -123,24 +118,24 @@ void FlashingToolEndTest::itsEndDecidesNothing()
     m->tool.obeys(script);
     start();
     // The poll would come to a verdict; here only the end itself is of interest.
-    m->panel->m_progressTimer->stop();
-    m->panel->m_isUpgrading = true;
-    const QStringList state = panelState(*m->panel);
+    m->panel->pollTimer()->stop();
+    m->panel->pretendUpgrading(true);
+    const QStringList state = m->panel->state();
     const QStringList screen = Screen::everything(*m->panel);
     m->log.clear();
     FakeFlashingTool::signal(u"go"_s);
-    QTRY_COMPARE(m->panel->m_dfuProcess->state(), QProcess::NotRunning);
+    QTRY_COMPARE(m->panel->tool()->state(), QProcess::NotRunning);
     QCOMPARE(m->log.lines().size(), 1);
     QVERIFY2(m->log.lines().first().startsWith(line), qPrintable(m->log.lines().first()));
-    QVERIFY(!m->panel->m_dfuTimeoutTimer->isActive());
-    QCOMPARE(panelState(*m->panel), state);
+    QVERIFY(!m->panel->watchdog()->isActive());
+    QCOMPARE(m->panel->state(), state);
     QCOMPARE(Screen::everything(*m->panel), screen);
 }
 
 void FlashingToolEndTest::itsEndIsHeardWithoutAWatchdog()
 {
     m->log.clear();
-    m->panel->onDfuProcessFinished(7, QProcess::NormalExit);
+    m->panel->endTool(7, QProcess::NormalExit);
     QCOMPARE(m->log.lines(), QStringList(u"OrvikFirmwareUpdata.exe process exit, exitCode=7"_s));
 }
 
@@ -148,38 +143,38 @@ void FlashingToolEndTest::theTimeLimitKills()
 {
     QVERIFY(m->runSilentTool());
     QTRY_COMPARE(m->tool.runs().size(), 1);
-    m->panel->m_isUpgrading = true;
-    const QStringList state = panelState(*m->panel);
+    m->panel->pretendUpgrading(true);
+    const QStringList state = m->panel->state();
     const QStringList screen = Screen::everything(*m->panel);
     m->log.clear();
     QElapsedTimer time;
     time.start();
-    m->panel->onDfuTimeout();
+    m->panel->fireWatchdog();
     QVERIFY(time.elapsed() < 1500);
-    QCOMPARE(m->panel->m_dfuProcess->state(), QProcess::NotRunning);
+    QCOMPARE(m->panel->tool()->state(), QProcess::NotRunning);
     QCOMPARE(m->log.lines(), m->log.startingWith(u"OrvikFirmwareUpdata.exe process exit, exitCode="_s));
     QCOMPARE(m->log.lines().size(), 1);
-    QCOMPARE(panelState(*m->panel), state);
+    QCOMPARE(m->panel->state(), state);
     QCOMPARE(Screen::everything(*m->panel), screen);
 }
 
 void FlashingToolEndTest::theTimeLimitOfAnEndedToolDoesNothing()
 {
-    const QStringList state = panelState(*m->panel);
+    const QStringList state = m->panel->state();
     m->log.clear();
-    m->panel->onDfuTimeout();
+    m->panel->fireWatchdog();
     QCOMPARE(m->log.lines(), QStringList());
-    QCOMPARE(panelState(*m->panel), state);
+    QCOMPARE(m->panel->state(), state);
 }
 
 void FlashingToolEndTest::whatItSaysIsNotRead()
 {
-    m->panel->m_upgradePlan = UpgradePlan::PcOnly;
-    m->panel->m_isUpgrading = true;
+    m->panel->pretendPlan(UpgradePlan::PcOnly);
+    m->panel->pretendUpgrading(true);
     m->tool.obeys("chatter 4000000\nwrite success 1");
     start();
     QTRY_COMPARE_WITH_TIMEOUT(m->percentOnBar(), 100, 30000);
-    QVERIFY(!m->panel->m_isUpgrading);
+    QVERIFY(!m->panel->isUpgrading());
 }
 
 void FlashingToolEndTest::endsWithThePanel_data()
@@ -203,7 +198,7 @@ void FlashingToolEndTest::endsWithThePanel()
     m->tool.obeys(script);
     start();
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(m->sandbox.progressFile()), 20000);
-    const qint64 processId = m->panel->m_dfuProcess->processId();
+    const qint64 processId = m->panel->tool()->processId();
     QVERIFY(isProcessAlive(processId));
     QElapsedTimer time;
     time.start();

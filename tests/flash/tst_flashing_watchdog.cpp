@@ -1,5 +1,5 @@
 // A tool that never ends by itself. Registered to run with a faster clock: the watchdog waits for a minute.
-#include "tests/flash/FlashingStage.h"
+#include "tests/flash/FlashingTest.h"
 #include "tests/support/TestProgram.h"
 
 #include <QElapsedTimer>
@@ -7,30 +7,26 @@
 
 using namespace Qt::StringLiterals;
 
-class FlashingWatchdogTest : public QObject {
+class FlashingWatchdogTest : public FlashingTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m = std::make_unique<FlashingStage>(); }
-    void cleanup() { m.reset(); }
     void aMinuteIsTheLimit_data();
     void aMinuteIsTheLimit();
 
 private:
     qint64 runUntilTheToolEnds(const QByteArray &script);
-
-    std::unique_ptr<FlashingStage> m;
 };
 
 /// In milliseconds of the faster clock.
 qint64 FlashingWatchdogTest::runUntilTheToolEnds(const QByteArray &script)
 {
-    m->panel->m_upgradePlan = UpgradePlan::PcOnly;
-    m->panel->m_isUpgrading = true;
+    m->panel->pretendPlan(UpgradePlan::PcOnly);
+    m->panel->pretendUpgrading(true);
     m->tool.obeys(script);
     QElapsedTimer time;
     time.start();
-    m->panel->startUpgradeWithExternalTool(m->image, 14);
+    m->panel->flash(m->image, 14);
     if (!QTest::qWaitFor([this] { return !m->isToolRunning(); }, 200'000))
         return -1;
     return time.elapsed();
@@ -56,15 +52,15 @@ void FlashingWatchdogTest::aMinuteIsTheLimit()
     QVERIFY2(ended >= 59'500 && ended < 120'000, qPrintable(QString::number(ended)));
     if (verdict.isEmpty()) {
         QTest::qWait(30'000);
-        QVERIFY(m->panel->m_progressTimer->isActive());
-        QVERIFY(m->panel->m_isUpgrading);
+        QVERIFY(m->panel->pollTimer()->isActive());
+        QVERIFY(m->panel->isUpgrading());
         QVERIFY(!m->showsFailure());
         QCOMPARE(m->percentText(), u"0%"_s);
-        QCOMPARE(m->panel->m_lastProgressPercent, -1);
+        QCOMPARE(m->panel->lastPercent(), -1);
     } else {
         QTRY_VERIFY(m->log.contains(verdict));
         QVERIFY(m->showsFailure());
-        QVERIFY(!m->panel->m_progressTimer->isActive());
+        QVERIFY(!m->panel->pollTimer()->isActive());
     }
 }
 

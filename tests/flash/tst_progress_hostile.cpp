@@ -1,5 +1,5 @@
 // Progress files that no flashing tool would write. The panel neither stops nor takes them for a success.
-#include "tests/flash/FlashingStage.h"
+#include "tests/flash/FlashingTest.h"
 #include "tests/support/TestProgram.h"
 
 #include <QDir>
@@ -15,12 +15,10 @@
 
 using namespace Qt::StringLiterals;
 
-class ProgressHostileTest : public QObject {
+class ProgressHostileTest : public FlashingTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m = std::make_unique<FlashingStage>(); }
-    void cleanup() { m.reset(); }
     void aHugeFileCostsNothing_data();
     void aHugeFileCostsNothing();
     void aDeviceWithoutEndIsNotReadToItsEnd();
@@ -32,8 +30,6 @@ private Q_SLOTS:
 
 private:
     void makeHugeFile(const QByteArray &end);
-
-    std::unique_ptr<FlashingStage> m;
 };
 
 namespace {
@@ -80,17 +76,17 @@ void ProgressHostileTest::aHugeFileCostsNothing()
 {
     QFETCH(QByteArray, end);
     m->beginRun(UpgradePlan::PcOnly);
-    m->panel->upgradeProgDisPlay->setText(u"7%"_s);
+    m->panel->percentText()->setText(u"7%"_s);
     makeHugeFile(end);
     const qint64 before = peakMemory();
     QElapsedTimer time;
     time.start();
-    m->panel->onReadFirmwareTxt();
+    m->panel->pollProgress();
     QVERIFY2(time.elapsed() < 500, qPrintable(QString::number(time.elapsed())));
     const qint64 grown = peakMemory() - before;
     QVERIFY2(grown < 32 * 1024, qPrintable(QString::number(grown)));
     QTEST(m->percentText(), "text");
-    QVERIFY(m->panel->m_progressTimer->isActive());
+    QVERIFY(m->panel->pollTimer()->isActive());
 }
 
 void ProgressHostileTest::aDeviceWithoutEndIsNotReadToItsEnd()
@@ -103,7 +99,7 @@ void ProgressHostileTest::aDeviceWithoutEndIsNotReadToItsEnd()
     QVERIFY(QFile::remove(m->sandbox.progressFile()) && QFile::link(endless, m->sandbox.progressFile()));
     QElapsedTimer time;
     time.start();
-    m->panel->onReadFirmwareTxt();
+    m->panel->pollProgress();
     QVERIFY2(time.elapsed() < 500, qPrintable(QString::number(time.elapsed())));
     QVERIFY(!m->showsFailure());
 }
@@ -122,17 +118,17 @@ void ProgressHostileTest::aFolderCannotBeOpened()
         QVERIFY(m->runSilentTool());
     m->beginRun(UpgradePlan::PcOnly);
     QVERIFY(QDir().mkpath(m->sandbox.progressFile()));
-    m->panel->onReadFirmwareTxt();
+    m->panel->pollProgress();
     QCOMPARE(m->log.contains(u"[状态] 进程已退出但无进度文件，判定为失败"_s), !isToolRunning);
     QCOMPARE(m->showsFailure(), !isToolRunning);
-    QCOMPARE(m->panel->m_progressTimer->isActive(), isToolRunning);
+    QCOMPARE(m->panel->pollTimer()->isActive(), isToolRunning);
 }
 
 void ProgressHostileTest::aFolderInTheWayDoesNotKeepTheToolFromStarting()
 {
     QVERIFY(QDir().mkpath(m->sandbox.progressFile()));
-    m->panel->m_isUpgrading = true;
-    m->panel->startUpgradeWithExternalTool(m->image, 14);
+    m->panel->pretendUpgrading(true);
+    m->panel->flash(m->image, 14);
     QTRY_COMPARE(m->tool.runs().size(), 1);
     QTRY_VERIFY(m->showsFailure());
 }
@@ -145,7 +141,7 @@ void ProgressHostileTest::aHomeThatIsNoFolderHoldsNoFile()
     m->beginRun(UpgradePlan::PcOnly);
     const QByteArray home = qgetenv("HOME");
     qputenv("HOME", QFile::encodeName(m->image));
-    m->panel->onReadFirmwareTxt();
+    m->panel->pollProgress();
     qputenv("HOME", home);
     QVERIFY(m->showsFailure());
     QVERIFY(m->log.contains(u"[状态] 进程已退出但无进度文件，判定为失败"_s));
@@ -162,9 +158,9 @@ void ProgressHostileTest::noiseIsNoVerdict()
             noise.append(i % 2 ? char(random.bounded(256)) : alphabet.at(random.bounded(alphabet.size())));
         if (noise.trimmed().endsWith("100%"))
             continue;
-        m->panel->m_lastProgressTime = QDateTime();
+        m->panel->pretendLastPercentSince(QDateTime());
         m->poll(noise);
-        QVERIFY2(m->panel->m_progressTimer->isActive(), noise.toHex().constData());
+        QVERIFY2(m->panel->pollTimer()->isActive(), noise.toHex().constData());
     }
 }
 

@@ -1,20 +1,17 @@
 // One poll of the progress file while the tool works: what is ignored, what is shown, what counts as a stall.
-#include "tests/flash/FlashingStage.h"
+#include "tests/flash/FlashingTest.h"
 #include "tests/support/TestProgram.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QScopeGuard>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 
-class ProgressMonitorTest : public QObject {
+class ProgressMonitorTest : public FlashingTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m = std::make_unique<FlashingStage>(); }
-    void cleanup() { m.reset(); }
     void thePathIsBelowTheHome();
     void withoutAReportOnlyAnEndedRunFails_data();
     void withoutAReportOnlyAnEndedRunFails();
@@ -26,9 +23,6 @@ private Q_SLOTS:
     void strangePercentagesAreShownAsTheyAre();
     void percentagesNeedABar();
     void aHalfWrittenLineIsCorrected();
-
-private:
-    std::unique_ptr<FlashingStage> m;
 };
 
 void ProgressMonitorTest::thePathIsBelowTheHome()
@@ -36,7 +30,7 @@ void ProgressMonitorTest::thePathIsBelowTheHome()
     const QString folder = m->sandbox.home() + u"/AppData/Roaming/OrvikQuillon2x2"_s;
     for (int call = 0; call < 2; ++call) {
         QVERIFY(QDir(folder).removeRecursively());
-        QCOMPARE(m->panel->firmwareTxtPath(), QString(folder + u"/Firmware_bin.txt"_s));
+        QCOMPARE(m->panel->progressFile(), QString(folder + u"/Firmware_bin.txt"_s));
         QVERIFY(QFileInfo(folder).isDir());
     }
 }
@@ -68,16 +62,16 @@ void ProgressMonitorTest::withoutAReportOnlyAnEndedRunFails()
     if (isToolRunning)
         QVERIFY(m->runSilentTool());
     m->beginRun(UpgradePlan::PcOnly);
-    m->panel->m_isUpgrading = isUpgrading;
+    m->panel->pretendUpgrading(isUpgrading);
     if (isEmpty)
         m->sandbox.writeProgress({});
-    const QStringList state = panelState(*m->panel);
+    const QStringList state = m->panel->state();
     m->log.clear();
-    m->panel->onReadFirmwareTxt();
+    m->panel->pollProgress();
     QCOMPARE(m->log.lines(), line.isEmpty() ? QStringList() : QStringList(line));
-    QCOMPARE(m->panel->m_progressTimer->isActive(), line.isEmpty());
+    QCOMPARE(m->panel->pollTimer()->isActive(), line.isEmpty());
     QCOMPARE(m->showsFailure(), !line.isEmpty());
-    QCOMPARE(panelState(*m->panel) == state, line.isEmpty());
+    QCOMPARE(m->panel->state() == state, line.isEmpty());
     QCOMPARE(m->isToolRunning(), isToolRunning);
 }
 
@@ -106,15 +100,15 @@ void ProgressMonitorTest::otherLinesAreIgnored()
         if (isToolRunning)
             QVERIFY(m->runSilentTool());
         m->beginRun(UpgradePlan::PcOnly);
-        const QStringList state = panelState(*m->panel);
+        const QStringList state = m->panel->state();
         const QStringList screen = Screen::everything(*m->panel);
         m->log.clear();
         m->poll(content);
         QCOMPARE(m->log.lines(), QStringList());
-        QCOMPARE(panelState(*m->panel), state);
+        QCOMPARE(m->panel->state(), state);
         QCOMPARE(Screen::everything(*m->panel), screen);
-        QVERIFY(m->panel->m_progressTimer->isActive());
-        QVERIFY(m->panel->m_dfuTimeoutTimer->isActive());
+        QVERIFY(m->panel->pollTimer()->isActive());
+        QVERIFY(m->panel->watchdog()->isActive());
         QCOMPARE(m->isToolRunning(), isToolRunning);
     }
 }
@@ -152,8 +146,8 @@ void ProgressMonitorTest::percentagesAreShown()
     QFETCH(int, percent);
     QFETCH(int, displayed);
     m->beginRun(plan, pcCompleted);
-    m->panel->m_progressBar->setProgressColor(FlashingStage::kNeutral);
-    m->panel->m_progressBar->setValue(88);
+    m->panel->bar()->setProgressColor(FlashingStage::kNeutral);
+    m->panel->bar()->setValue(88);
     m->log.clear();
     m->poll(content);
     QCOMPARE(m->percentOnBar(), displayed);
@@ -165,8 +159,8 @@ void ProgressMonitorTest::percentagesAreShown()
                               .arg(displayed)
                               .arg(flag),
                           u"[onReadFirmwareTxt] 界面切换条件=false"_s}));
-    QVERIFY(m->panel->m_progressTimer->isActive());
-    QVERIFY(m->panel->m_dfuTimeoutTimer->isActive());
+    QVERIFY(m->panel->pollTimer()->isActive());
+    QVERIFY(m->panel->watchdog()->isActive());
 }
 
 void ProgressMonitorTest::strangePercentagesAreShownAsTheyAre_data()
@@ -189,14 +183,12 @@ void ProgressMonitorTest::strangePercentagesAreShownAsTheyAre()
 
 void ProgressMonitorTest::percentagesNeedABar()
 {
-    const auto restore
-        = qScopeGuard([this, bar = m->panel->m_progressBar] { m->panel->m_progressBar = bar; });
     m->beginRun(UpgradePlan::PcOnly);
-    m->panel->m_progressBar = nullptr;
-    const QStringList state = panelState(*m->panel);
+    const Without withoutBar(*m->panel, Part::Bar);
+    const QStringList state = m->panel->state();
     m->log.clear();
     m->poll("55%");
-    QCOMPARE(panelState(*m->panel), state);
+    QCOMPARE(m->panel->state(), state);
     QCOMPARE(m->log.lines(), QStringList());
 }
 

@@ -1,21 +1,18 @@
 // From the end of the PC half to the first percents of the OTG half.
-#include "tests/flash/FlashingStage.h"
+#include "tests/flash/FlashingTest.h"
 #include "tests/support/TestProgram.h"
 
 #include <QMovie>
 #include <QPointer>
-#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 
-class ProgressOtgTest : public QObject {
+class ProgressOtgTest : public FlashingTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m = std::make_unique<FlashingStage>(); }
-    void cleanup() { m.reset(); }
     void handOverAsksForTheOtgCable_data();
     void handOverAsksForTheOtgCable();
     void handOverChangesTheScreen();
@@ -26,9 +23,6 @@ private Q_SLOTS:
     void theOtgHalfSwitchesAtThreePercent();
     void theSwitchShowsTheProgress();
     void theSwitchHappensOnce();
-
-private:
-    std::unique_ptr<FlashingStage> m;
 };
 
 void ProgressOtgTest::handOverAsksForTheOtgCable_data()
@@ -58,48 +52,48 @@ void ProgressOtgTest::handOverAsksForTheOtgCable()
 {
     QFETCH(DeviceModel, model);
     QFETCH(Language, language);
-    FirmwareUpgradeWidget &panel = *m->panel;
+    OpenPanel &panel = *m->panel;
     QuillonFirmwareUpgrade::setLanguage(language);
-    panel.m_deviceModel = model;
+    panel.pretendModel(model);
     m->beginRun(UpgradePlan::Both);
-    panel.m_isWaitingForUSB = false;
-    panel.updateWaitingLabelLayout();
+    panel.pretendWaitingForCable(false);
+    panel.layOutWaitingLine();
     m->poll("success 1");
-    QTEST(panel.m_tipMovie->fileName(), "movie");
-    QCOMPARE(panel.m_tipMovie->parent(), panel.tipMoiveLb);
-    QCOMPARE(panel.tipMoiveLb->movie(), panel.m_tipMovie);
-    QCOMPARE(panel.m_tipMovie->state(), QMovie::Running);
-    QTEST(panel.m_detectingUsbLb->text(), "detecting");
-    QTEST(panel.m_connectHintLb->text(), "hint");
+    QTEST(panel.movie()->fileName(), "movie");
+    QCOMPARE(panel.movie()->parent(), panel.animation());
+    QCOMPARE(panel.animation()->movie(), panel.movie());
+    QCOMPARE(panel.movie()->state(), QMovie::Running);
+    QTEST(panel.detectingText()->text(), "detecting");
+    QTEST(panel.cableHint()->text(), "hint");
     const bool isChinese = language == Language::Chinese;
-    QCOMPARE(panel.m_upgradingLb->text(),
+    QCOMPARE(panel.waitingText()->text(),
              isChinese ? u"待USB线接入图示口..."_s : u"Connect to the indicated USB ports. "_s);
-    QCOMPARE(panel.m_upgradingLb->geometry(), isChinese ? QRect(140, 13, 159, 21) : QRect(83, 13, 290, 21));
-    QCOMPARE(panel.m_waitingIconLb->geometry(), isChinese ? QRect(108, 12, 24, 24) : QRect(51, 12, 24, 24));
+    QCOMPARE(panel.waitingText()->geometry(), isChinese ? QRect(140, 13, 159, 21) : QRect(83, 13, 290, 21));
+    QCOMPARE(panel.waitingIcon()->geometry(), isChinese ? QRect(108, 12, 24, 24) : QRect(51, 12, 24, 24));
 }
 
 void ProgressOtgTest::handOverChangesTheScreen()
 {
-    FirmwareUpgradeWidget &panel = *m->panel;
+    OpenPanel &panel = *m->panel;
     m->beginRun(UpgradePlan::Both);
-    panel.m_isWaitingForUSB = false;
-    panel.m_progressBar->setBackgroundColor(Qt::yellow);
+    panel.pretendWaitingForCable(false);
+    panel.bar()->setBackgroundColor(Qt::yellow);
     const ScreenChange screen(panel,
                               {u"tipMoiveLb"_s, u"m_detectingUsbLb"_s, u"m_connectHintLb"_s,
                                u"m_waitingIconLb"_s, u"m_upgradingLb"_s},
                               {u"verCompLb"_s, u"m_notesEdit"_s, u"m_notesIconLb"_s, u"m_notesTitleLb"_s,
                                u"m_notesLineLb"_s, u"m_rocketLb"_s, u"m_upgradeTextLb"_s});
-    const QStringList before = panelState(panel);
+    const QStringList before = panel.state();
     m->poll("success 1");
     QCOMPARE(screen.actual(), screen.expected());
     QCOMPARE(m->percentOnBar(), 50);
     QCOMPARE(m->percentText(), u"50%"_s);
-    QCOMPARE(panel.m_progressBar->m_progressColor, FlashingStage::kWaitingRed);
-    QCOMPARE(panel.m_progressBar->m_backgroundColor, FlashingStage::kGrey);
-    QCOMPARE(changedState(before, panelState(panel)),
+    QCOMPARE(panel.bar()->progressColor(), FlashingStage::kWaitingRed);
+    QCOMPARE(panel.barBackground(), FlashingStage::kGrey);
+    QCOMPARE(changedState(before, panel.state()),
              (QStringList{u"pcUpgradeCompleted=true"_s, u"m_isWaitingForUSB=true"_s}));
-    QVERIFY(!panel.m_progressTimer->isActive());
-    QVERIFY(!panel.m_dfuTimeoutTimer->isActive());
+    QVERIFY(!panel.pollTimer()->isActive());
+    QVERIFY(!panel.watchdog()->isActive());
 }
 
 void ProgressOtgTest::handOverLooksForTheChipAtOnce()
@@ -116,30 +110,28 @@ void ProgressOtgTest::handOverLooksForTheChipAtOnce()
                         u"[ConnectingR2] START - m_isUpgrading=true m_autoRecoverRunning=false"_s,
                         u"OTG already present, trigger OTG upgrade directly"_s}),
         QString());
-    QCOMPARE(m->panel->lastDetectedOtgPid, 31);
+    QCOMPARE(m->panel->lastSeenId(Chip::Otg), 31);
 }
 
 void ProgressOtgTest::handOverDoesWithoutTheLibrary()
 {
-    const auto restore
-        = qScopeGuard([this, manager = m->panel->m_hidManager] { m->panel->m_hidManager = manager; });
-    m->panel->m_hidManager = nullptr;
+    const Without withoutLibrary(*m->panel, Part::Library);
     m->beginRun(UpgradePlan::Both);
     m->log.clear();
     m->poll("success 1");
-    QVERIFY(m->panel->pcUpgradeCompleted);
+    QVERIFY(m->panel->isPcDone());
     QCOMPARE(m->log.startingWith(u"[ConnectingR2]"_s), QStringList());
 }
 
 void ProgressOtgTest::handOverMayBeThePanelsEnd()
 {
     QVERIFY(m->runSilentTool());
-    const QPointer<QProcess> process = m->panel->m_dfuProcess;
+    const QPointer<QProcess> process = m->panel->tool();
     m->bus().plug(0x001F);
     m->beginRun(UpgradePlan::Both);
     connect(m->panel.get(), &FirmwareUpgradeWidget::r2otgConnected, this, [this] { m->panel.reset(); });
     m->sandbox.writeProgress("success 1");
-    m->panel->onReadFirmwareTxt();
+    m->panel->pollProgress();
     QVERIFY(!m->panel);
     QVERIFY(!process);
 }
@@ -170,8 +162,8 @@ void ProgressOtgTest::theOtgHalfSwitchesAtThreePercent()
     QFETCH(int, percent);
     QFETCH(bool, switches);
     m->beginRun(plan, pcCompleted);
-    m->panel->m_progressBar->setProgressColor(progressColor);
-    m->panel->m_isWaitingForUSB = true;
+    m->panel->bar()->setProgressColor(progressColor);
+    m->panel->pretendWaitingForCable(true);
     const QStringList visible = Screen::visibleWidgets(*m->panel);
     m->log.clear();
     m->poll(QByteArray::number(percent) + '%');
@@ -183,27 +175,27 @@ void ProgressOtgTest::theOtgHalfSwitchesAtThreePercent()
     if (switches)
         expected.append(u"[onReadFirmwareTxt] 执行界面切换：隐藏动图，恢复版本号"_s);
     QCOMPARE(lines.mid(1), expected);
-    QCOMPARE(m->panel->m_progressBar->m_progressColor, switches ? FlashingStage::kNeutral : progressColor);
-    QCOMPARE(m->panel->m_isWaitingForUSB, !switches);
+    QCOMPARE(m->panel->bar()->progressColor(), switches ? FlashingStage::kNeutral : progressColor);
+    QCOMPARE(m->panel->isWaitingForCable(), !switches);
     if (!switches)
         QCOMPARE(Screen::visibleWidgets(*m->panel), visible);
 }
 
 void ProgressOtgTest::theSwitchShowsTheProgress()
 {
-    FirmwareUpgradeWidget &panel = *m->panel;
+    OpenPanel &panel = *m->panel;
     m->beginRun(UpgradePlan::Both, true);
-    panel.m_isWaitingForUSB = true;
-    panel.m_tipMovie->start();
+    panel.pretendWaitingForCable(true);
+    panel.movie()->start();
     const ScreenChange screen(panel,
                               {u"verCompLb"_s, u"m_notesEdit"_s, u"m_notesIconLb"_s, u"m_notesTitleLb"_s,
                                u"m_notesLineLb"_s, u"upgradeProgDisPlay"_s},
                               {u"tipMoiveLb"_s, u"m_detectingUsbLb"_s, u"m_connectHintLb"_s});
     m->poll("3%");
     QCOMPARE(screen.actual(), screen.expected());
-    QCOMPARE(panel.m_tipMovie->state(), QMovie::NotRunning);
-    QCOMPARE(panel.m_upgradingLb->text(), u"升级中，请勿关闭设备..."_s);
-    QCOMPARE(panel.m_upgradingLb->geometry(), QRect(133, 13, 174, 21));
+    QCOMPARE(panel.movie()->state(), QMovie::NotRunning);
+    QCOMPARE(panel.waitingText()->text(), u"升级中，请勿关闭设备..."_s);
+    QCOMPARE(panel.waitingText()->geometry(), QRect(133, 13, 174, 21));
     QCOMPARE(m->percentText(), u"51%"_s);
     QCOMPARE(m->percentOnBar(), 51);
 }
@@ -212,11 +204,11 @@ void ProgressOtgTest::theSwitchHappensOnce()
 {
     m->beginRun(UpgradePlan::Both, true);
     m->poll("3%");
-    m->panel->tipMoiveLb->show();
+    m->panel->animation()->show();
     m->log.clear();
     m->poll("4%");
     QVERIFY(m->log.contains(u"[onReadFirmwareTxt] 界面切换条件=false"_s));
-    QVERIFY(!m->panel->tipMoiveLb->isHidden());
+    QVERIFY(!m->panel->animation()->isHidden());
 }
 
 QUILLON_TEST(ProgressOtgTest)

@@ -1,6 +1,6 @@
 // A progress file that the tool keeps open for writing while the panel reads it.
 #include "flash/ProgressFile.h"
-#include "tests/flash/FlashingStage.h"
+#include "tests/flash/FlashingTest.h"
 #include "tests/support/TestProgram.h"
 
 #include <QDateTime>
@@ -17,12 +17,10 @@ namespace {
 constexpr int kPatience = 20'000;
 } // namespace
 
-class ProgressSharedTest : public QObject {
+class ProgressSharedTest : public FlashingTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m = std::make_unique<FlashingStage>(); }
-    void cleanup() { m.reset(); }
     void everyPollReadsIt_data();
     void everyPollReadsIt();
     void aRunIsFollowedToItsEnd_data();
@@ -36,10 +34,8 @@ private:
         m->beginRun(UpgradePlan::PcOnly);
         m->tool.obeys(script);
         QDir().mkpath(QFileInfo(m->sandbox.progressFile()).path());
-        m->panel->startUpgradeWithExternalTool(m->image, 14);
+        m->panel->flash(m->image, 14);
     }
-
-    std::unique_ptr<FlashingStage> m;
 };
 
 void ProgressSharedTest::everyPollReadsIt_data()
@@ -54,14 +50,14 @@ void ProgressSharedTest::everyPollReadsIt()
     QFETCH(QByteArray, share);
     start("hold " + share + "\nappend 10%\nappend 30%\nhang");
     QTRY_COMPARE_WITH_TIMEOUT(m->percentText(), u"30%"_s, kPatience);
-    m->panel->m_progressTimer->stop();
+    m->panel->pollTimer()->stop();
     m->log.clear();
 
     constexpr int kPolls = 200;
     for (int i = 0; i < kPolls; ++i) {
         // However slow the machine is, the tool does not count as stalled.
-        m->panel->m_lastProgressTime = QDateTime::currentDateTime();
-        m->panel->onReadFirmwareTxt();
+        m->panel->pretendLastPercentSince(QDateTime::currentDateTime());
+        m->panel->pollProgress();
     }
     QCOMPARE(m->log.startingWith(u"[onReadFirmwareTxt] percent=30 "_s).size(), kPolls);
     QVERIFY(m->isToolRunning());
@@ -80,7 +76,7 @@ void ProgressSharedTest::aRunIsFollowedToItsEnd()
     for (int percent = 0; percent <= 100; percent += 4)
         script += "write " + QByteArray::number(percent) + "%\npause 20\n";
     start(script + "write success 1\n");
-    QTRY_VERIFY_WITH_TIMEOUT(!m->panel->m_isUpgrading, kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(!m->panel->isUpgrading(), kPatience);
     QCOMPARE(m->percentOnBar(), 100);
     QVERIFY(!m->showsFailure());
 }

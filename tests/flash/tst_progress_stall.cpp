@@ -1,5 +1,5 @@
 // When a percentage that stands still is a stall, and what becomes of the run then.
-#include "tests/flash/FlashingStage.h"
+#include "tests/flash/FlashingTest.h"
 #include "tests/support/TestProgram.h"
 
 #include <QDir>
@@ -7,12 +7,10 @@
 
 using namespace Qt::StringLiterals;
 
-class ProgressStallTest : public QObject {
+class ProgressStallTest : public FlashingTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m = std::make_unique<FlashingStage>(); }
-    void cleanup() { m.reset(); }
     void percentagesAreRecorded_data();
     void percentagesAreRecorded();
     void aStallBelowAllFails_data();
@@ -20,9 +18,6 @@ private Q_SLOTS:
     void aStallAtAllEndsTheToolAndSucceeds();
     void aStallNeedsThreeSeconds_data();
     void aStallNeedsThreeSeconds();
-
-private:
-    std::unique_ptr<FlashingStage> m;
 };
 
 void ProgressStallTest::percentagesAreRecorded_data()
@@ -48,16 +43,16 @@ void ProgressStallTest::percentagesAreRecorded()
     QVERIFY(m->runSilentTool());
     m->beginRun(UpgradePlan::PcOnly);
     const QDateTime before = recorded < 0 ? QDateTime() : QDateTime::currentDateTime().addMSecs(-1500);
-    m->panel->m_lastProgressPercent = recorded;
-    m->panel->m_lastProgressTime = before;
+    m->panel->pretendLastPercent(recorded);
+    m->panel->pretendLastPercentSince(before);
     const QDateTime now = QDateTime::currentDateTime();
     m->poll(QByteArray::number(percent) + '%');
-    QCOMPARE(m->panel->m_lastProgressPercent, isRecorded ? percent : recorded);
+    QCOMPARE(m->panel->lastPercent(), isRecorded ? percent : recorded);
     if (isRecorded)
-        QVERIFY(m->panel->m_lastProgressTime >= now
-                && m->panel->m_lastProgressTime <= QDateTime::currentDateTime());
+        QVERIFY(m->panel->lastPercentSince() >= now
+                && m->panel->lastPercentSince() <= QDateTime::currentDateTime());
     else
-        QCOMPARE(m->panel->m_lastProgressTime, before);
+        QCOMPARE(m->panel->lastPercentSince(), before);
     QCOMPARE(m->percentText(), QString::number(percent) + u'%');
 }
 
@@ -79,16 +74,16 @@ void ProgressStallTest::aStallBelowAllFails()
     if (isToolRunning)
         QVERIFY(m->runSilentTool());
     m->beginRun(UpgradePlan::PcOnly);
-    m->panel->m_lastProgressPercent = percent;
-    m->panel->m_lastProgressTime = QDateTime::currentDateTime().addSecs(-3);
+    m->panel->pretendLastPercent(percent);
+    m->panel->pretendLastPercentSince(QDateTime::currentDateTime().addSecs(-3));
     m->log.clear();
     m->poll(QByteArray::number(percent) + '%');
     QCOMPARE(m->log.lines().value(0), u"[状态] 升级进度停滞3秒，判定为失败"_s);
     QCOMPARE(m->log.lines().size(), isToolRunning ? 2 : 1);
-    QVERIFY(!m->panel->m_progressTimer->isActive());
-    QCOMPARE(m->panel->m_dfuProcess->state(), QProcess::NotRunning);
+    QVERIFY(!m->panel->pollTimer()->isActive());
+    QCOMPARE(m->panel->tool()->state(), QProcess::NotRunning);
     QVERIFY(m->showsFailure());
-    QVERIFY(!m->panel->m_isUpgrading);
+    QVERIFY(!m->panel->isUpgrading());
     QCOMPARE(m->percentText(), u"0%"_s);
 }
 
@@ -96,24 +91,24 @@ void ProgressStallTest::aStallAtAllEndsTheToolAndSucceeds()
 {
     QVERIFY(m->runSilentTool());
     m->beginRun(UpgradePlan::PcOnly);
-    m->panel->m_lastProgressPercent = 100;
-    m->panel->m_lastProgressTime = QDateTime::currentDateTime().addSecs(-3);
+    m->panel->pretendLastPercent(100);
+    m->panel->pretendLastPercentSince(QDateTime::currentDateTime().addSecs(-3));
     m->log.clear();
     m->poll("100%");
     QCOMPARE(m->log.lines().value(0), u"[状态] 进度100%停滞3秒，主动终止外部工具"_s);
-    QCOMPARE(m->panel->m_dfuProcess->state(), QProcess::NotRunning);
-    QVERIFY(m->panel->m_progressTimer->isActive());
-    QVERIFY(m->panel->m_isUpgrading);
+    QCOMPARE(m->panel->tool()->state(), QProcess::NotRunning);
+    QVERIFY(m->panel->pollTimer()->isActive());
+    QVERIFY(m->panel->isUpgrading());
     QVERIFY(!m->showsFailure());
-    QVERIFY(m->panel->m_doneLb->isHidden());
+    QVERIFY(m->panel->doneText()->isHidden());
 
     m->log.clear();
-    m->panel->onReadFirmwareTxt();
+    m->panel->pollProgress();
     QCOMPARE(m->log.lines().mid(0, 2),
              (QStringList{u"[状态] 进度100%且进程已退出，视为升级成功"_s, u"Successfully upgrade !!!"_s}));
-    QVERIFY(!m->panel->m_progressTimer->isActive());
-    QVERIFY(!m->panel->m_isUpgrading);
-    QVERIFY(!m->panel->m_doneLb->isHidden());
+    QVERIFY(!m->panel->pollTimer()->isActive());
+    QVERIFY(!m->panel->isUpgrading());
+    QVERIFY(!m->panel->doneText()->isHidden());
 }
 
 void ProgressStallTest::aStallNeedsThreeSeconds_data()
@@ -130,13 +125,13 @@ void ProgressStallTest::aStallNeedsThreeSeconds()
     if (recordedAt.isValid() && recordedAt < QDateTime::currentDateTime())
         recordedAt = QDateTime::currentDateTime().addMSecs(-2'500);
     m->beginRun(UpgradePlan::PcOnly);
-    m->panel->m_lastProgressPercent = 42;
-    m->panel->m_lastProgressTime = recordedAt;
+    m->panel->pretendLastPercent(42);
+    m->panel->pretendLastPercentSince(recordedAt);
     m->poll("42%");
     QCOMPARE(m->percentText(), u"42%"_s);
     QVERIFY(!m->showsFailure());
-    QVERIFY(m->panel->m_progressTimer->isActive());
-    QCOMPARE(m->panel->m_lastProgressTime, recordedAt);
+    QVERIFY(m->panel->pollTimer()->isActive());
+    QCOMPARE(m->panel->lastPercentSince(), recordedAt);
 }
 
 QUILLON_TEST(ProgressStallTest)

@@ -1,22 +1,19 @@
 // How a flashing run ends: failed or complete.
-#include "tests/flash/FlashingStage.h"
+#include "tests/flash/FlashingTest.h"
 #include "tests/support/TestProgram.h"
 
 #include "device/ControlMessages.h"
 
 #include <QElapsedTimer>
 #include <QMovie>
-#include <QScopeGuard>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 
-class ProgressVerdictsTest : public QObject {
+class ProgressVerdictsTest : public FlashingTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m = std::make_unique<FlashingStage>(); }
-    void cleanup() { m.reset(); }
     void aBadResultFails_data();
     void aBadResultFails();
     void theFailureOfTheOtgHalfLeavesTheOtgHalf();
@@ -32,9 +29,6 @@ private Q_SLOTS:
     void completionOfADeletedPanelReadsNothing();
     void allWrittenAndEndedIsSuccess_data();
     void allWrittenAndEndedIsSuccess();
-
-private:
-    std::unique_ptr<FlashingStage> m;
 };
 
 void ProgressVerdictsTest::aBadResultFails_data()
@@ -62,11 +56,11 @@ void ProgressVerdictsTest::aBadResultFails()
              QStringList(u"[状态] 升级失败(status=%1)，显示失败重试 UI"_s.arg(status)));
     QVERIFY(!m->log.contains(u"Successfully upgrade !!!"_s));
     QVERIFY(m->showsFailure());
-    QVERIFY(!m->panel->m_isUpgrading);
-    QVERIFY(!m->panel->m_progressTimer->isActive());
-    QVERIFY(!m->panel->m_dfuTimeoutTimer->isActive());
-    QCOMPARE(m->panel->m_dfuProcess->state(), QProcess::NotRunning);
-    QVERIFY(m->panel->m_doneLb->isHidden());
+    QVERIFY(!m->panel->isUpgrading());
+    QVERIFY(!m->panel->pollTimer()->isActive());
+    QVERIFY(!m->panel->watchdog()->isActive());
+    QCOMPARE(m->panel->tool()->state(), QProcess::NotRunning);
+    QVERIFY(m->panel->doneText()->isHidden());
 }
 
 void ProgressVerdictsTest::theFailureOfTheOtgHalfLeavesTheOtgHalf()
@@ -74,7 +68,7 @@ void ProgressVerdictsTest::theFailureOfTheOtgHalfLeavesTheOtgHalf()
     m->beginRun(UpgradePlan::Both, true);
     m->poll("success 0");
     QVERIFY(m->showsFailure());
-    QCOMPARE(m->panel->m_upgradePlan, UpgradePlan::OtgOnly);
+    QCOMPARE(m->panel->plan(), UpgradePlan::OtgOnly);
 }
 
 void ProgressVerdictsTest::aResultKillsTheToolLast_data()
@@ -103,7 +97,7 @@ void ProgressVerdictsTest::aResultKillsTheToolLast()
     time.start();
     m->poll(content);
     QVERIFY(time.elapsed() < 1500);
-    QCOMPARE(m->panel->m_dfuProcess->state(), QProcess::NotRunning);
+    QCOMPARE(m->panel->tool()->state(), QProcess::NotRunning);
     const QString end = m->log.startingWith(u"OrvikFirmwareUpdata.exe process exit, exitCode="_s).value(0);
     QVERIFY(!end.isEmpty());
     QCOMPARE(missingInOrder(m->log.lines(), {lineBefore, end}), QString());
@@ -134,8 +128,8 @@ void ProgressVerdictsTest::successIsLogged()
     QFETCH(bool, isWaiting);
     QFETCH(QString, line);
     m->beginRun(UpgradePlan::Both, true);
-    m->panel->m_progressBar->setProgressColor(isRed ? FlashingStage::kWaitingRed : FlashingStage::kNeutral);
-    m->panel->m_isWaitingForUSB = isWaiting;
+    m->panel->bar()->setProgressColor(isRed ? FlashingStage::kWaitingRed : FlashingStage::kNeutral);
+    m->panel->pretendWaitingForCable(isWaiting);
     Screen::showOnly(*m->panel, visible + QStringList{u"m_progressBar"_s});
     m->log.clear();
     m->poll("success 1");
@@ -157,32 +151,32 @@ void ProgressVerdictsTest::completionForgetsTheVersions()
 {
     QFETCH(UpgradePlan, plan);
     QFETCH(bool, pcCompleted);
-    FirmwareUpgradeWidget &panel = *m->panel;
+    OpenPanel &panel = *m->panel;
     m->beginRun(plan, pcCompleted);
-    panel.m_autoRecoverRunning = true;
-    panel.lastDetectedOtgPid = 31;
-    panel.lastDetectedPcPid = 14;
-    panel.m_devicePcVersion = u"1.1.1"_s;
-    panel.m_deviceOtgVersion = u"1.1.2"_s;
-    panel.m_remotePcVersion = u"1.2.0"_s;
-    panel.m_remoteOtgVersion = u"1.2.1"_s;
-    panel.m_zeroVersionCount = 3;
-    const QStringList before = panelState(panel);
+    panel.pretendRecovering(true);
+    panel.pretendLastSeenId(Chip::Otg, 31);
+    panel.pretendLastSeenId(Chip::Pc, 14);
+    panel.pretendDeviceVersion(Chip::Pc, u"1.1.1"_s);
+    panel.pretendDeviceVersion(Chip::Otg, u"1.1.2"_s);
+    panel.pretendServerVersion(Chip::Pc, u"1.2.0"_s);
+    panel.pretendServerVersion(Chip::Otg, u"1.2.1"_s);
+    panel.pretendNotReadyReplies(3);
+    const QStringList before = panel.state();
     m->poll("success 1");
-    QCOMPARE(changedState(before, panelState(panel)),
+    QCOMPARE(changedState(before, panel.state()),
              (QStringList{u"m_devicePcVersion="_s, u"m_deviceOtgVersion="_s, u"m_autoRecoverRunning=false"_s,
                           u"m_isUpgrading=false"_s, u"lastDetectedOtgPid=0"_s, u"m_postUpgradeWaiting=true"_s,
                           u"m_zeroVersionCount=0"_s}));
-    QVERIFY(!panel.m_progressTimer->isActive());
-    QVERIFY(!panel.m_dfuTimeoutTimer->isActive());
+    QVERIFY(!panel.pollTimer()->isActive());
+    QVERIFY(!panel.watchdog()->isActive());
 }
 
 void ProgressVerdictsTest::completionIsShown()
 {
-    FirmwareUpgradeWidget &panel = *m->panel;
+    OpenPanel &panel = *m->panel;
     m->beginRun(UpgradePlan::Both, true);
-    panel.m_tipMovie->start();
-    panel.m_progressBar->setBackgroundColor(Qt::yellow);
+    panel.movie()->start();
+    panel.bar()->setBackgroundColor(Qt::yellow);
     const ScreenChange screen(panel, {u"m_doneIconLb"_s, u"m_doneLb"_s},
                               {u"tipMoiveLb"_s, u"m_detectingUsbLb"_s, u"m_connectHintLb"_s,
                                u"m_waitingIconLb"_s, u"m_upgradingLb"_s, u"upgradeProgDisPlay"_s});
@@ -190,27 +184,25 @@ void ProgressVerdictsTest::completionIsShown()
     QCOMPARE(screen.actual(), screen.expected());
     QCOMPARE(m->percentOnBar(), 100);
     QCOMPARE(m->percentText(), u"100%"_s);
-    QCOMPARE(panel.m_progressBar->m_progressColor, FlashingStage::kNeutral);
-    QCOMPARE(panel.m_progressBar->m_backgroundColor, QColor(Qt::yellow));
-    QCOMPARE(panel.m_tipMovie->state(), QMovie::NotRunning);
+    QCOMPARE(panel.bar()->progressColor(), FlashingStage::kNeutral);
+    QCOMPARE(panel.barBackground(), QColor(Qt::yellow));
+    QCOMPARE(panel.movie()->state(), QMovie::NotRunning);
 }
 
 void ProgressVerdictsTest::completionNeedsNoBar()
 {
-    const auto restore
-        = qScopeGuard([this, bar = m->panel->m_progressBar] { m->panel->m_progressBar = bar; });
     m->beginRun(UpgradePlan::PcOnly);
-    m->panel->m_progressBar = nullptr;
+    const Without withoutBar(*m->panel, Part::Bar);
     const QStringList screen = Screen::everything(*m->panel);
     m->poll("success 1");
-    QVERIFY(!m->panel->m_isUpgrading);
-    QVERIFY(m->panel->m_postUpgradeWaiting);
+    QVERIFY(!m->panel->isUpgrading());
+    QVERIFY(m->panel->awaitsNewVersions());
     QCOMPARE(Screen::everything(*m->panel), screen);
 }
 
 void ProgressVerdictsTest::completionReadsTheNewVersions()
 {
-    m->panel->ConnectingR2({m->bus().plug(0x000E)}, {0x000E});
+    m->panel->seeDevices({m->bus().plug(0x000E)}, {0x000E});
     QTRY_COMPARE(m->bus().written().size(), 1); // what a new panel asks
     m->bus().clear();
     m->beginRun(UpgradePlan::PcOnly);
@@ -266,9 +258,9 @@ void ProgressVerdictsTest::allWrittenAndEndedIsSuccess()
     m->poll(content);
     QCOMPARE(m->log.contains(u"[状态] 进度100%且进程已退出，视为升级成功"_s), succeeds);
     QCOMPARE(m->log.contains(u"Successfully upgrade !!!"_s), succeeds);
-    QCOMPARE(m->panel->m_progressTimer->isActive(), !succeeds);
-    QCOMPARE(m->panel->pcUpgradeCompleted, succeeds && plan == UpgradePlan::Both);
-    QCOMPARE(m->panel->m_postUpgradeWaiting, succeeds && plan != UpgradePlan::Both);
+    QCOMPARE(m->panel->pollTimer()->isActive(), !succeeds);
+    QCOMPARE(m->panel->isPcDone(), succeeds && plan == UpgradePlan::Both);
+    QCOMPARE(m->panel->awaitsNewVersions(), succeeds && plan != UpgradePlan::Both);
 }
 
 QUILLON_TEST(ProgressVerdictsTest)

@@ -3,7 +3,6 @@
 #include "tests/panel/PanelStage.h"
 #include "tests/support/DeviceReplies.h"
 #include "tests/support/FakeFlashingTool.h"
-#include "tests/support/PanelState.h"
 
 #include <QDir>
 #include <QFile>
@@ -11,12 +10,11 @@
 #include <QPointer>
 #include <QTest>
 
-#include <memory>
 #include <utility>
 
 /// A panel, child of a plain widget, that can be brought into each of its states; a server that answers
-/// everything and a flashing tool that never gets further than 0 %. For tests that may look at private
-/// members, that lay a flashing tool, and whose clock runs ahead.
+/// everything and a flashing tool that never gets further than 0 %. For tests that lay a flashing tool and
+/// whose clock runs ahead.
 class PanelInStates {
 public:
     using State = void (PanelInStates::*)();
@@ -49,7 +47,7 @@ public:
     PanelStage stage;
     FakeFlashingTool tool;
     QPointer<QWidget> parent;
-    QPointer<FirmwareUpgradeWidget> panel;
+    QPointer<OpenPanel> panel;
 
 private:
     void answerEverything();
@@ -62,7 +60,7 @@ inline PanelInStates::PanelInStates()
     stage.panel.reset();
     tool.obeys("write 0%\nhang");
     parent = new QWidget;
-    panel = new FirmwareUpgradeWidget(parent);
+    panel = new OpenPanel(parent);
     answerEverything();
     stage.log.clear();
 }
@@ -99,10 +97,10 @@ inline void PanelInStates::answerEverything()
 
 inline void PanelInStates::click()
 {
-    setVersions(*panel, QStringLiteral("1.2.0"), QStringLiteral("1.3.0"), QStringLiteral("1.2.0"),
-                QStringLiteral("1.3.0"));
-    panel->m_upgradePlan = UpgradePlan::Both;
-    panel->onUpgradeClicked();
+    panel->pretendVersions(QStringLiteral("1.2.0"), QStringLiteral("1.3.0"), QStringLiteral("1.2.0"),
+                           QStringLiteral("1.3.0"));
+    panel->pretendPlan(UpgradePlan::Both);
+    panel->click();
 }
 
 /// The tool runs, with an image that exists, and has reported something.
@@ -112,10 +110,10 @@ inline void PanelInStates::startTool()
     QFile file(image);
     QVERIFY(file.open(QIODevice::WriteOnly) && file.write("image") > 0);
     file.close();
-    panel->m_isUpgrading = true;
-    panel->startUpgradeWithExternalTool(image, 14);
+    panel->pretendUpgrading(true);
+    panel->flash(image, 14);
     QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(stage.sandbox.progressFile()).size() > 0, kPatience);
-    QCOMPARE(panel->m_dfuProcess->state(), QProcess::Running);
+    QCOMPARE(panel->tool()->state(), QProcess::Running);
 }
 
 inline void PanelInStates::isShown()
@@ -135,7 +133,7 @@ inline void PanelInStates::hasADeviceOpen()
 inline void PanelInStates::knowsThePlan()
 {
     hasADeviceOpen();
-    QTRY_COMPARE_WITH_TIMEOUT(panel->m_upgradePlan, UpgradePlan::Both, kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(panel->plan(), UpgradePlan::Both, kPatience);
 }
 
 inline void PanelInStates::downloadsThePcImage()
@@ -154,7 +152,7 @@ inline void PanelInStates::downloadsTheOtgImage()
     stage.server.answer(ServerPaths::kR2OtgImage, held);
     click();
     QTRY_VERIFY_WITH_TIMEOUT(stage.server.bytesSent(ServerPaths::kR2OtgImage) >= 1000, kPatience);
-    QVERIFY(panel->m_pcFirmwareDownloaded);
+    QVERIFY(panel->hasImage(Chip::Pc));
 }
 
 inline void PanelInStates::waitsBeforeThePcChip()
@@ -165,57 +163,57 @@ inline void PanelInStates::waitsBeforeThePcChip()
 
 inline void PanelInStates::flashesThePcChip()
 {
-    panel->m_upgradePlan = UpgradePlan::Both;
+    panel->pretendPlan(UpgradePlan::Both);
     startTool();
 }
 
 inline void PanelInStates::waitsForTheOtgChip()
 {
     waitsBeforeThePcChip();
-    QVERIFY(panel->handOverToOtg() == FirmwareUpgradeWidget::PanelIs::Alive);
+    QVERIFY(panel->handOverToOtg());
 }
 
 inline void PanelInStates::waitsBeforeTheOtgChip()
 {
     waitsForTheOtgChip();
-    panel->ConnectingR2({QStringLiteral("pid_001f")}, {});
+    panel->seeDevices({QStringLiteral("pid_001f")});
     QTRY_VERIFY_WITH_TIMEOUT(stage.log.contains(QStringLiteral("[OTG] OTG设备已就绪，延迟后启动OTG升级")),
                              kPatience);
 }
 
 inline void PanelInStates::flashesTheOtgChip()
 {
-    panel->m_upgradePlan = UpgradePlan::Both;
-    panel->pcUpgradeCompleted = true;
+    panel->pretendPlan(UpgradePlan::Both);
+    panel->pretendPcDone(true);
     startTool();
 }
 
 inline void PanelInStates::isCompleted()
 {
-    panel->m_isUpgrading = true;
-    panel->completeUpgrade();
-    QVERIFY(panel->m_postUpgradeWaiting);
+    panel->pretendUpgrading(true);
+    panel->completeRun();
+    QVERIFY(panel->awaitsNewVersions());
 }
 
 inline void PanelInStates::hasFailed()
 {
-    panel->m_upgradePlan = UpgradePlan::Both;
-    panel->showUpgradeFailureUI();
-    QVERIFY(panel->m_inFailureRetry);
+    panel->pretendPlan(UpgradePlan::Both);
+    panel->fail();
+    QVERIFY(panel->offersRetry());
 }
 
 inline void PanelInStates::recovers()
 {
-    panel->ConnectingR2({QStringLiteral("pid_00ff")}, {});
-    QVERIFY(panel->m_autoRecoverRunning);
+    panel->seeDevices({QStringLiteral("pid_00ff")});
+    QVERIFY(panel->isRecovering());
     QVERIFY(stage.server.paths().contains(ServerPaths::kR2OtgVersion));
 }
 
 inline void PanelInStates::refreshes()
 {
-    setVersions(*panel, QStringLiteral("1.2.0"), QStringLiteral("1.3.0"), QStringLiteral("1.2.0"),
-                QStringLiteral("1.3.0"));
-    panel->requestVersionRefreshWithRetry(5);
+    panel->pretendVersions(QStringLiteral("1.2.0"), QStringLiteral("1.3.0"), QStringLiteral("1.2.0"),
+                           QStringLiteral("1.3.0"));
+    panel->refreshVersions(5);
 }
 
 inline void PanelInStates::hasChangedTheModel()

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "net/networking_class.h"
-#include "panel/FirmwareUpgradeWidget.h"
+#include "tests/panel/OpenPanel.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Sandbox.h"
 #include "tests/support/Screen.h"
@@ -11,11 +11,6 @@
 #include <QApplication>
 
 #include <memory>
-
-using QuillonFirmwareUpgrade::DeviceModel;
-using QuillonFirmwareUpgrade::FirmwareUpgradeWidget;
-using QuillonFirmwareUpgrade::Language;
-using QuillonFirmwareUpgrade::UpgradePlan;
 
 /// A panel with all that it meets: fresh folders, a bus without devices, an update server that knows no path,
 /// the log. Ends with the language back at Chinese and no device left.
@@ -33,7 +28,7 @@ public:
         bus().clear();
         networking_class::getInstance()->f_remark.clear();
         networking_class::getInstance()->f_remark_en.clear();
-        panel = std::make_unique<FirmwareUpgradeWidget>();
+        panel = std::make_unique<OpenPanel>();
     }
 
     ~PanelStage()
@@ -46,7 +41,7 @@ public:
     Sandbox sandbox;
     ScriptedHttpServer server;
     LogCapture log;
-    std::unique_ptr<FirmwareUpgradeWidget> panel;
+    std::unique_ptr<OpenPanel> panel;
 };
 
 namespace ServerPaths {

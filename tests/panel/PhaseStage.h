@@ -9,16 +9,16 @@ struct PhaseStage : ReadyToUpgrade {
     explicit PhaseStage(UpgradePlan plan, DeviceModel model = DeviceModel::R2)
         : ReadyToUpgrade(model)
     {
-        panel->m_upgradePlan = plan;
-        panel->m_isUpgrading = true;
-        panel->m_pcFirmwarePath = image(QStringLiteral("pc.bin"));
-        panel->m_otgFirmwarePath = image(QStringLiteral("otg.bin"));
-        writeFile(panel->m_pcFirmwarePath, kPcImage);
-        writeFile(panel->m_otgFirmwarePath, kOtgImage);
-        panel->m_pcFirmwareDownloaded = true;
+        panel->pretendPlan(plan);
+        panel->pretendUpgrading(true);
+        panel->pretendImagePath(Chip::Pc, image(QStringLiteral("pc.bin")));
+        panel->pretendImagePath(Chip::Otg, image(QStringLiteral("otg.bin")));
+        writeFile(panel->imagePath(Chip::Pc), kPcImage);
+        writeFile(panel->imagePath(Chip::Otg), kOtgImage);
+        panel->pretendImage(Chip::Pc, true);
     }
 
-    void finishDownloads() { panel->onFirmwareDownloaded(); }
+    void finishDownloads() { panel->endDownload(); }
 
     /// One line per start of the flashing tool, up to the product ID: "startUpgradeWithExternalTool pid=1f".
     QStringList toolStarts() const
@@ -29,7 +29,7 @@ struct PhaseStage : ReadyToUpgrade {
         return starts;
     }
 
-    int receiversOfOtgConnected() const { return panel->receivers(SIGNAL(r2otgConnected())); }
+    int receiversOfOtgConnected() const { return OpenPanel::receiversOf(*panel, SIGNAL(r2otgConnected())); }
 };
 
 namespace ToolStarts {

@@ -21,14 +21,14 @@ struct ReadyToUpgrade : PanelStage {
         server.answer(r1 ? ServerPaths::kR1OtgVersion : ServerPaths::kR2OtgVersion, Server::version("1.0.4"));
         server.answer(r1 ? ServerPaths::kR1PcImage : ServerPaths::kR2PcImage, Server::page(kPcImage));
         server.answer(r1 ? ServerPaths::kR1OtgImage : ServerPaths::kR2OtgImage, Server::page(kOtgImage));
-        panel->m_deviceModel = model;
-        panel->m_remotePcVersion = QStringLiteral("1.2.3");
-        panel->m_remoteOtgVersion = QStringLiteral("1.0.4");
+        panel->pretendModel(model);
+        panel->pretendServerVersion(Chip::Pc, QStringLiteral("1.2.3"));
+        panel->pretendServerVersion(Chip::Otg, QStringLiteral("1.0.4"));
         panel->show();
         log.clear();
     }
 
-    void click() const { QTest::mousePress(panel->m_progressBar, Qt::LeftButton, {}, {200, 20}); }
+    void click() const { QTest::mousePress(panel->bar(), Qt::LeftButton, {}, {200, 20}); }
     QString image(const QString &name) const { return sandbox.downloadFolder() + u'/' + name; }
 };
 

@@ -2,7 +2,6 @@
 
 #include "tests/panel/PanelStage.h"
 #include "tests/support/DeviceReplies.h"
-#include "tests/support/PanelState.h"
 #include "widgets/ClickableProgressBar.h"
 
 #include <HIDCommunicator/OrvikHIDManager.h>
@@ -12,11 +11,10 @@
 
 #include <functional>
 
-/// Every place where one of the panel's functions waits in a nested event loop. For tests that may look at
-/// private members.
+/// Every place where one of the panel's functions waits in a nested event loop.
 namespace Situations {
 
-using Step = std::function<void(FirmwareUpgradeWidget &)>;
+using Step = std::function<void(OpenPanel &)>;
 
 /// Where the panel is when something happens to it.
 struct Situation {
@@ -27,27 +25,27 @@ struct Situation {
 
 inline const QString kBrick = QStringLiteral("hid#vid_352f&pid_00ff");
 
-inline void pressBar(FirmwareUpgradeWidget &panel)
+inline void pressBar(OpenPanel &panel)
 {
-    const QPointF middle = QRectF(panel.m_progressBar->rect()).center();
-    QMouseEvent press(QEvent::MouseButtonPress, middle, panel.m_progressBar->mapToGlobal(middle),
-                      Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(panel.m_progressBar, &press);
+    const QPointF middle = QRectF(panel.bar()->rect()).center();
+    QMouseEvent press(QEvent::MouseButtonPress, middle, panel.bar()->mapToGlobal(middle), Qt::LeftButton,
+                      Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(panel.bar(), &press);
 }
 
-inline void readWith(FirmwareUpgradeWidget &panel, const QString &devicePc)
+inline void readWith(OpenPanel &panel, const QString &devicePc)
 {
-    setVersions(panel, devicePc, QStringLiteral("1.3.0"), QStringLiteral("1.2.0"), QStringLiteral("1.3.0"));
-    panel.onReceiveHIDdata(DeviceReplies::version(0x0033, {1, 1, 1}));
+    panel.pretendVersions(devicePc, QStringLiteral("1.3.0"), QStringLiteral("1.2.0"),
+                          QStringLiteral("1.3.0"));
+    panel.receive(DeviceReplies::version(0x0033, {1, 1, 1}));
 }
 
 inline QList<Situation> all()
 {
     const QString pc = ServerPaths::kR2PcVersion;
     const QString otg = ServerPaths::kR2OtgVersion;
-    const auto receive = [](const QByteArray &reply) -> Step {
-        return [reply](auto &panel) { panel.onReceiveHIDdata(reply); };
-    };
+    const auto receive
+        = [](const QByteArray &reply) -> Step { return [reply](auto &panel) { panel.receive(reply); }; };
     return {
         {QStringLiteral("the PC version's query"), pc, receive(DeviceReplies::pcVersion({1, 2, 3}))},
         {QStringLiteral("the OTG version's query"), otg, receive(DeviceReplies::otgVersion({1, 2, 3}))},
@@ -63,12 +61,12 @@ inline QList<Situation> all()
         {QStringLiteral("the click's first query"), pc, pressBar},
         {QStringLiteral("the click's second query"), otg, pressBar},
         {QStringLiteral("the query of a recovery that discovery started"), pc,
-         [](auto &panel) { panel.ConnectingR2({kBrick}, {0x00FF}); }},
+         [](auto &panel) { panel.seeDevices({kBrick}, {0x00FF}); }},
         {QStringLiteral("the second query of a recovery"), otg,
          [](auto &panel) { panel.startAutoRecoverUpgrade(); }},
         {QStringLiteral("the notes of a recovery"), pc,
          [](auto &panel) {
-             panel.m_remotePcVersion = QStringLiteral("1.3.0");
+             panel.pretendServerVersion(Chip::Pc, QStringLiteral("1.3.0"));
              panel.startAutoRecoverUpgrade();
          }},
         {QStringLiteral("a recovery that the change of the model found"), ServerPaths::kR1PcVersion,
@@ -78,9 +76,9 @@ inline QList<Situation> all()
          }},
         {QStringLiteral("the last refresh"), pc,
          [](auto &panel) {
-             setVersions(panel, QStringLiteral("1.2.0"), QStringLiteral("1.3.0"), QStringLiteral("1.2.0"),
-                         QStringLiteral("1.3.0"));
-             panel.requestVersionRefreshWithRetry(1);
+             panel.pretendVersions(QStringLiteral("1.2.0"), QStringLiteral("1.3.0"), QStringLiteral("1.2.0"),
+                                   QStringLiteral("1.3.0"));
+             panel.refreshVersions(1);
          }},
         {QStringLiteral("the warning box"), QString(), receive(DeviceReplies::mode(1))},
         {QStringLiteral("the first of two warning boxes"), QString(),

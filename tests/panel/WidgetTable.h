@@ -13,7 +13,7 @@
 /// What setupUI() makes, widget by widget.
 namespace WidgetTable {
 
-using Find = std::function<QWidget *(const FirmwareUpgradeWidget &)>;
+using Find = std::function<QWidget *(const OpenPanel &)>;
 inline const QString kImages = QStringLiteral(":/new/prefix1/image/");
 inline const QRect kPlacedLater;
 
@@ -67,8 +67,6 @@ struct Row {
     bool wraps = false;
 };
 
-#define MEMBER(name) #name, [](const FirmwareUpgradeWidget &panel) -> QWidget * { return panel.name; }
-
 inline const QString kPanel = QStringLiteral("FirmwareUpgradeWidget");
 inline const QString kCard = QStringLiteral("verCompLb");
 inline const QString kBar = QStringLiteral("m_progressBar");
@@ -77,16 +75,17 @@ inline const QString kTransparent = QStringLiteral("QLabel{background: transpare
 inline const QString kLine
     = QStringLiteral("border:0px; border-radius:0px; background-color:rgba(255, 255, 255, 0.2);");
 
-inline QWidget *cardChild(const FirmwareUpgradeWidget &panel, int index)
+inline QWidget *cardChild(const OpenPanel &panel, int index)
 {
-    return qobject_cast<QWidget *>(panel.verCompLb->children().value(index));
+    return qobject_cast<QWidget *>(panel.card()->children().value(index));
 }
 
 /// The widgets of one parent stand in their order of creation.
 inline QList<Row> rows()
 {
     return {
-        Row{MEMBER(m_titleLabel),
+        Row{"m_titleLabel",
+            &OpenPanel::title,
             kPanel,
             "QLabel",
             {24, 16, 130, 19},
@@ -94,32 +93,35 @@ inline QList<Row> rows()
                            "letter-spacing:0px; text-align:left;}"),
             false,
             QStringLiteral("固件升级")},
-        Row{MEMBER(m_closeBtn),
+        Row{"m_closeBtn",
+            &OpenPanel::closeButton,
             kPanel,
             "QPushButton",
             {436, 12, 24, 24},
             QStringLiteral(
                 "QPushButton{border:0px; image:url(:/new/prefix1/image/close.png);}QPushButton:hover{ "
                 "image:url(:/new/prefix1/image/close_h.png)}")},
-        Row{MEMBER(verCompLb),
+        Row{"verCompLb",
+            &OpenPanel::card,
             kPanel,
             "QLabel",
             {32, 55, 408, 80},
             QStringLiteral("border:0px; border-radius:4px; background-color:rgba(48, 49, 60, 1);")},
         Row{"cardAccentLb",
-            [](const FirmwareUpgradeWidget &panel) { return cardChild(panel, 0); },
+            [](const OpenPanel &panel) { return cardChild(panel, 0); },
             kCard,
             "QLabel",
             {0, 0, 4, 80},
             kTransparent}
             .withPicture("blue_rect.png", {4, 80}),
         Row{"cardDividerLb",
-            [](const FirmwareUpgradeWidget &panel) { return cardChild(panel, 1); },
+            [](const OpenPanel &panel) { return cardChild(panel, 1); },
             kCard,
             "QLabel",
             {187, 20, 1, 40},
             kLine},
-        Row{MEMBER(m_noNewFirmwareLb),
+        Row{"m_noNewFirmwareLb",
+            &OpenPanel::noNewFirmware,
             kCard,
             "QLabel",
             {24, 29, 150, 21},
@@ -128,16 +130,18 @@ inline QList<Row> rows()
             true,
             QStringLiteral("无新版固件")}
             .wrapped(),
-        Row{MEMBER(m_newVerTitleLb),
+        Row{"m_newVerTitleLb",
+            &OpenPanel::newVersionTitle,
             kCard,
             "QLabel",
             {24, 16, 42, 19},
             QStringLiteral("QLabel{border:0px; color:rgba(255,255,255,1); font-size:14px; font-weight:400;}"),
             true,
             QStringLiteral("新版本")},
-        Row{MEMBER(m_newVerDotLb), kCard, "QLabel", {24, 47, 9, 9}, {}, true}.withPicture("green_circle.png",
-                                                                                          {9, 9}),
-        Row{MEMBER(m_newVerLb),
+        Row{"m_newVerDotLb", &OpenPanel::newVersionDot, kCard, "QLabel", {24, 47, 9, 9}, {}, true}
+            .withPicture("green_circle.png", {9, 9}),
+        Row{"m_newVerLb",
+            &OpenPanel::newVersion,
             kCard,
             "QLabel",
             {39, 38, 80, 26},
@@ -145,7 +149,8 @@ inline QList<Row> rows()
                            "font-size:20px; font-weight:700;}"),
             true,
             QStringLiteral("--")},
-        Row{MEMBER(m_curVerTitleLb),
+        Row{"m_curVerTitleLb",
+            &OpenPanel::currentVersionTitle,
             kCard,
             "QLabel",
             {207, 16, 56, 19},
@@ -153,7 +158,8 @@ inline QList<Row> rows()
                            "letter-spacing:0px; text-align:left;}"),
             false,
             QStringLiteral("当前版本")},
-        Row{MEMBER(m_curVerLb),
+        Row{"m_curVerLb",
+            &OpenPanel::currentVersion,
             kCard,
             "QLabel",
             {208, 42, 55, 19},
@@ -161,9 +167,10 @@ inline QList<Row> rows()
                            "font-size:14px; font-weight:400; letter-spacing:0px; text-align:left;}"),
             false,
             QStringLiteral("--")},
-        Row{MEMBER(m_notesIconLb), kPanel, "QLabel", {32, 160, 20, 20}, kTransparent}.withPicture("book.png",
-                                                                                                  {20, 20}),
-        Row{MEMBER(m_notesTitleLb),
+        Row{"m_notesIconLb", &OpenPanel::notesIcon, kPanel, "QLabel", {32, 160, 20, 20}, kTransparent}
+            .withPicture("book.png", {20, 20}),
+        Row{"m_notesTitleLb",
+            &OpenPanel::notesTitle,
             kPanel,
             "QLabel",
             {60, 159, 64, 21},
@@ -171,8 +178,9 @@ inline QList<Row> rows()
                            "font-size:16px; font-weight:700; letter-spacing:0px; text-align:left;}"),
             false,
             QStringLiteral("新版概述")},
-        Row{MEMBER(m_notesLineLb), kPanel, "QLabel", {32, 192, 408, 1}, kLine},
-        Row{MEMBER(m_notesEdit),
+        Row{"m_notesLineLb", &OpenPanel::notesLine, kPanel, "QLabel", {32, 192, 408, 1}, kLine},
+        Row{"m_notesEdit",
+            &OpenPanel::notes,
             kPanel,
             "QTextEdit",
             {32, 204, 428, 119},
@@ -189,10 +197,11 @@ inline QList<Row> rows()
                            "background: transparent;  border: none;}"),
             false,
             QStringLiteral("--")},
-        Row{MEMBER(m_progressBar), kPanel, "ClickableProgressBar", {32, 346, 408, 48}, {}},
-        Row{MEMBER(m_rocketLb), kBar, "QLabel", {158, 14, 20, 20}, kTransparent, true}.withPicture(
-            "rocket.png", {20, 20}),
-        Row{MEMBER(m_upgradeTextLb),
+        Row{"m_progressBar", &OpenPanel::bar, kPanel, "ClickableProgressBar", {32, 346, 408, 48}, {}},
+        Row{"m_rocketLb", &OpenPanel::rocket, kBar, "QLabel", {158, 14, 20, 20}, kTransparent, true}
+            .withPicture("rocket.png", {20, 20}),
+        Row{"m_upgradeTextLb",
+            &OpenPanel::upgradeText,
             kBar,
             "QLabel",
             {186, 13, 64, 21},
@@ -200,7 +209,8 @@ inline QList<Row> rows()
                            "letter-spacing:0px; text-align:center;}"),
             true,
             QStringLiteral("立即升级")},
-        Row{MEMBER(m_tooOldLb),
+        Row{"m_tooOldLb",
+            &OpenPanel::tooOldText,
             kBar,
             "QLabel",
             {0, 0, 408, 48},
@@ -209,15 +219,17 @@ inline QList<Row> rows()
             true,
             QStringLiteral("固件版本过低，无法升级")}
             .aligned(Qt::AlignCenter),
-        Row{MEMBER(upgradeProgDisPlay),
+        Row{"upgradeProgDisPlay",
+            &OpenPanel::percentText,
             kPanel,
             "QLabel",
             {218, 323, 38, 19},
             QStringLiteral("QLabel{border:0px; color:rgba(255,255,255,1); font-size:14px; font-weight:400; "
                            "letter-spacing:0px; text-align:center;}")},
-        Row{MEMBER(m_waitingIconLb), kBar, "QLabel", {101, 12, 24, 24}, kTransparent, true}.withPicture(
-            "waitting.png", {24, 24}),
-        Row{MEMBER(m_upgradingLb),
+        Row{"m_waitingIconLb", &OpenPanel::waitingIcon, kBar, "QLabel", {101, 12, 24, 24}, kTransparent, true}
+            .withPicture("waitting.png", {24, 24}),
+        Row{"m_upgradingLb",
+            &OpenPanel::waitingText,
             kBar,
             "QLabel",
             {133, 13, 174, 21},
@@ -226,9 +238,10 @@ inline QList<Row> rows()
                 "font-size:16px; font-weight:700; letter-spacing:0px; text-align:center;}"),
             true,
             QStringLiteral("升级中，请勿关闭设备...")},
-        Row{MEMBER(m_doneIconLb), kBar, "QLabel", {156, 12, 24, 24}, kTransparent, true}.withPicture(
-            "check_mark.png", {24, 24}),
-        Row{MEMBER(m_doneLb),
+        Row{"m_doneIconLb", &OpenPanel::doneIcon, kBar, "QLabel", {156, 12, 24, 24}, kTransparent, true}
+            .withPicture("check_mark.png", {24, 24}),
+        Row{"m_doneLb",
+            &OpenPanel::doneText,
             kBar,
             "QLabel",
             {188, 13, 64, 21},
@@ -236,8 +249,9 @@ inline QList<Row> rows()
                            "font-size:16px; font-weight:700; letter-spacing:0px; text-align:center;}"),
             true,
             QStringLiteral("升级完成")},
-        Row{MEMBER(tipMoiveLb), kPanel, "QLabel", {32, 59, 408, 128}, kTransparent, true},
-        Row{MEMBER(m_detectingUsbLb),
+        Row{"tipMoiveLb", &OpenPanel::animation, kPanel, "QLabel", {32, 59, 408, 128}, kTransparent, true},
+        Row{"m_detectingUsbLb",
+            &OpenPanel::detectingText,
             kPanel,
             "QLabel",
             {122, 203, 229, 21},
@@ -246,7 +260,8 @@ inline QList<Row> rows()
             true,
             QStringLiteral("正在检测USB接入...")}
             .aligned(Qt::AlignCenter),
-        Row{MEMBER(m_connectHintLb),
+        Row{"m_connectHintLb",
+            &OpenPanel::cableHint,
             kPanel,
             "QLabel",
             {59, 232, 352, 57},
@@ -256,9 +271,10 @@ inline QList<Row> rows()
             QStringLiteral("请使用配件附带USB线接入图示DC-5V和USB-C口，\n开始固件升级。")}
             .aligned(Qt::AlignHCenter | Qt::AlignTop)
             .wrapped(),
-        Row{MEMBER(m_failIconLb), kPanel, "QLabel", {95, 317, 24, 24}, kTransparent, true}.withPicture(
-            "exclamation_mark.png", {24, 24}),
-        Row{MEMBER(m_failTextLb),
+        Row{"m_failIconLb", &OpenPanel::failureIcon, kPanel, "QLabel", {95, 317, 24, 24}, kTransparent, true}
+            .withPicture("exclamation_mark.png", {24, 24}),
+        Row{"m_failTextLb",
+            &OpenPanel::failureText,
             kPanel,
             "QLabel",
             {122, 319, 256, 19},
@@ -267,21 +283,20 @@ inline QList<Row> rows()
             true,
             QStringLiteral("升级失败！请拔插设备后重新开始升级")}
             .aligned(Qt::AlignCenter),
-        Row{MEMBER(m_offlineToolTipLb), kPanel, "QLabel", kPlacedLater,
+        Row{"m_offlineToolTipLb", &OpenPanel::offlineToolTip, kPanel, "QLabel", kPlacedLater,
             QStringLiteral("QLabel{border:0px; color:rgba(255,255,255,1); font-family:\"Microsoft YaHei\"; "
                            "font-size:14px; font-weight:700;}"),
             true, QStringLiteral("需使用离线升级工具进行更新，")},
-        Row{MEMBER(m_offlineToolIconLb), kPanel, "QLabel", kPlacedLater, kTransparent, true}.withPicture(
-            "exclamation_mark.png", {24, 24}),
-        Row{MEMBER(m_offlineToolLinkLb), kPanel, "QLabel", kPlacedLater,
+        Row{"m_offlineToolIconLb", &OpenPanel::offlineToolIcon, kPanel, "QLabel", kPlacedLater, kTransparent,
+            true}
+            .withPicture("exclamation_mark.png", {24, 24}),
+        Row{"m_offlineToolLinkLb", &OpenPanel::offlineToolLink, kPanel, "QLabel", kPlacedLater,
             QStringLiteral("QLabel{border:0px; font-family:\"Microsoft YaHei\"; font-size:14px;}"), true,
             QStringLiteral("<a style='color:rgba(87,110,246,1); text-decoration:none; font-weight:700;' "
                            "href='" QUILLON_DOWNLOAD_HOST
                            "/limit/R1_R2%20Firmware%20Upgrade%20Tool.exe'>前往官网下载>></a>")},
     };
 }
-
-#undef MEMBER
 
 } // namespace WidgetTable
 

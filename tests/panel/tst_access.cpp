@@ -1,4 +1,4 @@
-#include "tests/panel/PanelStage.h"
+#include "tests/panel/PanelTest.h"
 #include "tests/support/TestProgram.h"
 #include "widgets/ClickableProgressBar.h"
 
@@ -46,12 +46,11 @@ public Q_SLOTS:
 } // namespace
 
 /// The panel without a mouse and without a look at it.
-class TestAccess : public QObject {
+class AccessTest : public PanelTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup() { m_stage.reset(); }
+    void init() override;
 
     void aKeyPressesTheBar_data();
     void aKeyPressesTheBar();
@@ -78,27 +77,24 @@ private Q_SLOTS:
     void aScreenReaderPressesTheBar();
 
 private:
-    FirmwareUpgradeWidget &panel() const { return *m_stage->panel; }
     /// Shows the panel and gives it the focus, with the bar replaced in its doings: nothing is upgraded here.
     void show() const;
-
-    std::unique_ptr<PanelStage> m_stage;
 };
 
-void TestAccess::init()
+void AccessTest::init()
 {
-    m_stage = std::make_unique<PanelStage>();
-    disconnect(panel().m_progressBar, &ClickableProgressBar::clicked, nullptr, nullptr);
+    PanelTest::init();
+    disconnect(panel().bar(), &ClickableProgressBar::clicked, nullptr, nullptr);
 }
 
-void TestAccess::show() const
+void AccessTest::show() const
 {
     panel().show();
     panel().activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(&panel()));
 }
 
-void TestAccess::aKeyPressesTheBar_data()
+void AccessTest::aKeyPressesTheBar_data()
 {
     QTest::addColumn<Qt::Key>("key");
     QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
@@ -111,12 +107,12 @@ void TestAccess::aKeyPressesTheBar_data()
     QTest::newRow("a letter") << Qt::Key_U << none << 0;
 }
 
-void TestAccess::aKeyPressesTheBar()
+void AccessTest::aKeyPressesTheBar()
 {
     QFETCH(Qt::Key, key);
     QFETCH(Qt::KeyboardModifiers, modifiers);
     QFETCH(int, presses);
-    ClickableProgressBar *bar = panel().m_progressBar;
+    ClickableProgressBar *bar = panel().bar();
     QSignalSpy clicked(bar, &ClickableProgressBar::clicked);
     QTest::keyClick(bar, key, modifiers);
     QCOMPARE(clicked.count(), presses);
@@ -125,14 +121,14 @@ void TestAccess::aKeyPressesTheBar()
     QCOMPARE(clicked.count(), presses);
 }
 
-void TestAccess::noKeyPressesABarThatIsNotClickable()
+void AccessTest::noKeyPressesABarThatIsNotClickable()
 {
     QFETCH(Qt::Key, key);
     QFETCH(Qt::KeyboardModifiers, modifiers);
     QFETCH(int, presses);
     auto *host = new Host;
     panel().setParent(host);
-    ClickableProgressBar *bar = panel().m_progressBar;
+    ClickableProgressBar *bar = panel().bar();
     bar->setClickable(false);
     QSignalSpy clicked(bar, &ClickableProgressBar::clicked);
     QKeyEvent press(QEvent::KeyPress, key, modifiers);
@@ -145,26 +141,26 @@ void TestAccess::noKeyPressesABarThatIsNotClickable()
     QCOMPARE(passedOn, 1 - presses);
 }
 
-void TestAccess::aPressMayDeleteTheBar()
+void AccessTest::aPressMayDeleteTheBar()
 {
-    ClickableProgressBar *bar = panel().m_progressBar;
+    ClickableProgressBar *bar = panel().bar();
     connect(bar, &ClickableProgressBar::clicked, this, [this] { m_stage->panel.reset(); });
     QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
     QCoreApplication::sendEvent(bar, &press);
     QVERIFY(!m_stage->panel);
 }
 
-void TestAccess::aKeyOpensTheLink()
+void AccessTest::aKeyOpensTheLink()
 {
     UrlHandler handler;
     QDesktopServices::setUrlHandler(u"http"_s, &handler, "open");
-    QTest::keyClick(panel().m_offlineToolLinkLb, Qt::Key_Return);
+    QTest::keyClick(panel().offlineToolLink(), Qt::Key_Return);
     QDesktopServices::unsetUrlHandler(u"http"_s);
     QCOMPARE(handler.opened, QList<QUrl>{QUrl(panel().offlineToolAddress())});
-    QVERIFY(panel().m_offlineToolLinkLb->text().contains(panel().offlineToolAddress()));
+    QVERIFY(panel().offlineToolLink()->text().contains(panel().offlineToolAddress()));
 }
 
-void TestAccess::tabGoesThroughTheControls_data()
+void AccessTest::tabGoesThroughTheControls_data()
 {
     QTest::addColumn<bool>("tooOld");
     QTest::addColumn<QStringList>("controls");
@@ -175,13 +171,13 @@ void TestAccess::tabGoesThroughTheControls_data()
                                                   u"m_progressBar"_s, u"m_closeBtn"_s};
 }
 
-void TestAccess::tabGoesThroughTheControls()
+void AccessTest::tabGoesThroughTheControls()
 {
     QFETCH(bool, tooOld);
     QFETCH(QStringList, controls);
-    panel().m_offlineToolLinkLb->setVisible(tooOld);
+    panel().offlineToolLink()->setVisible(tooOld);
     show();
-    panel().m_notesEdit->setFocus();
+    panel().notes()->setFocus();
     QStringList reached;
     for (qsizetype i = 0; i < controls.size(); ++i) {
         reached.append(panel().focusWidget()->objectName());
@@ -191,25 +187,25 @@ void TestAccess::tabGoesThroughTheControls()
     QCOMPARE(panel().focusWidget()->objectName(), controls.first());
 }
 
-void TestAccess::theWindowDoesNotBeginAtAButton()
+void AccessTest::theWindowDoesNotBeginAtAButton()
 {
     show();
-    QCOMPARE(panel().focusWidget(), panel().m_notesEdit);
+    QCOMPARE(panel().focusWidget(), panel().notes());
 }
 
-void TestAccess::theBarGetsNoFocusUnasked()
+void AccessTest::theBarGetsNoFocusUnasked()
 {
     show();
-    panel().showWaitingScreen(FirmwareUpgradeWidget::Port::Pc);
-    QVERIFY(!panel().m_progressBar->hasFocus());
-    panel().showUpgradeFailureUI();
-    QVERIFY(!panel().m_progressBar->hasFocus());
+    panel().waitForCable(Chip::Pc);
+    QVERIFY(!panel().bar()->hasFocus());
+    panel().fail();
+    QVERIFY(!panel().bar()->hasFocus());
 }
 
-void TestAccess::theBarGetsNoFocusWithItsWindow()
+void AccessTest::theBarGetsNoFocusWithItsWindow()
 {
     show();
-    panel().showWaitingScreen(FirmwareUpgradeWidget::Port::Pc);
+    panel().waitForCable(Chip::Pc);
     {
         QWidget other;
         other.show();
@@ -217,60 +213,60 @@ void TestAccess::theBarGetsNoFocusWithItsWindow()
         QVERIFY(QTest::qWaitForWindowActive(&other));
     }
     show();
-    QVERIFY(!panel().m_progressBar->hasFocus());
+    QVERIFY(!panel().bar()->hasFocus());
 }
 
-void TestAccess::theBarGetsNoFocusWhileAnotherWindowHasIt()
+void AccessTest::theBarGetsNoFocusWhileAnotherWindowHasIt()
 {
     show();
     QWidget other;
     other.show();
     other.activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(&other));
-    panel().showWaitingScreen(FirmwareUpgradeWidget::Port::Pc);
+    panel().waitForCable(Chip::Pc);
     show();
-    QVERIFY(!panel().m_progressBar->hasFocus());
+    QVERIFY(!panel().bar()->hasFocus());
 }
 
-void TestAccess::theBarGetsNoFocusFromTheLink_data()
+void AccessTest::theBarGetsNoFocusFromTheLink_data()
 {
     QTest::addColumn<bool>("upToDate");
     QTest::newRow("an upgrade on offer") << false;
     QTest::newRow("up to date") << true;
 }
 
-void TestAccess::theBarGetsNoFocusFromTheLink()
+void AccessTest::theBarGetsNoFocusFromTheLink()
 {
     QFETCH(bool, upToDate);
-    panel().m_offlineToolLinkLb->show();
+    panel().offlineToolLink()->show();
     show();
-    panel().m_offlineToolLinkLb->setFocus(Qt::TabFocusReason);
-    QVERIFY(panel().m_offlineToolLinkLb->hasFocus());
+    panel().offlineToolLink()->setFocus(Qt::TabFocusReason);
+    QVERIFY(panel().offlineToolLink()->hasFocus());
     if (upToDate)
-        panel().showUpToDateScreen();
+        panel().showUpToDate();
     else
-        panel().showUpgradeAvailableScreen();
-    QVERIFY(!panel().m_offlineToolLinkLb->isVisible());
-    QVERIFY(!panel().m_progressBar->hasFocus());
+        panel().showUpgradeAvailable();
+    QVERIFY(!panel().offlineToolLink()->isVisible());
+    QVERIFY(!panel().bar()->hasFocus());
 }
 
-void TestAccess::aKeyPressesTheCloseButton_data()
+void AccessTest::aKeyPressesTheCloseButton_data()
 {
     aKeyPressesTheBar_data();
 }
 
-void TestAccess::aKeyPressesTheCloseButton()
+void AccessTest::aKeyPressesTheCloseButton()
 {
     QFETCH(Qt::Key, key);
     QFETCH(Qt::KeyboardModifiers, modifiers);
     QFETCH(int, presses);
-    panel().m_closeBtn->disconnect();
-    QSignalSpy clicked(panel().m_closeBtn, &QPushButton::clicked);
-    QTest::keyClick(panel().m_closeBtn, key, modifiers);
+    panel().closeButton()->disconnect();
+    QSignalSpy clicked(panel().closeButton(), &QPushButton::clicked);
+    QTest::keyClick(panel().closeButton(), key, modifiers);
     QCOMPARE(clicked.count(), presses);
 }
 
-void TestAccess::theFocusIsSeenAfterTabOnly_data()
+void AccessTest::theFocusIsSeenAfterTabOnly_data()
 {
     QTest::addColumn<QString>("control");
     QTest::newRow("bar") << u"m_progressBar"_s;
@@ -279,7 +275,7 @@ void TestAccess::theFocusIsSeenAfterTabOnly_data()
     QTest::newRow("notes") << u"m_notesEdit"_s;
 }
 
-void TestAccess::theFocusIsSeenAfterTabOnly()
+void AccessTest::theFocusIsSeenAfterTabOnly()
 {
     QFETCH(QString, control);
     show();
@@ -300,7 +296,7 @@ void TestAccess::theFocusIsSeenAfterTabOnly()
     QCOMPARE(pictureOf(*widget), unfocused);
 }
 
-void TestAccess::controlsHaveNames_data()
+void AccessTest::controlsHaveNames_data()
 {
     QTest::addColumn<QString>("control");
     QTest::addColumn<QString>("chinese");
@@ -312,7 +308,7 @@ void TestAccess::controlsHaveNames_data()
     QTest::newRow("bar without words") << u"m_progressBar"_s << u"固件升级"_s << u"Firmware Update"_s;
 }
 
-void TestAccess::controlsHaveNames()
+void AccessTest::controlsHaveNames()
 {
     QFETCH(QString, control);
     QFETCH(QString, chinese);
@@ -321,11 +317,11 @@ void TestAccess::controlsHaveNames()
     QCOMPARE(nameOf(widget), chinese);
     QuillonFirmwareUpgrade::setLanguage(Language::English);
     QCOMPARE(nameOf(widget), english);
-    FirmwareUpgradeWidget second;
+    OpenPanel second;
     QCOMPARE(nameOf(second.findChild<QWidget *>(control)), english);
 }
 
-void TestAccess::theBarIsCalledByItsWords_data()
+void AccessTest::theBarIsCalledByItsWords_data()
 {
     QTest::addColumn<QString>("label");
     QTest::addColumn<QString>("chinese");
@@ -338,21 +334,21 @@ void TestAccess::theBarIsCalledByItsWords_data()
     QTest::newRow("completed") << u"m_doneLb"_s << u"升级完成"_s << u"Update Completed"_s;
 }
 
-void TestAccess::theBarIsCalledByItsWords()
+void AccessTest::theBarIsCalledByItsWords()
 {
     QFETCH(QString, label);
     QFETCH(QString, chinese);
     QFETCH(QString, english);
-    panel().m_rocketLb->show();
+    panel().rocket()->show();
     panel().findChild<QLabel *>(label)->show();
-    QCOMPARE(nameOf(panel().m_progressBar), chinese);
+    QCOMPARE(nameOf(panel().bar()), chinese);
     QuillonFirmwareUpgrade::setLanguage(Language::English);
-    QCOMPARE(nameOf(panel().m_progressBar), english);
+    QCOMPARE(nameOf(panel().bar()), english);
 }
 
-void TestAccess::aScreenReaderPressesTheBar()
+void AccessTest::aScreenReaderPressesTheBar()
 {
-    ClickableProgressBar *bar = panel().m_progressBar;
+    ClickableProgressBar *bar = panel().bar();
     QAccessibleInterface *access = QAccessible::queryAccessibleInterface(bar);
     QSignalSpy clicked(bar, &ClickableProgressBar::clicked);
     const QString press = QAccessibleActionInterface::pressAction();
@@ -372,5 +368,5 @@ void TestAccess::aScreenReaderPressesTheBar()
     QCOMPARE(access->valueInterface()->maximumValue().toInt(), 100);
 }
 
-QUILLON_TEST(TestAccess)
+QUILLON_TEST(AccessTest)
 #include "tst_access.moc"

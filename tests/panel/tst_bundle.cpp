@@ -21,7 +21,7 @@ bool isOneColour(const QImage &image)
 } // namespace
 
 /// What the library carries with it, ready before the first panel exists.
-class TestBundle : public QObject {
+class BundleTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -32,7 +32,7 @@ private Q_SLOTS:
     void holdsNothingElse();
 };
 
-void TestBundle::holdsImage_data()
+void BundleTest::holdsImage_data()
 {
     QTest::addColumn<QByteArray>("kind");
     QTest::addColumn<QSize>("pixels");
@@ -54,7 +54,7 @@ void TestBundle::holdsImage_data()
     row("dc5v_otg.gif", "gif", {1224, 384});
 }
 
-void TestBundle::holdsImage()
+void BundleTest::holdsImage()
 {
     QFETCH(QByteArray, kind);
     QFETCH(QSize, pixels);
@@ -73,21 +73,21 @@ void TestBundle::holdsImage()
     QVERIFY2(kind == "gif" || isBar || !isOneColour(image), "there is something to see");
 }
 
-void TestBundle::keepsTheAccentBarCompressed()
+void BundleTest::keepsTheAccentBarCompressed()
 {
     QCOMPARE(QResource(kImages + u"blue_rect.png"_s).compressionAlgorithm(), QResource::ZlibCompression);
 }
 
-void TestBundle::holdsTheEnglishCatalogue()
+void BundleTest::holdsTheEnglishCatalogue()
 {
     QVERIFY(QResource(kCatalogues + u"QuillonFirmwareUpgrade_en.qm"_s).uncompressedSize() > 0);
 }
 
-void TestBundle::holdsNothingElse()
+void BundleTest::holdsNothingElse()
 {
     QCOMPARE(QDir(kImages).entryList(QDir::AllEntries).size(), 13);
     QCOMPARE(QDir(kCatalogues).entryList(QDir::AllEntries), QStringList{u"QuillonFirmwareUpgrade_en.qm"_s});
 }
 
-QUILLON_TEST(TestBundle)
+QUILLON_TEST(BundleTest)
 #include "tst_bundle.moc"

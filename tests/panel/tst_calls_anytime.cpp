@@ -11,9 +11,9 @@ using namespace std::chrono_literals;
 namespace {
 constexpr int kPatience = PanelInStates::kPatience;
 
-void changeModel(FirmwareUpgradeWidget &panel)
+void changeModel(OpenPanel &panel)
 {
-    const bool toR2 = panel.m_deviceModel == DeviceModel::R1;
+    const bool toR2 = panel.model() == DeviceModel::R1;
     panel.setDeviceModel(toR2 ? DeviceModel::R2 : DeviceModel::R1);
 }
 } // namespace
@@ -37,7 +37,7 @@ private:
     bool enterState();
     /// Lets the panel live on for a while, with whatever the call has set off.
     void liveOn();
-    FirmwareUpgradeWidget &panel() { return *m_states->panel; }
+    OpenPanel &panel() { return *m_states->panel; }
     PanelStage &stage() { return m_states->stage; }
 
     std::unique_ptr<PanelInStates> m_states;
@@ -84,18 +84,18 @@ void CallsAnytimeTest::modelInAState_data()
 void CallsAnytimeTest::modelInAState()
 {
     QVERIFY(enterState());
-    const QStringList before = panelState(panel());
-    const bool isUpgrading = panel().m_isUpgrading;
-    const bool toolRuns = panel().m_dfuProcess->state() == QProcess::Running;
+    const QStringList before = panel().state();
+    const bool isUpgrading = panel().isUpgrading();
+    const bool toolRuns = panel().tool()->state() == QProcess::Running;
 
     changeModel(panel());
-    QCOMPARE(panel().m_dfuProcess->state() == QProcess::Running, toolRuns);
+    QCOMPARE(panel().tool()->state() == QProcess::Running, toolRuns);
     if (isUpgrading) {
-        QCOMPARE(changedState(before, panelState(panel())).size(), 1); // the model
+        QCOMPARE(changedState(before, panel().state()).size(), 1); // the model
     } else {
-        QCOMPARE(panel().m_upgradePlan, UpgradePlan::None);
-        QVERIFY(panel().m_devicePcVersion.isEmpty() && panel().m_remotePcVersion.isEmpty());
-        QVERIFY(!panel().m_inFailureRetry && !panel().m_autoRecoverRunning);
+        QCOMPARE(panel().plan(), UpgradePlan::None);
+        QVERIFY(panel().deviceVersion(Chip::Pc).isEmpty() && panel().serverVersion(Chip::Pc).isEmpty());
+        QVERIFY(!panel().offersRetry() && !panel().isRecovering());
     }
     changeModel(panel());
     changeModel(panel());
@@ -111,14 +111,14 @@ void CallsAnytimeTest::languageInAState()
 {
     QVERIFY(enterState());
     const auto expected = [&](const QString &language) {
-        QStringList state = panelState(panel());
+        QStringList state = panel().state();
         state.replaceInStrings(u"isChinese=true"_s, language);
         return state;
     };
     const QStringList before = expected(u"isChinese=false"_s);
 
     QuillonFirmwareUpgrade::setLanguage(Language::English);
-    QCOMPARE(panelState(panel()), before); // but for the language nothing changes
+    QCOMPARE(panel().state(), before); // but for the language nothing changes
     QCOMPARE(panel().windowTitle(), u"固件升级"_s); // given once, when the panel was built
     for (int i = 0; i < 3; ++i) {
         QuillonFirmwareUpgrade::setLanguage(Language::Chinese);
@@ -135,15 +135,15 @@ void CallsAnytimeTest::recoveryInAState_data()
 void CallsAnytimeTest::recoveryInAState()
 {
     QVERIFY(enterState());
-    const bool isFailed = panel().m_inFailureRetry;
-    const bool toolRuns = panel().m_dfuProcess->state() == QProcess::Running;
+    const bool isFailed = panel().offersRetry();
+    const bool toolRuns = panel().tool()->state() == QProcess::Running;
     stage().log.clear();
 
     panel().startAutoRecoverUpgrade();
     QCOMPARE(stage().log.count(u"[AutoRecover] start auto recover upgrade flow."_s), 1);
-    QCOMPARE(panel().m_upgradePlan, UpgradePlan::Both);
-    QCOMPARE(panel().m_isUpgrading, !isFailed); // after a failure only the retry is offered
-    QCOMPARE(panel().m_dfuProcess->state() == QProcess::Running, toolRuns);
+    QCOMPARE(panel().plan(), UpgradePlan::Both);
+    QCOMPARE(panel().isUpgrading(), !isFailed); // after a failure only the retry is offered
+    QCOMPARE(panel().tool()->state() == QProcess::Running, toolRuns);
     panel().startAutoRecoverUpgrade();
     liveOn();
 }

@@ -1,4 +1,5 @@
 // What a host may call, called while one of the panel's own functions waits in a nested event loop.
+#include "tests/panel/PanelTest.h"
 #include "tests/panel/Situations.h"
 #include "tests/support/HidCalls.h"
 #include "tests/support/TestProgram.h"
@@ -15,33 +16,25 @@ namespace {
 using Call = Step;
 } // namespace
 
-class CallsInLoopsTest : public QObject {
+class CallsInLoopsTest : public PanelTest {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void cleanup() override;
 
     void calledWhileItWaits_data();
     void calledWhileItWaits();
 
 private:
     void closeBoxes();
-
-    std::unique_ptr<PanelStage> m_stage;
     QTimer m_watch;
 };
-
-void CallsInLoopsTest::init()
-{
-    m_stage = std::make_unique<PanelStage>();
-}
 
 void CallsInLoopsTest::cleanup()
 {
     m_watch.stop();
     disconnect(&m_watch, nullptr, this, nullptr);
-    m_stage.reset();
+    PanelTest::cleanup();
 }
 
 void CallsInLoopsTest::closeBoxes()
@@ -57,19 +50,19 @@ void CallsInLoopsTest::calledWhileItWaits_data()
     QTest::addColumn<Call>("call");
     const std::pair<const char *, Call> calls[] = {
         {"the model is changed",
-         [](FirmwareUpgradeWidget &panel) {
-             panel.setDeviceModel(panel.m_deviceModel == DeviceModel::R1 ? DeviceModel::R2 : DeviceModel::R1);
+         [](OpenPanel &panel) {
+             panel.setDeviceModel(panel.model() == DeviceModel::R1 ? DeviceModel::R2 : DeviceModel::R1);
          }},
         {"the language is switched", [](auto &) { QuillonFirmwareUpgrade::setLanguage(Language::English); }},
         {"a recovery is started", [](auto &panel) { panel.startAutoRecoverUpgrade(); }},
         {"the bar is pressed", pressBar},
-        {"a boot loader is found", [](auto &panel) { panel.ConnectingR2({kBrick}, {}); }},
+        {"a boot loader is found", [](auto &panel) { panel.seeDevices({kBrick}); }},
         {"both versions come in",
          [](auto &panel) {
-             panel.onReceiveHIDdata(DeviceReplies::pcVersion({1, 2, 3}));
-             panel.onReceiveHIDdata(DeviceReplies::otgVersion({1, 2, 3}));
+             panel.receive(DeviceReplies::pcVersion({1, 2, 3}));
+             panel.receive(DeviceReplies::otgVersion({1, 2, 3}));
          }},
-        {"the failure screen comes up", [](auto &panel) { panel.showUpgradeFailureUI(); }},
+        {"the failure screen comes up", [](auto &panel) { panel.fail(); }},
     };
     for (const Situation &situation : all()) {
         for (const auto &[name, call] : calls)
@@ -96,12 +89,14 @@ void CallsInLoopsTest::calledWhileItWaits()
     QTRY_VERIFY(isCalled);
     QTRY_VERIFY(!m_stage->panel->findChild<QMessageBox *>());
     // The panel is whole: it still takes a version and comes to a plan.
-    FirmwareUpgradeWidget &panel = *m_stage->panel;
-    panel.m_isUpgrading = panel.m_postUpgradeWaiting = panel.m_autoRecoverRunning = panel.m_inFailureRetry
-        = false;
-    setVersions(panel, u"1.3.0"_s, u"1.3.0"_s, u"1.3.0"_s, u"1.3.0"_s);
-    panel.onReceiveHIDdata(DeviceReplies::version(0x0033, {1, 1, 1}));
-    QCOMPARE(panel.m_upgradePlan, UpgradePlan::None);
+    OpenPanel &panel = *m_stage->panel;
+    panel.pretendUpgrading(false);
+    panel.pretendAwaitingNewVersions(false);
+    panel.pretendRecovering(false);
+    panel.pretendRetryOffer(false);
+    panel.pretendVersions(u"1.3.0"_s, u"1.3.0"_s, u"1.3.0"_s, u"1.3.0"_s);
+    panel.receive(DeviceReplies::version(0x0033, {1, 1, 1}));
+    QCOMPARE(panel.plan(), UpgradePlan::None);
     QVERIFY(m_stage->log.contains(u"[Upgrade] 不需要升级"_s));
 }
 

@@ -103,7 +103,7 @@ QString translated(const char *source, const char *context = kContext)
 
 } // namespace
 
-class TestCatalogue : public QObject {
+class CatalogueTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -116,7 +116,7 @@ private Q_SLOTS:
     void knowsNothingAbout();
 };
 
-void TestCatalogue::translates_data()
+void CatalogueTest::translates_data()
 {
     QTest::addColumn<QByteArray>("source");
     QTest::addColumn<QByteArray>("english");
@@ -124,20 +124,20 @@ void TestCatalogue::translates_data()
         QTest::newRow(message.english) << QByteArray(message.source) << QByteArray(message.english);
 }
 
-void TestCatalogue::translates()
+void CatalogueTest::translates()
 {
     QFETCH(QByteArray, source);
     QFETCH(QByteArray, english);
     QCOMPARE(translated(source.constData()), QString::fromUtf8(english));
 }
 
-void TestCatalogue::holdsNoOtherMessage()
+void CatalogueTest::holdsNoOtherMessage()
 {
     QCOMPARE(std::size(kMessages), size_t(21));
     QCOMPARE(compiledCatalogue().messageCount(), 21);
 }
 
-void TestCatalogue::keepsTheKeysByteForByte()
+void CatalogueTest::keepsTheKeysByteForByte()
 {
     QList<QByteArray> expected;
     for (const Message &message : kMessages)
@@ -148,7 +148,7 @@ void TestCatalogue::keepsTheKeysByteForByte()
     QCOMPARE(stored, expected);
 }
 
-void TestCatalogue::hasOneContextAndNoComments()
+void CatalogueTest::hasOneContextAndNoComments()
 {
     QCOMPARE(compiledCatalogue().texts(7), QList<QByteArray>(21, kContext));
     const QList<QByteArray> comments = compiledCatalogue().texts(8);
@@ -156,7 +156,7 @@ void TestCatalogue::hasOneContextAndNoComments()
         QCOMPARE(comment, QByteArray());
 }
 
-void TestCatalogue::knowsNothingAbout_data()
+void CatalogueTest::knowsNothingAbout_data()
 {
     QTest::addColumn<QByteArray>("source");
     QTest::addColumn<QByteArray>("context");
@@ -170,12 +170,12 @@ void TestCatalogue::knowsNothingAbout_data()
                                      << QByteArrayLiteral("FirmwareUpgradeWidget");
 }
 
-void TestCatalogue::knowsNothingAbout()
+void CatalogueTest::knowsNothingAbout()
 {
     QFETCH(QByteArray, source);
     QFETCH(QByteArray, context);
     QCOMPARE(translated(source.constData(), context.constData()), QString());
 }
 
-QUILLON_TEST(TestCatalogue)
+QUILLON_TEST(CatalogueTest)
 #include "tst_catalogue.moc"

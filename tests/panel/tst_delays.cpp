@@ -53,21 +53,21 @@ struct PcHalfDone : PhaseStage {
     explicit PcHalfDone(DeviceModel model)
         : PhaseStage(UpgradePlan::Both, model)
     {
-        panel->m_otgFirmwareDownloaded = false;
+        panel->pretendImage(Chip::Otg, false);
         finishDownloads();
         for (QTimer *pcAction : panel->findChildren<QTimer *>()) {
-            if (pcAction->isSingleShot() && pcAction != panel->m_dfuTimeoutTimer)
+            if (pcAction->isSingleShot() && pcAction != panel->watchdog())
                 pcAction->stop();
         }
         sandbox.writeProgress("success 1");
-        panel->onReadFirmwareTxt();
+        panel->pollProgress();
         log.clear();
     }
 };
 
 } // namespace
 
-class TestDelays : public QObject {
+class DelaysTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -91,7 +91,7 @@ private Q_SLOTS:
     void readsTheVersionsBackAfterSuccess();
 };
 
-void TestDelays::pcFlashingStartsAfterItsDelay_data()
+void DelaysTest::pcFlashingStartsAfterItsDelay_data()
 {
     QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<DeviceModel>("model");
@@ -102,7 +102,7 @@ void TestDelays::pcFlashingStartsAfterItsDelay_data()
     QTest::newRow("Both, R1") << UpgradePlan::Both << DeviceModel::R1 << ToolStarts::kR1PcNormal;
 }
 
-void TestDelays::pcFlashingStartsAfterItsDelay()
+void DelaysTest::pcFlashingStartsAfterItsDelay()
 {
     QFETCH(UpgradePlan, plan);
     QFETCH(DeviceModel, model);
@@ -115,7 +115,7 @@ void TestDelays::pcFlashingStartsAfterItsDelay()
     QCOMPARE(stage.toolStarts(), QStringList{start});
 }
 
-void TestDelays::pcFlashingShowsCardAndNotes()
+void DelaysTest::pcFlashingShowsCardAndNotes()
 {
     PhaseStage stage(UpgradePlan::PcOnly);
     stage.finishDownloads();
@@ -125,10 +125,10 @@ void TestDelays::pcFlashingShowsCardAndNotes()
         recorder.changes,
         (QStringList{u"-tipMoiveLb"_s, u"-m_detectingUsbLb"_s, u"-m_connectHintLb"_s, u"+verCompLb"_s,
                      u"+m_notesEdit"_s, u"+m_notesIconLb"_s, u"+m_notesTitleLb"_s, u"+m_notesLineLb"_s}));
-    QCOMPARE(stage.panel->m_tipMovie->state(), QMovie::NotRunning);
+    QCOMPARE(stage.panel->movie()->state(), QMovie::NotRunning);
 }
 
-void TestDelays::pcFlashingLooksAtTheBusFirst()
+void DelaysTest::pcFlashingLooksAtTheBusFirst()
 {
     PhaseStage stage(UpgradePlan::PcOnly);
     stage.finishDownloads();
@@ -136,7 +136,7 @@ void TestDelays::pcFlashingLooksAtTheBusFirst()
     bool hintHidden = false;
     {
         const LogHook hook(u"hid? getOrvikHIDListPath()"_s,
-                           [&](const QString &) { hintHidden = stage.panel->tipMoiveLb->isHidden(); });
+                           [&](const QString &) { hintHidden = stage.panel->animation()->isHidden(); });
         QTRY_VERIFY_WITH_TIMEOUT(!stage.toolStarts().isEmpty(), kLongEnough);
     }
     const QStringList lines = stage.log.lines();
@@ -146,29 +146,29 @@ void TestDelays::pcFlashingLooksAtTheBusFirst()
     QVERIFY(hintHidden);
 }
 
-void TestDelays::pcFlashingStartsWhateverHappenedMeanwhile_data()
+void DelaysTest::pcFlashingStartsWhateverHappenedMeanwhile_data()
 {
-    using Event = std::function<void(FirmwareUpgradeWidget &)>;
+    using Event = std::function<void(OpenPanel &)>;
     QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<Event>("event");
-    const Event failure = [](FirmwareUpgradeWidget &panel) { panel.showUpgradeFailureUI(); };
-    const Event otherPlan = [](FirmwareUpgradeWidget &panel) { panel.m_upgradePlan = UpgradePlan::None; };
+    const Event failure = [](OpenPanel &panel) { panel.fail(); };
+    const Event otherPlan = [](OpenPanel &panel) { panel.pretendPlan(UpgradePlan::None); };
     QTest::newRow("PcOnly, failed") << UpgradePlan::PcOnly << failure;
     QTest::newRow("Both, failed") << UpgradePlan::Both << failure;
     QTest::newRow("PcOnly, another plan") << UpgradePlan::PcOnly << otherPlan;
 }
 
-void TestDelays::pcFlashingStartsWhateverHappenedMeanwhile()
+void DelaysTest::pcFlashingStartsWhateverHappenedMeanwhile()
 {
     QFETCH(UpgradePlan, plan);
-    QFETCH(std::function<void(FirmwareUpgradeWidget &)>, event);
+    QFETCH(std::function<void(OpenPanel &)>, event);
     PhaseStage stage(plan);
     stage.finishDownloads();
     event(*stage.panel);
     QTRY_COMPARE_WITH_TIMEOUT(stage.toolStarts().size(), 1, kLongEnough);
 }
 
-void TestDelays::choosesThePcProductId_data()
+void DelaysTest::choosesThePcProductId_data()
 {
     QTest::addColumn<DeviceModel>("model");
     QTest::addColumn<int>("seen");
@@ -189,7 +189,7 @@ void TestDelays::choosesThePcProductId_data()
         << DeviceModel::R2 << 0x10 << 0 << false << ToolStarts::kR1PcBootLoader;
 }
 
-void TestDelays::choosesThePcProductId()
+void DelaysTest::choosesThePcProductId()
 {
     QFETCH(DeviceModel, model);
     QFETCH(int, seen);
@@ -198,15 +198,15 @@ void TestDelays::choosesThePcProductId()
     QFETCH(QString, start);
     PhaseStage stage(UpgradePlan::PcOnly, model);
     stage.finishDownloads();
-    stage.panel->lastDetectedPcPid = seen;
-    stage.panel->m_autoRecoverRunning = recovering;
+    stage.panel->pretendLastSeenId(Chip::Pc, seen);
+    stage.panel->pretendRecovering(recovering);
     if (plugged != 0)
         PanelStage::bus().plug(plugged);
     QTRY_VERIFY_WITH_TIMEOUT(!stage.toolStarts().isEmpty(), kLongEnough);
     QCOMPARE(stage.toolStarts(), QStringList{start});
 }
 
-void TestDelays::handsTheImageToTheTool_data()
+void DelaysTest::handsTheImageToTheTool_data()
 {
     QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<int>("plugged");
@@ -222,7 +222,7 @@ void TestDelays::handsTheImageToTheTool_data()
                                             << QStringList{u"--pid"_s, u"0065"_s, u"--already-in-dfu"_s};
 }
 
-void TestDelays::handsTheImageToTheTool()
+void DelaysTest::handsTheImageToTheTool()
 {
     QFETCH(UpgradePlan, plan);
     QFETCH(int, plugged);
@@ -237,7 +237,7 @@ void TestDelays::handsTheImageToTheTool()
     QCOMPARE(FakeFlashingTool::runs().first().arguments, QStringList{stage.image(file)} + options);
 }
 
-void TestDelays::otgFlashingStartsAfterItsDelay_data()
+void DelaysTest::otgFlashingStartsAfterItsDelay_data()
 {
     QTest::addColumn<DeviceModel>("model");
     QTest::addColumn<int>("plugged");
@@ -248,14 +248,14 @@ void TestDelays::otgFlashingStartsAfterItsDelay_data()
     QTest::newRow("any other model") << DeviceModel(2) << 0x1F << 6000 << ToolStarts::kR2OtgNormal;
 }
 
-void TestDelays::otgFlashingStartsAfterItsDelay()
+void DelaysTest::otgFlashingStartsAfterItsDelay()
 {
     QFETCH(DeviceModel, model);
     QFETCH(int, plugged);
     QFETCH(int, delay);
     QFETCH(QString, start);
     const PcHalfDone stage(model);
-    QVERIFY(stage.panel->pcUpgradeCompleted);
+    QVERIFY(stage.panel->isPcDone());
     const TimeBetween passed(kOtgReady, kDelayedStart);
     PanelStage::bus().plug(plugged);
     QTRY_VERIFY(stage.log.contains(kOtgReady));
@@ -265,7 +265,7 @@ void TestDelays::otgFlashingStartsAfterItsDelay()
     QCOMPARE(stage.toolStarts(), QStringList{start});
 }
 
-void TestDelays::otgFlashingStartsOnce()
+void DelaysTest::otgFlashingStartsOnce()
 {
     const PcHalfDone stage(DeviceModel::R2);
     Q_EMIT stage.panel->r2otgConnected();
@@ -278,7 +278,7 @@ void TestDelays::otgFlashingStartsOnce()
     QCOMPARE(stage.toolStarts().size(), 1);
 }
 
-void TestDelays::otgFlashingChoosesTheProductId_data()
+void DelaysTest::otgFlashingChoosesTheProductId_data()
 {
     QTest::addColumn<int>("seen");
     QTest::addColumn<QString>("start");
@@ -286,17 +286,17 @@ void TestDelays::otgFlashingChoosesTheProductId_data()
     QTest::newRow("boot loader seen") << 0x65 << ToolStarts::kR2OtgBootLoader;
 }
 
-void TestDelays::otgFlashingChoosesTheProductId()
+void DelaysTest::otgFlashingChoosesTheProductId()
 {
     QFETCH(int, seen);
     QFETCH(QString, start);
     const PcHalfDone stage(DeviceModel::R2);
     Q_EMIT stage.panel->r2otgConnected();
-    stage.panel->lastDetectedOtgPid = seen;
+    stage.panel->pretendLastSeenId(Chip::Otg, seen);
     QTRY_COMPARE_WITH_TIMEOUT(stage.toolStarts(), QStringList{start}, kLongEnough);
 }
 
-void TestDelays::otgFlashingIsDroppedWhenNobodyWantsIt_data()
+void DelaysTest::otgFlashingIsDroppedWhenNobodyWantsIt_data()
 {
     QTest::addColumn<bool>("upgrading");
     QTest::addColumn<bool>("pcDone");
@@ -305,32 +305,32 @@ void TestDelays::otgFlashingIsDroppedWhenNobodyWantsIt_data()
     QTest::newRow("neither flag is set") << false << false;
 }
 
-void TestDelays::otgFlashingIsDroppedWhenNobodyWantsIt()
+void DelaysTest::otgFlashingIsDroppedWhenNobodyWantsIt()
 {
     QFETCH(bool, upgrading);
     QFETCH(bool, pcDone);
     const PcHalfDone stage(DeviceModel::R2);
     Q_EMIT stage.panel->r2otgConnected();
     QTRY_VERIFY(stage.log.contains(kOtgReady));
-    stage.panel->m_isUpgrading = upgrading;
-    stage.panel->pcUpgradeCompleted = pcDone;
+    stage.panel->pretendUpgrading(upgrading);
+    stage.panel->pretendPcDone(pcDone);
     QTest::qWait(8000);
     QCOMPARE(stage.toolStarts(), QStringList());
     QVERIFY(!stage.log.contains(kDelayedStart));
 }
 
-void TestDelays::readsTheVersionsBackAfterSuccess()
+void DelaysTest::readsTheVersionsBackAfterSuccess()
 {
     PhaseStage stage(UpgradePlan::PcOnly);
-    FirmwareUpgradeWidget &panel = *stage.panel;
+    OpenPanel &panel = *stage.panel;
     // The query that every new panel makes must not be taken for the one that is measured.
     QTRY_VERIFY_WITH_TIMEOUT(stage.log.contains(kModeQuery), kLongEnough);
-    panel.m_devicePcVersion = u"1.2.0"_s;
-    panel.m_deviceOtgVersion = u"1.2.0"_s;
+    panel.pretendDeviceVersion(Chip::Pc, u"1.2.0"_s);
+    panel.pretendDeviceVersion(Chip::Otg, u"1.2.0"_s);
     stage.sandbox.writeProgress("success 1");
     stage.log.clear();
     const TimeBetween passed(u"[VersionRead] 清空版本号"_s, kModeQuery);
-    panel.onReadFirmwareTxt();
+    panel.pollProgress();
     QTRY_VERIFY_WITH_TIMEOUT(passed.isOver(), kLongEnough);
     QVERIFY2(passed.isAbout(2400), passed.shown().constData());
     const QStringList lines = stage.log.lines();
@@ -338,9 +338,9 @@ void TestDelays::readsTheVersionsBackAfterSuccess()
     QVERIFY(listed > lines.indexOf(u"[VersionRead] 清空版本号，准备重新读取"_s));
     QVERIFY(lines.value(listed + 1).startsWith(u"[ConnectingR2] START"_s));
     QVERIFY(lines.lastIndexOf(kModeQuery) > listed);
-    QVERIFY(panel.m_postUpgradeWaiting);
-    QVERIFY(panel.m_doneLb->isVisible());
+    QVERIFY(panel.awaitsNewVersions());
+    QVERIFY(panel.doneText()->isVisible());
 }
 
-QUILLON_TEST(TestDelays)
+QUILLON_TEST(DelaysTest)
 #include "tst_delays.moc"

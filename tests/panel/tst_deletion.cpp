@@ -64,7 +64,7 @@ void DeletionTest::deletedInAState()
     (m_states.get()->*state)();
     if (QTest::currentTestFailed())
         return;
-    const QProcess *process = m_states->panel->m_dfuProcess;
+    const QProcess *process = m_states->panel->tool();
     const bool toolRuns = process->state() != QProcess::NotRunning;
     const qint64 processId = process->processId();
     stage().log.clear();
@@ -115,12 +115,12 @@ void DeletionTest::deletedWithParentsThatAwaitEvents()
 
 void DeletionTest::closedAndDeletedByItself()
 {
-    FirmwareUpgradeWidget *panel = m_states->panel;
+    OpenPanel *panel = m_states->panel;
     panel->setParent(nullptr);
     panel->setAttribute(Qt::WA_DeleteOnClose);
     panel->show();
     m_states->flashesThePcChip();
-    const qint64 processId = panel->m_dfuProcess->processId();
+    const qint64 processId = panel->tool()->processId();
 
     QTest::mouseClick(panel->findChild<QWidget *>(u"m_closeBtn"_s), Qt::LeftButton);
     QTRY_VERIFY_WITH_TIMEOUT(!m_states->panel, kPatience);
@@ -132,7 +132,7 @@ void DeletionTest::deletedAndCreatedManyTimes()
 {
     constexpr int kTimes = 30;
     for (int i = 0; i < kTimes; ++i) {
-        const auto another = std::make_unique<FirmwareUpgradeWidget>();
+        const auto another = std::make_unique<OpenPanel>();
         if (i % 3 == 0)
             QCoreApplication::processEvents();
     }

@@ -40,7 +40,7 @@ private:
     QStringList linesAfterTheEnd() const;
 
     std::unique_ptr<PanelStage> m_stage;
-    QPointer<FirmwareUpgradeWidget> m_panel;
+    QPointer<OpenPanel> m_panel;
     std::unique_ptr<QTimer> m_watch;
     qsizetype m_requestsAtDeletion = 0;
 };
@@ -50,7 +50,7 @@ void DeletionInLoopsTest::init()
     m_stage = std::make_unique<PanelStage>();
     m_stage->panel.reset();
     auto *parent = new QWidget;
-    m_panel = new FirmwareUpgradeWidget(parent);
+    m_panel = new OpenPanel(parent);
     m_stage->log.clear();
 }
 
@@ -130,7 +130,7 @@ void DeletionInLoopsTest::deletedByAReceiver_data()
 {
     QTest::addColumn<Step>("step");
     const auto deleteAt = [](auto signal, Step step) -> Step {
-        return [signal, step](FirmwareUpgradeWidget &panel) {
+        return [signal, step](OpenPanel &panel) {
             connect(&panel, signal, qApp, [panel = &panel] { delete panel; });
             step(panel);
         };
@@ -139,16 +139,15 @@ void DeletionInLoopsTest::deletedByAReceiver_data()
         &FirmwareUpgradeWidget::upgradeDisplayMsg, [](auto &panel) { readWith(panel, u"1.2.0"_s); });
     QTest::newRow("of the versions, in the wait after an upgrade")
         << deleteAt(&FirmwareUpgradeWidget::upgradeDisplayMsg, [](auto &panel) {
-               panel.m_postUpgradeWaiting = true;
+               panel.pretendAwaitingNewVersions(true);
                readWith(panel, u"1.2.0"_s);
            });
     QTest::newRow("of the versions, at a refresh")
-        << deleteAt(&FirmwareUpgradeWidget::upgradeDisplayMsg,
-                    [](auto &panel) { panel.requestVersionRefreshWithRetry(0); });
+        << deleteAt(&FirmwareUpgradeWidget::upgradeDisplayMsg, [](auto &panel) { panel.refreshVersions(0); });
     QTest::newRow("of a bricked device")
         << deleteAt(&FirmwareUpgradeWidget::onDeviceBrickedDetected, [](auto &panel) {
                disconnect(&panel, &FirmwareUpgradeWidget::onDeviceBrickedDetected, &panel, nullptr);
-               panel.ConnectingR2({kBrick}, {});
+               panel.seeDevices({kBrick});
            });
     QTest::newRow("of a bricked device, in the change of the model")
         << deleteAt(&FirmwareUpgradeWidget::onDeviceBrickedDetected, [](auto &panel) {
@@ -158,9 +157,9 @@ void DeletionInLoopsTest::deletedByAReceiver_data()
            });
     QTest::newRow("of the OTG interface")
         << deleteAt(&FirmwareUpgradeWidget::r2otgConnected, [](auto &panel) {
-               panel.m_isUpgrading = true;
-               panel.m_upgradePlan = UpgradePlan::OtgOnly;
-               panel.ConnectingR2({u"pid_001f"_s}, {});
+               panel.pretendUpgrading(true);
+               panel.pretendPlan(UpgradePlan::OtgOnly);
+               panel.seeDevices({u"pid_001f"_s});
            });
 }
 

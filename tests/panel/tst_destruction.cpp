@@ -1,6 +1,6 @@
 // How a panel goes down: its steps and their order, the time it may take, the tool that runs, the library's
 // link.
-#include "tests/panel/PanelStage.h"
+#include "tests/panel/PanelTest.h"
 #include "tests/support/DeviceReplies.h"
 #include "tests/support/FakeFlashingTool.h"
 #include "tests/support/HidCalls.h"
@@ -20,7 +20,6 @@
 #include <QTimer>
 
 #include <optional>
-#include <utility>
 
 using namespace Qt::StringLiterals;
 using HIDCommunicator::OrvikHIDManager;
@@ -55,13 +54,10 @@ private:
 };
 } // namespace
 
-class DestructionTest : public QObject {
+class DestructionTest : public PanelTest {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
-
     void linesAndReleaseStandInOrder();
     void pendingEventsAreDeliveredBeforeTheRelease();
     void eventsOfTheReleaseAreDeliveredBeforeTheEnd();
@@ -84,22 +80,9 @@ private slots:
     void missingPartsAreNoProblem();
 
 private:
-    FirmwareUpgradeWidget &panel() { return *m_stage->panel; }
     /// Deletes the panel; how many milliseconds that took.
     qint64 deletePanel();
-
-    std::unique_ptr<PanelStage> m_stage;
 };
-
-void DestructionTest::init()
-{
-    m_stage = std::make_unique<PanelStage>();
-}
-
-void DestructionTest::cleanup()
-{
-    m_stage.reset();
-}
 
 qint64 DestructionTest::deletePanel()
 {
@@ -187,8 +170,7 @@ void DestructionTest::nothingReachesADyingPanel()
 {
     QFETCH(std::function<void()>, emitSignal);
     QFETCH(QString, reaction);
-    connect(networking_class::getInstance(), &networking_class::network_finish_download, &panel(),
-            &FirmwareUpgradeWidget::onFirmwareDownloaded);
+    panel().listenForImages();
     const auto reactions = [&] { return m_stage->log.startingWith(reaction).size(); };
     emitSignal();
     QTRY_VERIFY(reactions() > 0); // it reaches a living panel
@@ -221,7 +203,7 @@ void DestructionTest::runningTimersStop_data()
 void DestructionTest::runningTimersStop()
 {
     QFETCH(bool, isPoll);
-    QTimer *timer = isPoll ? panel().m_progressTimer : panel().m_dfuTimeoutTimer;
+    QTimer *timer = isPoll ? panel().pollTimer() : panel().watchdog();
     QSignalSpy timeouts(timer, &QTimer::timeout);
     std::optional<bool> runsAtRelease;
     timer->start(1ms);
@@ -254,11 +236,11 @@ void DestructionTest::runningToolEnds()
     FakeFlashingTool tool;
     tool.obeys(script);
     QDir().mkpath(QFileInfo(m_stage->sandbox.progressFile()).path());
-    panel().m_dfuProcess->start(FakeFlashingTool::path(), {});
+    panel().tool()->start(FakeFlashingTool::path(), {});
     // It has come as far as the script's first report.
     QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(m_stage->sandbox.progressFile()), 20000);
-    const qint64 processId = panel().m_dfuProcess->processId();
-    QSignalSpy finished(panel().m_dfuProcess, &QProcess::finished);
+    const qint64 processId = panel().tool()->processId();
+    QSignalSpy finished(panel().tool(), &QProcess::finished);
 
     const qint64 elapsed = deletePanel();
     QVERIFY2(elapsed >= atLeast && elapsed < kLimit, qPrintable(QString::number(elapsed)));
@@ -273,8 +255,8 @@ void DestructionTest::toolThatHasEndedIsLeftAlone()
 {
     FakeFlashingTool tool;
     tool.obeys("exit 0");
-    panel().m_dfuProcess->start(FakeFlashingTool::path(), {});
-    QVERIFY(panel().m_dfuProcess->waitForFinished());
+    panel().tool()->start(FakeFlashingTool::path(), {});
+    QVERIFY(panel().tool()->waitForFinished());
 
     const qint64 elapsed = deletePanel();
     QVERIFY2(elapsed < 290, qPrintable(QString::number(elapsed)));
@@ -283,7 +265,7 @@ void DestructionTest::toolThatHasEndedIsLeftAlone()
 void DestructionTest::openDeviceIsClosed()
 {
     const QString path = PanelStage::bus().plug(0x000E);
-    panel().ConnectingR2({path}, {0x000E});
+    panel().seeDevices({path}, {0x000E});
     QCOMPARE(PanelStage::bus().openConnections(), 1);
 
     deletePanel();
@@ -293,42 +275,32 @@ void DestructionTest::openDeviceIsClosed()
 
 void DestructionTest::theOtherPanelKeepsTheDevice()
 {
-    const FirmwareUpgradeWidget other;
+    const OpenPanel other;
     const QString path = PanelStage::bus().plug(0x000E);
-    panel().ConnectingR2({path}, {0x000E});
+    panel().seeDevices({path}, {0x000E});
 
     deletePanel();
     QCOMPARE(PanelStage::bus().openConnections(), 1);
     m_stage->log.clear();
     PanelStage::bus().setResponder(DeviceReplies::device({1, 2, 3}, {1, 2, 4}));
-    QTRY_COMPARE(other.m_deviceOtgVersion, u"1.2.4"_s); // its query of half a second gets through
+    QTRY_COMPARE(other.deviceVersion(Chip::Otg), u"1.2.4"_s); // its query of half a second gets through
 }
 
 void DestructionTest::missingPartsAreNoProblem_data()
 {
-    using Removal = std::function<void(FirmwareUpgradeWidget &)>;
+    using Removal = std::function<void(OpenPanel &)>;
     QTest::addColumn<Removal>("removePart");
     QTest::addColumn<int>("releases");
-    QTest::newRow("library") << Removal([](auto &panel) {
-        panel.m_hidManager->release();
-        panel.m_hidManager = nullptr;
-    }) << 0;
-    QTest::newRow("bar") << Removal([](auto &panel) { delete std::exchange(panel.m_progressBar, nullptr); })
-                         << 1;
-    QTest::newRow("poll") << Removal([](auto &panel) {
-        delete std::exchange(panel.m_progressTimer, nullptr);
-    }) << 1;
-    QTest::newRow("watchdog") << Removal([](auto &panel) {
-        delete std::exchange(panel.m_dfuTimeoutTimer, nullptr);
-    }) << 1;
-    QTest::newRow("process") << Removal([](auto &panel) {
-        delete std::exchange(panel.m_dfuProcess, nullptr);
-    }) << 1;
+    QTest::newRow("library") << Removal([](auto &panel) { panel.lose(Part::Library); }) << 0;
+    QTest::newRow("bar") << Removal([](auto &panel) { panel.lose(Part::Bar); }) << 1;
+    QTest::newRow("poll") << Removal([](auto &panel) { panel.lose(Part::Poll); }) << 1;
+    QTest::newRow("watchdog") << Removal([](auto &panel) { panel.lose(Part::Watchdog); }) << 1;
+    QTest::newRow("process") << Removal([](auto &panel) { panel.lose(Part::Tool); }) << 1;
 }
 
 void DestructionTest::missingPartsAreNoProblem()
 {
-    QFETCH(std::function<void(FirmwareUpgradeWidget &)>, removePart);
+    QFETCH(std::function<void(OpenPanel &)>, removePart);
     removePart(panel());
     m_stage->log.clear();
 

@@ -1,3 +1,4 @@
+#include "tests/net/ClientInside.h"
 #include "tests/panel/ReadyToUpgrade.h"
 #include "tests/support/TestProgram.h"
 
@@ -24,7 +25,7 @@ Server::Answer held(const QByteArray &body)
 
 } // namespace
 
-class TestDownloads : public QObject {
+class DownloadsTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -46,7 +47,7 @@ private Q_SLOTS:
     void survivesItsEnd();
 };
 
-void TestDownloads::choosesNamesAndAddresses_data()
+void DownloadsTest::choosesNamesAndAddresses_data()
 {
     QTest::addColumn<DeviceModel>("model");
     QTest::addColumn<QStringList>("files");
@@ -59,26 +60,26 @@ void TestDownloads::choosesNamesAndAddresses_data()
     QTest::newRow("any other model") << DeviceModel(3) << r2Files << r2Addresses;
 }
 
-void TestDownloads::choosesNamesAndAddresses()
+void DownloadsTest::choosesNamesAndAddresses()
 {
     QFETCH(DeviceModel, model);
     QFETCH(QStringList, files);
     QFETCH(QStringList, addresses);
     ReadyToUpgrade stage(model);
-    const FirmwareUpgradeWidget &panel = *stage.panel;
+    const OpenPanel &panel = *stage.panel;
     stage.server.answer(addresses.first(), Server::silence());
     QVERIFY(!QDir(stage.sandbox.downloadFolder()).exists());
     stage.click();
     QVERIFY(QDir(stage.sandbox.downloadFolder()).exists());
     const QString folder = qEnvironmentVariable("ALLUSERSPROFILE") + u"/Orvik/Orvik Link/orvikExe"_s;
-    QCOMPARE(panel.m_pcFirmwarePath, folder + files.first());
-    QCOMPARE(panel.m_otgFirmwarePath, folder + files.last());
+    QCOMPARE(panel.imagePath(Chip::Pc), folder + files.first());
+    QCOMPARE(panel.imagePath(Chip::Otg), folder + files.last());
     const QString host = QLatin1String(QUILLON_UPDATE_SERVER);
-    QCOMPARE(panel.m_pcDownloadUrl, host + addresses.first());
-    QCOMPARE(panel.m_otgDownloadUrl, host + addresses.last());
+    QCOMPARE(panel.imageAddress(Chip::Pc), host + addresses.first());
+    QCOMPARE(panel.imageAddress(Chip::Otg), host + addresses.last());
 }
 
-void TestDownloads::downloadsBothImagesOneAfterTheOther_data()
+void DownloadsTest::downloadsBothImagesOneAfterTheOther_data()
 {
     QTest::addColumn<DeviceModel>("model");
     QTest::addColumn<UpgradePlan>("plan");
@@ -90,7 +91,7 @@ void TestDownloads::downloadsBothImagesOneAfterTheOther_data()
     QTest::newRow("R2, both") << DeviceModel::R2 << UpgradePlan::Both << u"R2"_s;
 }
 
-void TestDownloads::downloadsBothImagesOneAfterTheOther()
+void DownloadsTest::downloadsBothImagesOneAfterTheOther()
 {
     QFETCH(DeviceModel, model);
     QFETCH(UpgradePlan, plan);
@@ -98,23 +99,23 @@ void TestDownloads::downloadsBothImagesOneAfterTheOther()
     const QString pcPath = r1 ? ServerPaths::kR1PcImage : ServerPaths::kR2PcImage;
     const QString otgPath = r1 ? ServerPaths::kR1OtgImage : ServerPaths::kR2OtgImage;
     ReadyToUpgrade stage(model);
-    const FirmwareUpgradeWidget &panel = *stage.panel;
-    stage.panel->m_upgradePlan = plan;
+    const OpenPanel &panel = *stage.panel;
+    stage.panel->pretendPlan(plan);
     stage.server.answer(pcPath, held(kPcImage));
     stage.click();
     QTRY_COMPARE(stage.server.paths(), QStringList{pcPath});
     stage.server.release(pcPath);
     QTRY_VERIFY(stage.log.contains(kAllDownloaded));
     QCOMPARE(stage.server.paths(), (QStringList{pcPath, otgPath}));
-    QCOMPARE(contentOf(panel.m_pcFirmwarePath), QByteArray(kPcImage));
-    QCOMPARE(contentOf(panel.m_otgFirmwarePath), QByteArray(kOtgImage));
-    QVERIFY(panel.m_pcFirmwareDownloaded && panel.m_otgFirmwareDownloaded);
+    QCOMPARE(contentOf(panel.imagePath(Chip::Pc)), QByteArray(kPcImage));
+    QCOMPARE(contentOf(panel.imagePath(Chip::Otg)), QByteArray(kOtgImage));
+    QVERIFY(panel.hasImage(Chip::Pc) && panel.hasImage(Chip::Otg));
 
     const QStringList expected{kEntered,
-                               u"PC firmware download well, this path is: "_s + panel.m_pcFirmwarePath,
+                               u"PC firmware download well, this path is: "_s + panel.imagePath(Chip::Pc),
                                u"Starting OTG firmware download..."_s,
                                kEntered,
-                               u"OTG firmware download well, this path is: "_s + panel.m_otgFirmwarePath,
+                               u"OTG firmware download well, this path is: "_s + panel.imagePath(Chip::Otg),
                                kAllDownloaded};
     QStringList lines;
     for (const QString &line : stage.log.lines()) {
@@ -124,7 +125,7 @@ void TestDownloads::downloadsBothImagesOneAfterTheOther()
     QCOMPARE(lines, expected);
 }
 
-void TestDownloads::deletesStaleImagesFirst()
+void DownloadsTest::deletesStaleImagesFirst()
 {
     ReadyToUpgrade stage;
     const QString pc = stage.image(u"R2_PC1.2.3.bin"_s);
@@ -139,41 +140,41 @@ void TestDownloads::deletesStaleImagesFirst()
     QVERIFY(QFile::exists(other));
 }
 
-void TestDownloads::waitsWhenThePcImageIsMissing_data()
+void DownloadsTest::waitsWhenThePcImageIsMissing_data()
 {
     QTest::addColumn<Server::Answer>("answer");
     QTest::newRow("an empty image") << Server::page("");
     QTest::newRow("a connection that breaks") << Server::hangUp();
 }
 
-void TestDownloads::waitsWhenThePcImageIsMissing()
+void DownloadsTest::waitsWhenThePcImageIsMissing()
 {
     QFETCH(Server::Answer, answer);
     ReadyToUpgrade stage;
-    stage.panel->m_upgradePlan = UpgradePlan::Both;
+    stage.panel->pretendPlan(UpgradePlan::Both);
     stage.server.answer(ServerPaths::kR2PcImage, answer);
     stage.click();
     QTRY_VERIFY(stage.log.contains(kWaiting));
     QCOMPARE(stage.log.count(kEntered), 1);
     QVERIFY(!stage.server.paths().contains(ServerPaths::kR2OtgImage));
-    QVERIFY(stage.panel->m_isUpgrading);
-    QVERIFY(!stage.panel->m_inFailureRetry);
-    QVERIFY(!stage.panel->m_pcFirmwareDownloaded);
+    QVERIFY(stage.panel->isUpgrading());
+    QVERIFY(!stage.panel->offersRetry());
+    QVERIFY(!stage.panel->hasImage(Chip::Pc));
 }
 
-void TestDownloads::waitsWhenTheOtgImageIsEmpty()
+void DownloadsTest::waitsWhenTheOtgImageIsEmpty()
 {
     ReadyToUpgrade stage;
     stage.server.answer(ServerPaths::kR2OtgImage, Server::page(""));
     stage.click();
     QTRY_VERIFY(stage.log.contains(kWaiting));
-    QVERIFY(stage.panel->m_pcFirmwareDownloaded);
-    QVERIFY(!stage.panel->m_otgFirmwareDownloaded);
-    QVERIFY(stage.panel->m_isUpgrading);
+    QVERIFY(stage.panel->hasImage(Chip::Pc));
+    QVERIFY(!stage.panel->hasImage(Chip::Otg));
+    QVERIFY(stage.panel->isUpgrading());
     QVERIFY(!stage.log.contains(kAllDownloaded));
 }
 
-void TestDownloads::takesAnErrorPageForAnImage()
+void DownloadsTest::takesAnErrorPageForAnImage()
 {
     ReadyToUpgrade stage;
     stage.server.answer(ServerPaths::kR2PcImage, Server::page("not found", 404));
@@ -182,18 +183,18 @@ void TestDownloads::takesAnErrorPageForAnImage()
     QCOMPARE(contentOf(stage.image(u"R2_PC1.2.3.bin"_s)), QByteArrayLiteral("not found"));
 }
 
-void TestDownloads::waitsWhenTheFolderCannotBeMade()
+void DownloadsTest::waitsWhenTheFolderCannotBeMade()
 {
     const ReadyToUpgrade stage;
     writeFile(stage.sandbox.downloadFolder(), "a file where the folder should be");
     stage.click();
     QTest::qWait(0);
     QCOMPARE(stage.server.paths(), QStringList());
-    QVERIFY(stage.panel->m_isUpgrading);
+    QVERIFY(stage.panel->isUpgrading());
     QVERIFY(!stage.log.contains(kEntered));
 }
 
-void TestDownloads::countsWhatIsOnDisk_data()
+void DownloadsTest::countsWhatIsOnDisk_data()
 {
     QTest::addColumn<QByteArray>("pc");
     QTest::addColumn<QByteArray>("otg");
@@ -219,7 +220,7 @@ void TestDownloads::countsWhatIsOnDisk_data()
         << QStringList();
 }
 
-void TestDownloads::countsWhatIsOnDisk()
+void DownloadsTest::countsWhatIsOnDisk()
 {
     QFETCH(QByteArray, pc);
     QFETCH(QByteArray, otg);
@@ -227,22 +228,22 @@ void TestDownloads::countsWhatIsOnDisk()
     QFETCH(QStringList, lines);
     QFETCH(QStringList, asked);
     ReadyToUpgrade stage;
-    FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.m_pcFirmwarePath = stage.image(u"pc.bin"_s);
-    panel.m_otgFirmwarePath = stage.image(u"otg.bin"_s);
-    panel.m_otgDownloadUrl = QLatin1String(QUILLON_UPDATE_SERVER) + ServerPaths::kR2OtgImage;
+    OpenPanel &panel = *stage.panel;
+    panel.pretendImagePath(Chip::Pc, stage.image(u"pc.bin"_s));
+    panel.pretendImagePath(Chip::Otg, stage.image(u"otg.bin"_s));
+    panel.pretendImageAddress(Chip::Otg, QLatin1String(QUILLON_UPDATE_SERVER) + ServerPaths::kR2OtgImage);
     if (!pc.isEmpty())
-        writeFile(panel.m_pcFirmwarePath, pc);
+        writeFile(panel.imagePath(Chip::Pc), pc);
     if (!otg.isEmpty())
-        writeFile(panel.m_otgFirmwarePath, otg);
-    panel.m_pcFirmwareDownloaded = pcMarked;
+        writeFile(panel.imagePath(Chip::Otg), otg);
+    panel.pretendImage(Chip::Pc, pcMarked);
     stage.log.clear();
-    panel.onFirmwareDownloaded();
+    panel.endDownload();
     QStringList logged = stage.log.lines();
     QCOMPARE(logged.takeFirst(), kEntered);
     for (QString &line : logged) {
-        line.remove(panel.m_pcFirmwarePath);
-        line.remove(panel.m_otgFirmwarePath);
+        line.remove(panel.imagePath(Chip::Pc));
+        line.remove(panel.imagePath(Chip::Otg));
     }
     logged.removeAll(u"ggxxxxxxxxx"_s);
     QCOMPARE(logged, lines);
@@ -250,20 +251,20 @@ void TestDownloads::countsWhatIsOnDisk()
 }
 
 /// A run that waits is started again: the signal of the client must not be heard twice.
-void TestDownloads::hearsOfEachDownloadOnce()
+void DownloadsTest::hearsOfEachDownloadOnce()
 {
     ReadyToUpgrade stage;
     stage.server.answer(ServerPaths::kR2PcImage, Server::page(""));
-    stage.panel->startDownloadAndUpgrade();
+    stage.panel->startRun();
     QTRY_VERIFY(stage.log.contains(kWaiting));
     stage.server.answer(ServerPaths::kR2PcImage, Server::page(kPcImage));
     stage.log.clear();
-    stage.panel->startDownloadAndUpgrade();
+    stage.panel->startRun();
     QTRY_VERIFY(stage.log.contains(kAllDownloaded));
     QCOMPARE(stage.log.count(kEntered), 2);
 }
 
-void TestDownloads::stopsListeningWhenBothAreThere()
+void DownloadsTest::stopsListeningWhenBothAreThere()
 {
     ReadyToUpgrade stage;
     stage.click();
@@ -273,7 +274,7 @@ void TestDownloads::stopsListeningWhenBothAreThere()
     QVERIFY(!stage.log.contains(kEntered));
 }
 
-void TestDownloads::survivesItsEnd_data()
+void DownloadsTest::survivesItsEnd_data()
 {
     QTest::addColumn<QString>("path");
     QTest::newRow("while it asks for the PC version") << ServerPaths::kR2PcVersion;
@@ -282,11 +283,11 @@ void TestDownloads::survivesItsEnd_data()
     QTest::newRow("while the OTG image arrives") << ServerPaths::kR2OtgImage;
 }
 
-void TestDownloads::survivesItsEnd()
+void DownloadsTest::survivesItsEnd()
 {
     QFETCH(QString, path);
     ReadyToUpgrade stage;
-    stage.panel->m_remotePcVersion.clear();
+    stage.panel->pretendServerVersion(Chip::Pc, {});
     Server::Answer late = Server::version("1.2.3");
     late.delay = std::chrono::milliseconds(200);
     stage.server.answer(path, late);
@@ -301,10 +302,9 @@ void TestDownloads::survivesItsEnd()
     stage.click();
     QTRY_VERIFY(!stage.panel);
     QTRY_VERIFY(stage.server.bytesSent(path) > 0);
-    const auto replies
-        = [] { return networking_class::getInstance()->manager->findChildren<QNetworkReply *>().size(); };
+    const auto replies = [] { return ClientInside::manager()->findChildren<QNetworkReply *>().size(); };
     QTRY_COMPARE(replies(), 0);
 }
 
-QUILLON_TEST(TestDownloads)
+QUILLON_TEST(DownloadsTest)
 #include "tst_downloads.moc"

@@ -1,5 +1,4 @@
 #include "tests/panel/PanelStage.h"
-#include "tests/support/PanelState.h"
 #include "tests/support/TestProgram.h"
 #include "widgets/ClickableProgressBar.h"
 
@@ -26,21 +25,21 @@ struct Running : PanelStage {
     explicit Running(UpgradePlan plan = UpgradePlan::PcOnly)
     {
         panel->show();
-        panel->m_upgradePlan = plan;
-        panel->m_isUpgrading = true;
-        panel->m_isWaitingForUSB = false;
-        panel->m_lastProgressPercent = 42;
-        panel->m_lastProgressTime = QDateTime::currentDateTime();
-        panel->m_progressBar->setValue(42);
-        panel->m_progressBar->setClickable(false);
-        panel->upgradeProgDisPlay->setText(u"42%"_s);
-        panel->m_tipMovie->start();
+        panel->pretendPlan(plan);
+        panel->pretendUpgrading(true);
+        panel->pretendWaitingForCable(false);
+        panel->pretendLastPercent(42);
+        panel->pretendLastPercentSince(QDateTime::currentDateTime());
+        panel->bar()->setValue(42);
+        panel->bar()->setClickable(false);
+        panel->percentText()->setText(u"42%"_s);
+        panel->movie()->start();
     }
 };
 
 } // namespace
 
-class TestFailureScreen : public QObject {
+class FailureScreenTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -63,19 +62,19 @@ private Q_SLOTS:
     void waitingLineShowsNothingByItself();
 };
 
-void TestFailureScreen::armsTheRetry()
+void FailureScreenTest::armsTheRetry()
 {
     const Running stage;
-    const FirmwareUpgradeWidget &panel = *stage.panel;
-    stage.panel->showUpgradeFailureUI();
-    QVERIFY(panel.m_inFailureRetry);
-    QVERIFY(panel.m_autoRecoverRunning);
-    QVERIFY(!panel.m_isUpgrading);
-    QCOMPARE(panel.m_lastProgressPercent, -1);
-    QVERIFY(panel.m_lastProgressTime.isNull());
+    const OpenPanel &panel = *stage.panel;
+    stage.panel->fail();
+    QVERIFY(panel.offersRetry());
+    QVERIFY(panel.isRecovering());
+    QVERIFY(!panel.isUpgrading());
+    QCOMPARE(panel.lastPercent(), -1);
+    QVERIFY(panel.lastPercentSince().isNull());
 }
 
-void TestFailureScreen::keepsOrNarrowsThePlan_data()
+void FailureScreenTest::keepsOrNarrowsThePlan_data()
 {
     QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<bool>("pcDone");
@@ -88,42 +87,42 @@ void TestFailureScreen::keepsOrNarrowsThePlan_data()
     QTest::newRow("none") << UpgradePlan::None << true << UpgradePlan::None;
 }
 
-void TestFailureScreen::keepsOrNarrowsThePlan()
+void FailureScreenTest::keepsOrNarrowsThePlan()
 {
     QFETCH(UpgradePlan, plan);
     QFETCH(bool, pcDone);
     QFETCH(UpgradePlan, planAfter);
     const Running stage(plan);
-    stage.panel->pcUpgradeCompleted = pcDone;
-    stage.panel->showUpgradeFailureUI();
-    QCOMPARE(stage.panel->m_upgradePlan, planAfter);
-    QCOMPARE(stage.panel->pcUpgradeCompleted, pcDone);
+    stage.panel->pretendPcDone(pcDone);
+    stage.panel->fail();
+    QCOMPARE(stage.panel->plan(), planAfter);
+    QCOMPARE(stage.panel->isPcDone(), pcDone);
 }
 
-void TestFailureScreen::changesNoOtherState()
+void FailureScreenTest::changesNoOtherState()
 {
     const Running stage(UpgradePlan::Both);
-    FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.pcUpgradeCompleted = true;
-    panel.lastDetectedOtgPid = 31;
-    panel.lastDetectedPcPid = 14;
-    const QStringList before = panelState(panel);
-    panel.showUpgradeFailureUI();
+    OpenPanel &panel = *stage.panel;
+    panel.pretendPcDone(true);
+    panel.pretendLastSeenId(Chip::Otg, 31);
+    panel.pretendLastSeenId(Chip::Pc, 14);
+    const QStringList before = panel.state();
+    panel.fail();
     QCOMPARE(
-        changedState(before, panelState(panel)),
+        changedState(before, panel.state()),
         (QStringList{u"m_upgradePlan=2"_s, u"m_autoRecoverRunning=true"_s, u"m_inFailureRetry=true"_s,
                      u"m_isUpgrading=false"_s, u"m_lastProgressPercent=-1"_s, u"m_lastProgressTime="_s}));
 }
 
-void TestFailureScreen::changesInOrder()
+void FailureScreenTest::changesInOrder()
 {
     const Running stage;
-    FirmwareUpgradeWidget &panel = *stage.panel;
+    OpenPanel &panel = *stage.panel;
     Screen::showOnly(panel,
                      {u"m_progressBar"_s, u"tipMoiveLb"_s, u"m_detectingUsbLb"_s, u"m_connectHintLb"_s,
                       u"upgradeProgDisPlay"_s, u"m_rocketLb"_s, u"m_waitingIconLb"_s, u"m_upgradingLb"_s});
     const VisibilityRecorder recorder(panel);
-    panel.showUpgradeFailureUI();
+    panel.fail();
     QCOMPARE(recorder.changes,
              (QStringList{u"-tipMoiveLb"_s, u"-m_detectingUsbLb"_s, u"-m_connectHintLb"_s, u"+verCompLb"_s,
                           u"+m_notesEdit"_s, u"+m_notesIconLb"_s, u"+m_notesTitleLb"_s, u"+m_notesLineLb"_s,
@@ -131,30 +130,30 @@ void TestFailureScreen::changesInOrder()
                           u"-m_waitingIconLb"_s, u"-m_upgradingLb"_s, u"+m_upgradeTextLb"_s}));
 }
 
-void TestFailureScreen::stopsTheAnimation()
+void FailureScreenTest::stopsTheAnimation()
 {
     const Running stage;
-    QCOMPARE(stage.panel->m_tipMovie->state(), QMovie::Running);
-    stage.panel->showUpgradeFailureUI();
-    QCOMPARE(stage.panel->m_tipMovie->state(), QMovie::NotRunning);
+    QCOMPARE(stage.panel->movie()->state(), QMovie::Running);
+    stage.panel->fail();
+    QCOMPARE(stage.panel->movie()->state(), QMovie::NotRunning);
 }
 
-void TestFailureScreen::turnsTheBarIntoTheRetry()
+void FailureScreenTest::turnsTheBarIntoTheRetry()
 {
     const Running stage;
-    const ClickableProgressBar &bar = *stage.panel->m_progressBar;
-    stage.panel->m_progressBar->setProgressColor(QColor(1, 2, 3));
-    stage.panel->showUpgradeFailureUI();
+    const ClickableProgressBar &bar = *stage.panel->bar();
+    stage.panel->bar()->setProgressColor(QColor(1, 2, 3));
+    stage.panel->fail();
     QCOMPARE(bar.value(), 0);
-    QCOMPARE(stage.panel->upgradeProgDisPlay->text(), u"0%"_s);
-    QCOMPARE(bar.m_backgroundColor, QColor(35, 77, 75, 255));
-    QCOMPARE(bar.m_borderColor, QColor(47, 212, 179, 255));
-    QCOMPARE(bar.m_borderWidth, 2.0);
+    QCOMPARE(stage.panel->percentText()->text(), u"0%"_s);
+    QCOMPARE(stage.panel->barBackground(), QColor(35, 77, 75, 255));
+    QCOMPARE(stage.panel->barBorder(), QColor(47, 212, 179, 255));
+    QCOMPARE(stage.panel->barBorderWidth(), 2.0);
     QVERIFY(bar.isClickable());
-    QCOMPARE(bar.m_progressColor, QColor(1, 2, 3));
+    QCOMPARE(bar.progressColor(), QColor(1, 2, 3));
 }
 
-void TestFailureScreen::offersTheRetryIn_data()
+void FailureScreenTest::offersTheRetryIn_data()
 {
     QTest::addColumn<Language>("language");
     QTest::addColumn<QString>("text");
@@ -168,7 +167,7 @@ void TestFailureScreen::offersTheRetryIn_data()
                              << u"Update failed. Please replug the device and try again."_s;
 }
 
-void TestFailureScreen::offersTheRetryIn()
+void FailureScreenTest::offersTheRetryIn()
 {
     QFETCH(Language, language);
     QFETCH(QString, text);
@@ -177,19 +176,19 @@ void TestFailureScreen::offersTheRetryIn()
     QFETCH(QString, failure);
     const Running stage;
     QuillonFirmwareUpgrade::setLanguage(language);
-    stage.panel->showUpgradeFailureUI();
-    QCOMPARE(stage.panel->m_upgradeTextLb->text(), text);
-    QCOMPARE(stage.panel->m_upgradeTextLb->geometry(), place);
-    QCOMPARE(stage.panel->m_upgradeTextLb->styleSheet(), style);
-    QVERIFY(stage.panel->m_upgradeTextLb->isVisible());
-    QCOMPARE(stage.panel->m_failTextLb->text(), failure);
+    stage.panel->fail();
+    QCOMPARE(stage.panel->upgradeText()->text(), text);
+    QCOMPARE(stage.panel->upgradeText()->geometry(), place);
+    QCOMPARE(stage.panel->upgradeText()->styleSheet(), style);
+    QVERIFY(stage.panel->upgradeText()->isVisible());
+    QCOMPARE(stage.panel->failureText()->text(), failure);
 }
 
-void TestFailureScreen::followsTheLanguage()
+void FailureScreenTest::followsTheLanguage()
 {
     const Running stage;
-    const QLabel &retry = *stage.panel->m_upgradeTextLb;
-    stage.panel->showUpgradeFailureUI();
+    const QLabel &retry = *stage.panel->upgradeText();
+    stage.panel->fail();
     QuillonFirmwareUpgrade::setLanguage(Language::English);
     QCOMPARE(retry.text(), u"I've replugged the device. Restart update."_s);
     QCOMPARE(retry.geometry(), QRect(46, 13, 317, 21));
@@ -201,56 +200,55 @@ void TestFailureScreen::followsTheLanguage()
     QCOMPARE(retry.styleSheet(), retryStyle("Microsoft YaHei"));
 }
 
-void TestFailureScreen::staysWhileTheVersionsAreRefreshed()
+void FailureScreenTest::staysWhileTheVersionsAreRefreshed()
 {
     const Running stage;
-    FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.showUpgradeFailureUI();
+    OpenPanel &panel = *stage.panel;
+    panel.fail();
     const QStringList before = Screen::everything(panel);
-    panel.m_devicePcVersion = u"1.2.0"_s;
-    panel.m_remotePcVersion = u"2.0.0"_s;
+    panel.pretendDeviceVersion(Chip::Pc, u"1.2.0"_s);
+    panel.pretendServerVersion(Chip::Pc, u"2.0.0"_s);
     for (const UpgradePlan plan : {UpgradePlan::None, UpgradePlan::Both}) {
-        panel.m_upgradePlan = plan;
-        panel.updateUIByUpgradeState();
+        panel.pretendPlan(plan);
+        panel.updateScreen();
         QCOMPARE(Screen::everything(panel), before);
     }
 }
 
-void TestFailureScreen::toleratesAMissingWidget_data()
+void FailureScreenTest::toleratesAMissingWidget_data()
 {
-    using Remove = std::function<void(FirmwareUpgradeWidget &)>;
+    using Remove = std::function<void(OpenPanel &)>;
     QTest::addColumn<Remove>("remove");
-    QTest::newRow("no movie") << Remove([](FirmwareUpgradeWidget &panel) { panel.m_tipMovie = nullptr; });
-    QTest::newRow("no animation") << Remove([](FirmwareUpgradeWidget &panel) { panel.tipMoiveLb = nullptr; });
-    QTest::newRow("no detecting line")
-        << Remove([](FirmwareUpgradeWidget &panel) { panel.m_detectingUsbLb = nullptr; });
-    QTest::newRow("no hint") << Remove([](FirmwareUpgradeWidget &panel) { panel.m_connectHintLb = nullptr; });
-    QTest::newRow("no bar") << Remove([](FirmwareUpgradeWidget &panel) { panel.m_progressBar = nullptr; });
+    QTest::newRow("no movie") << Remove([](OpenPanel &panel) { panel.forget(Part::Movie); });
+    QTest::newRow("no animation") << Remove([](OpenPanel &panel) { panel.forget(Part::Animation); });
+    QTest::newRow("no detecting line") << Remove([](OpenPanel &panel) { panel.forget(Part::DetectingText); });
+    QTest::newRow("no hint") << Remove([](OpenPanel &panel) { panel.forget(Part::CableHint); });
+    QTest::newRow("no bar") << Remove([](OpenPanel &panel) { panel.forget(Part::Bar); });
 }
 
-void TestFailureScreen::toleratesAMissingWidget()
+void FailureScreenTest::toleratesAMissingWidget()
 {
-    QFETCH(std::function<void(FirmwareUpgradeWidget &)>, remove);
+    QFETCH(std::function<void(OpenPanel &)>, remove);
     const Running stage;
     remove(*stage.panel);
-    stage.panel->showUpgradeFailureUI();
-    QVERIFY(stage.panel->m_inFailureRetry);
-    QVERIFY(stage.panel->m_failTextLb->isVisible());
-    QCOMPARE(stage.panel->m_upgradeTextLb->text(), u"我已拔插设备，重新升级"_s);
+    stage.panel->fail();
+    QVERIFY(stage.panel->offersRetry());
+    QVERIFY(stage.panel->failureText()->isVisible());
+    QCOMPARE(stage.panel->upgradeText()->text(), u"我已拔插设备，重新升级"_s);
 }
 
-void TestFailureScreen::mayBeShownTwice()
+void FailureScreenTest::mayBeShownTwice()
 {
     const Running stage(UpgradePlan::Both);
-    stage.panel->showUpgradeFailureUI();
+    stage.panel->fail();
     const QStringList screen = Screen::everything(*stage.panel);
-    const QStringList state = panelState(*stage.panel);
-    stage.panel->showUpgradeFailureUI();
+    const QStringList state = stage.panel->state();
+    stage.panel->fail();
     QCOMPARE(Screen::everything(*stage.panel), screen);
-    QCOMPARE(panelState(*stage.panel), state);
+    QCOMPARE(stage.panel->state(), state);
 }
 
-void TestFailureScreen::laysOutTheWaitingLine_data()
+void FailureScreenTest::laysOutTheWaitingLine_data()
 {
     QTest::addColumn<bool>("waiting");
     QTest::addColumn<Language>("language");
@@ -269,7 +267,7 @@ void TestFailureScreen::laysOutTheWaitingLine_data()
         << QRect(76, 13, 310, 21);
 }
 
-void TestFailureScreen::laysOutTheWaitingLine()
+void FailureScreenTest::laysOutTheWaitingLine()
 {
     QFETCH(bool, waiting);
     QFETCH(Language, language);
@@ -277,25 +275,25 @@ void TestFailureScreen::laysOutTheWaitingLine()
     QFETCH(QRect, icon);
     QFETCH(QRect, place);
     const PanelStage stage;
-    FirmwareUpgradeWidget &panel = *stage.panel;
+    OpenPanel &panel = *stage.panel;
     QuillonFirmwareUpgrade::setLanguage(language);
-    for (QLabel *label : {panel.m_waitingIconLb, panel.m_upgradingLb})
+    for (QLabel *label : {panel.waitingIcon(), panel.waitingText()})
         label->setGeometry(0, 0, 7, 7);
-    panel.m_upgradingLb->clear();
-    panel.m_isWaitingForUSB = waiting;
-    panel.updateWaitingLabelLayout();
-    QCOMPARE(panel.m_upgradingLb->text(), text);
-    QCOMPARE(panel.m_upgradingLb->geometry(), place);
-    QCOMPARE(panel.m_waitingIconLb->geometry(), icon);
+    panel.waitingText()->clear();
+    panel.pretendWaitingForCable(waiting);
+    panel.layOutWaitingLine();
+    QCOMPARE(panel.waitingText()->text(), text);
+    QCOMPARE(panel.waitingText()->geometry(), place);
+    QCOMPARE(panel.waitingIcon()->geometry(), icon);
 }
 
-void TestFailureScreen::waitingLineShowsNothingByItself()
+void FailureScreenTest::waitingLineShowsNothingByItself()
 {
     const PanelStage stage;
-    stage.panel->updateWaitingLabelLayout();
-    QVERIFY(stage.panel->m_upgradingLb->isHidden());
-    QVERIFY(stage.panel->m_waitingIconLb->isHidden());
+    stage.panel->layOutWaitingLine();
+    QVERIFY(stage.panel->waitingText()->isHidden());
+    QVERIFY(stage.panel->waitingIcon()->isHidden());
 }
 
-QUILLON_TEST(TestFailureScreen)
+QUILLON_TEST(FailureScreenTest)
 #include "tst_failure_screen.moc"

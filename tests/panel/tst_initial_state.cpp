@@ -1,6 +1,5 @@
 // What a new panel knows, and what it has created.
-#include "panel/FirmwareUpgradeWidget.h"
-#include "tests/support/PanelState.h"
+#include "tests/panel/OpenPanel.h"
 #include "tests/support/Sandbox.h"
 #include "tests/support/ScriptedTransport.h"
 #include "tests/support/TestProgram.h"
@@ -72,7 +71,7 @@ private slots:
 
 private:
     std::unique_ptr<Sandbox> m_sandbox;
-    std::unique_ptr<FirmwareUpgradeWidget> m_panel;
+    std::unique_ptr<OpenPanel> m_panel;
 };
 
 void InitialStateTest::initTestCase()
@@ -83,7 +82,7 @@ void InitialStateTest::initTestCase()
 void InitialStateTest::init()
 {
     m_sandbox = std::make_unique<Sandbox>();
-    m_panel = std::make_unique<FirmwareUpgradeWidget>();
+    m_panel = std::make_unique<OpenPanel>();
 }
 
 void InitialStateTest::cleanup()
@@ -94,18 +93,18 @@ void InitialStateTest::cleanup()
 
 void InitialStateTest::stateIsFresh()
 {
-    QCOMPARE(panelState(*m_panel), kFreshState);
+    QCOMPARE(m_panel->state(), kFreshState);
 }
 
 void InitialStateTest::everyPanelStartsFresh()
 {
-    m_panel->m_devicePcVersion = u"1.2.3"_s;
-    m_panel->m_isUpgrading = true;
-    m_panel->m_deviceModel = DeviceModel::R1;
+    m_panel->pretendDeviceVersion(Chip::Pc, u"1.2.3"_s);
+    m_panel->pretendUpgrading(true);
+    m_panel->pretendModel(DeviceModel::R1);
 
-    const FirmwareUpgradeWidget second;
-    QCOMPARE(panelState(second), kFreshState);
-    m_panel->m_isUpgrading = false;
+    const OpenPanel second;
+    QCOMPARE(second.state(), kFreshState);
+    m_panel->pretendUpgrading(false);
 }
 
 void InitialStateTest::languageIsTheCurrentOne_data()
@@ -121,53 +120,53 @@ void InitialStateTest::languageIsTheCurrentOne()
     QFETCH(Language, language);
     setLanguage(language);
     const auto backToChinese = qScopeGuard([] { setLanguage(Language::Chinese); });
-    const FirmwareUpgradeWidget panel;
+    const OpenPanel panel;
 
-    QTEST(panel.isChinese, "isChinese");
+    QTEST(panel.isChinese(), "isChinese");
 }
 
 void InitialStateTest::nothingIsDraggedOrTimed()
 {
-    QCOMPARE(m_panel->m_dragPosition, QPoint(0, 0));
-    QVERIFY(m_panel->m_lastProgressTime.isNull());
+    QCOMPARE(m_panel->dragPosition(), QPoint(0, 0));
+    QVERIFY(m_panel->lastPercentSince().isNull());
 }
 
 void InitialStateTest::linksAndWidgetsAreThere()
 {
-    QCOMPARE(m_panel->m_hidManager, HIDCommunicator::OrvikHIDManager::instance());
-    QVERIFY(m_panel->m_progressBar);
-    QVERIFY(m_panel->verCompLb);
-    QVERIFY(m_panel->upgradeProgDisPlay);
-    QVERIFY(m_panel->tipMoiveLb);
-    QVERIFY(m_panel->m_tipMovie);
-    QCOMPARE(m_panel->tipMoiveLb->movie(), m_panel->m_tipMovie);
-    QCOMPARE(m_panel->m_progressBar->window(), m_panel.get());
+    QCOMPARE(m_panel->library(), HIDCommunicator::OrvikHIDManager::instance());
+    QVERIFY(m_panel->bar());
+    QVERIFY(m_panel->card());
+    QVERIFY(m_panel->percentText());
+    QVERIFY(m_panel->animation());
+    QVERIFY(m_panel->movie());
+    QCOMPARE(m_panel->animation()->movie(), m_panel->movie());
+    QCOMPARE(m_panel->bar()->window(), m_panel.get());
 }
 
 void InitialStateTest::toolAndTimersAreChildrenInOrder()
 {
     const QObjectList &children = m_panel->children();
-    const auto process = children.indexOf(m_panel->m_dfuProcess);
-    const auto watchdog = children.indexOf(m_panel->m_dfuTimeoutTimer);
-    const auto poll = children.indexOf(m_panel->m_progressTimer);
+    const auto process = children.indexOf(m_panel->tool());
+    const auto watchdog = children.indexOf(m_panel->watchdog());
+    const auto poll = children.indexOf(m_panel->pollTimer());
 
-    QVERIFY(process > children.indexOf(m_panel->m_progressBar)); // after the widgets
+    QVERIFY(process > children.indexOf(m_panel->bar())); // after the widgets
     QVERIFY(watchdog > process);
     QVERIFY(poll > watchdog);
 }
 
 void InitialStateTest::toolAndTimersAreIdle()
 {
-    QCOMPARE(m_panel->m_dfuProcess->state(), QProcess::NotRunning);
-    QVERIFY(!m_panel->m_dfuTimeoutTimer->isActive());
-    QVERIFY(!m_panel->m_progressTimer->isActive());
+    QCOMPARE(m_panel->tool()->state(), QProcess::NotRunning);
+    QVERIFY(!m_panel->watchdog()->isActive());
+    QVERIFY(!m_panel->pollTimer()->isActive());
 }
 
 void InitialStateTest::pollRepeatsAndWatchdogFiresOnce()
 {
-    QVERIFY(m_panel->m_dfuTimeoutTimer->isSingleShot());
-    QVERIFY(!m_panel->m_progressTimer->isSingleShot());
-    QCOMPARE(m_panel->m_progressTimer->interval(), 100);
+    QVERIFY(m_panel->watchdog()->isSingleShot());
+    QVERIFY(!m_panel->pollTimer()->isSingleShot());
+    QCOMPARE(m_panel->pollTimer()->interval(), 100);
 }
 
 QUILLON_TEST(InitialStateTest)

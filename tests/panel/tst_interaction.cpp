@@ -33,7 +33,7 @@ QMouseEvent mouse(QEvent::Type type, const QWidget &window, const QPoint &at,
 }
 
 /// A press, a move by \a distance and a release, each at its place in global coordinates.
-void drag(FirmwareUpgradeWidget &panel, const QPoint &from, const QPoint &distance, Qt::MouseButton button)
+void drag(OpenPanel &panel, const QPoint &from, const QPoint &distance, Qt::MouseButton button)
 {
     const QPoint start = panel.mapToGlobal(from);
     QMouseEvent press(QEvent::MouseButtonPress, from, start, button, button, Qt::NoModifier);
@@ -59,7 +59,7 @@ protected:
 
 } // namespace
 
-class TestInteraction : public QObject {
+class InteractionTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -79,7 +79,7 @@ private Q_SLOTS:
     void neverConsumesAnEvent();
 };
 
-void TestInteraction::dragsByItsTopStrip_data()
+void InteractionTest::dragsByItsTopStrip_data()
 {
     QTest::addColumn<QPoint>("press");
     QTest::addColumn<Qt::MouseButton>("button");
@@ -98,7 +98,7 @@ void TestInteraction::dragsByItsTopStrip_data()
     QTest::newRow("below the close button") << QPoint(440, 36) << Qt::LeftButton << true;
 }
 
-void TestInteraction::dragsByItsTopStrip()
+void InteractionTest::dragsByItsTopStrip()
 {
     QFETCH(QPoint, press);
     QFETCH(Qt::MouseButton, button);
@@ -109,26 +109,26 @@ void TestInteraction::dragsByItsTopStrip()
     const QPoint before = stage.panel->pos();
     drag(*stage.panel, press, {30, -20}, button);
     QCOMPARE(stage.panel->pos(), drags ? before + QPoint(30, -20) : before);
-    QVERIFY(!stage.panel->m_dragging);
+    QVERIFY(!stage.panel->isDragged());
 }
 
-void TestInteraction::remembersWhereItWasPressed()
+void InteractionTest::remembersWhereItWasPressed()
 {
     const PanelStage stage;
-    FirmwareUpgradeWidget &panel = *stage.panel;
+    OpenPanel &panel = *stage.panel;
     panel.move(100, 100);
     panel.show();
     QMouseEvent press = mouse(QEvent::MouseButtonPress, panel, {55, 17});
     QCoreApplication::sendEvent(&panel, &press);
-    QVERIFY(panel.m_dragging);
-    QCOMPARE(panel.m_dragPosition, press.globalPosition().toPoint() - panel.frameGeometry().topLeft());
-    QCOMPARE(panel.m_dragPosition, QPoint(55, 17));
+    QVERIFY(panel.isDragged());
+    QCOMPARE(panel.dragPosition(), press.globalPosition().toPoint() - panel.frameGeometry().topLeft());
+    QCOMPARE(panel.dragPosition(), QPoint(55, 17));
 }
 
-void TestInteraction::acceptsOnlyWhatBelongsToADrag()
+void InteractionTest::acceptsOnlyWhatBelongsToADrag()
 {
     const PanelStage stage;
-    FirmwareUpgradeWidget &panel = *stage.panel;
+    OpenPanel &panel = *stage.panel;
     const auto isAccepted = [&panel](QEvent::Type type, const QPoint &at) {
         QMouseEvent event = mouse(type, panel, at);
         event.ignore();
@@ -144,10 +144,10 @@ void TestInteraction::acceptsOnlyWhatBelongsToADrag()
     QVERIFY(isAccepted(QEvent::MouseMove, {60, 17}));
 }
 
-void TestInteraction::followsThePointerWithoutLookingAtTheButtons()
+void InteractionTest::followsThePointerWithoutLookingAtTheButtons()
 {
     const PanelStage stage;
-    FirmwareUpgradeWidget &panel = *stage.panel;
+    OpenPanel &panel = *stage.panel;
     panel.move(100, 100);
     panel.show();
     QMouseEvent press = mouse(QEvent::MouseButtonPress, panel, {55, 17});
@@ -158,10 +158,10 @@ void TestInteraction::followsThePointerWithoutLookingAtTheButtons()
     QCOMPARE(panel.pos(), target.toPoint() - QPoint(55, 17));
 }
 
-void TestInteraction::stopsFollowingAfterTheRelease()
+void InteractionTest::stopsFollowingAfterTheRelease()
 {
     const PanelStage stage;
-    FirmwareUpgradeWidget &panel = *stage.panel;
+    OpenPanel &panel = *stage.panel;
     panel.move(100, 100);
     panel.show();
     drag(panel, {55, 17}, {10, 10}, Qt::LeftButton);
@@ -171,7 +171,7 @@ void TestInteraction::stopsFollowingAfterTheRelease()
     QCOMPARE(panel.pos(), QPoint(110, 110));
 }
 
-void TestInteraction::pressesOutsideTheStripGoToTheHost()
+void InteractionTest::pressesOutsideTheStripGoToTheHost()
 {
     Host host;
     const PanelStage stage;
@@ -190,28 +190,28 @@ void TestInteraction::pressesOutsideTheStripGoToTheHost()
     stage.panel->setParent(nullptr);
 }
 
-void TestInteraction::aPressOnTheBarNeverDrags_data()
+void InteractionTest::aPressOnTheBarNeverDrags_data()
 {
     QTest::addColumn<bool>("clickable");
     QTest::newRow("not clickable") << false;
     QTest::newRow("clickable") << true;
 }
 
-void TestInteraction::aPressOnTheBarNeverDrags()
+void InteractionTest::aPressOnTheBarNeverDrags()
 {
     QFETCH(bool, clickable);
     const PanelStage stage;
-    FirmwareUpgradeWidget &panel = *stage.panel;
+    OpenPanel &panel = *stage.panel;
     panel.show();
-    panel.m_progressBar->disconnect();
-    panel.m_progressBar->setClickable(clickable);
-    QSignalSpy clicks(panel.m_progressBar, &ClickableProgressBar::clicked);
-    QTest::mousePress(panel.m_progressBar, Qt::LeftButton, {}, {200, 10});
+    panel.bar()->disconnect();
+    panel.bar()->setClickable(clickable);
+    QSignalSpy clicks(panel.bar(), &ClickableProgressBar::clicked);
+    QTest::mousePress(panel.bar(), Qt::LeftButton, {}, {200, 10});
     QCOMPARE(clicks.size(), clickable ? 1 : 0);
-    QVERIFY(!panel.m_dragging);
+    QVERIFY(!panel.isDragged());
 }
 
-void TestInteraction::underlinesTheLinkUnderThePointer_data()
+void InteractionTest::underlinesTheLinkUnderThePointer_data()
 {
     QTest::addColumn<Language>("language");
     QTest::addColumn<QString>("words");
@@ -219,13 +219,13 @@ void TestInteraction::underlinesTheLinkUnderThePointer_data()
     QTest::newRow("English") << Language::English << u"Download>>"_s;
 }
 
-void TestInteraction::underlinesTheLinkUnderThePointer()
+void InteractionTest::underlinesTheLinkUnderThePointer()
 {
     QFETCH(Language, language);
     QFETCH(QString, words);
     const PanelStage stage;
     QuillonFirmwareUpgrade::setLanguage(language);
-    QLabel *link = stage.panel->m_offlineToolLinkLb;
+    QLabel *link = stage.panel->offlineToolLink();
     QCOMPARE(link->text(), linkTo(kPlainLink, words));
     QEnterEvent enter(QPointF(1, 1), QPointF(1, 1), QPointF(1, 1));
     QCoreApplication::sendEvent(link, &enter);
@@ -235,22 +235,22 @@ void TestInteraction::underlinesTheLinkUnderThePointer()
     QCOMPARE(link->text(), linkTo(kPlainLink, words));
 }
 
-void TestInteraction::leavesOtherWidgetsAlone()
+void InteractionTest::leavesOtherWidgetsAlone()
 {
     const PanelStage stage;
-    FirmwareUpgradeWidget &panel = *stage.panel;
+    OpenPanel &panel = *stage.panel;
     const QStringList before = Screen::everything(panel);
     QEnterEvent enter(QPointF(1, 1), QPointF(1, 1), QPointF(1, 1));
-    QVERIFY(!panel.eventFilter(panel.m_titleLabel, &enter));
-    QVERIFY(!panel.eventFilter(panel.m_offlineToolTipLb, &enter));
+    QVERIFY(!panel.eventFilter(panel.title(), &enter));
+    QVERIFY(!panel.eventFilter(panel.offlineToolTip(), &enter));
     QCOMPARE(Screen::everything(panel), before);
 }
 
-void TestInteraction::leavesOtherEventsAlone()
+void InteractionTest::leavesOtherEventsAlone()
 {
     const PanelStage stage;
-    FirmwareUpgradeWidget &panel = *stage.panel;
-    QLabel *link = panel.m_offlineToolLinkLb;
+    OpenPanel &panel = *stage.panel;
+    QLabel *link = panel.offlineToolLink();
     QEnterEvent enter(QPointF(1, 1), QPointF(1, 1), QPointF(1, 1));
     QCoreApplication::sendEvent(link, &enter);
     const QString underlined = link->text();
@@ -261,15 +261,15 @@ void TestInteraction::leavesOtherEventsAlone()
     }
 }
 
-void TestInteraction::neverConsumesAnEvent()
+void InteractionTest::neverConsumesAnEvent()
 {
     const PanelStage stage;
-    FirmwareUpgradeWidget &panel = *stage.panel;
+    OpenPanel &panel = *stage.panel;
     QEnterEvent enter(QPointF(1, 1), QPointF(1, 1), QPointF(1, 1));
-    QVERIFY(!panel.eventFilter(panel.m_offlineToolLinkLb, &enter));
+    QVERIFY(!panel.eventFilter(panel.offlineToolLink(), &enter));
     QEvent leave(QEvent::Leave);
-    QVERIFY(!panel.eventFilter(panel.m_offlineToolLinkLb, &leave));
+    QVERIFY(!panel.eventFilter(panel.offlineToolLink(), &leave));
 }
 
-QUILLON_TEST(TestInteraction)
+QUILLON_TEST(InteractionTest)
 #include "tst_interaction.moc"

@@ -5,6 +5,8 @@
 #include <QLabel>
 #include <QTest>
 
+#include <optional>
+
 using namespace Qt::StringLiterals;
 using QuillonFirmwareUpgrade::getCurrentLanguage;
 using QuillonFirmwareUpgrade::setLanguage;
@@ -40,7 +42,7 @@ protected:
 
 } // namespace
 
-class TestLanguage : public QObject {
+class LanguageTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -63,38 +65,38 @@ private Q_SLOTS:
     void keepsChineseTextsWithoutACatalogue();
 };
 
-void TestLanguage::isChineseBeforeAnybodyAsks()
+void LanguageTest::isChineseBeforeAnybodyAsks()
 {
     QCOMPARE(getCurrentLanguage(), Language::Chinese);
     QCOMPARE(translatedByTheApplication(), u"升级完成"_s);
 }
 
-void TestLanguage::remembersAndLogs_data()
+void LanguageTest::remembersAndLogs_data()
 {
-    QTest::addColumn<int>("language");
+    QTest::addColumn<Language>("language");
     QTest::addColumn<QString>("line");
     QTest::addColumn<QString>("text");
-    QTest::newRow("Chinese") << 0 << kChineseLine << u"升级完成"_s;
-    QTest::newRow("English") << 1 << kEnglishLine << u"Update Completed"_s;
-    QTest::newRow("any other value is English") << 2 << kEnglishLine << u"Update Completed"_s;
-    QTest::newRow("a negative value is English") << -1 << kEnglishLine << u"Update Completed"_s;
+    QTest::newRow("Chinese") << Language::Chinese << kChineseLine << u"升级完成"_s;
+    QTest::newRow("English") << Language::English << kEnglishLine << u"Update Completed"_s;
+    QTest::newRow("any other value is English") << Language(2) << kEnglishLine << u"Update Completed"_s;
+    QTest::newRow("a negative value is English") << Language(-1) << kEnglishLine << u"Update Completed"_s;
 }
 
-void TestLanguage::remembersAndLogs()
+void LanguageTest::remembersAndLogs()
 {
-    QFETCH(int, language);
+    QFETCH(Language, language);
     QFETCH(QString, line);
     QFETCH(QString, text);
     const PanelStage stage;
-    setLanguage(Language(language));
-    QCOMPARE(int(getCurrentLanguage()), language);
+    setLanguage(language);
+    QCOMPARE(getCurrentLanguage(), language);
     QCOMPARE(stage.log.startingWith(u"QuillonCustomLibrary"_s), QStringList{line});
     QCOMPARE(translatedByTheApplication(), text);
-    QCOMPARE(stage.panel->m_doneLb->text(), text);
-    QCOMPARE(stage.panel->isChinese, language == 0);
+    QCOMPARE(stage.panel->doneText()->text(), text);
+    QCOMPARE(stage.panel->isChinese(), language == Language::Chinese);
 }
 
-void TestLanguage::leavesOneTranslatorAtMost()
+void LanguageTest::leavesOneTranslatorAtMost()
 {
     for (int i = 0; i < 5; ++i)
         setLanguage(Language::English);
@@ -102,22 +104,22 @@ void TestLanguage::leavesOneTranslatorAtMost()
     QCOMPARE(translatedByTheApplication(), u"升级完成"_s);
 }
 
-void TestLanguage::changesTheFontOfTheApplication_data()
+void LanguageTest::changesTheFontOfTheApplication_data()
 {
-    QTest::addColumn<int>("language");
+    QTest::addColumn<Language>("language");
     QTest::addColumn<QString>("family");
-    QTest::newRow("Chinese") << 0 << u"Microsoft YaHei"_s;
-    QTest::newRow("English") << 1 << u"Segoe UI"_s;
-    QTest::newRow("any other value") << 7 << u"Segoe UI"_s;
+    QTest::newRow("Chinese") << Language::Chinese << u"Microsoft YaHei"_s;
+    QTest::newRow("English") << Language::English << u"Segoe UI"_s;
+    QTest::newRow("any other value") << Language(7) << u"Segoe UI"_s;
 }
 
-void TestLanguage::changesTheFontOfTheApplication()
+void LanguageTest::changesTheFontOfTheApplication()
 {
-    QFETCH(int, language);
+    QFETCH(Language, language);
     QFETCH(QString, family);
     const PanelStage stage;
     QApplication::setFont(QFont(u"Sans"_s, 31, QFont::Black, true));
-    setLanguage(Language(language));
+    setLanguage(language);
     const QFont expected(family);
     QCOMPARE(QApplication::font().family(), family);
     QCOMPARE(QApplication::font().pointSize(), expected.pointSize());
@@ -125,51 +127,51 @@ void TestLanguage::changesTheFontOfTheApplication()
     QVERIFY(!QApplication::font().italic());
 }
 
-void TestLanguage::logsAfterTheFontAndBeforeThePanels_data()
+void LanguageTest::logsAfterTheFontAndBeforeThePanels_data()
 {
-    QTest::addColumn<int>("language");
+    QTest::addColumn<Language>("language");
     QTest::addColumn<QString>("line");
     QTest::addColumn<QString>("family");
     QTest::addColumn<QString>("formerText");
     QTest::addColumn<QString>("translation");
-    QTest::newRow("to Chinese") << 0 << kChineseLine << u"Microsoft YaHei"_s << u"Update Completed"_s
-                                << u"升级完成"_s;
-    QTest::newRow("to English") << 1 << kEnglishLine << u"Segoe UI"_s << u"升级完成"_s
+    QTest::newRow("to Chinese") << Language::Chinese << kChineseLine << u"Microsoft YaHei"_s
+                                << u"Update Completed"_s << u"升级完成"_s;
+    QTest::newRow("to English") << Language::English << kEnglishLine << u"Segoe UI"_s << u"升级完成"_s
                                 << u"Update Completed"_s;
 }
 
-void TestLanguage::logsAfterTheFontAndBeforeThePanels()
+void LanguageTest::logsAfterTheFontAndBeforeThePanels()
 {
-    QFETCH(int, language);
+    QFETCH(Language, language);
     QFETCH(QString, line);
     QFETCH(QString, family);
     QFETCH(QString, formerText);
     QFETCH(QString, translation);
     const PanelStage stage;
-    setLanguage(Language(1 - language));
-    int stored = -1;
+    setLanguage(language == Language::Chinese ? Language::English : Language::Chinese);
+    std::optional<Language> stored;
     QString font;
     QString text;
     QString translated;
     {
         const LogHook hook(line, [&](const QString &) {
-            stored = int(getCurrentLanguage());
+            stored = getCurrentLanguage();
             font = QApplication::font().family();
-            text = stage.panel->m_doneLb->text();
+            text = stage.panel->doneText()->text();
             translated = translatedByTheApplication();
         });
-        setLanguage(Language(language));
+        setLanguage(language);
     }
-    QCOMPARE(stored, language);
+    QVERIFY(stored == language);
     QCOMPARE(font, family);
     QCOMPARE(text, formerText);
     QCOMPARE(translated, translation);
 }
 
-void TestLanguage::tellsEveryWindowInTheApplicationsOrder()
+void LanguageTest::tellsEveryWindowInTheApplicationsOrder()
 {
     const PanelStage stage;
-    const FirmwareUpgradeWidget secondPanel;
+    const OpenPanel secondPanel;
     const QWidget hostWindow;
     const QWidget hostDialog;
     QList<const QWidget *> expected;
@@ -184,31 +186,31 @@ void TestLanguage::tellsEveryWindowInTheApplicationsOrder()
     QCOMPARE(events.windows, expected);
 }
 
-void TestLanguage::changesEveryPanelBeforeItReturns()
+void LanguageTest::changesEveryPanelBeforeItReturns()
 {
     const PanelStage stage;
     QWidget host;
-    const FirmwareUpgradeWidget embedded(&host);
+    const OpenPanel embedded(&host);
     setLanguage(Language::English);
-    QCOMPARE(stage.panel->m_titleLabel->text(), u"Firmware Update"_s);
-    QCOMPARE(embedded.m_titleLabel->text(), u"Firmware Update"_s);
+    QCOMPARE(stage.panel->title()->text(), u"Firmware Update"_s);
+    QCOMPARE(embedded.title()->text(), u"Firmware Update"_s);
     setLanguage(Language::Chinese);
-    QCOMPARE(stage.panel->m_titleLabel->text(), u"固件升级"_s);
-    QCOMPARE(embedded.m_titleLabel->text(), u"固件升级"_s);
+    QCOMPARE(stage.panel->title()->text(), u"固件升级"_s);
+    QCOMPARE(embedded.title()->text(), u"固件升级"_s);
 }
 
-void TestLanguage::reloadsTheLanguageThatIsActive()
+void LanguageTest::reloadsTheLanguageThatIsActive()
 {
     PanelStage stage;
     setLanguage(Language::English);
-    stage.panel->m_titleLabel->setText(u"changed by somebody else"_s);
+    stage.panel->title()->setText(u"changed by somebody else"_s);
     stage.log.clear();
     setLanguage(Language::English);
     QCOMPARE(stage.log.count(kEnglishLine), 1);
-    QCOMPARE(stage.panel->m_titleLabel->text(), u"Firmware Update"_s);
+    QCOMPARE(stage.panel->title()->text(), u"Firmware Update"_s);
 }
 
-void TestLanguage::retranslatesOnLanguageChangeOnly_data()
+void LanguageTest::retranslatesOnLanguageChangeOnly_data()
 {
     QTest::addColumn<QEvent::Type>("type");
     QTest::addColumn<int>("times");
@@ -219,7 +221,7 @@ void TestLanguage::retranslatesOnLanguageChangeOnly_data()
     QTest::newRow("the window's title") << QEvent::WindowTitleChange << 0;
 }
 
-void TestLanguage::retranslatesOnLanguageChangeOnly()
+void LanguageTest::retranslatesOnLanguageChangeOnly()
 {
     QFETCH(QEvent::Type, type);
     QFETCH(int, times);
@@ -230,41 +232,41 @@ void TestLanguage::retranslatesOnLanguageChangeOnly()
     QCOMPARE(stage.log.startingWith(u"Detected language switch."_s).size(), times);
 }
 
-void TestLanguage::aNewPanelFollowsTheActiveLanguage()
+void LanguageTest::aNewPanelFollowsTheActiveLanguage()
 {
     const PanelStage stage;
     setLanguage(Language::English);
-    const FirmwareUpgradeWidget panel;
-    QCOMPARE(panel.isChinese, false);
+    const OpenPanel panel;
+    QCOMPARE(panel.isChinese(), false);
     QCOMPARE(panel.windowTitle(), u"Firmware Update"_s);
-    QCOMPARE(panel.m_titleLabel->text(), u"Firmware Update"_s);
-    QCOMPARE(panel.m_curVerTitleLb->geometry(), QRect(207, 16, 110, 19));
-    QVERIFY(panel.m_curVerLb->styleSheet().contains(u"\"Segoe UI\""_s));
+    QCOMPARE(panel.title()->text(), u"Firmware Update"_s);
+    QCOMPARE(panel.currentVersionTitle()->geometry(), QRect(207, 16, 110, 19));
+    QVERIFY(panel.currentVersion()->styleSheet().contains(u"\"Segoe UI\""_s));
 }
 
-void TestLanguage::saysWhichLanguageThePanelSwitchedTo_data()
+void LanguageTest::saysWhichLanguageThePanelSwitchedTo_data()
 {
-    QTest::addColumn<int>("language");
+    QTest::addColumn<Language>("language");
     QTest::addColumn<QString>("name");
-    QTest::newRow("Chinese") << 0 << u"Chinese"_s;
-    QTest::newRow("English") << 1 << u"English"_s;
-    QTest::newRow("any other value") << 2 << u"English"_s;
+    QTest::newRow("Chinese") << Language::Chinese << u"Chinese"_s;
+    QTest::newRow("English") << Language::English << u"English"_s;
+    QTest::newRow("any other value") << Language(2) << u"English"_s;
 }
 
-void TestLanguage::saysWhichLanguageThePanelSwitchedTo()
+void LanguageTest::saysWhichLanguageThePanelSwitchedTo()
 {
-    QFETCH(int, language);
+    QFETCH(Language, language);
     QFETCH(QString, name);
     PanelStage stage;
     stage.log.clear();
-    setLanguage(Language(language));
+    setLanguage(language);
     const QStringList lines = stage.log.startingWith(u"Detected language switch."_s);
     QVERIFY(!lines.isEmpty());
     for (const QString &line : lines)
         QCOMPARE(line, u"Detected language switch. The language after switching is: "_s + name);
 }
 
-void TestLanguage::keepsChineseTextsWithoutACatalogue()
+void LanguageTest::keepsChineseTextsWithoutACatalogue()
 {
     Q_CLEANUP_RESOURCE(quillon_translations);
     {
@@ -274,9 +276,9 @@ void TestLanguage::keepsChineseTextsWithoutACatalogue()
         QVERIFY(!stage.log.contains(kEnglishLine));
         QCOMPARE(getCurrentLanguage(), Language::English);
         QCOMPARE(QApplication::font().family(), u"Segoe UI"_s);
-        QCOMPARE(stage.panel->isChinese, false);
-        QCOMPARE(stage.panel->m_doneLb->text(), u"升级完成"_s);
-        QCOMPARE(stage.panel->m_doneLb->geometry(), QRect(149, 13, 142, 21));
+        QCOMPARE(stage.panel->isChinese(), false);
+        QCOMPARE(stage.panel->doneText()->text(), u"升级完成"_s);
+        QCOMPARE(stage.panel->doneText()->geometry(), QRect(149, 13, 142, 21));
     }
     Q_INIT_RESOURCE(quillon_translations);
     setLanguage(Language::English);
@@ -284,5 +286,5 @@ void TestLanguage::keepsChineseTextsWithoutACatalogue()
     setLanguage(Language::Chinese);
 }
 
-QUILLON_TEST(TestLanguage)
+QUILLON_TEST(LanguageTest)
 #include "tst_language.moc"

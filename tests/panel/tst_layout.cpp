@@ -16,10 +16,10 @@ class FreshWidgets : public PanelStage {
 public:
     explicit FreshWidgets(DeviceModel model = DeviceModel::R2)
         : formerChildren(panel->children())
-        , formerCard(panel->verCompLb)
+        , formerCard(panel->card())
     {
-        panel->m_deviceModel = model;
-        panel->setupUI();
+        panel->pretendModel(model);
+        panel->createWidgetsAnew();
     }
 
     const QObjectList formerChildren;
@@ -28,7 +28,7 @@ public:
 
 } // namespace
 
-class TestLayout : public QObject {
+class LayoutTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -49,10 +49,10 @@ private Q_SLOTS:
     void connectsTheTwoButtonsOnly();
 };
 
-void TestLayout::window()
+void LayoutTest::window()
 {
     const PanelStage stage;
-    const FirmwareUpgradeWidget &panel = *stage.panel;
+    const OpenPanel &panel = *stage.panel;
     QCOMPARE(panel.minimumSize(), QSize(472, 418));
     QCOMPARE(panel.maximumSize(), QSize(472, 418));
     QCOMPARE(panel.windowFlags() & ~Qt::WindowFlags(Qt::WindowType_Mask), Qt::FramelessWindowHint);
@@ -65,14 +65,14 @@ void TestLayout::window()
     QCOMPARE(panel.windowTitle(), u"固件升级"_s);
 }
 
-void TestLayout::createsWidget_data()
+void LayoutTest::createsWidget_data()
 {
     QTest::addColumn<Row>("row");
     for (const Row &row : rows())
         QTest::newRow(row.name) << row;
 }
 
-void TestLayout::createsWidget()
+void LayoutTest::createsWidget()
 {
     QFETCH(Row, row);
     const FreshWidgets fresh;
@@ -81,7 +81,7 @@ void TestLayout::createsWidget()
     QCOMPARE(widget->metaObject()->className(), row.className);
     QCOMPARE(widget->parentWidget()->objectName(), row.parent);
     if (row.parent == WidgetTable::kCard)
-        QCOMPARE(widget->parentWidget(), fresh.panel->verCompLb);
+        QCOMPARE(widget->parentWidget(), fresh.panel->card());
     QCOMPARE(widget->objectName(), QLatin1String(row.name));
     if (row.place != WidgetTable::kPlacedLater)
         QCOMPARE(widget->geometry(), row.place);
@@ -104,12 +104,12 @@ void TestLayout::createsWidget()
     QCOMPARE(label->pixmap().size(), artwork.scaled(row.pictureSize, Qt::KeepAspectRatio));
 }
 
-void TestLayout::createsNothingElseAndInOrder()
+void LayoutTest::createsNothingElseAndInOrder()
 {
     const FreshWidgets fresh;
-    const FirmwareUpgradeWidget &panel = *fresh.panel;
+    const OpenPanel &panel = *fresh.panel;
     QHash<const QObject *, QList<const QObject *>> created{
-        {&panel, {}}, {panel.verCompLb, {}}, {panel.m_progressBar, {}}};
+        {&panel, {}}, {panel.card(), {}}, {panel.bar(), {}}};
     for (const Row &row : rows()) {
         const QWidget *widget = row.find(panel);
         created[widget->parentWidget()].append(widget);
@@ -123,11 +123,11 @@ void TestLayout::createsNothingElseAndInOrder()
         return children;
     };
     QCOMPARE(childrenOf(&panel, fresh.formerChildren), created.value(&panel));
-    QCOMPARE(childrenOf(panel.verCompLb, {}), created.value(panel.verCompLb));
-    QCOMPARE(childrenOf(panel.m_progressBar, {}), created.value(panel.m_progressBar));
+    QCOMPARE(childrenOf(panel.card(), {}), created.value(panel.card()));
+    QCOMPARE(childrenOf(panel.bar(), {}), created.value(panel.bar()));
 }
 
-void TestLayout::hasNoLayouts()
+void LayoutTest::hasNoLayouts()
 {
     const FreshWidgets fresh;
     QVERIFY(!fresh.panel->layout());
@@ -135,16 +135,16 @@ void TestLayout::hasNoLayouts()
         QVERIFY2(!row.find(*fresh.panel)->layout(), row.name);
 }
 
-void TestLayout::notesCannotBeEdited()
+void LayoutTest::notesCannotBeEdited()
 {
     const FreshWidgets fresh;
-    QVERIFY(fresh.panel->m_notesEdit->isReadOnly());
+    QVERIFY(fresh.panel->notes()->isReadOnly());
 }
 
-void TestLayout::barRunsToAHundred()
+void LayoutTest::barRunsToAHundred()
 {
     const FreshWidgets fresh;
-    const ClickableProgressBar *bar = fresh.panel->m_progressBar;
+    const ClickableProgressBar *bar = fresh.panel->bar();
     QCOMPARE(bar->minimum(), 0);
     QCOMPARE(bar->maximum(), 100);
     QCOMPARE(bar->value(), 0);
@@ -152,17 +152,17 @@ void TestLayout::barRunsToAHundred()
     QVERIFY(bar->isClickable());
 }
 
-void TestLayout::offlineToolIconHasAFixedSize()
+void LayoutTest::offlineToolIconHasAFixedSize()
 {
     const FreshWidgets fresh;
-    QCOMPARE(fresh.panel->m_offlineToolIconLb->minimumSize(), QSize(24, 24));
-    QCOMPARE(fresh.panel->m_offlineToolIconLb->maximumSize(), QSize(24, 24));
+    QCOMPARE(fresh.panel->offlineToolIcon()->minimumSize(), QSize(24, 24));
+    QCOMPARE(fresh.panel->offlineToolIcon()->maximumSize(), QSize(24, 24));
 }
 
-void TestLayout::offlineToolLinkOpensABrowser()
+void LayoutTest::offlineToolLinkOpensABrowser()
 {
     const FreshWidgets fresh;
-    const QLabel *link = fresh.panel->m_offlineToolLinkLb;
+    const QLabel *link = fresh.panel->offlineToolLink();
     QCOMPARE(link->textFormat(), Qt::RichText);
     QVERIFY(link->openExternalLinks());
     QCOMPARE(link->cursor().shape(), Qt::PointingHandCursor);
@@ -170,7 +170,7 @@ void TestLayout::offlineToolLinkOpensABrowser()
     QVERIFY(link->width() > 0);
 }
 
-void TestLayout::showsHowToConnect_data()
+void LayoutTest::showsHowToConnect_data()
 {
     QTest::addColumn<DeviceModel>("model");
     QTest::addColumn<QString>("movie");
@@ -184,28 +184,28 @@ void TestLayout::showsHowToConnect_data()
         << u"请使用配件附带USB线接入图示DC-5V和USB-C口，\n开始固件升级。"_s;
 }
 
-void TestLayout::showsHowToConnect()
+void LayoutTest::showsHowToConnect()
 {
     QFETCH(DeviceModel, model);
     QFETCH(QString, movie);
     QFETCH(QString, hint);
     const FreshWidgets fresh(model);
-    const FirmwareUpgradeWidget &panel = *fresh.panel;
-    QCOMPARE(panel.m_tipMovie->fileName(), movie);
-    QVERIFY(panel.m_tipMovie->isValid());
-    QCOMPARE(panel.m_tipMovie->parent(), panel.tipMoiveLb);
-    QCOMPARE(panel.m_tipMovie->state(), QMovie::NotRunning);
-    QCOMPARE(panel.tipMoiveLb->movie(), panel.m_tipMovie);
-    QCOMPARE(panel.m_connectHintLb->text(), hint);
+    const OpenPanel &panel = *fresh.panel;
+    QCOMPARE(panel.movie()->fileName(), movie);
+    QVERIFY(panel.movie()->isValid());
+    QCOMPARE(panel.movie()->parent(), panel.animation());
+    QCOMPARE(panel.movie()->state(), QMovie::NotRunning);
+    QCOMPARE(panel.animation()->movie(), panel.movie());
+    QCOMPARE(panel.cableHint()->text(), hint);
 }
 
-void TestLayout::scalesTheAnimation()
+void LayoutTest::scalesTheAnimation()
 {
     const FreshWidgets fresh;
-    QVERIFY(fresh.panel->tipMoiveLb->hasScaledContents());
+    QVERIFY(fresh.panel->animation()->hasScaledContents());
 }
 
-void TestLayout::showsOnlyCardNotesAndBarAtFirst()
+void LayoutTest::showsOnlyCardNotesAndBarAtFirst()
 {
     const PanelStage stage;
     stage.panel->show();
@@ -219,23 +219,23 @@ void TestLayout::showsOnlyCardNotesAndBarAtFirst()
                           u"cardDividerLb"_s, u"m_curVerTitleLb"_s, u"m_curVerLb"_s, u"m_notesIconLb"_s,
                           u"m_notesTitleLb"_s, u"m_notesLineLb"_s, u"m_notesEdit"_s, u"m_progressBar"_s,
                           u"upgradeProgDisPlay"_s}));
-    QVERIFY(stage.panel->upgradeProgDisPlay->text().isEmpty());
+    QVERIFY(stage.panel->percentText()->text().isEmpty());
 }
 
-void TestLayout::closes()
+void LayoutTest::closes()
 {
     const PanelStage stage;
     stage.panel->show();
-    QTest::mouseClick(stage.panel->m_closeBtn, Qt::LeftButton);
+    QTest::mouseClick(stage.panel->closeButton(), Qt::LeftButton);
     QVERIFY(stage.panel->isHidden());
 }
 
-void TestLayout::connectsTheTwoButtonsOnly()
+void LayoutTest::connectsTheTwoButtonsOnly()
 {
     const PanelStage stage;
-    QCOMPARE(stage.panel->m_closeBtn->receivers(SIGNAL(clicked(bool))), 1);
-    QCOMPARE(stage.panel->m_progressBar->receivers(SIGNAL(clicked())), 1);
+    QCOMPARE(OpenPanel::receiversOf(*stage.panel->closeButton(), SIGNAL(clicked(bool))), 1);
+    QCOMPARE(OpenPanel::receiversOf(*stage.panel->bar(), SIGNAL(clicked())), 1);
 }
 
-QUILLON_TEST(TestLayout)
+QUILLON_TEST(LayoutTest)
 #include "tst_layout.moc"

@@ -1,5 +1,5 @@
 // How a panel comes up: its log, the stale progress file, the window, what it connects, the first query.
-#include "panel/FirmwareUpgradeWidget.h"
+#include "tests/panel/OpenPanel.h"
 #include "tests/support/FakeFlashingTool.h"
 #include "tests/support/HidCalls.h"
 #include "tests/support/LogCapture.h"
@@ -80,7 +80,7 @@ void LifecycleTest::cleanup()
 
 void LifecycleTest::logBeginsWithFourLines()
 {
-    const FirmwareUpgradeWidget panel;
+    const OpenPanel panel;
 
     QCOMPARE(m_log->lines().mid(0, 4),
              QStringList({kRule, u"[Constructor] FirmwareUpgradeWidget CREATED!"_s,
@@ -90,7 +90,7 @@ void LifecycleTest::logBeginsWithFourLines()
 
 void LifecycleTest::logEndsWithFinished()
 {
-    const FirmwareUpgradeWidget panel;
+    const OpenPanel panel;
 
     QCOMPARE(m_log->lines().constLast(),
              u"[Constructor] Finished. m_isUpgrading=false m_autoRecoverRunning=false"_s);
@@ -99,7 +99,7 @@ void LifecycleTest::logEndsWithFinished()
 void LifecycleTest::stepsRunInOrder()
 {
     m_sandbox->writeProgress("success 1\n");
-    const FirmwareUpgradeWidget panel;
+    const OpenPanel panel;
 
     QCOMPARE(missingInOrder(m_log->lines(),
                             {u"[Constructor] FirmwareUpgradeWidget CREATED!"_s,
@@ -127,7 +127,7 @@ void LifecycleTest::staleProgressFileGoes()
     if (isThere)
         m_sandbox->writeProgress(content);
 
-    const FirmwareUpgradeWidget panel;
+    const OpenPanel panel;
     QVERIFY(!QFileInfo::exists(m_sandbox->progressFile()));
     QCOMPARE(m_log->startingWith(u"[Init] "_s),
              isThere ? QStringList(u"[Init] Removed stale progress file:"_s + m_sandbox->progressFile())
@@ -136,7 +136,7 @@ void LifecycleTest::staleProgressFileGoes()
 
 void LifecycleTest::nothingIsCreatedInTheHomeFolder()
 {
-    const FirmwareUpgradeWidget panel;
+    const OpenPanel panel;
 
     QCOMPARE(m_sandbox->newInHome(), QStringList());
     QVERIFY(!QFileInfo::exists(QFileInfo(m_sandbox->progressFile()).path()));
@@ -144,7 +144,7 @@ void LifecycleTest::nothingIsCreatedInTheHomeFolder()
 
 void LifecycleTest::windowIsFramelessFixedAndModal()
 {
-    const FirmwareUpgradeWidget panel;
+    const OpenPanel panel;
     QWidget frameless;
     frameless.setWindowFlags(Qt::FramelessWindowHint);
 
@@ -174,7 +174,7 @@ void LifecycleTest::windowTitle()
     QFETCH(Language, language);
     setLanguage(language);
     const auto backToChinese = qScopeGuard([] { setLanguage(Language::Chinese); });
-    const FirmwareUpgradeWidget panel;
+    const OpenPanel panel;
 
     QTEST(panel.windowTitle(), "title");
 }
@@ -182,7 +182,7 @@ void LifecycleTest::windowTitle()
 void LifecycleTest::mayBeAChild()
 {
     QWidget host;
-    const auto *panel = new FirmwareUpgradeWidget(&host);
+    const auto *panel = new OpenPanel(&host);
 
     QCOMPARE(panel->parentWidget(), &host);
     QVERIFY(!panel->isWindow());
@@ -192,21 +192,21 @@ void LifecycleTest::bricksAreRecoveredBeforeTheSignalReturns()
 {
     const ScriptedHttpServer
         server; // answers every query with 404, so that the recovery soon has what it asks for
-    FirmwareUpgradeWidget panel;
+    OpenPanel panel;
     m_log->clear();
 
     Q_EMIT panel.onDeviceBrickedDetected();
     QCOMPARE(m_log->count(u"[AutoRecover] start auto recover upgrade flow."_s), 1);
-    QCOMPARE(panel.m_upgradePlan, UpgradePlan::Both);
+    QCOMPARE(panel.plan(), UpgradePlan::Both);
 }
 
 void LifecycleTest::endOfTheToolIsHeard()
 {
     FakeFlashingTool tool;
     tool.obeys("exit 7");
-    FirmwareUpgradeWidget panel;
+    OpenPanel panel;
 
-    panel.m_dfuProcess->start(FakeFlashingTool::path(), {});
+    panel.tool()->start(FakeFlashingTool::path(), {});
     QTRY_COMPARE(m_log->count(u"OrvikFirmwareUpdata.exe process exit, exitCode=7"_s), 1);
 }
 
@@ -214,28 +214,28 @@ void LifecycleTest::watchdogIsHeard()
 {
     FakeFlashingTool tool;
     tool.obeys("hang");
-    FirmwareUpgradeWidget panel;
-    panel.m_dfuProcess->start(FakeFlashingTool::path(), {});
-    QVERIFY(panel.m_dfuProcess->waitForStarted());
+    OpenPanel panel;
+    panel.tool()->start(FakeFlashingTool::path(), {});
+    QVERIFY(panel.tool()->waitForStarted());
 
-    panel.m_dfuTimeoutTimer->start(0ms);
-    QTRY_COMPARE(panel.m_dfuProcess->state(), QProcess::NotRunning);
-    QCOMPARE(panel.m_dfuProcess->exitStatus(), QProcess::CrashExit);
+    panel.watchdog()->start(0ms);
+    QTRY_COMPARE(panel.tool()->state(), QProcess::NotRunning);
+    QCOMPARE(panel.tool()->exitStatus(), QProcess::CrashExit);
 }
 
 void LifecycleTest::pollIsHeard()
 {
-    FirmwareUpgradeWidget panel;
-    panel.m_isUpgrading = true;
+    OpenPanel panel;
+    panel.pretendUpgrading(true);
     m_log->clear();
 
-    panel.m_progressTimer->start();
+    panel.pollTimer()->start();
     QTRY_COMPARE(m_log->count(u"[状态] 进程已退出但无进度文件，判定为失败"_s), 1);
 }
 
 void LifecycleTest::libraryIsAcquiredOnce()
 {
-    const FirmwareUpgradeWidget panel;
+    const OpenPanel panel;
 
     QCOMPARE(m_log->startingWith(u"hid: "_s), QStringList(u"hid: acquire()"_s));
 }
@@ -244,7 +244,7 @@ void LifecycleTest::asksForTheModeAfterHalfASecond()
 {
     QElapsedTimer sinceConstruction;
     sinceConstruction.start();
-    const FirmwareUpgradeWidget panel;
+    const OpenPanel panel;
     m_log->clear();
 
     QTRY_COMPARE(m_log->startingWith(u"hid: "_s),
@@ -255,7 +255,7 @@ void LifecycleTest::asksForTheModeAfterHalfASecond()
 
 void LifecycleTest::aDeletedPanelAsksNothing()
 {
-    std::make_unique<FirmwareUpgradeWidget>().reset();
+    std::make_unique<OpenPanel>().reset();
     const FirmwareUpgradeWidget later;
 
     // The deleted panel's query would have come first.

@@ -1,12 +1,9 @@
 // Choosing the model: what is forgotten, what is shown, and how the panel gets to the device of the new
 // model.
-#include "tests/panel/PanelStage.h"
+#include "tests/panel/PanelTest.h"
 #include "tests/support/HidCalls.h"
 #include "tests/support/LogOrder.h"
-#include "tests/support/PanelState.h"
 #include "tests/support/TestProgram.h"
-
-#include <HIDCommunicator/OrvikHIDManager.h>
 
 #include <QLabel>
 #include <QMovie>
@@ -36,48 +33,48 @@ constexpr int kR2PcDfu = 0x00FF;
 constexpr int kR2Otg = 0x001F;
 
 /// A panel in the middle of everything: each member that a model change resets has a value of its own.
-void fillRunState(FirmwareUpgradeWidget &panel)
+void fillRunState(OpenPanel &panel)
 {
-    panel.m_devicePcVersion = u"1.2.3"_s;
-    panel.m_deviceOtgVersion = u"1.2.4"_s;
-    panel.m_remotePcVersion = u"1.3.3"_s;
-    panel.m_remoteOtgVersion = u"1.3.4"_s;
-    panel.m_pcFirmwareDownloaded = panel.m_otgFirmwareDownloaded = panel.pcUpgradeCompleted = true;
-    panel.m_autoRecoverRunning = panel.m_inFailureRetry = true;
-    panel.lastDetectedOtgPid = 31;
-    panel.lastDetectedPcPid = 14;
-    panel.m_lastProgressPercent = 42;
-    panel.m_lastProgressTime = QDateTime::currentDateTime();
-    panel.m_downloadRetryCount = 2;
-    panel.m_upgradePlan = UpgradePlan::Both;
+    panel.pretendDeviceVersion(Chip::Pc, u"1.2.3"_s);
+    panel.pretendDeviceVersion(Chip::Otg, u"1.2.4"_s);
+    panel.pretendServerVersion(Chip::Pc, u"1.3.3"_s);
+    panel.pretendServerVersion(Chip::Otg, u"1.3.4"_s);
+    panel.pretendImage(Chip::Pc, true);
+    panel.pretendImage(Chip::Otg, true);
+    panel.pretendPcDone(true);
+    panel.pretendRecovering(true);
+    panel.pretendRetryOffer(true);
+    panel.pretendLastSeenId(Chip::Otg, 31);
+    panel.pretendLastSeenId(Chip::Pc, 14);
+    panel.pretendLastPercent(42);
+    panel.pretendLastPercentSince(QDateTime::currentDateTime());
+    panel.pretendDownloadRetries(2);
+    panel.pretendPlan(UpgradePlan::Both);
 }
 
 /// Members that a model change leaves as they are, with values that differ from a fresh panel's.
-void fillKeptState(FirmwareUpgradeWidget &panel)
+void fillKeptState(OpenPanel &panel)
 {
-    panel.isChinese = false;
-    panel.m_isWaitingForUSB = false;
-    panel.m_postUpgradeWaiting = true;
-    panel.m_zeroVersionCount = 3;
-    panel.m_pcFirmwarePath = u"/pc.bin"_s;
-    panel.m_otgFirmwarePath = u"/otg.bin"_s;
-    panel.m_pcDownloadUrl = u"http://pc"_s;
-    panel.m_otgDownloadUrl = u"http://otg"_s;
+    panel.pretendChinese(false);
+    panel.pretendWaitingForCable(false);
+    panel.pretendAwaitingNewVersions(true);
+    panel.pretendNotReadyReplies(3);
+    panel.pretendImagePath(Chip::Pc, u"/pc.bin"_s);
+    panel.pretendImagePath(Chip::Otg, u"/otg.bin"_s);
+    panel.pretendImageAddress(Chip::Pc, u"http://pc"_s);
+    panel.pretendImageAddress(Chip::Otg, u"http://otg"_s);
 }
 
-QString movieFile(const FirmwareUpgradeWidget &panel)
+QString movieFile(const OpenPanel &panel)
 {
-    return panel.m_tipMovie->fileName();
+    return panel.movie()->fileName();
 }
 } // namespace
 
-class ModelChangeTest : public QObject {
+class ModelChangeTest : public PanelTest {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
-
     void sameModelDoesNothing_data();
     void sameModelDoesNothing();
     void logNamesTheModel_data();
@@ -102,96 +99,83 @@ private slots:
     void withoutALibraryNothingIsAsked();
 
 private:
-    FirmwareUpgradeWidget &panel() { return *m_stage->panel; }
     void openR2();
     QStringList hidLines() const { return m_stage->log.startingWith(u"hid: "_s); }
-
-    std::unique_ptr<PanelStage> m_stage;
 };
-
-void ModelChangeTest::init()
-{
-    m_stage = std::make_unique<PanelStage>();
-}
-
-void ModelChangeTest::cleanup()
-{
-    m_stage.reset();
-}
 
 /// An R2 in normal mode is plugged in and open.
 void ModelChangeTest::openR2()
 {
     const QString path = PanelStage::bus().plug(kR2Pc);
-    panel().ConnectingR2({path}, {kR2Pc});
-    QVERIFY(panel().m_hidManager->getConnected());
+    panel().seeDevices({path}, {kR2Pc});
+    QVERIFY(panel().isDeviceOpen());
 }
 
 void ModelChangeTest::sameModelDoesNothing_data()
 {
-    QTest::addColumn<int>("model");
-    QTest::newRow("R2 on a new panel") << 1;
-    QTest::newRow("R1 after R1") << 0;
+    QTest::addColumn<DeviceModel>("model");
+    QTest::newRow("R2 on a new panel") << DeviceModel::R2;
+    QTest::newRow("R1 after R1") << DeviceModel::R1;
 }
 
 void ModelChangeTest::sameModelDoesNothing()
 {
-    QFETCH(int, model);
-    panel().setDeviceModel(static_cast<DeviceModel>(model));
+    QFETCH(DeviceModel, model);
+    panel().setDeviceModel(model);
     fillRunState(panel());
     fillKeptState(panel());
-    const QStringList before = panelState(panel());
-    const QPointer<QMovie> movie = panel().m_tipMovie;
+    const QStringList before = panel().state();
+    const QPointer<QMovie> movie = panel().movie();
     QSignalSpy otgConnected(&panel(), &FirmwareUpgradeWidget::r2otgConnected);
     m_stage->log.clear();
 
-    panel().setDeviceModel(static_cast<DeviceModel>(model));
+    panel().setDeviceModel(model);
     QCOMPARE(m_stage->log.lines(), QStringList());
-    QCOMPARE(panelState(panel()), before);
-    QCOMPARE(panel().m_tipMovie, movie);
+    QCOMPARE(panel().state(), before);
+    QCOMPARE(panel().movie(), movie);
     Q_EMIT panel().r2otgConnected();
     QCOMPARE(otgConnected.count(), 1);
 }
 
 void ModelChangeTest::logNamesTheModel_data()
 {
-    QTest::addColumn<int>("from");
-    QTest::addColumn<int>("to");
+    QTest::addColumn<DeviceModel>("from");
+    QTest::addColumn<DeviceModel>("to");
     QTest::addColumn<QString>("line");
-    QTest::newRow("R2 to R1") << 1 << 0 << u"setDeviceModel:R1"_s;
-    QTest::newRow("R1 to R2") << 0 << 1 << u"setDeviceModel:R2"_s;
-    QTest::newRow("R1 to 2, served as R2") << 0 << 2 << u"setDeviceModel:R2"_s;
+    QTest::newRow("R2 to R1") << DeviceModel::R2 << DeviceModel::R1 << u"setDeviceModel:R1"_s;
+    QTest::newRow("R1 to R2") << DeviceModel::R1 << DeviceModel::R2 << u"setDeviceModel:R2"_s;
+    QTest::newRow("R1 to 2, served as R2") << DeviceModel::R1 << DeviceModel(2) << u"setDeviceModel:R2"_s;
 }
 
 void ModelChangeTest::logNamesTheModel()
 {
-    QFETCH(int, from);
-    QFETCH(int, to);
-    panel().m_deviceModel = static_cast<DeviceModel>(from);
+    QFETCH(DeviceModel, from);
+    QFETCH(DeviceModel, to);
+    panel().pretendModel(from);
     m_stage->log.clear();
 
-    panel().setDeviceModel(static_cast<DeviceModel>(to));
+    panel().setDeviceModel(to);
     QTEST(m_stage->log.lines().value(0), "line");
-    QCOMPARE(int(panel().m_deviceModel), to);
+    QCOMPARE(panel().model(), to);
 }
 
 void ModelChangeTest::idlePanelForgetsTheDevice()
 {
-    const QStringList fresh = panelState(panel());
+    const QStringList fresh = panel().state();
     fillRunState(panel());
 
     panel().setDeviceModel(DeviceModel::R1);
-    QCOMPARE(changedState(fresh, panelState(panel())), QStringList(u"m_deviceModel=0"_s));
-    QVERIFY(panel().m_lastProgressTime.isNull());
+    QCOMPARE(changedState(fresh, panel().state()), QStringList(u"m_deviceModel=0"_s));
+    QVERIFY(panel().lastPercentSince().isNull());
 }
 
 void ModelChangeTest::idlePanelKeepsTheRest()
 {
     fillKeptState(panel());
-    const QStringList before = panelState(panel());
+    const QStringList before = panel().state();
 
     panel().setDeviceModel(DeviceModel::R1);
-    QCOMPARE(changedState(before, panelState(panel())), QStringList(u"m_deviceModel=0"_s));
+    QCOMPARE(changedState(before, panel().state()), QStringList(u"m_deviceModel=0"_s));
 }
 
 void ModelChangeTest::duringAnUpgradeOnlyTheModelChanges()
@@ -199,11 +183,11 @@ void ModelChangeTest::duringAnUpgradeOnlyTheModelChanges()
     openR2();
     fillRunState(panel());
     fillKeptState(panel());
-    panel().m_isUpgrading = true;
-    const QStringList before = panelState(panel());
-    const QPointer<QMovie> movie = panel().m_tipMovie;
+    panel().pretendUpgrading(true);
+    const QStringList before = panel().state();
+    const QPointer<QMovie> movie = panel().movie();
     movie->start();
-    const QString hint = panel().m_connectHintLb->text();
+    const QString hint = panel().cableHint()->text();
     const qsizetype timers = panel().findChildren<QTimer *>().size();
     QSignalSpy otgConnected(&panel(), &FirmwareUpgradeWidget::r2otgConnected);
     m_stage->log.clear();
@@ -211,75 +195,73 @@ void ModelChangeTest::duringAnUpgradeOnlyTheModelChanges()
     panel().setDeviceModel(DeviceModel::R1);
     QCOMPARE(m_stage->log.lines(),
              QStringList({u"setDeviceModel:R1"_s, u"[setDeviceModel] 升级进行中，跳过UI更新"_s}));
-    QCOMPARE(changedState(before, panelState(panel())), QStringList(u"m_deviceModel=0"_s));
-    QCOMPARE(panel().m_tipMovie, movie);
+    QCOMPARE(changedState(before, panel().state()), QStringList(u"m_deviceModel=0"_s));
+    QCOMPARE(panel().movie(), movie);
     QCOMPARE(movie->state(), QMovie::Running);
-    QCOMPARE(panel().m_connectHintLb->text(), hint);
+    QCOMPARE(panel().cableHint()->text(), hint);
     QCOMPARE(panel().findChildren<QTimer *>().size(), timers); // nothing is armed
-    QVERIFY(panel().m_hidManager->getConnected());
+    QVERIFY(panel().isDeviceOpen());
     Q_EMIT panel().r2otgConnected();
     QCOMPARE(otgConnected.count(), 1);
 }
 
 void ModelChangeTest::hintFollowsTheModel_data()
 {
-    QTest::addColumn<int>("model");
-    QTest::addColumn<int>("language");
+    QTest::addColumn<DeviceModel>("model");
+    QTest::addColumn<Language>("language");
     QTest::addColumn<QString>("movie");
     QTest::addColumn<QString>("hint");
     const QString r1Movie = u":/new/prefix1/image/pc.gif"_s;
     const QString r2Movie = u":/new/prefix1/image/dc5v_pc.gif"_s;
-    QTest::newRow("R1, Chinese") << 0 << 0 << r1Movie
+    QTest::newRow("R1, Chinese") << DeviceModel::R1 << Language::Chinese << r1Movie
                                  << u"请使用USB线连接图示USB口和电脑，\n接入后自动完成升级。"_s;
-    QTest::newRow("R2, Chinese") << 1 << 0 << r2Movie
+    QTest::newRow("R2, Chinese") << DeviceModel::R2 << Language::Chinese << r2Movie
                                  << u"请使用配件附带USB线接入图示DC-5V和USB-C口，\n开始固件升级。"_s;
     QTest::newRow("R1, English")
-        << 0 << 1 << r1Movie
+        << DeviceModel::R1 << Language::English << r1Movie
         << u"Please use a USB cable to connect the illustrated \nUSB port to the computer. "
            "The upgrade will be\n completed automatically upon connection."_s;
     QTest::newRow("R2, English")
-        << 1 << 1 << r2Movie
+        << DeviceModel::R2 << Language::English << r2Movie
         << u"To start the firmware update, use the provided USB\n cables to connect the "
            "DC-5V and USB-C ports as\nshown."_s;
 }
 
 void ModelChangeTest::hintFollowsTheModel()
 {
-    QFETCH(int, model);
-    QFETCH(int, language);
-    QuillonFirmwareUpgrade::setLanguage(static_cast<Language>(language));
-    panel().m_deviceModel = static_cast<DeviceModel>(1 - model);
+    QFETCH(DeviceModel, model);
+    QFETCH(Language, language);
+    QuillonFirmwareUpgrade::setLanguage(language);
+    panel().pretendModel(model == DeviceModel::R1 ? DeviceModel::R2 : DeviceModel::R1);
 
-    panel().setDeviceModel(static_cast<DeviceModel>(model));
+    panel().setDeviceModel(model);
     QTEST(movieFile(panel()), "movie");
-    QTEST(panel().m_connectHintLb->text(), "hint");
-    QCOMPARE(panel().tipMoiveLb->movie(), panel().m_tipMovie);
-    QCOMPARE(panel().m_tipMovie->parent(), panel().tipMoiveLb);
+    QTEST(panel().cableHint()->text(), "hint");
+    QCOMPARE(panel().animation()->movie(), panel().movie());
+    QCOMPARE(panel().movie()->parent(), panel().animation());
 }
 
 void ModelChangeTest::formerMovieStopsAndStays()
 {
-    const QPointer<QMovie> former = panel().m_tipMovie;
+    const QPointer<QMovie> former = panel().movie();
     former->start();
 
     panel().setDeviceModel(DeviceModel::R1);
-    QVERIFY(panel().m_tipMovie != former);
+    QVERIFY(panel().movie() != former);
     QVERIFY(former);
     QCOMPARE(former->state(), QMovie::NotRunning);
-    QCOMPARE(panel().m_tipMovie->state(), QMovie::NotRunning);
+    QCOMPARE(panel().movie()->state(), QMovie::NotRunning);
 }
 
 void ModelChangeTest::missingHintWidgetsAreNoProblem()
 {
-    delete panel().m_connectHintLb;
-    panel().m_connectHintLb = nullptr;
-    delete panel().tipMoiveLb; // takes the movie with it
-    panel().tipMoiveLb = nullptr;
-    panel().m_tipMovie = nullptr;
+    panel().lose(Part::CableHint);
+    panel().lose(Part::Animation);
+    panel().forget(Part::Movie); // it went with the animation
 
     panel().setDeviceModel(DeviceModel::R1);
-    QCOMPARE(panel().m_deviceModel, DeviceModel::R1);
-    QVERIFY(!panel().m_tipMovie);
+    QCOMPARE(panel().model(), DeviceModel::R1);
+    QVERIFY(!panel().movie());
 }
 
 void ModelChangeTest::receiversOfTheOtgSignalAreGone()
@@ -322,13 +304,13 @@ void ModelChangeTest::connectedDeviceIsKeptOrLeft()
         QCOMPARE(missingInOrder(m_stage->log.lines(), {u"setDeviceModel:R1"_s, kSkipLine, kModeQuery}),
                  QString());
         QVERIFY(!m_stage->log.contains(u"1@####"_s));
-        QVERIFY(panel().m_hidManager->getConnected());
+        QVERIFY(panel().isDeviceOpen());
     } else {
         QCOMPARE(hidLines().mid(0, 3), kReconnect);
         QVERIFY(!m_stage->log.contains(kSkipLine));
         QVERIFY(!m_stage->log.contains(kModeQuery));
         QCOMPARE(m_stage->log.lines().constLast(), u"1@####"_s);
-        QVERIFY(!panel().m_hidManager->getConnected());
+        QVERIFY(!panel().isDeviceOpen());
     }
 }
 
@@ -355,9 +337,9 @@ void ModelChangeTest::reconnectFindsABrickedDevice()
 
     panel().setDeviceModel(DeviceModel::R1);
     QCOMPARE(bricked.count(), 1);
-    QVERIFY(panel().m_isUpgrading);
+    QVERIFY(panel().isUpgrading());
     QCOMPARE(m_stage->log.lines().constLast(), u"1@####"_s);
-    panel().m_isUpgrading = false;
+    panel().pretendUpgrading(false);
 }
 
 void ModelChangeTest::withoutAConnectionTheDeviceIsOpened()
@@ -400,10 +382,10 @@ void ModelChangeTest::asksAgainTwoSecondsLaterOnlyWhenConnected()
     m_stage->log.clear();
     panel().setDeviceModel(DeviceModel::R1);
     QCOMPARE(m_stage->log.contains(kSkipLine), isKept);
-    QCOMPARE(panel().m_hidManager->getConnected(), isPresent);
+    QCOMPARE(panel().isDeviceOpen(), isPresent);
     if (!isConnectedThen) {
         PanelStage::bus().unplugAll();
-        QTRY_VERIFY_WITH_TIMEOUT(!panel().m_hidManager->getConnected(), kPatience);
+        QTRY_VERIFY_WITH_TIMEOUT(!panel().isDeviceOpen(), kPatience);
     }
     m_stage->log.clear();
 
@@ -422,7 +404,7 @@ void ModelChangeTest::everyChangeAsksAgain()
     openR2();
     panel().setDeviceModel(DeviceModel::R1);
     panel().setDeviceModel(DeviceModel::R2);
-    QVERIFY(panel().m_hidManager->getConnected());
+    QVERIFY(panel().isDeviceOpen());
 
     QTRY_COMPARE_WITH_TIMEOUT(m_stage->log.count(kLateQueryLine), 2, kPatience);
 }
@@ -443,13 +425,12 @@ void ModelChangeTest::aDeletedPanelDoesNotAskAgain()
 
 void ModelChangeTest::withoutALibraryNothingIsAsked()
 {
-    panel().m_hidManager->release();
-    panel().m_hidManager = nullptr;
+    panel().lose(Part::Library);
     fillRunState(panel());
     m_stage->log.clear();
 
     panel().setDeviceModel(DeviceModel::R1);
-    QCOMPARE(panel().m_upgradePlan, UpgradePlan::None);
+    QCOMPARE(panel().plan(), UpgradePlan::None);
     QCOMPARE(m_stage->log.lines(), QStringList(u"setDeviceModel:R1"_s));
 }
 

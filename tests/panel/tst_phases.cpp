@@ -1,5 +1,4 @@
 #include "tests/panel/PhaseStage.h"
-#include "tests/support/PanelState.h"
 #include "tests/support/TestProgram.h"
 
 #include <QLabel>
@@ -45,7 +44,7 @@ Waiting otgWaiting(DeviceModel model)
 
 Q_DECLARE_METATYPE(Waiting)
 
-class TestPhases : public QObject {
+class PhasesTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -77,7 +76,7 @@ private Q_SLOTS:
     void retryOfTheOtgHalfFlashesOtgOnly();
 };
 
-void TestPhases::logsThePhase_data()
+void PhasesTest::logsThePhase_data()
 {
     QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<QString>("line");
@@ -87,7 +86,7 @@ void TestPhases::logsThePhase_data()
     QTest::newRow("Both") << UpgradePlan::Both << u"[Upgrade] 先升 PC 再升 OTG"_s;
 }
 
-void TestPhases::logsThePhase()
+void PhasesTest::logsThePhase()
 {
     QFETCH(UpgradePlan, plan);
     QFETCH(QString, line);
@@ -100,29 +99,29 @@ void TestPhases::logsThePhase()
     QCOMPARE(stage.log.startingWith(u"[Upgrade]"_s), QStringList{line});
 }
 
-void TestPhases::noPlanChangesNothing_data()
+void PhasesTest::noPlanChangesNothing_data()
 {
     QTest::addColumn<UpgradePlan>("plan");
     QTest::newRow("None") << UpgradePlan::None;
     QTest::newRow("no plan of ours") << UpgradePlan(4);
 }
 
-void TestPhases::noPlanChangesNothing()
+void PhasesTest::noPlanChangesNothing()
 {
     QFETCH(UpgradePlan, plan);
     PhaseStage stage(plan);
-    FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.m_otgFirmwareDownloaded = true;
+    OpenPanel &panel = *stage.panel;
+    panel.pretendImage(Chip::Otg, true);
     const QStringList screen = Screen::everything(panel);
-    const QStringList state = panelState(panel);
+    const QStringList state = panel.state();
     stage.finishDownloads();
     QCOMPARE(Screen::everything(panel), screen);
-    QCOMPARE(panelState(panel), state);
+    QCOMPARE(panel.state(), state);
     QCOMPARE(stage.receiversOfOtgConnected(), 0);
     QCOMPARE(stage.log.startingWith(u"[ConnectingR2]"_s), QStringList());
 }
 
-void TestPhases::showsTheWaitingScreen_data()
+void PhasesTest::showsTheWaitingScreen_data()
 {
     QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<DeviceModel>("model");
@@ -137,35 +136,35 @@ void TestPhases::showsTheWaitingScreen_data()
     }
 }
 
-void TestPhases::showsTheWaitingScreen()
+void PhasesTest::showsTheWaitingScreen()
 {
     QFETCH(UpgradePlan, plan);
     QFETCH(DeviceModel, model);
     QFETCH(Waiting, waiting);
     PhaseStage stage(plan, model);
-    FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.m_isWaitingForUSB = false;
-    panel.m_detectingUsbLb->setText(kFormer);
-    panel.m_connectHintLb->setText(kFormer);
-    panel.m_progressBar->setBackgroundColor(Qt::red);
-    panel.m_upgradingLb->setText(kFormer);
+    OpenPanel &panel = *stage.panel;
+    panel.pretendWaitingForCable(false);
+    panel.detectingText()->setText(kFormer);
+    panel.cableHint()->setText(kFormer);
+    panel.bar()->setBackgroundColor(Qt::red);
+    panel.waitingText()->setText(kFormer);
     stage.finishDownloads();
-    QCOMPARE(panel.m_tipMovie->fileName(), waiting.movie);
-    QCOMPARE(panel.m_tipMovie->state(), QMovie::Running);
-    QCOMPARE(panel.m_tipMovie->parent(), panel.tipMoiveLb);
-    QCOMPARE(panel.tipMoiveLb->movie(), panel.m_tipMovie);
+    QCOMPARE(panel.movie()->fileName(), waiting.movie);
+    QCOMPARE(panel.movie()->state(), QMovie::Running);
+    QCOMPARE(panel.movie()->parent(), panel.animation());
+    QCOMPARE(panel.animation()->movie(), panel.movie());
     if (!waiting.hint.isEmpty()) {
-        QCOMPARE(panel.m_detectingUsbLb->text(), waiting.detecting);
-        QCOMPARE(panel.m_connectHintLb->text(), waiting.hint);
+        QCOMPARE(panel.detectingText()->text(), waiting.detecting);
+        QCOMPARE(panel.cableHint()->text(), waiting.hint);
     }
-    QCOMPARE(panel.m_progressBar->m_backgroundColor, QColor(48, 49, 60, 255));
-    QVERIFY(panel.m_isWaitingForUSB);
-    QCOMPARE(panel.m_upgradingLb->text(), u"待USB线接入图示口..."_s);
-    QCOMPARE(panel.m_upgradingLb->geometry(), QRect(140, 13, 159, 21));
-    QCOMPARE(panel.m_waitingIconLb->geometry(), QRect(108, 12, 24, 24));
+    QCOMPARE(panel.barBackground(), QColor(48, 49, 60, 255));
+    QVERIFY(panel.isWaitingForCable());
+    QCOMPARE(panel.waitingText()->text(), u"待USB线接入图示口..."_s);
+    QCOMPARE(panel.waitingText()->geometry(), QRect(140, 13, 159, 21));
+    QCOMPARE(panel.waitingIcon()->geometry(), QRect(108, 12, 24, 24));
 }
 
-void TestPhases::waitingScreenChangesInOrder_data()
+void PhasesTest::waitingScreenChangesInOrder_data()
 {
     QTest::addColumn<UpgradePlan>("plan");
     QTest::newRow("PcOnly") << UpgradePlan::PcOnly;
@@ -173,7 +172,7 @@ void TestPhases::waitingScreenChangesInOrder_data()
     QTest::newRow("Both") << UpgradePlan::Both;
 }
 
-void TestPhases::waitingScreenChangesInOrder()
+void PhasesTest::waitingScreenChangesInOrder()
 {
     QFETCH(UpgradePlan, plan);
     PhaseStage stage(plan);
@@ -190,36 +189,36 @@ void TestPhases::waitingScreenChangesInOrder()
                      u"-m_rocketLb"_s, u"-m_upgradeTextLb"_s, u"+m_waitingIconLb"_s, u"+m_upgradingLb"_s}));
 }
 
-void TestPhases::waitingScreenFollowsTheLanguage()
+void PhasesTest::waitingScreenFollowsTheLanguage()
 {
     PhaseStage stage(UpgradePlan::OtgOnly);
     QuillonFirmwareUpgrade::setLanguage(Language::English);
     stage.finishDownloads();
-    QCOMPARE(stage.panel->m_detectingUsbLb->text(), u"Detecting OTG connection..."_s);
+    QCOMPARE(stage.panel->detectingText()->text(), u"Detecting OTG connection..."_s);
     QCOMPARE(
-        stage.panel->m_connectHintLb->text(),
+        stage.panel->cableHint()->text(),
         u"To continue and complete the update, use the provided\nUSB cables to connect the DC-5V and OTG ports as\nshown."_s);
-    QCOMPARE(stage.panel->m_upgradingLb->text(), u"Connect to the indicated USB ports. "_s);
-    QCOMPARE(stage.panel->m_upgradingLb->geometry(), QRect(83, 13, 290, 21));
+    QCOMPARE(stage.panel->waitingText()->text(), u"Connect to the indicated USB ports. "_s);
+    QCOMPARE(stage.panel->waitingText()->geometry(), QRect(83, 13, 290, 21));
 }
 
-void TestPhases::waitingScreenReplacesTheAnimation()
+void PhasesTest::waitingScreenReplacesTheAnimation()
 {
     PhaseStage stage(UpgradePlan::PcOnly);
-    const QMovie *former = stage.panel->m_tipMovie;
+    const QMovie *former = stage.panel->movie();
     stage.finishDownloads();
-    QVERIFY(stage.panel->m_tipMovie != former);
+    QVERIFY(stage.panel->movie() != former);
 }
 
-void TestPhases::pcOnlyStartsAtZero()
+void PhasesTest::pcOnlyStartsAtZero()
 {
     PhaseStage stage(UpgradePlan::PcOnly);
-    stage.panel->m_progressBar->setValue(42);
+    stage.panel->bar()->setValue(42);
     stage.finishDownloads();
-    QCOMPARE(stage.panel->m_progressBar->value(), 0);
+    QCOMPARE(stage.panel->bar()->value(), 0);
 }
 
-void TestPhases::waitsForTheOtgInterface_data()
+void PhasesTest::waitsForTheOtgInterface_data()
 {
     QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<int>("receivers");
@@ -229,7 +228,7 @@ void TestPhases::waitsForTheOtgInterface_data()
     QTest::newRow("Both") << UpgradePlan::Both << 1 << 1;
 }
 
-void TestPhases::waitsForTheOtgInterface()
+void PhasesTest::waitsForTheOtgInterface()
 {
     QFETCH(UpgradePlan, plan);
     QFETCH(int, receivers);
@@ -242,7 +241,7 @@ void TestPhases::waitsForTheOtgInterface()
     QCOMPARE(stage.toolStarts(), QStringList());
 }
 
-void TestPhases::bothForgetsFormerReceivers()
+void PhasesTest::bothForgetsFormerReceivers()
 {
     PhaseStage stage(UpgradePlan::Both);
     const QSignalSpy host(stage.panel.get(), &FirmwareUpgradeWidget::r2otgConnected);
@@ -251,7 +250,7 @@ void TestPhases::bothForgetsFormerReceivers()
     QCOMPARE(host.size(), 0);
 }
 
-void TestPhases::otgOnlyKeepsFormerReceivers()
+void PhasesTest::otgOnlyKeepsFormerReceivers()
 {
     PhaseStage stage(UpgradePlan::OtgOnly);
     const QSignalSpy host(stage.panel.get(), &FirmwareUpgradeWidget::r2otgConnected);
@@ -263,12 +262,12 @@ void TestPhases::otgOnlyKeepsFormerReceivers()
     QCOMPARE(host.size(), 1);
 }
 
-void TestPhases::otgOnlyStartsAtOnceWhenTheInterfaceIsThere()
+void PhasesTest::otgOnlyStartsAtOnceWhenTheInterfaceIsThere()
 {
     PhaseStage stage(UpgradePlan::OtgOnly);
     PanelStage::bus().plug(0x001F);
-    QTRY_COMPARE(stage.panel->lastDetectedOtgPid, 0x1F);
-    stage.panel->lastDetectedOtgPid = 0;
+    QTRY_COMPARE(stage.panel->lastSeenId(Chip::Otg), 0x1F);
+    stage.panel->pretendLastSeenId(Chip::Otg, 0);
     stage.finishDownloads();
     QTRY_COMPARE(stage.toolStarts(), QStringList{ToolStarts::kR2OtgNormal});
     const QStringList lines = stage.log.lines();
@@ -277,16 +276,16 @@ void TestPhases::otgOnlyStartsAtOnceWhenTheInterfaceIsThere()
     QCOMPARE(stage.receiversOfOtgConnected(), 0);
 }
 
-void TestPhases::otgOnlyStartsOnlyAfterTheScanHasReturned()
+void PhasesTest::otgOnlyStartsOnlyAfterTheScanHasReturned()
 {
     PhaseStage stage(UpgradePlan::OtgOnly);
     stage.finishDownloads();
-    stage.panel->ConnectingR2({ScriptedBus::pathFor(0x001F)}, {0x001F});
+    stage.panel->seeDevices({ScriptedBus::pathFor(0x001F)}, {0x001F});
     QVERIFY(!stage.log.contains(kImmediateStart));
     QTRY_VERIFY(stage.log.contains(kImmediateStart));
 }
 
-void TestPhases::otgOnlyStartsWhenTheInterfaceComes()
+void PhasesTest::otgOnlyStartsWhenTheInterfaceComes()
 {
     PhaseStage stage(UpgradePlan::OtgOnly);
     stage.finishDownloads();
@@ -295,32 +294,32 @@ void TestPhases::otgOnlyStartsWhenTheInterfaceComes()
     QTRY_COMPARE(stage.toolStarts(), QStringList{ToolStarts::kR2OtgBootLoader});
 }
 
-void TestPhases::otgOnlyShowsCardAndNotesWhenItStarts()
+void PhasesTest::otgOnlyShowsCardAndNotesWhenItStarts()
 {
     PhaseStage stage(UpgradePlan::OtgOnly);
-    FirmwareUpgradeWidget &panel = *stage.panel;
+    OpenPanel &panel = *stage.panel;
     stage.finishDownloads();
     const VisibilityRecorder recorder(panel);
     Q_EMIT panel.r2otgConnected();
     QTRY_VERIFY(!stage.toolStarts().isEmpty());
-    QCOMPARE(panel.m_tipMovie->state(), QMovie::NotRunning);
+    QCOMPARE(panel.movie()->state(), QMovie::NotRunning);
     QCOMPARE(
         recorder.changes,
         (QStringList{u"-tipMoiveLb"_s, u"-m_detectingUsbLb"_s, u"-m_connectHintLb"_s, u"+verCompLb"_s,
                      u"+m_notesEdit"_s, u"+m_notesIconLb"_s, u"+m_notesTitleLb"_s, u"+m_notesLineLb"_s}));
 }
 
-void TestPhases::otgOnlyStartsWhateverTheFlagsSay()
+void PhasesTest::otgOnlyStartsWhateverTheFlagsSay()
 {
     PhaseStage stage(UpgradePlan::OtgOnly);
     stage.finishDownloads();
-    stage.panel->m_isUpgrading = false;
-    stage.panel->m_upgradePlan = UpgradePlan::None;
+    stage.panel->pretendUpgrading(false);
+    stage.panel->pretendPlan(UpgradePlan::None);
     Q_EMIT stage.panel->r2otgConnected();
     QTRY_COMPARE(stage.toolStarts().size(), 1);
 }
 
-void TestPhases::choosesTheOtgProductId_data()
+void PhasesTest::choosesTheOtgProductId_data()
 {
     QTest::addColumn<DeviceModel>("model");
     QTest::addColumn<int>("seen");
@@ -333,7 +332,7 @@ void TestPhases::choosesTheOtgProductId_data()
     QTest::newRow("R2, whatever was seen") << DeviceModel::R2 << 0x12 << false << ToolStarts::kR1Otg;
 }
 
-void TestPhases::choosesTheOtgProductId()
+void PhasesTest::choosesTheOtgProductId()
 {
     QFETCH(DeviceModel, model);
     QFETCH(int, seen);
@@ -341,13 +340,13 @@ void TestPhases::choosesTheOtgProductId()
     QFETCH(QString, start);
     PhaseStage stage(UpgradePlan::OtgOnly, model);
     stage.finishDownloads();
-    stage.panel->lastDetectedOtgPid = seen;
-    stage.panel->m_autoRecoverRunning = recovering;
+    stage.panel->pretendLastSeenId(Chip::Otg, seen);
+    stage.panel->pretendRecovering(recovering);
     Q_EMIT stage.panel->r2otgConnected();
     QTRY_COMPARE(stage.toolStarts(), QStringList{start});
 }
 
-void TestPhases::startsOncePerPhase_data()
+void PhasesTest::startsOncePerPhase_data()
 {
     QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<QString>("line");
@@ -356,53 +355,53 @@ void TestPhases::startsOncePerPhase_data()
 }
 
 /// Discovery may see the interface several times before the event loop turns.
-void TestPhases::startsOncePerPhase()
+void PhasesTest::startsOncePerPhase()
 {
     QFETCH(UpgradePlan, plan);
     QFETCH(QString, line);
     PhaseStage stage(plan);
     stage.finishDownloads();
-    stage.panel->pcUpgradeCompleted = true;
+    stage.panel->pretendPcDone(true);
     const QStringList interface {
         ScriptedBus::pathFor(0x001F)
     };
-    stage.panel->ConnectingR2(interface, {0x001F});
-    stage.panel->ConnectingR2(interface, {0x001F});
+    stage.panel->seeDevices(interface, {0x001F});
+    stage.panel->seeDevices(interface, {0x001F});
     Q_EMIT stage.panel->r2otgConnected();
     QTRY_VERIFY(stage.log.contains(line));
-    stage.panel->ConnectingR2(interface, {0x001F});
+    stage.panel->seeDevices(interface, {0x001F});
     QCoreApplication::processEvents();
     QCOMPARE(stage.log.count(line), 1);
     QCOMPARE(stage.toolStarts().size(), plan == UpgradePlan::OtgOnly ? 1 : 0);
 }
 
-void TestPhases::bothDoesNotStartOtgBeforePcIsDone()
+void PhasesTest::bothDoesNotStartOtgBeforePcIsDone()
 {
     PhaseStage stage(UpgradePlan::Both);
     PanelStage::bus().plug(0x001F);
     stage.finishDownloads();
-    QTRY_COMPARE(stage.panel->lastDetectedOtgPid, 0x1F);
+    QTRY_COMPARE(stage.panel->lastSeenId(Chip::Otg), 0x1F);
     QVERIFY(stage.log.contains(u"find r2 otg device, but not ready for OTG upgrade yet"_s));
     QCoreApplication::processEvents();
     QVERIFY(!stage.log.contains(kOtgReady));
     QCOMPARE(stage.receiversOfOtgConnected(), 1);
 }
 
-void TestPhases::retryOfTheOtgHalfFlashesOtgOnly()
+void PhasesTest::retryOfTheOtgHalfFlashesOtgOnly()
 {
     PhaseStage stage(UpgradePlan::Both);
-    FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.pcUpgradeCompleted = true;
-    panel.showUpgradeFailureUI();
-    QCOMPARE(panel.m_upgradePlan, UpgradePlan::OtgOnly);
+    OpenPanel &panel = *stage.panel;
+    panel.pretendPcDone(true);
+    panel.fail();
+    QCOMPARE(panel.plan(), UpgradePlan::OtgOnly);
     PanelStage::bus().plug(0x001F);
     stage.click();
     QTRY_COMPARE(stage.toolStarts(), QStringList{ToolStarts::kR2OtgNormal});
     QCOMPARE(stage.server.paths(), (QStringList{ServerPaths::kR2PcImage, ServerPaths::kR2OtgImage}));
-    QCOMPARE(contentOf(panel.m_pcFirmwarePath), QByteArray(kPcImage));
-    QCOMPARE(contentOf(panel.m_otgFirmwarePath), QByteArray(kOtgImage));
-    QCOMPARE(panel.m_upgradePlan, UpgradePlan::OtgOnly);
+    QCOMPARE(contentOf(panel.imagePath(Chip::Pc)), QByteArray(kPcImage));
+    QCOMPARE(contentOf(panel.imagePath(Chip::Otg)), QByteArray(kOtgImage));
+    QCOMPARE(panel.plan(), UpgradePlan::OtgOnly);
 }
 
-QUILLON_TEST(TestPhases)
+QUILLON_TEST(PhasesTest)
 #include "tst_phases.moc"

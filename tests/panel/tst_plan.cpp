@@ -1,6 +1,5 @@
 // From four versions to a plan and its announcement, and the device that is too old for it.
-#include "tests/panel/PanelStage.h"
-#include "tests/support/PanelState.h"
+#include "tests/panel/PanelTest.h"
 #include "tests/support/TestProgram.h"
 #include "widgets/ClickableProgressBar.h"
 
@@ -14,36 +13,17 @@ const QString kTooOldLine = u"[VersionCheck] firmware too old, upgrade blocked. 
 constexpr QColor kFailureRed{248, 74, 75};
 } // namespace
 
-class PlanTest : public QObject {
+class PlanTest : public PanelTest {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
-
     void decision_data();
     void decision();
     void decisionIsNotStored();
 
     void tooOldIsBlocked_data();
     void tooOldIsBlocked();
-
-private:
-    FirmwareUpgradeWidget &panel() { return *m_stage->panel; }
-
-    std::unique_ptr<PanelStage> m_stage;
 };
-
-void PlanTest::init()
-{
-    m_stage = std::make_unique<PanelStage>();
-    m_stage->log.clear();
-}
-
-void PlanTest::cleanup()
-{
-    m_stage.reset();
-}
 
 void PlanTest::decision_data()
 {
@@ -102,10 +82,10 @@ void PlanTest::decision()
     QFETCH(QString, remoteOtg);
     QFETCH(UpgradePlan, plan);
     QFETCH(QString, shown);
-    setVersions(panel(), devicePc, remotePc, deviceOtg, remoteOtg);
+    panel().pretendVersions(devicePc, remotePc, deviceOtg, remoteOtg);
     QSignalSpy announced(&panel(), &FirmwareUpgradeWidget::upgradeDisplayMsg);
 
-    QCOMPARE(panel().decideUpgradePlan(), plan);
+    QCOMPARE(panel().decidePlan(), plan);
     QCOMPARE(announced.count(), 1);
     QCOMPARE(announced.at(0).at(0).toString(), shown);
     QCOMPARE(announced.at(0).at(1).toBool(), plan != UpgradePlan::None);
@@ -113,11 +93,11 @@ void PlanTest::decision()
 
 void PlanTest::decisionIsNotStored()
 {
-    setVersions(panel(), u"1.2.0"_s, u"1.3.0"_s, u"1.2.0"_s, u"1.3.0"_s);
-    const QStringList before = panelState(panel());
+    panel().pretendVersions(u"1.2.0"_s, u"1.3.0"_s, u"1.2.0"_s, u"1.3.0"_s);
+    const QStringList before = panel().state();
 
-    QCOMPARE(panel().decideUpgradePlan(), UpgradePlan::Both);
-    QCOMPARE(panelState(panel()), before);
+    QCOMPARE(panel().decidePlan(), UpgradePlan::Both);
+    QCOMPARE(panel().state(), before);
 }
 
 void PlanTest::tooOldIsBlocked_data()
@@ -154,14 +134,14 @@ void PlanTest::tooOldIsBlocked()
     QFETCH(UpgradePlan, plan);
     QFETCH(bool, isRecovering);
     QFETCH(bool, isBlocked);
-    setVersions(panel(), devicePc, u"1.3.0"_s, deviceOtg, u"1.3.0"_s);
-    panel().m_upgradePlan = plan;
-    panel().m_autoRecoverRunning = isRecovering;
+    panel().pretendVersions(devicePc, u"1.3.0"_s, deviceOtg, u"1.3.0"_s);
+    panel().pretendPlan(plan);
+    panel().pretendRecovering(isRecovering);
 
-    panel().updateUIByUpgradeState();
+    panel().updateScreen();
     QCOMPARE(m_stage->log.count(kTooOldLine.arg(devicePc, deviceOtg)), isBlocked ? 1 : 0);
-    QCOMPARE(panel().m_progressBar->isClickable(), !isBlocked);
-    QCOMPARE(panel().m_progressBar->m_backgroundColor == kFailureRed, isBlocked);
+    QCOMPARE(panel().bar()->isClickable(), !isBlocked);
+    QCOMPARE(panel().barBackground() == kFailureRed, isBlocked);
 }
 
 QUILLON_TEST(PlanTest)

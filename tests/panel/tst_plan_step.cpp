@@ -1,7 +1,6 @@
 // When the versions that came in may change the plan, and what the user sees of it.
-#include "tests/panel/PanelStage.h"
+#include "tests/panel/PanelTest.h"
 #include "tests/support/DeviceReplies.h"
-#include "tests/support/PanelState.h"
 #include "tests/support/TestProgram.h"
 
 #include <QLabel>
@@ -18,13 +17,10 @@ const QString kWaitingLine = u"[VersionRead] 升级后等待期，跳过UI刷新
 const QString kKeptLine = u"[Upgrade] 升级进行中，保持当前升级计划: %1 PC版本:%2 OTG版本:%3"_s;
 } // namespace
 
-class PlanStepTest : public QObject {
+class PlanStepTest : public PanelTest {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
-
     void planStepNeedsItsVersions_data();
     void planStepNeedsItsVersions();
     void idlePanelTakesThePlan_data();
@@ -39,22 +35,8 @@ private slots:
     void nextReadAfterTheWaitIsLoud();
 
 private:
-    FirmwareUpgradeWidget &panel() { return *m_stage->panel; }
-    QString shownNumber() const { return m_stage->panel->m_newVerLb->text(); }
-
-    std::unique_ptr<PanelStage> m_stage;
+    QString shownNumber() const { return m_stage->panel->newVersion()->text(); }
 };
-
-void PlanStepTest::init()
-{
-    m_stage = std::make_unique<PanelStage>();
-    m_stage->log.clear();
-}
-
-void PlanStepTest::cleanup()
-{
-    m_stage.reset();
-}
 
 void PlanStepTest::planStepNeedsItsVersions_data()
 {
@@ -85,13 +67,13 @@ void PlanStepTest::planStepNeedsItsVersions()
 {
     QFETCH(QStringList, versions);
     QFETCH(bool, isTaken);
-    setVersions(panel(), versions.at(0), versions.at(1), versions.at(2), versions.at(3));
-    panel().m_upgradePlan = static_cast<UpgradePlan>(42); // of an earlier read, and recognisable
+    panel().pretendVersions(versions.at(0), versions.at(1), versions.at(2), versions.at(3));
+    panel().pretendPlan(static_cast<UpgradePlan>(42)); // of an earlier read, and recognisable
     QSignalSpy announced(&panel(), &FirmwareUpgradeWidget::upgradeDisplayMsg);
 
-    panel().onReceiveHIDdata(kOtherReply);
+    panel().receive(kOtherReply);
     QCOMPARE(announced.count(), isTaken ? 1 : 0);
-    QCOMPARE(int(panel().m_upgradePlan) != 42, isTaken);
+    QCOMPARE(int(panel().plan()) != 42, isTaken);
 }
 
 void PlanStepTest::idlePanelTakesThePlan_data()
@@ -114,19 +96,19 @@ void PlanStepTest::idlePanelTakesThePlan()
     QFETCH(QString, devicePc);
     QFETCH(QString, deviceOtg);
     QFETCH(QString, line);
-    setVersions(panel(), devicePc, u"1.3.0"_s, deviceOtg, u"1.3.0"_s);
+    panel().pretendVersions(devicePc, u"1.3.0"_s, deviceOtg, u"1.3.0"_s);
 
-    panel().onReceiveHIDdata(kOtherReply);
-    QTEST(panel().m_upgradePlan, "plan");
+    panel().receive(kOtherReply);
+    QTEST(panel().plan(), "plan");
     QCOMPARE(m_stage->log.startingWith(u"[Upgrade]"_s), QStringList(line));
     QCOMPARE(shownNumber(), u"V1.3.0"_s); // the screen is refreshed
 }
 
 void PlanStepTest::screenIsRefreshedBeforeThePlanIsLogged()
 {
-    setVersions(panel(), u"1.2.0"_s, u"1.3.0"_s, u"1.3.0"_s, u"1.3.0"_s);
+    panel().pretendVersions(u"1.2.0"_s, u"1.3.0"_s, u"1.3.0"_s, u"1.3.0"_s);
 
-    panel().onReceiveHIDdata(kOtherReply);
+    panel().receive(kOtherReply);
     const QString notesLine = m_stage->log.startingWith(u"######22222 isChinese is: "_s).value(0);
     QVERIFY(!notesLine.isEmpty());
     QCOMPARE(m_stage->log.lines().constLast(), u"[Upgrade] 需要升级 PC 固件。device=1.2.0remote=1.3.0"_s);
@@ -134,28 +116,28 @@ void PlanStepTest::screenIsRefreshedBeforeThePlanIsLogged()
 
 void PlanStepTest::runningUpgradeKeepsThePlan_data()
 {
-    QTest::addColumn<int>("plan");
+    QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<QString>("name");
-    QTest::newRow("None reads OtgOnly") << 0 << u"OtgOnly"_s;
-    QTest::newRow("PcOnly") << 1 << u"PcOnly"_s;
-    QTest::newRow("OtgOnly") << 2 << u"OtgOnly"_s;
-    QTest::newRow("Both") << 3 << u"Both"_s;
+    QTest::newRow("None reads OtgOnly") << UpgradePlan::None << u"OtgOnly"_s;
+    QTest::newRow("PcOnly") << UpgradePlan::PcOnly << u"PcOnly"_s;
+    QTest::newRow("OtgOnly") << UpgradePlan::OtgOnly << u"OtgOnly"_s;
+    QTest::newRow("Both") << UpgradePlan::Both << u"Both"_s;
 }
 
 void PlanStepTest::runningUpgradeKeepsThePlan()
 {
-    QFETCH(int, plan);
+    QFETCH(UpgradePlan, plan);
     QFETCH(QString, name);
-    setVersions(panel(), u"1.2.0"_s, u"1.3.0"_s, u"1.2.4"_s, u"1.2.4"_s);
-    panel().m_isUpgrading = true;
-    panel().m_upgradePlan = static_cast<UpgradePlan>(plan);
-    const QStringList before = panelState(panel());
+    panel().pretendVersions(u"1.2.0"_s, u"1.3.0"_s, u"1.2.4"_s, u"1.2.4"_s);
+    panel().pretendUpgrading(true);
+    panel().pretendPlan(plan);
+    const QStringList before = panel().state();
     const QStringList screen = Screen::everything(panel());
     QSignalSpy announced(&panel(), &FirmwareUpgradeWidget::upgradeDisplayMsg);
 
-    panel().onReceiveHIDdata(kOtherReply);
+    panel().receive(kOtherReply);
     QCOMPARE(m_stage->log.lines().mid(1), QStringList(kKeptLine.arg(name, u"1.2.0"_s, u"1.2.4"_s)));
-    QCOMPARE(panelState(panel()), before);
+    QCOMPARE(panel().state(), before);
     QCOMPARE(Screen::everything(panel()), screen);
     QCOMPARE(announced.count(), 0);
 }
@@ -172,18 +154,18 @@ void PlanStepTest::waitAfterAnUpgradeIsSilent()
 {
     QFETCH(QString, devicePc);
     QFETCH(UpgradePlan, plan);
-    setVersions(panel(), devicePc, u"1.3.0"_s, u"1.2.4"_s, u"1.2.4"_s);
-    panel().m_postUpgradeWaiting = true;
-    panel().m_zeroVersionCount = 3;
-    panel().m_upgradePlan = UpgradePlan::Both;
+    panel().pretendVersions(devicePc, u"1.3.0"_s, u"1.2.4"_s, u"1.2.4"_s);
+    panel().pretendAwaitingNewVersions(true);
+    panel().pretendNotReadyReplies(3);
+    panel().pretendPlan(UpgradePlan::Both);
     const QStringList screen = Screen::everything(panel());
     QSignalSpy announced(&panel(), &FirmwareUpgradeWidget::upgradeDisplayMsg);
 
-    panel().onReceiveHIDdata(kOtherReply);
+    panel().receive(kOtherReply);
     QCOMPARE(m_stage->log.lines().mid(1), QStringList(kWaitingLine.arg(devicePc, u"1.2.4"_s)));
-    QVERIFY(!panel().m_postUpgradeWaiting);
-    QCOMPARE(panel().m_zeroVersionCount, 0);
-    QCOMPARE(panel().m_upgradePlan, plan);
+    QVERIFY(!panel().awaitsNewVersions());
+    QCOMPARE(panel().notReadyReplies(), 0);
+    QCOMPARE(panel().plan(), plan);
     QCOMPARE(announced.count(), 1);
     QCOMPARE(Screen::everything(panel()), screen);
     QCOMPARE(m_stage->server.paths(), QStringList());
@@ -191,23 +173,24 @@ void PlanStepTest::waitAfterAnUpgradeIsSilent()
 
 void PlanStepTest::waitComesBeforeARunningUpgrade()
 {
-    setVersions(panel(), u"1.3.0"_s, u"1.3.0"_s, u"1.2.4"_s, u"1.2.4"_s);
-    panel().m_postUpgradeWaiting = panel().m_isUpgrading = true;
-    panel().m_upgradePlan = UpgradePlan::Both;
+    panel().pretendVersions(u"1.3.0"_s, u"1.3.0"_s, u"1.2.4"_s, u"1.2.4"_s);
+    panel().pretendAwaitingNewVersions(true);
+    panel().pretendUpgrading(true);
+    panel().pretendPlan(UpgradePlan::Both);
 
-    panel().onReceiveHIDdata(kOtherReply);
-    QVERIFY(!panel().m_postUpgradeWaiting);
-    QCOMPARE(panel().m_upgradePlan, UpgradePlan::None);
+    panel().receive(kOtherReply);
+    QVERIFY(!panel().awaitsNewVersions());
+    QCOMPARE(panel().plan(), UpgradePlan::None);
     QCOMPARE(m_stage->log.startingWith(u"[Upgrade]"_s), QStringList());
 }
 
 void PlanStepTest::nextReadAfterTheWaitIsLoud()
 {
-    setVersions(panel(), u"1.3.0"_s, u"1.3.0"_s, u"1.2.4"_s, u"1.2.4"_s);
-    panel().m_postUpgradeWaiting = true;
-    panel().onReceiveHIDdata(kOtherReply);
+    panel().pretendVersions(u"1.3.0"_s, u"1.3.0"_s, u"1.2.4"_s, u"1.2.4"_s);
+    panel().pretendAwaitingNewVersions(true);
+    panel().receive(kOtherReply);
 
-    panel().onReceiveHIDdata(kOtherReply);
+    panel().receive(kOtherReply);
     QCOMPARE(m_stage->log.startingWith(u"[Upgrade]"_s), QStringList(u"[Upgrade] 不需要升级"_s));
     QCOMPARE(shownNumber(), u"V1.3.0"_s);
 }

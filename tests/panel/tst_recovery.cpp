@@ -1,6 +1,5 @@
 #include "tests/panel/ReadyToUpgrade.h"
 #include "tests/support/LogHook.h"
-#include "tests/support/PanelState.h"
 #include "tests/support/TestProgram.h"
 
 #include <QLabel>
@@ -25,21 +24,22 @@ struct Bricked : ReadyToUpgrade {
     {
         server.answer(model == DeviceModel::R1 ? ServerPaths::kR1PcImage : ServerPaths::kR2PcImage,
                       Server::silence());
-        panel->m_remotePcVersion.clear();
-        panel->m_remoteOtgVersion.clear();
+        panel->pretendServerVersion(Chip::Pc, {});
+        panel->pretendServerVersion(Chip::Otg, {});
     }
 
     /// As discovery does it when it sees a boot loader.
     void recover() const
     {
-        panel->m_isUpgrading = panel->m_autoRecoverRunning = true;
+        panel->pretendUpgrading(true);
+        panel->pretendRecovering(true);
         panel->startAutoRecoverUpgrade();
     }
 };
 
 } // namespace
 
-class TestRecovery : public QObject {
+class RecoveryTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -68,7 +68,7 @@ private Q_SLOTS:
     void endsWithThePanel();
 };
 
-void TestRecovery::showsThePanelFirst()
+void RecoveryTest::showsThePanelFirst()
 {
     const Bricked stage;
     stage.panel->hide();
@@ -77,7 +77,7 @@ void TestRecovery::showsThePanelFirst()
     {
         const LogHook hook(kStarted, [&](const QString &) {
             visible = stage.panel->isVisible();
-            planThen = stage.panel->m_upgradePlan;
+            planThen = stage.panel->plan();
         });
         stage.recover();
     }
@@ -87,7 +87,7 @@ void TestRecovery::showsThePanelFirst()
     QTRY_VERIFY(stage.panel->isActiveWindow());
 }
 
-void TestRecovery::plansBothWhateverTheVersionsSay_data()
+void RecoveryTest::plansBothWhateverTheVersionsSay_data()
 {
     QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<QString>("device");
@@ -97,18 +97,19 @@ void TestRecovery::plansBothWhateverTheVersionsSay_data()
     QTest::newRow("OTG planned") << UpgradePlan::OtgOnly << u"1.2.0"_s;
 }
 
-void TestRecovery::plansBothWhateverTheVersionsSay()
+void RecoveryTest::plansBothWhateverTheVersionsSay()
 {
     QFETCH(UpgradePlan, plan);
     QFETCH(QString, device);
     const Bricked stage;
-    stage.panel->m_upgradePlan = plan;
-    stage.panel->m_devicePcVersion = stage.panel->m_deviceOtgVersion = device;
+    stage.panel->pretendPlan(plan);
+    stage.panel->pretendDeviceVersion(Chip::Pc, device);
+    stage.panel->pretendDeviceVersion(Chip::Otg, device);
     stage.recover();
-    QCOMPARE(stage.panel->m_upgradePlan, UpgradePlan::Both);
+    QCOMPARE(stage.panel->plan(), UpgradePlan::Both);
 }
 
-void TestRecovery::asksForWhatItDoesNotKnow_data()
+void RecoveryTest::asksForWhatItDoesNotKnow_data()
 {
     QTest::addColumn<DeviceModel>("model");
     QTest::addColumn<QString>("pc");
@@ -127,23 +128,23 @@ void TestRecovery::asksForWhatItDoesNotKnow_data()
     QTest::newRow("both known") << DeviceModel::R2 << u"1.2.3"_s << u"1.0.4"_s << QStringList{r2Pc};
 }
 
-void TestRecovery::asksForWhatItDoesNotKnow()
+void RecoveryTest::asksForWhatItDoesNotKnow()
 {
     QFETCH(DeviceModel, model);
     QFETCH(QString, pc);
     QFETCH(QString, otg);
     QFETCH(QStringList, asked);
     const Bricked stage(model);
-    stage.panel->m_remotePcVersion = pc;
-    stage.panel->m_remoteOtgVersion = otg;
+    stage.panel->pretendServerVersion(Chip::Pc, pc);
+    stage.panel->pretendServerVersion(Chip::Otg, otg);
     stage.recover();
     const QString image = model == DeviceModel::R1 ? ServerPaths::kR1PcImage : ServerPaths::kR2PcImage;
     QTRY_COMPARE(stage.server.paths(), asked + QStringList{image});
-    QCOMPARE(stage.panel->m_remotePcVersion, u"1.2.3"_s);
-    QCOMPARE(stage.panel->m_remoteOtgVersion, u"1.0.4"_s);
+    QCOMPARE(stage.panel->serverVersion(Chip::Pc), u"1.2.3"_s);
+    QCOMPARE(stage.panel->serverVersion(Chip::Otg), u"1.0.4"_s);
 }
 
-void TestRecovery::logsThePcVersion_data()
+void RecoveryTest::logsThePcVersion_data()
 {
     QTest::addColumn<QString>("known");
     QTest::addColumn<QStringList>("lines");
@@ -153,66 +154,66 @@ void TestRecovery::logsThePcVersion_data()
     QTest::newRow("known") << u"1.2.3"_s << QStringList{kStarted};
 }
 
-void TestRecovery::logsThePcVersion()
+void RecoveryTest::logsThePcVersion()
 {
     QFETCH(QString, known);
     QFETCH(QStringList, lines);
     const Bricked stage;
-    stage.panel->m_remotePcVersion = known;
+    stage.panel->pretendServerVersion(Chip::Pc, known);
     stage.recover();
     QCOMPARE(stage.log.startingWith(u"[AutoRecover]"_s), lines);
 }
 
-void TestRecovery::goesOnWithoutAnAnswer()
+void RecoveryTest::goesOnWithoutAnAnswer()
 {
     Bricked stage;
     stage.server.answer(ServerPaths::kR2PcVersion, Server::page("no", 500));
     stage.recover();
     QVERIFY(stage.log.contains(u"[AutoRecover] fetch remote PC firmware version:104"_s));
-    QCOMPARE(stage.panel->m_remotePcVersion, u"104"_s);
+    QCOMPARE(stage.panel->serverVersion(Chip::Pc), u"104"_s);
     QTRY_COMPARE(stage.server.paths().last(), ServerPaths::kR2PcImage);
-    QVERIFY(stage.panel->m_pcFirmwarePath.endsWith(u"/R2_PC104.bin"_s));
-    QVERIFY(!stage.panel->m_inFailureRetry);
+    QVERIFY(stage.panel->imagePath(Chip::Pc).endsWith(u"/R2_PC104.bin"_s));
+    QVERIFY(!stage.panel->offersRetry());
 }
 
-void TestRecovery::paintsTheAvailableScreenOnItsWay()
+void RecoveryTest::paintsTheAvailableScreenOnItsWay()
 {
     Bricked stage;
     stage.server.answer(ServerPaths::kR2PcVersion, Server::version("1.2.3", "中文说明"));
-    stage.panel->m_progressBar->setValue(42);
+    stage.panel->bar()->setValue(42);
     stage.recover();
-    QCOMPARE(stage.panel->m_newVerLb->text(), u"V1.2.3"_s);
-    QCOMPARE(stage.panel->m_notesEdit->toPlainText(), u"中文说明"_s);
-    QVERIFY(stage.panel->m_newVerLb->isVisible());
-    QVERIFY(stage.panel->m_noNewFirmwareLb->isHidden());
-    QCOMPARE(stage.panel->m_progressBar->value(), 0);
+    QCOMPARE(stage.panel->newVersion()->text(), u"V1.2.3"_s);
+    QCOMPARE(stage.panel->notes()->toPlainText(), u"中文说明"_s);
+    QVERIFY(stage.panel->newVersion()->isVisible());
+    QVERIFY(stage.panel->noNewFirmware()->isHidden());
+    QCOMPARE(stage.panel->bar()->value(), 0);
 }
 
-void TestRecovery::startsAtOnce()
+void RecoveryTest::startsAtOnce()
 {
     const Bricked stage;
-    const FirmwareUpgradeWidget &panel = *stage.panel;
+    const OpenPanel &panel = *stage.panel;
     stage.recover();
-    QCOMPARE(panel.m_progressBar->m_backgroundColor, QColor(48, 49, 60, 255));
-    QVERIFY(panel.m_rocketLb->isHidden());
-    QVERIFY(panel.m_upgradeTextLb->isHidden());
-    QVERIFY(!panel.m_progressBar->isClickable());
-    QVERIFY(panel.m_isUpgrading);
-    QVERIFY(panel.m_autoRecoverRunning);
+    QCOMPARE(panel.barBackground(), QColor(48, 49, 60, 255));
+    QVERIFY(panel.rocket()->isHidden());
+    QVERIFY(panel.upgradeText()->isHidden());
+    QVERIFY(!panel.bar()->isClickable());
+    QVERIFY(panel.isUpgrading());
+    QVERIFY(panel.isRecovering());
     QTRY_VERIFY(stage.server.paths().contains(ServerPaths::kR2PcImage));
 }
 
-void TestRecovery::aDeviceThatIsTooOldIsRecovered()
+void RecoveryTest::aDeviceThatIsTooOldIsRecovered()
 {
     const Bricked stage;
-    stage.panel->m_devicePcVersion = u"1.0.0"_s;
+    stage.panel->pretendDeviceVersion(Chip::Pc, u"1.0.0"_s);
     stage.recover();
-    QVERIFY(stage.panel->m_tooOldLb->isHidden());
+    QVERIFY(stage.panel->tooOldText()->isHidden());
     QCOMPARE(stage.log.startingWith(u"[VersionCheck]"_s), QStringList());
     QTRY_VERIFY(stage.server.paths().contains(ServerPaths::kR2PcImage));
 }
 
-void TestRecovery::offersTheRetryAfterAFailure_data()
+void RecoveryTest::offersTheRetryAfterAFailure_data()
 {
     QTest::addColumn<Language>("language");
     QTest::addColumn<QString>("text");
@@ -224,67 +225,68 @@ void TestRecovery::offersTheRetryAfterAFailure_data()
                              << QRect(46, 13, 317, 21) << u"Segoe UI"_s;
 }
 
-void TestRecovery::offersTheRetryAfterAFailure()
+void RecoveryTest::offersTheRetryAfterAFailure()
 {
     QFETCH(Language, language);
     QFETCH(QString, text);
     QFETCH(QRect, place);
     QFETCH(QString, family);
     const Bricked stage;
-    FirmwareUpgradeWidget &panel = *stage.panel;
+    OpenPanel &panel = *stage.panel;
     QuillonFirmwareUpgrade::setLanguage(language);
-    panel.m_remotePcVersion = u"1.2.3"_s;
-    panel.m_inFailureRetry = panel.m_autoRecoverRunning = true;
-    panel.m_progressBar->setValue(42);
-    panel.m_progressBar->setClickable(false);
-    panel.m_upgradeTextLb->setGeometry(0, 0, 7, 7);
+    panel.pretendServerVersion(Chip::Pc, u"1.2.3"_s);
+    panel.pretendRetryOffer(true);
+    panel.pretendRecovering(true);
+    panel.bar()->setValue(42);
+    panel.bar()->setClickable(false);
+    panel.upgradeText()->setGeometry(0, 0, 7, 7);
     Screen::showOnly(panel, {u"m_progressBar"_s, u"m_rocketLb"_s, u"m_upgradingLb"_s, u"m_waitingIconLb"_s});
     const VisibilityRecorder recorder(panel);
     panel.startAutoRecoverUpgrade();
 
-    const ClickableProgressBar &bar = *panel.m_progressBar;
+    const ClickableProgressBar &bar = *panel.bar();
     QCOMPARE(bar.value(), 0);
-    QCOMPARE(bar.m_backgroundColor, QColor(35, 77, 75, 255));
-    QCOMPARE(bar.m_borderColor, QColor(47, 212, 179, 255));
-    QCOMPARE(bar.m_borderWidth, 2.0);
+    QCOMPARE(panel.barBackground(), QColor(35, 77, 75, 255));
+    QCOMPARE(panel.barBorder(), QColor(47, 212, 179, 255));
+    QCOMPARE(panel.barBorderWidth(), 2.0);
     QVERIFY(bar.isClickable());
-    QCOMPARE(panel.m_upgradeTextLb->text(), text);
-    QCOMPARE(panel.m_upgradeTextLb->geometry(), place);
-    QCOMPARE(panel.m_upgradeTextLb->styleSheet(), QString::fromLatin1(kRetry).arg(family));
+    QCOMPARE(panel.upgradeText()->text(), text);
+    QCOMPARE(panel.upgradeText()->geometry(), place);
+    QCOMPARE(panel.upgradeText()->styleSheet(), QString::fromLatin1(kRetry).arg(family));
     const QSet<QString> changes(recorder.changes.begin(), recorder.changes.end());
     QCOMPARE(changes,
              (QSet<QString>{u"+m_failIconLb"_s, u"+m_failTextLb"_s, u"-m_rocketLb"_s, u"-m_upgradingLb"_s,
                             u"-m_waitingIconLb"_s, u"+m_upgradeTextLb"_s}));
-    QCOMPARE(panel.m_upgradePlan, UpgradePlan::Both);
+    QCOMPARE(panel.plan(), UpgradePlan::Both);
 }
 
-void TestRecovery::theRetryWaitsForTheClick()
+void RecoveryTest::theRetryWaitsForTheClick()
 {
     Bricked stage;
-    FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.m_remotePcVersion = u"1.2.3"_s;
-    panel.m_remoteOtgVersion = u"1.0.4"_s;
-    panel.showUpgradeFailureUI();
+    OpenPanel &panel = *stage.panel;
+    panel.pretendServerVersion(Chip::Pc, u"1.2.3"_s);
+    panel.pretendServerVersion(Chip::Otg, u"1.0.4"_s);
+    panel.fail();
     panel.startAutoRecoverUpgrade();
     QCoreApplication::processEvents();
     QCOMPARE(stage.server.paths(), QStringList());
-    QVERIFY(!panel.m_isUpgrading);
+    QVERIFY(!panel.isUpgrading());
     stage.click();
     QTRY_COMPARE(stage.server.paths(), QStringList{ServerPaths::kR2PcImage});
-    QVERIFY(panel.m_isUpgrading);
+    QVERIFY(panel.isUpgrading());
 }
 
-void TestRecovery::aHostMayStartIt()
+void RecoveryTest::aHostMayStartIt()
 {
     const Bricked stage;
     stage.panel->startAutoRecoverUpgrade();
-    QVERIFY(stage.panel->m_isUpgrading);
-    QVERIFY(!stage.panel->m_autoRecoverRunning);
-    QCOMPARE(stage.panel->m_upgradePlan, UpgradePlan::Both);
+    QVERIFY(stage.panel->isUpgrading());
+    QVERIFY(!stage.panel->isRecovering());
+    QCOMPARE(stage.panel->plan(), UpgradePlan::Both);
     QTRY_VERIFY(stage.server.paths().contains(ServerPaths::kR2PcImage));
 }
 
-void TestRecovery::discoveryStartsIt_data()
+void RecoveryTest::discoveryStartsIt_data()
 {
     QTest::addColumn<DeviceModel>("before");
     QTest::addColumn<int>("productId");
@@ -295,14 +297,14 @@ void TestRecovery::discoveryStartsIt_data()
     QTest::newRow("R2 on an R1 panel") << DeviceModel::R1 << 0xFF << DeviceModel::R2;
 }
 
-void TestRecovery::discoveryStartsIt()
+void RecoveryTest::discoveryStartsIt()
 {
     QFETCH(DeviceModel, before);
     QFETCH(int, productId);
     QFETCH(DeviceModel, after);
     const Bricked stage(after);
-    FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.m_deviceModel = before;
+    OpenPanel &panel = *stage.panel;
+    panel.pretendModel(before);
     panel.hide();
     PanelStage::bus().plug(productId);
     const QString triggered = u"find DFU PID and trigger auto recover."_s;
@@ -310,15 +312,15 @@ void TestRecovery::discoveryStartsIt()
     const QStringList lines = stage.log.lines();
     QVERIFY(lines.indexOf(kStarted) >= 0);
     QVERIFY2(lines.indexOf(kStarted) < lines.indexOf(triggered), "the recovery runs inside the signal");
-    QCOMPARE(panel.m_deviceModel, after);
+    QCOMPARE(panel.model(), after);
     QVERIFY(panel.isVisible());
-    QVERIFY(panel.m_isUpgrading && panel.m_autoRecoverRunning);
-    QCOMPARE(panel.lastDetectedPcPid, productId);
+    QVERIFY(panel.isUpgrading() && panel.isRecovering());
+    QCOMPARE(panel.lastSeenId(Chip::Pc), productId);
     QTRY_COMPARE(stage.server.paths().last(),
                  after == DeviceModel::R1 ? ServerPaths::kR1PcImage : ServerPaths::kR2PcImage);
 }
 
-void TestRecovery::discoveryLeavesARunAlone_data()
+void RecoveryTest::discoveryLeavesARunAlone_data()
 {
     QTest::addColumn<bool>("upgrading");
     QTest::addColumn<bool>("recovering");
@@ -327,27 +329,27 @@ void TestRecovery::discoveryLeavesARunAlone_data()
     QTest::newRow("a recovery runs") << true << true;
 }
 
-void TestRecovery::discoveryLeavesARunAlone()
+void RecoveryTest::discoveryLeavesARunAlone()
 {
     QFETCH(bool, upgrading);
     QFETCH(bool, recovering);
     const Bricked stage;
-    stage.panel->m_isUpgrading = upgrading;
-    stage.panel->m_autoRecoverRunning = recovering;
+    stage.panel->pretendUpgrading(upgrading);
+    stage.panel->pretendRecovering(recovering);
     PanelStage::bus().plug(0xFF);
-    QTRY_COMPARE(stage.panel->lastDetectedPcPid, 0xFF);
+    QTRY_COMPARE(stage.panel->lastSeenId(Chip::Pc), 0xFF);
     QCoreApplication::processEvents();
     QVERIFY(!stage.log.contains(kStarted));
     QCOMPARE(stage.server.paths(), QStringList());
 }
 
-void TestRecovery::doesNotStartAgainAfterAFailure()
+void RecoveryTest::doesNotStartAgainAfterAFailure()
 {
     Bricked stage;
     PanelStage::bus().plug(0xFF);
     QTRY_COMPARE(stage.log.count(kStarted), 1);
     QTRY_VERIFY(stage.server.paths().contains(ServerPaths::kR2PcImage));
-    stage.panel->showUpgradeFailureUI();
+    stage.panel->fail();
     stage.log.clear();
     PanelStage::bus().unplugAll();
     QTRY_VERIFY(!stage.log.startingWith(u"[ConnectingR2] START"_s).isEmpty());
@@ -356,27 +358,27 @@ void TestRecovery::doesNotStartAgainAfterAFailure()
     QTRY_VERIFY(!stage.log.startingWith(u"find DFU device"_s).isEmpty());
     QCoreApplication::processEvents();
     QVERIFY(!stage.log.contains(kStarted));
-    QVERIFY(stage.panel->m_inFailureRetry);
+    QVERIFY(stage.panel->offersRetry());
 }
 
-void TestRecovery::startsAgainAfterTheClick()
+void RecoveryTest::startsAgainAfterTheClick()
 {
     Bricked stage;
-    FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.m_remotePcVersion = u"1.2.3"_s;
-    panel.m_remoteOtgVersion = u"1.0.4"_s;
+    OpenPanel &panel = *stage.panel;
+    panel.pretendServerVersion(Chip::Pc, u"1.2.3"_s);
+    panel.pretendServerVersion(Chip::Otg, u"1.0.4"_s);
     PanelStage::bus().plug(0xFF);
     QTRY_VERIFY(stage.server.paths().contains(ServerPaths::kR2PcImage));
-    panel.showUpgradeFailureUI();
+    panel.fail();
     stage.click();
-    QVERIFY(!panel.m_inFailureRetry);
-    QVERIFY(!panel.m_autoRecoverRunning);
-    QVERIFY(panel.m_isUpgrading);
-    QCOMPARE(panel.m_upgradePlan, UpgradePlan::Both);
+    QVERIFY(!panel.offersRetry());
+    QVERIFY(!panel.isRecovering());
+    QVERIFY(panel.isUpgrading());
+    QCOMPARE(panel.plan(), UpgradePlan::Both);
     QTRY_COMPARE(stage.server.paths().count(ServerPaths::kR2PcImage), 2);
 }
 
-void TestRecovery::endsWithThePanel_data()
+void RecoveryTest::endsWithThePanel_data()
 {
     QTest::addColumn<int>("queries");
     QTest::newRow("while it asks for the version") << 1;
@@ -385,7 +387,7 @@ void TestRecovery::endsWithThePanel_data()
     QTest::newRow("while it asks for the OTG version") << 4;
 }
 
-void TestRecovery::endsWithThePanel()
+void RecoveryTest::endsWithThePanel()
 {
     QFETCH(int, queries);
     Bricked stage;
@@ -400,12 +402,13 @@ void TestRecovery::endsWithThePanel()
             stage.panel.reset();
     });
     timer.start(5);
-    FirmwareUpgradeWidget *panel = stage.panel.get();
-    panel->m_isUpgrading = panel->m_autoRecoverRunning = true;
+    OpenPanel *panel = stage.panel.get();
+    panel->pretendUpgrading(true);
+    panel->pretendRecovering(true);
     panel->startAutoRecoverUpgrade();
     QVERIFY(!stage.panel);
     QCOMPARE(stage.server.paths().size(), queries);
 }
 
-QUILLON_TEST(TestRecovery)
+QUILLON_TEST(RecoveryTest)
 #include "tst_recovery.moc"

@@ -7,8 +7,6 @@
 #include <QSignalSpy>
 #include <QTest>
 
-#include <utility>
-
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -26,23 +24,23 @@ struct Known : PanelStage {
         const bool sent = QTest::qWaitFor([&queries] { return queries() == 1; });
         Q_ASSERT(sent);
         Q_UNUSED(sent)
-        panel->m_devicePcVersion = versions.value(0);
-        panel->m_remotePcVersion = versions.value(1);
-        panel->m_deviceOtgVersion = versions.value(2);
-        panel->m_remoteOtgVersion = versions.value(3);
-        panel->m_upgradePlan = UpgradePlan::OtgOnly;
-        panel->m_progressBar->setBackgroundColor(Qt::black);
+        panel->pretendDeviceVersion(Chip::Pc, versions.value(0));
+        panel->pretendServerVersion(Chip::Pc, versions.value(1));
+        panel->pretendDeviceVersion(Chip::Otg, versions.value(2));
+        panel->pretendServerVersion(Chip::Otg, versions.value(3));
+        panel->pretendPlan(UpgradePlan::OtgOnly);
+        panel->bar()->setBackgroundColor(Qt::black);
         panel->show();
         log.clear();
     }
 
     int queries() const { return log.count(kModeQuery); }
-    bool isRepainted() const { return panel->m_progressBar->m_backgroundColor != QColor(Qt::black); }
+    bool isRepainted() const { return panel->barBackground() != QColor(Qt::black); }
 };
 
 } // namespace
 
-class TestRefresh : public QObject {
+class RefreshTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -58,39 +56,38 @@ private Q_SLOTS:
     void endsWithThePanel();
 };
 
-void TestRefresh::endsAtOnceWithoutAttempts_data()
+void RefreshTest::endsAtOnceWithoutAttempts_data()
 {
     QTest::addColumn<int>("retries");
     QTest::newRow("none left") << 0;
     QTest::newRow("fewer than none") << -3;
 }
 
-void TestRefresh::endsAtOnceWithoutAttempts()
+void RefreshTest::endsAtOnceWithoutAttempts()
 {
     QFETCH(int, retries);
     const Known stage;
     const QSignalSpy decided(stage.panel.get(), &FirmwareUpgradeWidget::upgradeDisplayMsg);
-    stage.panel->requestVersionRefreshWithRetry(retries);
+    stage.panel->refreshVersions(retries);
     QCOMPARE(stage.log.startingWith(u"[Refresh]"_s), QStringList{kExhausted});
-    QCOMPARE(stage.panel->m_upgradePlan, UpgradePlan::PcOnly);
+    QCOMPARE(stage.panel->plan(), UpgradePlan::PcOnly);
     QVERIFY(stage.isRepainted());
     QCOMPARE(decided.size(), 1);
     QCOMPARE(stage.queries(), 0);
 }
 
-void TestRefresh::endsSilentlyWithoutTheLibrary()
+void RefreshTest::endsSilentlyWithoutTheLibrary()
 {
     const Known stage;
-    auto *library = std::exchange(stage.panel->m_hidManager, nullptr);
-    stage.panel->requestVersionRefreshWithRetry(3);
+    const Without withoutLibrary(*stage.panel, Part::Library);
+    stage.panel->refreshVersions(3);
     QTest::qWait(700);
     QCOMPARE(stage.log.startingWith(u"[Refresh]"_s), QStringList());
-    QCOMPARE(stage.panel->m_upgradePlan, UpgradePlan::OtgOnly);
+    QCOMPARE(stage.panel->plan(), UpgradePlan::OtgOnly);
     QVERIFY(!stage.isRepainted());
-    stage.panel->m_hidManager = library;
 }
 
-void TestRefresh::endsWhenBothSidesAreUpToDate_data()
+void RefreshTest::endsWhenBothSidesAreUpToDate_data()
 {
     QTest::addColumn<QStringList>("versions");
     QTest::addColumn<bool>("upToDate");
@@ -109,18 +106,18 @@ void TestRefresh::endsWhenBothSidesAreUpToDate_data()
     row("nothing is known", {}, false);
 }
 
-void TestRefresh::endsWhenBothSidesAreUpToDate()
+void RefreshTest::endsWhenBothSidesAreUpToDate()
 {
     QFETCH(QStringList, versions);
     QFETCH(bool, upToDate);
     const Known stage(versions);
-    stage.panel->requestVersionRefreshWithRetry(2);
+    stage.panel->refreshVersions(2);
     QCOMPARE(stage.queries(), 1);
     QVERIFY(!stage.isRepainted());
     QTRY_VERIFY(!stage.log.startingWith(u"[Refresh]"_s).isEmpty());
     QCOMPARE(stage.log.contains(kUpToDate), upToDate);
     QCOMPARE(stage.isRepainted(), upToDate);
-    QCOMPARE(stage.panel->m_upgradePlan, upToDate ? UpgradePlan::None : UpgradePlan::OtgOnly);
+    QCOMPARE(stage.panel->plan(), upToDate ? UpgradePlan::None : UpgradePlan::OtgOnly);
     QCOMPARE(stage.queries(), upToDate ? 1 : 2);
     if (upToDate) {
         QTest::qWait(700);
@@ -128,12 +125,12 @@ void TestRefresh::endsWhenBothSidesAreUpToDate()
     }
 }
 
-void TestRefresh::triesAgainUntilNothingIsLeft()
+void RefreshTest::triesAgainUntilNothingIsLeft()
 {
     const Known stage;
     QElapsedTimer clock;
     clock.start();
-    stage.panel->requestVersionRefreshWithRetry(3);
+    stage.panel->refreshVersions(3);
     QTRY_VERIFY(stage.log.contains(kExhausted));
     QVERIFY2(clock.elapsed() >= 3 * 490, "half a second between two attempts");
     const QString seen = u"pc=1.2.0/1.2.3otg=1.0.4/1.0.4"_s;
@@ -142,45 +139,45 @@ void TestRefresh::triesAgainUntilNothingIsLeft()
                           u"[Refresh] not ready yet, retry left:1"_s + seen,
                           u"[Refresh] not ready yet, retry left:0"_s + seen, kExhausted}));
     QCOMPARE(stage.queries(), 3);
-    QCOMPARE(stage.panel->m_upgradePlan, UpgradePlan::PcOnly);
+    QCOMPARE(stage.panel->plan(), UpgradePlan::PcOnly);
     QVERIFY(stage.isRepainted());
 }
 
-void TestRefresh::logsWhatItSees()
+void RefreshTest::logsWhatItSees()
 {
     const Known stage({u"1.2.0"_s, QString(), u"0.0.0"_s, u"104"_s});
-    stage.panel->requestVersionRefreshWithRetry(1);
+    stage.panel->refreshVersions(1);
     QTRY_VERIFY(stage.log.contains(u"[Refresh] not ready yet, retry left:0pc=1.2.0/otg=0.0.0/104"_s));
 }
 
-void TestRefresh::seesWhatHasArrivedMeanwhile()
+void RefreshTest::seesWhatHasArrivedMeanwhile()
 {
     const Known stage;
-    stage.panel->requestVersionRefreshWithRetry(5);
+    stage.panel->refreshVersions(5);
     QTRY_COMPARE(stage.log.startingWith(u"[Refresh] not ready yet"_s).size(), 1);
-    stage.panel->m_devicePcVersion = u"1.2.3"_s;
+    stage.panel->pretendDeviceVersion(Chip::Pc, u"1.2.3"_s);
     QTRY_VERIFY(stage.log.contains(kUpToDate));
     QCOMPARE(stage.log.startingWith(u"[Refresh] not ready yet"_s).size(), 1);
     QCOMPARE(stage.queries(), 2);
 }
 
-void TestRefresh::asksBeforeItWaits()
+void RefreshTest::asksBeforeItWaits()
 {
     const Known stage;
-    stage.panel->requestVersionRefreshWithRetry(1);
+    stage.panel->refreshVersions(1);
     QCOMPARE(stage.queries(), 1);
     QCOMPARE(stage.log.startingWith(u"[Refresh]"_s), QStringList());
 }
 
-void TestRefresh::endsWithThePanel()
+void RefreshTest::endsWithThePanel()
 {
     Known stage;
-    stage.panel->requestVersionRefreshWithRetry(5);
+    stage.panel->refreshVersions(5);
     stage.panel.reset();
     stage.log.clear();
     QTest::qWait(700);
     QCOMPARE(stage.log.startingWith(u"[Refresh]"_s), QStringList());
 }
 
-QUILLON_TEST(TestRefresh)
+QUILLON_TEST(RefreshTest)
 #include "tst_refresh.moc"

@@ -1,6 +1,5 @@
 #include "tests/panel/PanelStage.h"
 #include "tests/support/LogHook.h"
-#include "tests/support/PanelState.h"
 #include "tests/support/TestProgram.h"
 #include "widgets/ClickableProgressBar.h"
 
@@ -26,13 +25,13 @@ struct Planned : PanelStage {
     {
         server.answer(ServerPaths::kR2PcVersion, Server::version("2.0.0", kChineseNotes, kEnglishNotes));
         panel->show();
-        panel->m_upgradePlan = UpgradePlan::Both;
-        panel->m_devicePcVersion = pcVersion;
-        panel->m_remotePcVersion = u"2.0.0"_s;
-        panel->m_notesEdit->setPlainText(kFormer);
+        panel->pretendPlan(UpgradePlan::Both);
+        panel->pretendDeviceVersion(Chip::Pc, pcVersion);
+        panel->pretendServerVersion(Chip::Pc, u"2.0.0"_s);
+        panel->notes()->setPlainText(kFormer);
     }
 
-    QString notes() const { return panel->m_notesEdit->toPlainText(); }
+    QString notes() const { return panel->notes()->toPlainText(); }
 };
 
 /// Runs \a action once the server has been asked, while the panel still waits for the answer.
@@ -57,7 +56,7 @@ Server::Answer late(Server::Answer answer)
 
 } // namespace
 
-class TestReleaseNotes : public QObject {
+class ReleaseNotesTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -79,7 +78,7 @@ private Q_SLOTS:
     void doNotKeepAPanelWaiting();
 };
 
-void TestReleaseNotes::comeFromTheServer_data()
+void ReleaseNotesTest::comeFromTheServer_data()
 {
     QTest::addColumn<Server::Answer>("answer");
     QTest::addColumn<QString>("formerAnswer");
@@ -95,7 +94,7 @@ void TestReleaseNotes::comeFromTheServer_data()
     QTest::newRow("a connection that breaks") << Server::hangUp() << u"旧"_s << u"旧"_s;
 }
 
-void TestReleaseNotes::comeFromTheServer()
+void ReleaseNotesTest::comeFromTheServer()
 {
     QFETCH(Server::Answer, answer);
     QFETCH(QString, formerAnswer);
@@ -103,11 +102,11 @@ void TestReleaseNotes::comeFromTheServer()
     Planned stage;
     stage.server.answer(ServerPaths::kR2PcVersion, answer);
     networking_class::getInstance()->f_remark = formerAnswer;
-    stage.panel->updateUIByUpgradeState();
+    stage.panel->updateScreen();
     QCOMPARE(stage.notes(), shown);
 }
 
-void TestReleaseNotes::areAskedForByModel_data()
+void ReleaseNotesTest::areAskedForByModel_data()
 {
     QTest::addColumn<DeviceModel>("model");
     QTest::addColumn<QString>("pcVersion");
@@ -119,19 +118,19 @@ void TestReleaseNotes::areAskedForByModel_data()
     QTest::newRow("R2, too old") << DeviceModel::R2 << u"1.0.0"_s << ServerPaths::kR2PcVersion;
 }
 
-void TestReleaseNotes::areAskedForByModel()
+void ReleaseNotesTest::areAskedForByModel()
 {
     QFETCH(DeviceModel, model);
     QFETCH(QString, pcVersion);
     QFETCH(QString, path);
     const Planned stage(pcVersion);
-    stage.panel->m_deviceModel = model;
-    stage.panel->m_upgradePlan = UpgradePlan::OtgOnly;
-    stage.panel->updateUIByUpgradeState();
+    stage.panel->pretendModel(model);
+    stage.panel->pretendPlan(UpgradePlan::OtgOnly);
+    stage.panel->updateScreen();
     QCOMPARE(stage.server.paths(), QStringList{path});
 }
 
-void TestReleaseNotes::areShownInTheLanguage_data()
+void ReleaseNotesTest::areShownInTheLanguage_data()
 {
     QTest::addColumn<Language>("language");
     QTest::addColumn<QString>("pcVersion");
@@ -144,28 +143,28 @@ void TestReleaseNotes::areShownInTheLanguage_data()
     QTest::newRow("too old, English") << Language::English << u"1.0.0"_s << english;
 }
 
-void TestReleaseNotes::areShownInTheLanguage()
+void ReleaseNotesTest::areShownInTheLanguage()
 {
     QFETCH(Language, language);
     QFETCH(QString, pcVersion);
     QFETCH(QString, shown);
     const Planned stage(pcVersion);
     QuillonFirmwareUpgrade::setLanguage(language);
-    stage.panel->updateUIByUpgradeState();
+    stage.panel->updateScreen();
     QCOMPARE(stage.notes(), shown);
 }
 
-void TestReleaseNotes::leaveTheVersionsAlone()
+void ReleaseNotesTest::leaveTheVersionsAlone()
 {
     Planned stage;
     stage.server.answer(ServerPaths::kR2PcVersion, Server::version("9.9.9", kChineseNotes));
-    const QStringList before = panelState(*stage.panel);
-    stage.panel->updateUIByUpgradeState();
-    QCOMPARE(panelState(*stage.panel), before);
-    QCOMPARE(stage.panel->m_newVerLb->text(), u"V2.0.0"_s);
+    const QStringList before = stage.panel->state();
+    stage.panel->updateScreen();
+    QCOMPARE(stage.panel->state(), before);
+    QCOMPARE(stage.panel->newVersion()->text(), u"V2.0.0"_s);
 }
 
-void TestReleaseNotes::areLoggedBeforeTheyAreShown_data()
+void ReleaseNotesTest::areLoggedBeforeTheyAreShown_data()
 {
     QTest::addColumn<Language>("language");
     QTest::addColumn<QString>("line");
@@ -177,42 +176,42 @@ void TestReleaseNotes::areLoggedBeforeTheyAreShown_data()
             + QString::fromUtf8(kEnglishNotes);
 }
 
-void TestReleaseNotes::areLoggedBeforeTheyAreShown()
+void ReleaseNotesTest::areLoggedBeforeTheyAreShown()
 {
     QFETCH(Language, language);
     QFETCH(QString, line);
     const Planned stage;
     QuillonFirmwareUpgrade::setLanguage(language);
-    stage.panel->m_notesEdit->setPlainText(kFormer);
+    stage.panel->notes()->setPlainText(kFormer);
     QString shownThen;
     {
         const LogHook hook(u"######22222"_s, [&](const QString &) { shownThen = stage.notes(); });
-        stage.panel->updateUIByUpgradeState();
+        stage.panel->updateScreen();
     }
     QCOMPARE(stage.log.startingWith(u"######22222"_s), QStringList{line});
     QCOMPARE(shownThen, kFormer);
 }
 
-void TestReleaseNotes::areNotLoggedForADeviceThatIsTooOld()
+void ReleaseNotesTest::areNotLoggedForADeviceThatIsTooOld()
 {
     const Planned stage(u"1.0.0"_s);
-    stage.panel->updateUIByUpgradeState();
+    stage.panel->updateScreen();
     QCOMPARE(stage.log.startingWith(u"######22222"_s), QStringList());
 }
 
-void TestReleaseNotes::areFetchedAfterTheRestIsPainted_data()
+void ReleaseNotesTest::areFetchedAfterTheRestIsPainted_data()
 {
     QTest::addColumn<QString>("pcVersion");
     QTest::newRow("available") << u"1.2.0"_s;
     QTest::newRow("too old") << u"1.0.0"_s;
 }
 
-void TestReleaseNotes::areFetchedAfterTheRestIsPainted()
+void ReleaseNotesTest::areFetchedAfterTheRestIsPainted()
 {
     QFETCH(QString, pcVersion);
     Planned stage(pcVersion);
-    FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.m_notesEdit->hide();
+    OpenPanel &panel = *stage.panel;
+    panel.notes()->hide();
     stage.server.answer(ServerPaths::kR2PcVersion, late(Server::version("2.0.0", kChineseNotes)));
     QStringList screen;
     QStringList logThen;
@@ -220,7 +219,7 @@ void TestReleaseNotes::areFetchedAfterTheRestIsPainted()
         screen = Screen::everything(panel);
         logThen = stage.log.startingWith(u"[VersionCheck]"_s);
     });
-    panel.updateUIByUpgradeState();
+    panel.updateScreen();
     QStringList changed;
     for (const QString &line : Screen::everything(panel)) {
         if (!screen.contains(line))
@@ -231,50 +230,50 @@ void TestReleaseNotes::areFetchedAfterTheRestIsPainted()
     QVERIFY2(logThen.isEmpty(), "the line about a device that is too old comes last");
 }
 
-void TestReleaseNotes::mayBeFetchedTwiceAtOnce()
+void ReleaseNotesTest::mayBeFetchedTwiceAtOnce()
 {
     Planned stage;
-    FirmwareUpgradeWidget &panel = *stage.panel;
+    OpenPanel &panel = *stage.panel;
     stage.server.answer(ServerPaths::kR2PcVersion, late(Server::version("2.0.0", kChineseNotes)));
-    whileTheServerIsAsked(stage, [&panel] { panel.updateUIByUpgradeState(); });
-    panel.updateUIByUpgradeState();
+    whileTheServerIsAsked(stage, [&panel] { panel.updateScreen(); });
+    panel.updateScreen();
     QCOMPARE(stage.server.paths().size(), 2);
     QCOMPARE(stage.notes(), QString::fromUtf8(kChineseNotes));
-    QVERIFY(panel.m_progressBar->isClickable());
+    QVERIFY(panel.bar()->isClickable());
 }
 
-void TestReleaseNotes::mayFindThePanelGone()
+void ReleaseNotesTest::mayFindThePanelGone()
 {
     Planned stage;
-    FirmwareUpgradeWidget *panel = stage.panel.get();
+    OpenPanel *panel = stage.panel.get();
     stage.server.answer(ServerPaths::kR2PcVersion, late(Server::version("2.0.0", kChineseNotes)));
     whileTheServerIsAsked(stage, [&stage] { stage.panel.reset(); });
-    panel->updateUIByUpgradeState();
+    panel->updateScreen();
     QVERIFY(!stage.panel);
     QCOMPARE(stage.log.startingWith(u"######22222"_s), QStringList());
 }
 
-void TestReleaseNotes::mayFindTheLanguageChanged()
+void ReleaseNotesTest::mayFindTheLanguageChanged()
 {
     Planned stage;
     stage.server.answer(ServerPaths::kR2PcVersion,
                         late(Server::version("2.0.0", kChineseNotes, kEnglishNotes)));
     whileTheServerIsAsked(stage, [] { QuillonFirmwareUpgrade::setLanguage(Language::English); });
-    stage.panel->updateUIByUpgradeState();
+    stage.panel->updateScreen();
     QCOMPARE(stage.notes(), QString::fromUtf8(kEnglishNotes));
 }
 
-void TestReleaseNotes::doNotKeepAPanelWaiting()
+void ReleaseNotesTest::doNotKeepAPanelWaiting()
 {
     Planned stage;
     stage.server.answer(ServerPaths::kR2PcVersion, Server::silence());
     QElapsedTimer clock;
     clock.start();
-    stage.panel->updateUIByUpgradeState();
+    stage.panel->updateScreen();
     QVERIFY2(clock.elapsed() >= 1900 && clock.elapsed() < 3500, qPrintable(QString::number(clock.elapsed())));
     QCOMPARE(stage.notes(), kFormer);
-    QVERIFY(stage.panel->m_progressBar->isClickable());
+    QVERIFY(stage.panel->bar()->isClickable());
 }
 
-QUILLON_TEST(TestReleaseNotes)
+QUILLON_TEST(ReleaseNotesTest)
 #include "tst_release_notes.moc"

@@ -12,7 +12,7 @@ using QuillonFirmwareUpgrade::setLanguage;
 
 namespace {
 
-using Label = QLabel *FirmwareUpgradeWidget::*;
+using Label = QLabel *(OpenPanel::*)() const;
 
 /// A label in one language; an empty text or style is not looked at.
 struct Translated {
@@ -42,8 +42,6 @@ LabelRow row(const char *name, Label label, const QRect &chinese, const QRect &e
          style ? labelStyle(style, "Microsoft YaHei") : QString()},
         {label, english, QString::fromUtf8(englishText), style ? labelStyle(style, "Segoe UI") : QString()}};
 }
-
-#define LABEL(name) #name, &FirmwareUpgradeWidget::name
 
 constexpr char kNewVersion[]
     = "QLabel{border:0px; color:rgba(47,212,179,1); font-family:\"%1\"; font-size:20px; font-weight:700;}";
@@ -76,38 +74,46 @@ const char kEnglishLink[]
 const QList<LabelRow> &labelRows()
 {
     static const QList<LabelRow> rows{
-        row(LABEL(m_titleLabel), {24, 16, 130, 19}, {24, 16, 130, 19}, "固件升级", "Firmware Update"),
-        row(LABEL(m_newVerTitleLb), {24, 16, 42, 19}, {24, 16, 90, 19}, "新版本", "New Version"),
-        row(LABEL(m_curVerTitleLb), {207, 16, 56, 19}, {207, 16, 110, 19}, "当前版本", "Current Version"),
-        row(LABEL(m_newVerLb), {39, 38, 80, 26}, {39, 38, 80, 26}, "", "", kNewVersion),
-        row(LABEL(m_curVerLb), {208, 42, 55, 19}, {208, 42, 55, 19}, "", "", kCurrentVersion),
-        row(LABEL(m_notesTitleLb), {60, 159, 64, 21}, {60, 159, 100, 21}, "新版概述", "What's New"),
-        row(LABEL(m_noNewFirmwareLb), {24, 29, 150, 21}, {24, 19, 150, 42}, "无新版固件",
-            "Firmware is up to \ndate"),
-        row(LABEL(m_rocketLb), {158, 14, 20, 20}, {142, 14, 20, 20}),
-        row(LABEL(m_upgradeTextLb), {172, 13, 64, 21}, {156, 13, 105, 21}, "立即升级", "Update Now"),
-        row(LABEL(m_tooOldLb), {0, 0, 408, 48}, {0, 0, 408, 48}, "固件版本过低，无法升级",
+        row("m_titleLabel", &OpenPanel::title, {24, 16, 130, 19}, {24, 16, 130, 19}, "固件升级",
+            "Firmware Update"),
+        row("m_newVerTitleLb", &OpenPanel::newVersionTitle, {24, 16, 42, 19}, {24, 16, 90, 19}, "新版本",
+            "New Version"),
+        row("m_curVerTitleLb", &OpenPanel::currentVersionTitle, {207, 16, 56, 19}, {207, 16, 110, 19},
+            "当前版本", "Current Version"),
+        row("m_newVerLb", &OpenPanel::newVersion, {39, 38, 80, 26}, {39, 38, 80, 26}, "", "", kNewVersion),
+        row("m_curVerLb", &OpenPanel::currentVersion, {208, 42, 55, 19}, {208, 42, 55, 19}, "", "",
+            kCurrentVersion),
+        row("m_notesTitleLb", &OpenPanel::notesTitle, {60, 159, 64, 21}, {60, 159, 100, 21}, "新版概述",
+            "What's New"),
+        row("m_noNewFirmwareLb", &OpenPanel::noNewFirmware, {24, 29, 150, 21}, {24, 19, 150, 42},
+            "无新版固件", "Firmware is up to \ndate"),
+        row("m_rocketLb", &OpenPanel::rocket, {158, 14, 20, 20}, {142, 14, 20, 20}),
+        row("m_upgradeTextLb", &OpenPanel::upgradeText, {172, 13, 64, 21}, {156, 13, 105, 21}, "立即升级",
+            "Update Now"),
+        row("m_tooOldLb", &OpenPanel::tooOldText, {0, 0, 408, 48}, {0, 0, 408, 48}, "固件版本过低，无法升级",
             "Firmware version is too low to update.", kTooOld),
-        row(LABEL(m_doneIconLb), {156, 12, 24, 24}, {117, 12, 24, 24}),
-        row(LABEL(m_doneLb), {188, 13, 64, 21}, {149, 13, 142, 21}, "升级完成", "Update Completed"),
-        row(LABEL(m_failIconLb), {95, 317, 24, 24}, {32, 317, 24, 24}),
-        row(LABEL(m_failTextLb), {122, 319, 256, 19}, {58, 319, 364, 19},
+        row("m_doneIconLb", &OpenPanel::doneIcon, {156, 12, 24, 24}, {117, 12, 24, 24}),
+        row("m_doneLb", &OpenPanel::doneText, {188, 13, 64, 21}, {149, 13, 142, 21}, "升级完成",
+            "Update Completed"),
+        row("m_failIconLb", &OpenPanel::failureIcon, {95, 317, 24, 24}, {32, 317, 24, 24}),
+        row("m_failTextLb", &OpenPanel::failureText, {122, 319, 256, 19}, {58, 319, 364, 19},
             "升级失败！请拔插设备后重新开始升级", "Update failed. Please replug the device and try again."),
-        row(LABEL(m_offlineToolTipLb), {}, {}, "需使用离线升级工具进行更新，",
+        row("m_offlineToolTipLb", &OpenPanel::offlineToolTip, {}, {}, "需使用离线升级工具进行更新，",
             "Update requires offline tool ,", kOfflineTip),
-        row(LABEL(m_offlineToolLinkLb), {}, {}, kChineseLink, kEnglishLink, kOfflineLink),
-        row(LABEL(m_detectingUsbLb), {122, 203, 229, 21}, {122, 203, 229, 21}, "正在检测USB接入...",
-            "Detecting USB connection..."),
-        row(LABEL(m_waitingIconLb), {108, 12, 24, 24}, {51, 12, 24, 24}),
-        row(LABEL(m_upgradingLb), {140, 13, 159, 21}, {83, 13, 290, 21}, "待USB线接入图示口...",
-            "Connect to the indicated USB ports. "),
+        row("m_offlineToolLinkLb", &OpenPanel::offlineToolLink, {}, {}, kChineseLink, kEnglishLink,
+            kOfflineLink),
+        row("m_detectingUsbLb", &OpenPanel::detectingText, {122, 203, 229, 21}, {122, 203, 229, 21},
+            "正在检测USB接入...", "Detecting USB connection..."),
+        row("m_waitingIconLb", &OpenPanel::waitingIcon, {108, 12, 24, 24}, {51, 12, 24, 24}),
+        row("m_upgradingLb", &OpenPanel::waitingText, {140, 13, 159, 21}, {83, 13, 290, 21},
+            "待USB线接入图示口...", "Connect to the indicated USB ports. "),
     };
     return rows;
 }
 
-void compareLabel(const FirmwareUpgradeWidget &panel, const Translated &expected)
+void compareLabel(const OpenPanel &panel, const Translated &expected)
 {
-    const QLabel *label = panel.*expected.label;
+    const QLabel *label = (panel.*expected.label)();
     if (!expected.place.isNull())
         QCOMPARE(label->geometry(), expected.place);
     if (!expected.text.isEmpty())
@@ -120,7 +126,7 @@ void compareLabel(const FirmwareUpgradeWidget &panel, const Translated &expected
 
 Q_DECLARE_METATYPE(LabelRow)
 
-class TestRetranslation : public QObject {
+class RetranslationTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -134,14 +140,14 @@ private Q_SLOTS:
     void logsBetweenItsSteps();
 };
 
-void TestRetranslation::label_data()
+void RetranslationTest::label_data()
 {
     QTest::addColumn<LabelRow>("row");
     for (const LabelRow &row : labelRows())
         QTest::newRow(row.name) << row;
 }
 
-void TestRetranslation::label()
+void RetranslationTest::label()
 {
     QFETCH(LabelRow, row);
     const PanelStage stage;
@@ -152,30 +158,30 @@ void TestRetranslation::label()
     compareLabel(*stage.panel, row.chinese);
 }
 
-void TestRetranslation::sizesTheOfflineToolLineToItsTexts()
+void RetranslationTest::sizesTheOfflineToolLineToItsTexts()
 {
     const PanelStage stage;
     for (const Language language : {Language::English, Language::Chinese}) {
         setLanguage(language);
-        QCOMPARE(stage.panel->m_offlineToolTipLb->size(), stage.panel->m_offlineToolTipLb->sizeHint());
-        QCOMPARE(stage.panel->m_offlineToolLinkLb->size(), stage.panel->m_offlineToolLinkLb->sizeHint());
+        QCOMPARE(stage.panel->offlineToolTip()->size(), stage.panel->offlineToolTip()->sizeHint());
+        QCOMPARE(stage.panel->offlineToolLink()->size(), stage.panel->offlineToolLink()->sizeHint());
     }
 }
 
-void TestRetranslation::centresTheOfflineToolLineWhenItShows_data()
+void RetranslationTest::centresTheOfflineToolLineWhenItShows_data()
 {
     QTest::addColumn<Language>("language");
     QTest::newRow("English") << Language::English;
     QTest::newRow("Chinese") << Language::Chinese;
 }
 
-void TestRetranslation::centresTheOfflineToolLineWhenItShows()
+void RetranslationTest::centresTheOfflineToolLineWhenItShows()
 {
     QFETCH(Language, language);
     const PanelStage stage;
-    const QLabel *icon = stage.panel->m_offlineToolIconLb;
-    QLabel *tip = stage.panel->m_offlineToolTipLb;
-    const QLabel *link = stage.panel->m_offlineToolLinkLb;
+    const QLabel *icon = stage.panel->offlineToolIcon();
+    QLabel *tip = stage.panel->offlineToolTip();
+    const QLabel *link = stage.panel->offlineToolLink();
     stage.panel->show();
     tip->show();
     setLanguage(language);
@@ -185,40 +191,39 @@ void TestRetranslation::centresTheOfflineToolLineWhenItShows()
     QCOMPARE(icon->pos(), QPoint(start, (tip->height() - 24) / 2 + 319));
 }
 
-void TestRetranslation::leavesAHiddenOfflineToolLineWhereItIs()
+void RetranslationTest::leavesAHiddenOfflineToolLineWhereItIs()
 {
     const PanelStage stage;
     stage.panel->show();
-    stage.panel->m_offlineToolTipLb->move(1, 2);
-    stage.panel->m_offlineToolLinkLb->move(3, 4);
-    stage.panel->m_offlineToolIconLb->move(5, 6);
+    stage.panel->offlineToolTip()->move(1, 2);
+    stage.panel->offlineToolLink()->move(3, 4);
+    stage.panel->offlineToolIcon()->move(5, 6);
     setLanguage(Language::English);
-    QCOMPARE(stage.panel->m_offlineToolTipLb->pos(), QPoint(1, 2));
-    QCOMPARE(stage.panel->m_offlineToolLinkLb->pos(), QPoint(3, 4));
-    QCOMPARE(stage.panel->m_offlineToolIconLb->pos(), QPoint(5, 6));
+    QCOMPARE(stage.panel->offlineToolTip()->pos(), QPoint(1, 2));
+    QCOMPARE(stage.panel->offlineToolLink()->pos(), QPoint(3, 4));
+    QCOMPARE(stage.panel->offlineToolIcon()->pos(), QPoint(5, 6));
 }
 
-void TestRetranslation::stylesTheNotes()
+void RetranslationTest::stylesTheNotes()
 {
     const PanelStage stage;
-    QCOMPARE(stage.panel->m_notesEdit->styleSheet(), labelStyle(kNotes, "Microsoft YaHei"));
+    QCOMPARE(stage.panel->notes()->styleSheet(), labelStyle(kNotes, "Microsoft YaHei"));
     setLanguage(Language::English);
-    QCOMPARE(stage.panel->m_notesEdit->styleSheet(), labelStyle(kNotes, "Segoe UI"));
+    QCOMPARE(stage.panel->notes()->styleSheet(), labelStyle(kNotes, "Segoe UI"));
     setLanguage(Language::Chinese);
-    QCOMPARE(stage.panel->m_notesEdit->styleSheet(), labelStyle(kNotes, "Microsoft YaHei"));
+    QCOMPARE(stage.panel->notes()->styleSheet(), labelStyle(kNotes, "Microsoft YaHei"));
 }
 
-void TestRetranslation::logsBetweenItsSteps()
+void RetranslationTest::logsBetweenItsSteps()
 {
     const PanelStage stage;
-    const FirmwareUpgradeWidget &panel = *stage.panel;
+    const OpenPanel &panel = *stage.panel;
     QStringList atTheLanguageLine;
     QStringList atThePlanLine;
     {
         const LogHook hook(u"Detected language switch."_s, [&](const QString &) {
             if (atTheLanguageLine.isEmpty())
-                atTheLanguageLine
-                    = {panel.isChinese ? u"Chinese"_s : u"English"_s, panel.m_titleLabel->text()};
+                atTheLanguageLine = {panel.isChinese() ? u"Chinese"_s : u"English"_s, panel.title()->text()};
         });
         setLanguage(Language::English);
     }
@@ -226,8 +231,8 @@ void TestRetranslation::logsBetweenItsSteps()
         const LogHook hook(u" ####retranslateUI"_s, [&](const QString &) {
             if (atThePlanLine.isEmpty())
                 atThePlanLine
-                    = {panel.m_titleLabel->text(), panel.m_tooOldLb->text(), panel.m_offlineToolTipLb->text(),
-                       panel.m_newVerTitleLb->text(), panel.m_doneLb->text()};
+                    = {panel.title()->text(), panel.tooOldText()->text(), panel.offlineToolTip()->text(),
+                       panel.newVersionTitle()->text(), panel.doneText()->text()};
         });
         setLanguage(Language::Chinese);
     }
@@ -237,5 +242,5 @@ void TestRetranslation::logsBetweenItsSteps()
                           u"New Version"_s, u"Update Completed"_s}));
 }
 
-QUILLON_TEST(TestRetranslation)
+QUILLON_TEST(RetranslationTest)
 #include "tst_retranslation.moc"

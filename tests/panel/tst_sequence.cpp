@@ -15,7 +15,7 @@ const QString kAllDownloaded = QStringLiteral("all firmware has downlaod well, s
 
 } // namespace
 
-class TestSequence : public QObject {
+class SequenceTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -32,16 +32,16 @@ private Q_SLOTS:
     void goesOnWithoutVersions();
 };
 
-void TestSequence::clickSaysSoFirst()
+void SequenceTest::clickSaysSoFirst()
 {
     const ReadyToUpgrade stage;
-    stage.panel->showUpgradeFailureUI();
+    stage.panel->fail();
     bool clickable = false;
     bool failureShown = false;
     {
         const LogHook hook(u"clicked upgrade process"_s, [&](const QString &) {
-            clickable = stage.panel->m_progressBar->isClickable();
-            failureShown = stage.panel->m_failTextLb->isVisible();
+            clickable = stage.panel->bar()->isClickable();
+            failureShown = stage.panel->failureText()->isVisible();
         });
         stage.click();
     }
@@ -50,47 +50,49 @@ void TestSequence::clickSaysSoFirst()
     QVERIFY(failureShown);
 }
 
-void TestSequence::clickTakesTheFailureScreenAway()
+void SequenceTest::clickTakesTheFailureScreenAway()
 {
     const ReadyToUpgrade stage;
-    const FirmwareUpgradeWidget &panel = *stage.panel;
-    stage.panel->showUpgradeFailureUI();
+    const OpenPanel &panel = *stage.panel;
+    stage.panel->fail();
     stage.click();
-    QVERIFY(!panel.m_progressBar->isClickable());
-    QVERIFY(panel.m_failIconLb->isHidden());
-    QVERIFY(panel.m_failTextLb->isHidden());
-    QCOMPARE(panel.m_progressBar->m_borderColor, QColor(Qt::transparent));
-    QCOMPARE(panel.m_progressBar->m_borderWidth, 0.0);
+    QVERIFY(!panel.bar()->isClickable());
+    QVERIFY(panel.failureIcon()->isHidden());
+    QVERIFY(panel.failureText()->isHidden());
+    QCOMPARE(panel.barBorder(), QColor(Qt::transparent));
+    QCOMPARE(panel.barBorderWidth(), 0.0);
 }
 
-void TestSequence::clickResetsTheRetry()
+void SequenceTest::clickResetsTheRetry()
 {
     ReadyToUpgrade stage;
-    FirmwareUpgradeWidget &panel = *stage.panel;
+    OpenPanel &panel = *stage.panel;
     stage.server.answer(ServerPaths::kR2PcImage, Server::silence());
-    panel.m_autoRecoverRunning = panel.m_inFailureRetry = true;
-    panel.lastDetectedOtgPid = 31;
-    panel.lastDetectedPcPid = 14;
-    panel.m_lastProgressPercent = 42;
-    panel.m_lastProgressTime = QDateTime::currentDateTime();
+    panel.pretendRecovering(true);
+    panel.pretendRetryOffer(true);
+    panel.pretendLastSeenId(Chip::Otg, 31);
+    panel.pretendLastSeenId(Chip::Pc, 14);
+    panel.pretendLastPercent(42);
+    panel.pretendLastPercentSince(QDateTime::currentDateTime());
     stage.click();
-    QVERIFY(!panel.m_autoRecoverRunning);
-    QVERIFY(!panel.m_inFailureRetry);
-    QCOMPARE(panel.lastDetectedOtgPid, 0);
-    QCOMPARE(panel.lastDetectedPcPid, 14);
-    QCOMPARE(panel.m_lastProgressPercent, -1);
-    QVERIFY(panel.m_lastProgressTime.isNull());
+    QVERIFY(!panel.isRecovering());
+    QVERIFY(!panel.offersRetry());
+    QCOMPARE(panel.lastSeenId(Chip::Otg), 0);
+    QCOMPARE(panel.lastSeenId(Chip::Pc), 14);
+    QCOMPARE(panel.lastPercent(), -1);
+    QVERIFY(panel.lastPercentSince().isNull());
 }
 
-void TestSequence::clickWorksWithoutABar()
+void SequenceTest::clickWorksWithoutABar()
 {
     const ReadyToUpgrade stage;
-    ClickableProgressBar *bar = std::exchange(stage.panel->m_progressBar, nullptr);
+    ClickableProgressBar *bar = stage.panel->bar();
+    stage.panel->forget(Part::Bar);
     Q_EMIT bar->clicked();
     QTRY_VERIFY(stage.log.contains(kAllDownloaded));
 }
 
-void TestSequence::clickKeepsOrNarrowsThePlan_data()
+void SequenceTest::clickKeepsOrNarrowsThePlan_data()
 {
     QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<bool>("pcDone");
@@ -103,38 +105,41 @@ void TestSequence::clickKeepsOrNarrowsThePlan_data()
     QTest::newRow("both, the PC half done") << UpgradePlan::Both << true << UpgradePlan::OtgOnly;
 }
 
-void TestSequence::clickKeepsOrNarrowsThePlan()
+void SequenceTest::clickKeepsOrNarrowsThePlan()
 {
     QFETCH(UpgradePlan, plan);
     QFETCH(bool, pcDone);
     QFETCH(UpgradePlan, planAfter);
     ReadyToUpgrade stage;
     stage.server.answer(ServerPaths::kR2PcImage, Server::silence());
-    stage.panel->m_upgradePlan = plan;
-    stage.panel->pcUpgradeCompleted = pcDone;
+    stage.panel->pretendPlan(plan);
+    stage.panel->pretendPcDone(pcDone);
     stage.click();
-    QCOMPARE(stage.panel->m_upgradePlan, planAfter);
-    QVERIFY(!stage.panel->pcUpgradeCompleted);
+    QCOMPARE(stage.panel->plan(), planAfter);
+    QVERIFY(!stage.panel->isPcDone());
 }
 
-void TestSequence::startPreparesTheRun()
+void SequenceTest::startPreparesTheRun()
 {
     ReadyToUpgrade stage;
-    FirmwareUpgradeWidget &panel = *stage.panel;
+    OpenPanel &panel = *stage.panel;
     stage.server.answer(ServerPaths::kR2PcImage, Server::silence());
-    panel.m_progressBar->setProgressColor(Qt::red);
-    panel.m_pcFirmwareDownloaded = panel.m_otgFirmwareDownloaded = panel.pcUpgradeCompleted = true;
-    panel.m_downloadRetryCount = 2;
-    panel.m_autoRecoverRunning = panel.m_inFailureRetry = true;
-    panel.startDownloadAndUpgrade();
-    QCOMPARE(panel.m_progressBar->m_progressColor, QColor(73, 74, 86, 255));
-    QVERIFY(panel.m_isUpgrading);
-    QVERIFY(!panel.m_pcFirmwareDownloaded && !panel.m_otgFirmwareDownloaded && !panel.pcUpgradeCompleted);
-    QCOMPARE(panel.m_downloadRetryCount, 0);
-    QVERIFY2(panel.m_autoRecoverRunning && panel.m_inFailureRetry, "only the click ends a recovery");
+    panel.bar()->setProgressColor(Qt::red);
+    panel.pretendImage(Chip::Pc, true);
+    panel.pretendImage(Chip::Otg, true);
+    panel.pretendPcDone(true);
+    panel.pretendDownloadRetries(2);
+    panel.pretendRecovering(true);
+    panel.pretendRetryOffer(true);
+    panel.startRun();
+    QCOMPARE(panel.bar()->progressColor(), QColor(73, 74, 86, 255));
+    QVERIFY(panel.isUpgrading());
+    QVERIFY(!panel.hasImage(Chip::Pc) && !panel.hasImage(Chip::Otg) && !panel.isPcDone());
+    QCOMPARE(panel.downloadRetries(), 0);
+    QVERIFY2(panel.isRecovering() && panel.offersRetry(), "only the click ends a recovery");
 }
 
-void TestSequence::fetchesTheVersions_data()
+void SequenceTest::fetchesTheVersions_data()
 {
     QTest::addColumn<DeviceModel>("model");
     QTest::addColumn<QString>("pc");
@@ -151,56 +156,56 @@ void TestSequence::fetchesTheVersions_data()
     QTest::newRow("both unknown, R1") << DeviceModel::R1 << QString() << QString() << r1;
 }
 
-void TestSequence::fetchesTheVersions()
+void SequenceTest::fetchesTheVersions()
 {
     QFETCH(DeviceModel, model);
     QFETCH(QString, pc);
     QFETCH(QString, otg);
     QFETCH(QStringList, asked);
     const ReadyToUpgrade stage(model);
-    FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.m_remotePcVersion = pc;
-    panel.m_remoteOtgVersion = otg;
-    panel.startDownloadAndUpgrade();
+    OpenPanel &panel = *stage.panel;
+    panel.pretendServerVersion(Chip::Pc, pc);
+    panel.pretendServerVersion(Chip::Otg, otg);
+    panel.startRun();
     QCOMPARE(stage.server.paths().mid(0, asked.size()), asked);
-    QCOMPARE(panel.m_remotePcVersion, asked.isEmpty() ? pc : u"1.2.3"_s);
-    QCOMPARE(panel.m_remoteOtgVersion, asked.isEmpty() ? otg : u"1.0.4"_s);
+    QCOMPARE(panel.serverVersion(Chip::Pc), asked.isEmpty() ? pc : u"1.2.3"_s);
+    QCOMPARE(panel.serverVersion(Chip::Otg), asked.isEmpty() ? otg : u"1.0.4"_s);
     const QStringList lines{u"[Upgrade] fetch remote PC firmware version:1.2.3"_s,
                             u"[Upgrade] fetch remote OTG firmware version:1.0.4"_s};
     QCOMPARE(stage.log.startingWith(u"[Upgrade] fetch"_s), asked.isEmpty() ? QStringList() : lines);
 }
 
-void TestSequence::isUpgradingWhileItFetches()
+void SequenceTest::isUpgradingWhileItFetches()
 {
     ReadyToUpgrade stage;
-    FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.m_remotePcVersion.clear();
+    OpenPanel &panel = *stage.panel;
+    panel.pretendServerVersion(Chip::Pc, {});
     Server::Answer late = Server::version("1.2.3");
     late.delay = std::chrono::milliseconds(200);
     stage.server.answer(ServerPaths::kR2PcVersion, late);
     bool upgrading = false;
     QTimer::singleShot(50, this, [&] {
-        upgrading = panel.m_isUpgrading && stage.log.startingWith(u"[Upgrade]"_s).isEmpty();
+        upgrading = panel.isUpgrading() && stage.log.startingWith(u"[Upgrade]"_s).isEmpty();
     });
-    panel.startDownloadAndUpgrade();
+    panel.startRun();
     QVERIFY(upgrading);
 }
 
-void TestSequence::goesOnWithoutVersions()
+void SequenceTest::goesOnWithoutVersions()
 {
     ReadyToUpgrade stage;
-    FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.m_remotePcVersion.clear();
-    panel.m_remoteOtgVersion.clear();
+    OpenPanel &panel = *stage.panel;
+    panel.pretendServerVersion(Chip::Pc, {});
+    panel.pretendServerVersion(Chip::Otg, {});
     stage.server.answer(ServerPaths::kR2PcVersion, Server::page("no", 500));
     stage.server.answer(ServerPaths::kR2OtgVersion, Server::hangUp());
-    panel.startDownloadAndUpgrade();
-    QCOMPARE(panel.m_remotePcVersion, u"104"_s);
-    QCOMPARE(panel.m_remoteOtgVersion, u"104"_s);
+    panel.startRun();
+    QCOMPARE(panel.serverVersion(Chip::Pc), u"104"_s);
+    QCOMPARE(panel.serverVersion(Chip::Otg), u"104"_s);
     QTRY_VERIFY(stage.log.contains(kAllDownloaded));
     QCOMPARE(contentOf(stage.image(u"R2_PC104.bin"_s)), QByteArray(kPcImage));
     QCOMPARE(contentOf(stage.image(u"R2_OTG104.bin"_s)), QByteArray(kOtgImage));
 }
 
-QUILLON_TEST(TestSequence)
+QUILLON_TEST(SequenceTest)
 #include "tst_sequence.moc"

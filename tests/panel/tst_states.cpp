@@ -1,5 +1,4 @@
 #include "tests/panel/PanelStage.h"
-#include "tests/support/PanelState.h"
 #include "tests/support/TestProgram.h"
 #include "widgets/ClickableProgressBar.h"
 
@@ -20,9 +19,9 @@ constexpr char kDimmed[] = "QLabel{border:0px; color:rgba(255,255,255,0.5); font
 enum class Shown { UpToDate, Available, TooOld, Nothing };
 
 /// Tells the resting screens apart by the colour of the bar, which each of them sets first.
-Shown shownScreen(const FirmwareUpgradeWidget &panel)
+Shown shownScreen(const OpenPanel &panel)
 {
-    const QColor colour = panel.m_progressBar->m_backgroundColor;
+    const QColor colour = panel.barBackground();
     if (colour == QColor(48, 49, 60, 255))
         return Shown::UpToDate;
     if (colour == QColor(87, 110, 246, 255))
@@ -38,10 +37,10 @@ struct Prepared : PanelStage {
         server.answer(ServerPaths::kR2PcVersion,
                       ScriptedHttpServer::version("2.0.0", "中文说明", "English notes"));
         panel->show();
-        panel->m_upgradePlan = plan;
-        panel->m_devicePcVersion = pcVersion;
-        panel->m_remotePcVersion = u"2.0.0"_s;
-        panel->m_progressBar->setBackgroundColor(Qt::black);
+        panel->pretendPlan(plan);
+        panel->pretendDeviceVersion(Chip::Pc, pcVersion);
+        panel->pretendServerVersion(Chip::Pc, u"2.0.0"_s);
+        panel->bar()->setBackgroundColor(Qt::black);
         Screen::showOnly(*panel, visible);
     }
 };
@@ -62,16 +61,16 @@ QStringList shown(const QStringList &names)
     return changes;
 }
 
-bool isOnTopOfTheBar(const FirmwareUpgradeWidget &panel, const QLabel *label)
+bool isOnTopOfTheBar(const OpenPanel &panel, const QLabel *label)
 {
-    return panel.m_progressBar->children().last() == label;
+    return panel.bar()->children().last() == label;
 }
 
 } // namespace
 
 Q_DECLARE_METATYPE(Shown)
 
-class TestStates : public QObject {
+class StatesTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -96,7 +95,7 @@ private Q_SLOTS:
     void placesTheUpgradeText();
 };
 
-void TestStates::theFailureScreenStays_data()
+void StatesTest::theFailureScreenStays_data()
 {
     QTest::addColumn<bool>("failureRetry");
     QTest::addColumn<bool>("autoRecover");
@@ -107,81 +106,84 @@ void TestStates::theFailureScreenStays_data()
     QTest::newRow("neither") << false << false << false;
 }
 
-void TestStates::theFailureScreenStays()
+void StatesTest::theFailureScreenStays()
 {
     QFETCH(bool, failureRetry);
     QFETCH(bool, autoRecover);
     QFETCH(bool, stays);
     Prepared stage(UpgradePlan::Both, u"1.2.3"_s, {});
-    FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.m_inFailureRetry = failureRetry;
-    panel.m_autoRecoverRunning = autoRecover;
+    OpenPanel &panel = *stage.panel;
+    panel.pretendRetryOffer(failureRetry);
+    panel.pretendRecovering(autoRecover);
     const QStringList before = Screen::everything(panel);
     stage.log.clear();
-    panel.updateUIByUpgradeState();
+    panel.updateScreen();
     QCOMPARE(stage.log.contains(u"[updateUIByUpgradeState] 当前处于失败重试状态，跳过UI更新"_s), stays);
     QCOMPARE(Screen::everything(panel) == before, stays);
     QCOMPARE(stage.server.paths().isEmpty(), stays);
 }
 
-void TestStates::showsTheVersions_data()
+void StatesTest::showsTheVersions_data()
 {
-    QTest::addColumn<int>("plan");
+    QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<QString>("remote");
     QTest::addColumn<QString>("device");
     QTest::addColumn<QString>("newVersion");
     QTest::addColumn<QString>("currentVersion");
     QTest::newRow("both known, nothing planned")
-        << 0 << u"1.2.3"_s << u"1.2.0"_s << u"V1.2.3"_s << u"V1.2.0"_s;
+        << UpgradePlan::None << u"1.2.3"_s << u"1.2.0"_s << u"V1.2.3"_s << u"V1.2.0"_s;
     QTest::newRow("both known, upgrade planned")
-        << 1 << u"1.2.3"_s << u"1.2.0"_s << u"V1.2.3"_s << u"V1.2.0"_s;
-    QTest::newRow("server's unknown") << 0 << QString() << u"1.2.0"_s << u"former"_s << u"V1.2.0"_s;
-    QTest::newRow("device's unknown") << 0 << u"1.2.3"_s << QString() << u"V1.2.3"_s << u"former"_s;
-    QTest::newRow("none known") << 3 << QString() << QString() << u"former"_s << u"former"_s;
+        << UpgradePlan::PcOnly << u"1.2.3"_s << u"1.2.0"_s << u"V1.2.3"_s << u"V1.2.0"_s;
+    QTest::newRow("server's unknown")
+        << UpgradePlan::None << QString() << u"1.2.0"_s << u"former"_s << u"V1.2.0"_s;
+    QTest::newRow("device's unknown")
+        << UpgradePlan::None << u"1.2.3"_s << QString() << u"V1.2.3"_s << u"former"_s;
+    QTest::newRow("none known") << UpgradePlan::Both << QString() << QString() << u"former"_s << u"former"_s;
     QTest::newRow("the server's failure answer, nothing planned")
-        << 0 << u"104"_s << u"1.2.0"_s << u"V104"_s << u"V1.2.0"_s;
+        << UpgradePlan::None << u"104"_s << u"1.2.0"_s << u"V104"_s << u"V1.2.0"_s;
     QTest::newRow("the server's failure answer, upgrade planned")
-        << 3 << u"104"_s << u"1.2.0"_s << u"V104"_s << u"V1.2.0"_s;
+        << UpgradePlan::Both << u"104"_s << u"1.2.0"_s << u"V104"_s << u"V1.2.0"_s;
     QTest::newRow("the server's failure answer, device too old")
-        << 3 << u"104"_s << u"1.0.0"_s << u"V104"_s << u"V1.0.0"_s;
-    QTest::newRow("no plan of ours") << 4 << u"1.2.3"_s << u"1.2.0"_s << u"V1.2.3"_s << u"V1.2.0"_s;
+        << UpgradePlan::Both << u"104"_s << u"1.0.0"_s << u"V104"_s << u"V1.0.0"_s;
+    QTest::newRow("no plan of ours") << UpgradePlan(4) << u"1.2.3"_s << u"1.2.0"_s << u"V1.2.3"_s
+                                     << u"V1.2.0"_s;
 }
 
-void TestStates::showsTheVersions()
+void StatesTest::showsTheVersions()
 {
-    QFETCH(int, plan);
+    QFETCH(UpgradePlan, plan);
     QFETCH(QString, remote);
     QFETCH(QString, device);
     QFETCH(QString, newVersion);
     QFETCH(QString, currentVersion);
     const PanelStage stage;
-    FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.m_newVerLb->setText(u"former"_s);
-    panel.m_curVerLb->setText(u"former"_s);
-    panel.m_upgradePlan = UpgradePlan(plan);
-    panel.m_remotePcVersion = remote;
-    panel.m_devicePcVersion = device;
-    panel.m_remoteOtgVersion = u"7.7.7"_s;
-    panel.m_deviceOtgVersion = u"6.6.6"_s;
-    panel.updateUIByUpgradeState();
-    QCOMPARE(panel.m_newVerLb->text(), newVersion);
-    QCOMPARE(panel.m_curVerLb->text(), currentVersion);
+    OpenPanel &panel = *stage.panel;
+    panel.newVersion()->setText(u"former"_s);
+    panel.currentVersion()->setText(u"former"_s);
+    panel.pretendPlan(plan);
+    panel.pretendServerVersion(Chip::Pc, remote);
+    panel.pretendDeviceVersion(Chip::Pc, device);
+    panel.pretendServerVersion(Chip::Otg, u"7.7.7"_s);
+    panel.pretendDeviceVersion(Chip::Otg, u"6.6.6"_s);
+    panel.updateScreen();
+    QCOMPARE(panel.newVersion()->text(), newVersion);
+    QCOMPARE(panel.currentVersion()->text(), currentVersion);
 }
 
-void TestStates::anUnknownPlanChangesTheVersionsOnly()
+void StatesTest::anUnknownPlanChangesTheVersionsOnly()
 {
     const Prepared stage(UpgradePlan(4), u"1.0.0"_s, {});
-    FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.m_newVerLb->setText(u"V2.0.0"_s);
-    panel.m_curVerLb->setText(u"V1.0.0"_s);
+    OpenPanel &panel = *stage.panel;
+    panel.newVersion()->setText(u"V2.0.0"_s);
+    panel.currentVersion()->setText(u"V1.0.0"_s);
     const QStringList before = Screen::everything(panel);
-    panel.updateUIByUpgradeState();
+    panel.updateScreen();
     QCOMPARE(Screen::everything(panel), before);
     QCOMPARE(shownScreen(panel), Shown::Nothing);
     QCOMPARE(stage.server.paths(), QStringList());
 }
 
-void TestStates::choosesTheScreen_data()
+void StatesTest::choosesTheScreen_data()
 {
     QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<QString>("pc");
@@ -214,7 +216,7 @@ void TestStates::choosesTheScreen_data()
         Shown::Available);
 }
 
-void TestStates::choosesTheScreen()
+void StatesTest::choosesTheScreen()
 {
     QFETCH(UpgradePlan, plan);
     QFETCH(QString, pc);
@@ -222,11 +224,11 @@ void TestStates::choosesTheScreen()
     QFETCH(bool, recovering);
     QFETCH(Shown, screen);
     Prepared stage(plan, pc, {});
-    FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.m_deviceOtgVersion = otg;
-    panel.m_autoRecoverRunning = recovering;
+    OpenPanel &panel = *stage.panel;
+    panel.pretendDeviceVersion(Chip::Otg, otg);
+    panel.pretendRecovering(recovering);
     stage.log.clear();
-    panel.updateUIByUpgradeState();
+    panel.updateScreen();
     QCOMPARE(shownScreen(panel), screen);
     const QString blocked
         = u"[VersionCheck] firmware too old, upgrade blocked. PC:"_s + pc + u" OTG:"_s + otg;
@@ -234,24 +236,25 @@ void TestStates::choosesTheScreen()
              screen == Shown::TooOld ? QStringList{blocked} : QStringList());
 }
 
-void TestStates::upToDate()
+void StatesTest::upToDate()
 {
     const PanelStage stage;
-    FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.m_devicePcVersion = panel.m_remotePcVersion = u"2.0.0"_s;
-    panel.m_notesEdit->setPlainText(u"former notes"_s);
-    panel.updateUIByUpgradeState();
+    OpenPanel &panel = *stage.panel;
+    panel.pretendDeviceVersion(Chip::Pc, u"2.0.0"_s);
+    panel.pretendServerVersion(Chip::Pc, u"2.0.0"_s);
+    panel.notes()->setPlainText(u"former notes"_s);
+    panel.updateScreen();
     QCOMPARE(shownScreen(panel), Shown::UpToDate);
-    QCOMPARE(panel.m_notesEdit->toPlainText(), u"--"_s);
-    QCOMPARE(panel.m_upgradeTextLb->text(), u"立即升级"_s);
-    QCOMPARE(panel.m_upgradeTextLb->styleSheet(), QLatin1String(kDimmed));
+    QCOMPARE(panel.notes()->toPlainText(), u"--"_s);
+    QCOMPARE(panel.upgradeText()->text(), u"立即升级"_s);
+    QCOMPARE(panel.upgradeText()->styleSheet(), QLatin1String(kDimmed));
     QCOMPARE(stage.server.paths(), QStringList());
     for (const QLabel *visible :
-         {panel.m_noNewFirmwareLb, panel.m_upgradeTextLb, panel.m_curVerLb, panel.verCompLb})
+         {panel.noNewFirmware(), panel.upgradeText(), panel.currentVersion(), panel.card()})
         QVERIFY2(visible->isVisibleTo(&panel), qPrintable(visible->objectName()));
 }
 
-void TestStates::upToDateChangesInOrder()
+void StatesTest::upToDateChangesInOrder()
 {
     const QStringList hiddenThen{u"m_tooOldLb"_s, u"m_offlineToolIconLb"_s, u"m_offlineToolTipLb"_s,
                                  u"m_offlineToolLinkLb"_s};
@@ -260,57 +263,57 @@ void TestStates::upToDateChangesInOrder()
     const QStringList hiddenLast{u"upgradeProgDisPlay"_s};
     const Prepared stage(UpgradePlan::None, u"2.0.0"_s, hiddenThen + hiddenLater + hiddenLast);
     const VisibilityRecorder recorder(*stage.panel);
-    stage.panel->updateUIByUpgradeState();
+    stage.panel->updateScreen();
     QCOMPARE(recorder.changes,
              hidden(hiddenThen) + shown({u"m_noNewFirmwareLb"_s}) + hidden(hiddenLater)
                  + shown({u"m_upgradeTextLb"_s}) + hidden(hiddenLast));
 }
 
-void TestStates::upToDateLeavesTheBarsValueAndClick_data()
+void StatesTest::upToDateLeavesTheBarsValueAndClick_data()
 {
     QTest::addColumn<bool>("clickable");
     QTest::newRow("clickable") << true;
     QTest::newRow("not clickable") << false;
 }
 
-void TestStates::upToDateLeavesTheBarsValueAndClick()
+void StatesTest::upToDateLeavesTheBarsValueAndClick()
 {
     QFETCH(bool, clickable);
     const PanelStage stage;
-    ClickableProgressBar &bar = *stage.panel->m_progressBar;
+    ClickableProgressBar &bar = *stage.panel->bar();
     bar.setClickable(clickable);
     bar.setValue(42);
     bar.setBorderColor(Qt::red);
     bar.setBorderWidth(3);
-    stage.panel->updateUIByUpgradeState();
+    stage.panel->updateScreen();
     QCOMPARE(bar.isClickable(), clickable);
     QCOMPARE(bar.value(), 42);
-    QCOMPARE(bar.m_borderWidth, 3.0);
+    QCOMPARE(stage.panel->barBorderWidth(), 3.0);
 }
 
-void TestStates::available()
+void StatesTest::available()
 {
     const Prepared stage(UpgradePlan::Both, u"1.2.0"_s, {});
-    FirmwareUpgradeWidget &panel = *stage.panel;
-    ClickableProgressBar &bar = *panel.m_progressBar;
+    OpenPanel &panel = *stage.panel;
+    ClickableProgressBar &bar = *panel.bar();
     bar.setClickable(false);
     bar.setValue(42);
     bar.setBorderColor(Qt::red);
     bar.setBorderWidth(3);
-    panel.updateUIByUpgradeState();
+    panel.updateScreen();
     QCOMPARE(shownScreen(panel), Shown::Available);
     QVERIFY(bar.isClickable());
     QCOMPARE(bar.value(), 0);
-    QCOMPARE(bar.m_borderWidth, 0.0);
-    QCOMPARE(bar.m_borderColor, QColor(Qt::transparent));
-    QCOMPARE(panel.m_upgradeTextLb->text(), u"立即升级"_s);
-    QCOMPARE(panel.m_upgradeTextLb->styleSheet(), QLatin1String(kWhite));
-    QVERIFY(isOnTopOfTheBar(panel, panel.m_upgradeTextLb));
-    QCOMPARE(panel.m_newVerLb->text(), u"V2.0.0"_s);
-    QCOMPARE(panel.m_notesEdit->toPlainText(), u"中文说明"_s);
+    QCOMPARE(panel.barBorderWidth(), 0.0);
+    QCOMPARE(panel.barBorder(), QColor(Qt::transparent));
+    QCOMPARE(panel.upgradeText()->text(), u"立即升级"_s);
+    QCOMPARE(panel.upgradeText()->styleSheet(), QLatin1String(kWhite));
+    QVERIFY(isOnTopOfTheBar(panel, panel.upgradeText()));
+    QCOMPARE(panel.newVersion()->text(), u"V2.0.0"_s);
+    QCOMPARE(panel.notes()->toPlainText(), u"中文说明"_s);
 }
 
-void TestStates::availableChangesInOrder()
+void StatesTest::availableChangesInOrder()
 {
     const QStringList hiddenThen{u"m_tooOldLb"_s,          u"m_offlineToolIconLb"_s, u"m_offlineToolTipLb"_s,
                                  u"m_offlineToolLinkLb"_s, u"m_doneIconLb"_s,        u"m_doneLb"_s,
@@ -319,35 +322,35 @@ void TestStates::availableChangesInOrder()
     const QStringList hiddenLater{u"m_noNewFirmwareLb"_s};
     const Prepared stage(UpgradePlan::PcOnly, u"1.2.0"_s, hiddenThen + hiddenLater);
     const VisibilityRecorder recorder(*stage.panel);
-    stage.panel->updateUIByUpgradeState();
+    stage.panel->updateScreen();
     QCOMPARE(recorder.changes,
              hidden(hiddenThen) + shown({u"m_rocketLb"_s, u"m_upgradeTextLb"_s}) + hidden(hiddenLater)
                  + shown({u"m_newVerTitleLb"_s, u"m_newVerDotLb"_s, u"m_newVerLb"_s, u"m_notesEdit"_s}));
 }
 
-void TestStates::tooOld()
+void StatesTest::tooOld()
 {
     const Prepared stage(UpgradePlan::PcOnly, u"1.0.9"_s, {});
-    FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.m_progressBar->setClickable(true);
-    panel.m_progressBar->setValue(42);
-    panel.updateUIByUpgradeState();
+    OpenPanel &panel = *stage.panel;
+    panel.bar()->setClickable(true);
+    panel.bar()->setValue(42);
+    panel.updateScreen();
     QCOMPARE(shownScreen(panel), Shown::TooOld);
-    QVERIFY(!panel.m_progressBar->isClickable());
-    QCOMPARE(panel.m_progressBar->value(), 42);
-    QVERIFY(isOnTopOfTheBar(panel, panel.m_tooOldLb));
-    QCOMPARE(panel.m_newVerLb->text(), u"V2.0.0"_s);
-    QCOMPARE(panel.m_notesEdit->toPlainText(), u"中文说明"_s);
+    QVERIFY(!panel.bar()->isClickable());
+    QCOMPARE(panel.bar()->value(), 42);
+    QVERIFY(isOnTopOfTheBar(panel, panel.tooOldText()));
+    QCOMPARE(panel.newVersion()->text(), u"V2.0.0"_s);
+    QCOMPARE(panel.notes()->toPlainText(), u"中文说明"_s);
 }
 
-void TestStates::tooOldChangesInOrder()
+void StatesTest::tooOldChangesInOrder()
 {
     const QStringList hiddenThen{u"m_rocketLb"_s, u"m_upgradeTextLb"_s};
     const QStringList hiddenLater{u"upgradeProgDisPlay"_s, u"m_noNewFirmwareLb"_s};
     const QStringList hiddenLast{u"m_doneIconLb"_s, u"m_doneLb"_s};
     const Prepared stage(UpgradePlan::PcOnly, u"1.0.9"_s, hiddenThen + hiddenLater + hiddenLast);
     const VisibilityRecorder recorder(*stage.panel);
-    stage.panel->updateUIByUpgradeState();
+    stage.panel->updateScreen();
     QCOMPARE(recorder.changes,
              hidden(hiddenThen) + shown({u"m_tooOldLb"_s}) + hidden(hiddenLater)
                  + shown({u"m_newVerTitleLb"_s, u"m_newVerDotLb"_s, u"m_newVerLb"_s}) + hidden(hiddenLast)
@@ -355,33 +358,33 @@ void TestStates::tooOldChangesInOrder()
                           u"m_notesEdit"_s}));
 }
 
-void TestStates::centresTheOfflineToolLine_data()
+void StatesTest::centresTheOfflineToolLine_data()
 {
     QTest::addColumn<Language>("language");
     QTest::newRow("Chinese") << Language::Chinese;
     QTest::newRow("English") << Language::English;
 }
 
-void TestStates::centresTheOfflineToolLine()
+void StatesTest::centresTheOfflineToolLine()
 {
     QFETCH(Language, language);
     const Prepared stage(UpgradePlan::PcOnly, u"1.0.9"_s, {});
-    FirmwareUpgradeWidget &panel = *stage.panel;
+    OpenPanel &panel = *stage.panel;
     QuillonFirmwareUpgrade::setLanguage(language);
-    for (QLabel *label : {panel.m_offlineToolIconLb, panel.m_offlineToolTipLb, panel.m_offlineToolLinkLb})
+    for (QLabel *label : {panel.offlineToolIcon(), panel.offlineToolTip(), panel.offlineToolLink()})
         label->setGeometry(0, 0, 7, 7);
-    panel.updateUIByUpgradeState();
-    const QLabel *tip = panel.m_offlineToolTipLb;
-    const QLabel *link = panel.m_offlineToolLinkLb;
+    panel.updateScreen();
+    const QLabel *tip = panel.offlineToolTip();
+    const QLabel *link = panel.offlineToolLink();
     QCOMPARE(tip->size(), tip->sizeHint());
     QCOMPARE(link->size(), link->sizeHint());
     const int start = (380 - link->width() - tip->width()) / 2 + 32;
-    QCOMPARE(panel.m_offlineToolIconLb->geometry(), QRect(start, (tip->height() - 24) / 2 + 319, 24, 24));
+    QCOMPARE(panel.offlineToolIcon()->geometry(), QRect(start, (tip->height() - 24) / 2 + 319, 24, 24));
     QCOMPARE(tip->pos(), QPoint(start + 28, 319));
     QCOMPARE(link->pos(), QPoint(start + 28 + tip->width(), 319));
 }
 
-void TestStates::placesTheUpgradeText_data()
+void StatesTest::placesTheUpgradeText_data()
 {
     QTest::addColumn<Language>("language");
     QTest::addColumn<UpgradePlan>("plan");
@@ -397,7 +400,7 @@ void TestStates::placesTheUpgradeText_data()
         << Language::English << UpgradePlan::Both << u"Update Now"_s << QRect(170, 13, 105, 21);
 }
 
-void TestStates::placesTheUpgradeText()
+void StatesTest::placesTheUpgradeText()
 {
     QFETCH(Language, language);
     QFETCH(UpgradePlan, plan);
@@ -405,15 +408,15 @@ void TestStates::placesTheUpgradeText()
     QFETCH(QRect, place);
     const Prepared stage(plan, u"1.2.0"_s, {});
     QuillonFirmwareUpgrade::setLanguage(language);
-    QLabel *label = stage.panel->m_upgradeTextLb;
+    QLabel *label = stage.panel->upgradeText();
     label->setText(u"former"_s);
     label->setGeometry(0, 0, 7, 7);
-    stage.panel->updateUIByUpgradeState();
+    stage.panel->updateScreen();
     QCOMPARE(label->text(), text);
     QCOMPARE(label->geometry(), place);
     QVERIFY2(label->styleSheet().contains(u"\"Microsoft YaHei\""_s),
              "both styles name this family in either language");
 }
 
-QUILLON_TEST(TestStates)
+QUILLON_TEST(StatesTest)
 #include "tst_states.moc"

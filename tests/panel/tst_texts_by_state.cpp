@@ -20,17 +20,17 @@ QString retryStyle(const char *family)
 }
 
 /// The retry is offered: what the failure screen sets.
-void offerRetry(FirmwareUpgradeWidget &panel)
+void offerRetry(OpenPanel &panel)
 {
-    panel.m_inFailureRetry = true;
-    panel.m_autoRecoverRunning = true;
-    panel.m_isUpgrading = false;
+    panel.pretendRetryOffer(true);
+    panel.pretendRecovering(true);
+    panel.pretendUpgrading(false);
 }
 
 } // namespace
 
 /// What a change of the language makes of texts and places that depend on the state of the panel.
-class TestTextsByState : public QObject {
+class TextsByStateTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -47,32 +47,32 @@ private Q_SLOTS:
     void laysOutTheWaitingLine();
 };
 
-void TestTextsByState::saysWhetherAnUpgradeIsPlanned_data()
+void TextsByStateTest::saysWhetherAnUpgradeIsPlanned_data()
 {
-    QTest::addColumn<int>("plan");
+    QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<QString>("line");
-    QTest::newRow("None") << 0 << u" ####retranslateUI isNeedUpgrade is: false"_s;
-    QTest::newRow("PcOnly") << 1 << u" ####retranslateUI isNeedUpgrade is: true"_s;
-    QTest::newRow("OtgOnly") << 2 << u" ####retranslateUI isNeedUpgrade is: true"_s;
-    QTest::newRow("Both") << 3 << u" ####retranslateUI isNeedUpgrade is: true"_s;
-    QTest::newRow("no plan of ours") << 4 << u" ####retranslateUI isNeedUpgrade is: false"_s;
+    QTest::newRow("None") << UpgradePlan::None << u" ####retranslateUI isNeedUpgrade is: false"_s;
+    QTest::newRow("PcOnly") << UpgradePlan::PcOnly << u" ####retranslateUI isNeedUpgrade is: true"_s;
+    QTest::newRow("OtgOnly") << UpgradePlan::OtgOnly << u" ####retranslateUI isNeedUpgrade is: true"_s;
+    QTest::newRow("Both") << UpgradePlan::Both << u" ####retranslateUI isNeedUpgrade is: true"_s;
+    QTest::newRow("no plan of ours") << UpgradePlan(4) << u" ####retranslateUI isNeedUpgrade is: false"_s;
 }
 
-void TestTextsByState::saysWhetherAnUpgradeIsPlanned()
+void TextsByStateTest::saysWhetherAnUpgradeIsPlanned()
 {
-    QFETCH(int, plan);
+    QFETCH(UpgradePlan, plan);
     QFETCH(QString, line);
     PanelStage stage;
-    stage.panel->m_upgradePlan = UpgradePlan(plan);
+    stage.panel->pretendPlan(plan);
     stage.log.clear();
-    stage.panel->retranslateUI();
+    stage.panel->retranslate();
     QCOMPARE(stage.log.lines(),
              (QStringList{u"Detected language switch. The language after switching is: Chinese"_s, line}));
 }
 
-void TestTextsByState::placesTheUpgradeText_data()
+void TextsByStateTest::placesTheUpgradeText_data()
 {
-    QTest::addColumn<int>("plan");
+    QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<bool>("failureRetry");
     QTest::addColumn<bool>("autoRecover");
     QTest::addColumn<bool>("upgrading");
@@ -86,29 +86,35 @@ void TestTextsByState::placesTheUpgradeText_data()
     const QRect readyEnglish(170, 13, 105, 21);
     const QRect idleChinese(172, 13, 64, 21);
     const QRect idleEnglish(156, 13, 105, 21);
-    QTest::newRow("nothing planned") << 0 << false << false << false << idleChinese << idleEnglish << false;
-    QTest::newRow("PC planned") << 1 << false << false << false << readyChinese << readyEnglish << false;
-    QTest::newRow("OTG planned") << 2 << false << false << false << readyChinese << readyEnglish << false;
-    QTest::newRow("both planned") << 3 << false << false << false << readyChinese << readyEnglish << false;
-    QTest::newRow("no plan of ours") << 4 << false << false << false << idleChinese << idleEnglish << false;
+    QTest::newRow("nothing planned") << UpgradePlan::None << false << false << false << idleChinese
+                                     << idleEnglish << false;
+    QTest::newRow("PC planned") << UpgradePlan::PcOnly << false << false << false << readyChinese
+                                << readyEnglish << false;
+    QTest::newRow("OTG planned") << UpgradePlan::OtgOnly << false << false << false << readyChinese
+                                 << readyEnglish << false;
+    QTest::newRow("both planned") << UpgradePlan::Both << false << false << false << readyChinese
+                                  << readyEnglish << false;
+    QTest::newRow("no plan of ours") << UpgradePlan(4) << false << false << false << idleChinese
+                                     << idleEnglish << false;
     QTest::newRow("retry offered, nothing planned")
-        << 0 << true << true << false << retryChinese << retryEnglish << true;
+        << UpgradePlan::None << true << true << false << retryChinese << retryEnglish << true;
     QTest::newRow("retry offered, PC planned")
-        << 1 << true << true << false << retryChinese << retryEnglish << true;
+        << UpgradePlan::PcOnly << true << true << false << retryChinese << retryEnglish << true;
     QTest::newRow("retry offered, OTG planned")
-        << 2 << true << true << false << retryChinese << retryEnglish << true;
+        << UpgradePlan::OtgOnly << true << true << false << retryChinese << retryEnglish << true;
     QTest::newRow("failed but not armed")
-        << 3 << true << false << false << readyChinese << readyEnglish << false;
+        << UpgradePlan::Both << true << false << false << readyChinese << readyEnglish << false;
     QTest::newRow("armed but not failed")
-        << 3 << false << true << false << readyChinese << readyEnglish << false;
+        << UpgradePlan::Both << false << true << false << readyChinese << readyEnglish << false;
     QTest::newRow("failed, armed and upgrading again")
-        << 3 << true << true << true << readyChinese << readyEnglish << false;
-    QTest::newRow("upgrading") << 3 << false << false << true << readyChinese << readyEnglish << false;
+        << UpgradePlan::Both << true << true << true << readyChinese << readyEnglish << false;
+    QTest::newRow("upgrading") << UpgradePlan::Both << false << false << true << readyChinese << readyEnglish
+                               << false;
 }
 
-void TestTextsByState::placesTheUpgradeText()
+void TextsByStateTest::placesTheUpgradeText()
 {
-    QFETCH(int, plan);
+    QFETCH(UpgradePlan, plan);
     QFETCH(bool, failureRetry);
     QFETCH(bool, autoRecover);
     QFETCH(bool, upgrading);
@@ -116,14 +122,14 @@ void TestTextsByState::placesTheUpgradeText()
     QFETCH(QRect, chinese);
     QFETCH(QRect, english);
     const PanelStage stage;
-    FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.m_upgradePlan = UpgradePlan(plan);
-    panel.m_inFailureRetry = failureRetry;
-    panel.m_autoRecoverRunning = autoRecover;
-    panel.m_isUpgrading = upgrading;
+    OpenPanel &panel = *stage.panel;
+    panel.pretendPlan(plan);
+    panel.pretendRetryOffer(failureRetry);
+    panel.pretendRecovering(autoRecover);
+    panel.pretendUpgrading(upgrading);
 
-    const QString formerStyle = panel.m_upgradeTextLb->styleSheet();
-    const QLabel &label = *panel.m_upgradeTextLb;
+    const QString formerStyle = panel.upgradeText()->styleSheet();
+    const QLabel &label = *panel.upgradeText();
     setLanguage(Language::English);
     QCOMPARE(label.geometry(), english);
     QCOMPARE(label.text(), retry ? u"I've replugged the device. Restart update."_s : u"Update Now"_s);
@@ -134,73 +140,80 @@ void TestTextsByState::placesTheUpgradeText()
     QCOMPARE(label.styleSheet(), retry ? retryStyle("Microsoft YaHei") : formerStyle);
 }
 
-void TestTextsByState::leavesTheStyleOfTheUpgradeText()
+void TextsByStateTest::leavesTheStyleOfTheUpgradeText()
 {
     const PanelStage stage;
     const QString style = u"QLabel{color:rgba(1,2,3,1);}"_s;
-    stage.panel->m_upgradeTextLb->setStyleSheet(style);
+    stage.panel->upgradeText()->setStyleSheet(style);
     setLanguage(Language::English);
-    QCOMPARE(stage.panel->m_upgradeTextLb->styleSheet(), style);
+    QCOMPARE(stage.panel->upgradeText()->styleSheet(), style);
     offerRetry(*stage.panel);
     setLanguage(Language::English);
-    QVERIFY(stage.panel->m_upgradeTextLb->styleSheet() != style);
+    QVERIFY(stage.panel->upgradeText()->styleSheet() != style);
 }
 
-void TestTextsByState::fillsTheNotes_data()
+void TextsByStateTest::fillsTheNotes_data()
 {
     QTest::addColumn<Language>("language");
-    QTest::addColumn<int>("plan");
+    QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<QString>("chineseNotes");
     QTest::addColumn<QString>("englishNotes");
     QTest::addColumn<QString>("shown");
-    const auto row = [](const char *name, Language language, int plan, const QString &notes,
+    const auto row = [](const char *name, Language language, UpgradePlan plan, const QString &notes,
                         const QString &englishNotes, const QString &shown) {
         QTest::newRow(name) << language << plan << notes << englishNotes << shown;
     };
     const QString chinese = u"1. 修复若干问题\n2. 提升稳定性"_s;
     const QString english = u"1. Fixes\n2. Stability"_s;
     const QString former = u"what stood there"_s;
-    row("Chinese notes of a planned PC upgrade", Language::Chinese, 1, chinese, english, chinese);
-    row("Chinese notes of a planned OTG upgrade", Language::Chinese, 2, chinese, english, chinese);
-    row("English notes of a planned upgrade of both", Language::English, 3, chinese, english, english);
-    row("a dash when nothing is planned", Language::Chinese, 0, chinese, english, u"--"_s);
-    row("a dash in English too", Language::English, 0, chinese, english, u"--"_s);
-    row("no Chinese notes: the box keeps its text", Language::Chinese, 3, {}, english, former);
-    row("no English notes: the box keeps its text", Language::English, 3, chinese, {}, former);
-    row("no notes and nothing planned: the box keeps its text", Language::English, 0, chinese, {}, former);
-    row("only English notes are needed in English", Language::English, 1, {}, english, english);
+    row("Chinese notes of a planned PC upgrade", Language::Chinese, UpgradePlan::PcOnly, chinese, english,
+        chinese);
+    row("Chinese notes of a planned OTG upgrade", Language::Chinese, UpgradePlan::OtgOnly, chinese, english,
+        chinese);
+    row("English notes of a planned upgrade of both", Language::English, UpgradePlan::Both, chinese, english,
+        english);
+    row("a dash when nothing is planned", Language::Chinese, UpgradePlan::None, chinese, english, u"--"_s);
+    row("a dash in English too", Language::English, UpgradePlan::None, chinese, english, u"--"_s);
+    row("no Chinese notes: the box keeps its text", Language::Chinese, UpgradePlan::Both, {}, english,
+        former);
+    row("no English notes: the box keeps its text", Language::English, UpgradePlan::Both, chinese, {},
+        former);
+    row("no notes and nothing planned: the box keeps its text", Language::English, UpgradePlan::None, chinese,
+        {}, former);
+    row("only English notes are needed in English", Language::English, UpgradePlan::PcOnly, {}, english,
+        english);
 }
 
-void TestTextsByState::fillsTheNotes()
+void TextsByStateTest::fillsTheNotes()
 {
     QFETCH(Language, language);
-    QFETCH(int, plan);
+    QFETCH(UpgradePlan, plan);
     QFETCH(QString, chineseNotes);
     QFETCH(QString, englishNotes);
     QFETCH(QString, shown);
     const PanelStage stage;
-    stage.panel->m_notesEdit->setPlainText(u"what stood there"_s);
-    stage.panel->m_upgradePlan = UpgradePlan(plan);
+    stage.panel->notes()->setPlainText(u"what stood there"_s);
+    stage.panel->pretendPlan(plan);
     networking_class::getInstance()->f_remark = chineseNotes;
     networking_class::getInstance()->f_remark_en = englishNotes;
     setLanguage(language);
-    QCOMPARE(stage.panel->m_notesEdit->toPlainText(), shown);
+    QCOMPARE(stage.panel->notes()->toPlainText(), shown);
 }
 
-void TestTextsByState::asksNoServer()
+void TextsByStateTest::asksNoServer()
 {
     const PanelStage stage;
-    stage.panel->m_upgradePlan = UpgradePlan::Both;
-    stage.panel->m_devicePcVersion = u"1.1.1"_s;
+    stage.panel->pretendPlan(UpgradePlan::Both);
+    stage.panel->pretendDeviceVersion(Chip::Pc, u"1.1.1"_s);
     networking_class::getInstance()->f_remark_en = u"notes"_s;
     setLanguage(Language::English);
     QCoreApplication::processEvents();
     QCOMPARE(stage.server.paths(), QStringList());
 }
 
-void TestTextsByState::tellsWhereToConnect_data()
+void TextsByStateTest::tellsWhereToConnect_data()
 {
-    QTest::addColumn<int>("plan");
+    QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<bool>("pcDone");
     QTest::addColumn<DeviceModel>("model");
     QTest::addColumn<QStringList>("chinese");
@@ -230,46 +243,56 @@ void TestTextsByState::tellsWhereToConnect_data()
                                    u"To continue and complete the update, use the provided\nUSB cables to "
                                    "connect the DC-5V and OTG ports as\nshown."_s};
 
-    QTest::newRow("R1, nothing planned") << 0 << false << DeviceModel::R1 << r1Usb << r1UsbEnglish;
-    QTest::newRow("R2, nothing planned") << 0 << false << DeviceModel::R2 << r2Usb << r2UsbEnglish;
-    QTest::newRow("R1, PC only") << 1 << false << DeviceModel::R1 << r1Usb << r1UsbEnglish;
-    QTest::newRow("R2, PC only, however far") << 1 << true << DeviceModel::R2 << r2Usb << r2UsbEnglish;
-    QTest::newRow("R1, OTG only") << 2 << false << DeviceModel::R1 << r1Otg << r1OtgEnglish;
-    QTest::newRow("R2, OTG only") << 2 << false << DeviceModel::R2 << r2Otg << r2OtgEnglish;
-    QTest::newRow("R1, both, PC not done") << 3 << false << DeviceModel::R1 << r1Usb << r1UsbEnglish;
-    QTest::newRow("R2, both, PC not done") << 3 << false << DeviceModel::R2 << r2Usb << r2UsbEnglish;
-    QTest::newRow("R1, both, PC done") << 3 << true << DeviceModel::R1 << r1Otg << r1OtgEnglish;
-    QTest::newRow("R2, both, PC done") << 3 << true << DeviceModel::R2 << r2Otg << r2OtgEnglish;
-    QTest::newRow("any other model is R2") << 2 << false << DeviceModel(5) << r2Otg << r2OtgEnglish;
+    QTest::newRow("R1, nothing planned")
+        << UpgradePlan::None << false << DeviceModel::R1 << r1Usb << r1UsbEnglish;
+    QTest::newRow("R2, nothing planned")
+        << UpgradePlan::None << false << DeviceModel::R2 << r2Usb << r2UsbEnglish;
+    QTest::newRow("R1, PC only") << UpgradePlan::PcOnly << false << DeviceModel::R1 << r1Usb << r1UsbEnglish;
+    QTest::newRow("R2, PC only, however far")
+        << UpgradePlan::PcOnly << true << DeviceModel::R2 << r2Usb << r2UsbEnglish;
+    QTest::newRow("R1, OTG only") << UpgradePlan::OtgOnly << false << DeviceModel::R1 << r1Otg
+                                  << r1OtgEnglish;
+    QTest::newRow("R2, OTG only") << UpgradePlan::OtgOnly << false << DeviceModel::R2 << r2Otg
+                                  << r2OtgEnglish;
+    QTest::newRow("R1, both, PC not done")
+        << UpgradePlan::Both << false << DeviceModel::R1 << r1Usb << r1UsbEnglish;
+    QTest::newRow("R2, both, PC not done")
+        << UpgradePlan::Both << false << DeviceModel::R2 << r2Usb << r2UsbEnglish;
+    QTest::newRow("R1, both, PC done")
+        << UpgradePlan::Both << true << DeviceModel::R1 << r1Otg << r1OtgEnglish;
+    QTest::newRow("R2, both, PC done")
+        << UpgradePlan::Both << true << DeviceModel::R2 << r2Otg << r2OtgEnglish;
+    QTest::newRow("any other model is R2")
+        << UpgradePlan::OtgOnly << false << DeviceModel(5) << r2Otg << r2OtgEnglish;
 }
 
-void TestTextsByState::tellsWhereToConnect()
+void TextsByStateTest::tellsWhereToConnect()
 {
-    QFETCH(int, plan);
+    QFETCH(UpgradePlan, plan);
     QFETCH(bool, pcDone);
     QFETCH(DeviceModel, model);
     QFETCH(QStringList, chinese);
     QFETCH(QStringList, english);
     const PanelStage stage;
-    FirmwareUpgradeWidget &panel = *stage.panel;
-    panel.m_upgradePlan = UpgradePlan(plan);
-    panel.pcUpgradeCompleted = pcDone;
-    panel.m_deviceModel = model;
+    OpenPanel &panel = *stage.panel;
+    panel.pretendPlan(plan);
+    panel.pretendPcDone(pcDone);
+    panel.pretendModel(model);
     setLanguage(Language::English);
-    QCOMPARE((QStringList{panel.m_detectingUsbLb->text(), panel.m_connectHintLb->text()}), english);
+    QCOMPARE((QStringList{panel.detectingText()->text(), panel.cableHint()->text()}), english);
     setLanguage(Language::Chinese);
-    QCOMPARE((QStringList{panel.m_detectingUsbLb->text(), panel.m_connectHintLb->text()}), chinese);
+    QCOMPARE((QStringList{panel.detectingText()->text(), panel.cableHint()->text()}), chinese);
 }
 
-void TestTextsByState::laysOutTheWaitingLine()
+void TextsByStateTest::laysOutTheWaitingLine()
 {
     const PanelStage stage;
-    stage.panel->m_isWaitingForUSB = false;
+    stage.panel->pretendWaitingForCable(false);
     setLanguage(Language::English);
-    QCOMPARE(stage.panel->m_upgradingLb->text(), u"Updating... Do not turn off the device."_s);
-    QCOMPARE(stage.panel->m_upgradingLb->geometry(), QRect(76, 13, 310, 21));
-    QCOMPARE(stage.panel->m_waitingIconLb->geometry(), QRect(44, 12, 24, 24));
+    QCOMPARE(stage.panel->waitingText()->text(), u"Updating... Do not turn off the device."_s);
+    QCOMPARE(stage.panel->waitingText()->geometry(), QRect(76, 13, 310, 21));
+    QCOMPARE(stage.panel->waitingIcon()->geometry(), QRect(44, 12, 24, 24));
 }
 
-QUILLON_TEST(TestTextsByState)
+QUILLON_TEST(TextsByStateTest)
 #include "tst_texts_by_state.moc"

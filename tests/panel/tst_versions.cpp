@@ -1,6 +1,6 @@
 // Comparing versions, and the rules that follow from version strings alone.
-#include "panel/FirmwareUpgradeWidget.h"
 #include "panel/VersionRules.h"
+#include "tests/panel/OpenPanel.h"
 #include "tests/support/Sandbox.h"
 #include "tests/support/ScriptedTransport.h"
 #include "tests/support/TestProgram.h"
@@ -90,31 +90,31 @@ void VersionsTest::compare()
 void VersionsTest::panelComparesByTheSameRule()
 {
     const Sandbox sandbox;
-    FirmwareUpgradeWidget panel;
+    OpenPanel panel;
 
-    QCOMPARE(panel.compareVersion(u"1.9"_s, u"1.10"_s), kOlder);
-    QCOMPARE(panel.compareVersion(u"1.10"_s, u"1.9"_s), kNewer);
-    QCOMPARE(panel.compareVersion(u"1.x.3"_s, u"1.0.3"_s), kEqual);
-    QCOMPARE(panel.compareVersion(QString(), QString()), kEqual);
+    QCOMPARE(panel.compareVersions(u"1.9"_s, u"1.10"_s), kOlder);
+    QCOMPARE(panel.compareVersions(u"1.10"_s, u"1.9"_s), kNewer);
+    QCOMPARE(panel.compareVersions(u"1.x.3"_s, u"1.0.3"_s), kEqual);
+    QCOMPARE(panel.compareVersions(QString(), QString()), kEqual);
 }
 
 void VersionsTest::planLogNames_data()
 {
-    QTest::addColumn<int>("plan");
+    QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<QString>("name");
-    QTest::newRow("None reads OtgOnly") << 0 << u"OtgOnly"_s;
-    QTest::newRow("PcOnly") << 1 << u"PcOnly"_s;
-    QTest::newRow("OtgOnly") << 2 << u"OtgOnly"_s;
-    QTest::newRow("Both") << 3 << u"Both"_s;
-    QTest::newRow("4 reads OtgOnly") << 4 << u"OtgOnly"_s;
-    QTest::newRow("-1 reads OtgOnly") << -1 << u"OtgOnly"_s;
+    QTest::newRow("None reads OtgOnly") << UpgradePlan::None << u"OtgOnly"_s;
+    QTest::newRow("PcOnly") << UpgradePlan::PcOnly << u"PcOnly"_s;
+    QTest::newRow("OtgOnly") << UpgradePlan::OtgOnly << u"OtgOnly"_s;
+    QTest::newRow("Both") << UpgradePlan::Both << u"Both"_s;
+    QTest::newRow("4 reads OtgOnly") << UpgradePlan(4) << u"OtgOnly"_s;
+    QTest::newRow("-1 reads OtgOnly") << UpgradePlan(-1) << u"OtgOnly"_s;
 }
 
 void VersionsTest::planLogNames()
 {
-    QFETCH(int, plan);
+    QFETCH(UpgradePlan, plan);
 
-    QTEST(VersionRules::planLogName(static_cast<UpgradePlan>(plan)), "name");
+    QTEST(VersionRules::planLogName(plan), "name");
 }
 
 void VersionsTest::tooOld_data()

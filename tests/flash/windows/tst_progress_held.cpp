@@ -1,6 +1,6 @@
 // A progress file that a virus scanner, an editor or an old tool keeps to itself, which Windows lets it do.
 #include "system/SharedFile.h"
-#include "tests/flash/FlashingStage.h"
+#include "tests/flash/FlashingTest.h"
 #include "tests/support/TestProgram.h"
 
 #include <QDir>
@@ -14,12 +14,10 @@ namespace {
 constexpr int kPatience = 20'000;
 } // namespace
 
-class ProgressHeldTest : public QObject {
+class ProgressHeldTest : public FlashingTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m = std::make_unique<FlashingStage>(); }
-    void cleanup() { m.reset(); }
     void aFileIsHeld_data();
     void aFileIsHeld();
     void aFileThatIsReadCanBeReplaced();
@@ -41,10 +39,8 @@ private:
     void poll(int times)
     {
         for (int i = 0; i < times; ++i)
-            m->panel->onReadFirmwareTxt();
+            m->panel->pollProgress();
     }
-
-    std::unique_ptr<FlashingStage> m;
 };
 
 void ProgressHeldTest::aFileIsHeld_data()
@@ -96,14 +92,14 @@ void ProgressHeldTest::theVerdictWaitsForTheScanner()
     m->beginRun(UpgradePlan::PcOnly);
     m->sandbox.writeProgress(line);
     auto scanner = hold(Share::Nothing);
-    m->panel->m_progressTimer->stop();
+    m->panel->pollTimer()->stop();
     poll(15);
-    QVERIFY(m->panel->m_isUpgrading);
+    QVERIFY(m->panel->isUpgrading());
     QVERIFY(!m->showsFailure());
 
     scanner.reset();
     poll(1);
-    QVERIFY(!m->panel->m_isUpgrading);
+    QVERIFY(!m->panel->isUpgrading());
     QCOMPARE(m->showsFailure(), !succeeds);
 }
 
@@ -114,7 +110,7 @@ void ProgressHeldTest::aScannerThatNeverLetsGoIsNotWaitedFor()
     const auto scanner = hold(Share::Nothing);
     QTRY_VERIFY_WITH_TIMEOUT(m->showsFailure(), kPatience);
     QVERIFY(m->log.contains(u"[状态] 进程已退出但无进度文件，判定为失败"_s));
-    QVERIFY(!m->panel->m_progressTimer->isActive());
+    QVERIFY(!m->panel->pollTimer()->isActive());
 }
 
 void ProgressHeldTest::whileTheToolRunsNobodyHurries()
@@ -123,7 +119,7 @@ void ProgressHeldTest::whileTheToolRunsNobodyHurries()
     m->beginRun(UpgradePlan::PcOnly);
     m->sandbox.writeProgress("17%");
     auto scanner = hold(Share::Nothing);
-    m->panel->m_progressTimer->stop();
+    m->panel->pollTimer()->stop();
     poll(100);
     QVERIFY(!m->showsFailure());
     scanner.reset();
@@ -146,19 +142,19 @@ void ProgressHeldTest::anOldSuccessThatCannotBeRemovedIsNone()
     auto holder = hold(share);
     m->beginRun(UpgradePlan::PcOnly);
     m->tool.obeys("await go\nwrite 5%\nhang");
-    m->panel->startUpgradeWithExternalTool(m->image, 14);
-    m->panel->m_progressTimer->stop();
+    m->panel->flash(m->image, 14);
+    m->panel->pollTimer()->stop();
     QVERIFY(QFile::exists(m->sandbox.progressFile()));
     poll(50);
     QVERIFY(m->isToolRunning());
-    QVERIFY(m->panel->m_isUpgrading);
+    QVERIFY(m->panel->isUpgrading());
     QCOMPARE(m->percentOnBar(), 0);
 
     holder.reset();
     poll(1);
     QVERIFY(m->isToolRunning());
-    QVERIFY(m->panel->m_isUpgrading);
-    m->panel->m_progressTimer->start();
+    QVERIFY(m->panel->isUpgrading());
+    m->panel->pollTimer()->start();
     FakeFlashingTool::signal(u"go"_s);
     QTRY_COMPARE_WITH_TIMEOUT(m->percentText(), u"5%"_s, kPatience);
 }
@@ -169,7 +165,7 @@ void ProgressHeldTest::anOldReportIsNoneWhenTheToolWritesNothing()
     const auto holder = hold(Share::Reading);
     m->beginRun(UpgradePlan::PcOnly);
     m->tool.obeys("exit 0");
-    m->panel->startUpgradeWithExternalTool(m->image, 14);
+    m->panel->flash(m->image, 14);
     QTRY_VERIFY_WITH_TIMEOUT(m->showsFailure(), kPatience);
     QVERIFY(m->log.contains(u"[状态] 进程已退出但无进度文件，判定为失败"_s));
 }

@@ -1,7 +1,7 @@
 // The processes of a flashing tool on Windows: its console, the helpers that it starts, and what outlives
 // whom.
 #include "system/ToolProcess.h"
-#include "tests/flash/FlashingStage.h"
+#include "tests/flash/FlashingTest.h"
 #include "tests/support/Processes.h"
 #include "tests/support/TestProgram.h"
 
@@ -18,12 +18,11 @@ namespace {
 constexpr int kPatience = 20'000;
 } // namespace
 
-class ToolProcessTest : public QObject {
+class ToolProcessTest : public FlashingTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m = std::make_unique<FlashingStage>(); }
-    void cleanup();
+    void cleanup() override;
     void itsConsoleIsNotSeen();
     void helpersEndWithThePanel_data();
     void helpersEndWithThePanel();
@@ -37,14 +36,12 @@ private Q_SLOTS:
 private:
     /// Starts the tool with \a script, which ends with its helper's process ID in the home folder: that ID.
     qint64 startWithHelper(const QByteArray &script);
-
-    std::unique_ptr<FlashingStage> m;
     qint64 m_helper = 0;
 };
 
 void ToolProcessTest::cleanup()
 {
-    m.reset();
+    FlashingTest::cleanup();
     if (const HANDLE helper = OpenProcess(PROCESS_TERMINATE, FALSE, DWORD(m_helper))) {
         TerminateProcess(helper, 0);
         CloseHandle(helper);
@@ -57,7 +54,7 @@ qint64 ToolProcessTest::startWithHelper(const QByteArray &script)
     const QString path = m->sandbox.home() + u"/helper.txt"_s;
     QFile::remove(path);
     m->tool.obeys(script);
-    m->panel->m_dfuProcess->start(FakeFlashingTool::path(), QStringList());
+    m->panel->tool()->start(FakeFlashingTool::path(), QStringList());
     const auto id = [&path] {
         QFile file(path);
         return file.open(QIODevice::ReadOnly) ? file.readAll().toLongLong() : 0;
@@ -69,7 +66,7 @@ qint64 ToolProcessTest::startWithHelper(const QByteArray &script)
 
 void ToolProcessTest::itsConsoleIsNotSeen()
 {
-    const auto modifier = m->panel->m_dfuProcess->createProcessArgumentsModifier();
+    const auto modifier = m->panel->tool()->createProcessArgumentsModifier();
     QVERIFY(modifier);
     QProcess::CreateProcessArguments arguments{};
     arguments.flags = CREATE_UNICODE_ENVIRONMENT;
@@ -89,7 +86,7 @@ void ToolProcessTest::helpersEndWithThePanel()
     QFETCH(QByteArray, script);
     const qint64 helper = startWithHelper(script);
     QVERIFY(helper && isProcessAlive(helper));
-    const qint64 tool = m->panel->m_dfuProcess->processId();
+    const qint64 tool = m->panel->tool()->processId();
     m->panel.reset();
     QVERIFY(!isProcessAlive(tool));
     QTRY_VERIFY_WITH_TIMEOUT(!isProcessAlive(helper), kPatience);
@@ -99,7 +96,7 @@ void ToolProcessTest::helpersEndWithATooLongRun()
 {
     const qint64 helper = startWithHelper("helper\nhang");
     QVERIFY(helper && isProcessAlive(helper));
-    m->panel->onDfuTimeout();
+    m->panel->fireWatchdog();
     QVERIFY(!m->isToolRunning());
     QTRY_VERIFY_WITH_TIMEOUT(!isProcessAlive(helper), kPatience);
 }
@@ -116,12 +113,12 @@ void ToolProcessTest::helpersOutliveASuccessAlone()
 {
     QFETCH(QByteArray, script);
     QFETCH(bool, outlive);
-    m->panel->m_upgradePlan = UpgradePlan::PcOnly;
-    m->panel->m_isUpgrading = true;
-    QVERIFY(!m->panel->firmwareTxtPath().isEmpty()); // its folder is there from now on
+    m->panel->pretendPlan(UpgradePlan::PcOnly);
+    m->panel->pretendUpgrading(true);
+    QVERIFY(!m->panel->progressFile().isEmpty()); // its folder is there from now on
     const qint64 helper = startWithHelper(script);
     QVERIFY(helper);
-    m->panel->m_progressTimer->start();
+    m->panel->pollTimer()->start();
     QTRY_VERIFY_WITH_TIMEOUT(!m->isToolRunning(), kPatience);
     if (outlive)
         QTest::qWait(200);
@@ -145,14 +142,14 @@ void ToolProcessTest::theToolOutlivesACrashOfTheHost()
 {
     const qint64 helper = startWithHelper("helper\nhang");
     QVERIFY(helper);
-    const qint64 tool = m->panel->m_dfuProcess->processId();
+    const qint64 tool = m->panel->tool()->processId();
     // What the system does to a crashed program: the handles that it has are closed.
-    const auto children = m->panel->m_dfuProcess->children();
+    const auto children = m->panel->tool()->children();
     for (QObject *child : children) {
         if (QByteArray(child->metaObject()->className()).endsWith("Family"))
             delete child;
     }
-    QVERIFY(m->panel->m_dfuProcess->children().size() < children.size());
+    QVERIFY(m->panel->tool()->children().size() < children.size());
     QTest::qWait(200);
     QVERIFY(isProcessAlive(tool));
     QVERIFY(isProcessAlive(helper));
@@ -163,7 +160,7 @@ void ToolProcessTest::aSecondRunIsEndedLikeTheFirst()
     for (int run = 0; run < 2; ++run) {
         const qint64 helper = startWithHelper("helper\nhang");
         QVERIFY(helper && isProcessAlive(helper));
-        m->panel->onDfuTimeout();
+        m->panel->fireWatchdog();
         QVERIFY(!m->isToolRunning());
         QTRY_VERIFY_WITH_TIMEOUT(!isProcessAlive(helper), kPatience);
     }

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "tests/panel/PanelStage.h"
+
+#include <QObject>
+
+#include <memory>
+
+/// Base of the tests whose every function starts with a new panel on a stage of its own. The log begins once
+/// the panel is made.
+class PanelTest : public QObject {
+    Q_OBJECT
+
+protected:
+    OpenPanel &panel() const { return *m_stage->panel; }
+
+    std::unique_ptr<PanelStage> m_stage;
+
+protected Q_SLOTS:
+    virtual void init();
+    virtual void cleanup();
+};
