@@ -1,6 +1,6 @@
 // Opening the device, losing it, finding it again.
+#include "tests/device/ScanTest.h"
 #include "tests/device/Scans.h"
-#include "tests/panel/PanelTest.h"
 #include "tests/support/DeviceReplies.h"
 #include "tests/support/TestProgram.h"
 
@@ -13,12 +13,10 @@ using namespace Qt::StringLiterals;
 using namespace Scans;
 using HIDCommunicator::OrvikHIDManager;
 
-class ConnectionTest : public PanelTest {
+class ConnectionTest : public ScanTest {
     Q_OBJECT
 
 private slots:
-    void cleanup() override;
-
     void deviceIsOpenedWithBothThreads();
     void lastOfSeveralIsOpened();
     void refusedOpenIsTriedAgainByTheNextScan();
@@ -39,15 +37,8 @@ private slots:
     void questionAskedBeforeThePlugIsAnsweredAfterIt();
 
 private:
-    QStringList lines() const { return m_stage->log.lines(); }
-    QStringList commands() const { return m_stage->log.startingWith(u"hid: "_s); }
+    QStringList commands() const { return stage().log.startingWith(u"hid: "_s); }
 };
-
-void ConnectionTest::cleanup()
-{
-    panel().pretendUpgrading(false);
-    PanelTest::cleanup();
-}
 
 void ConnectionTest::deviceIsOpenedWithBothThreads()
 {
@@ -87,19 +78,19 @@ void ConnectionTest::refusedOpenIsTriedAgainByTheNextScan()
     PanelStage::bus().refuseOpen(true);
     panel().seeDevices({device});
     QCOMPARE(commands(), QStringList(u"hid: openHIDHandle(%1, 0x352f, 0x000e, 0)"_s.arg(device)));
-    QVERIFY(!m_stage->log.contains(u"connected R2 successfully!!!"_s));
+    QVERIFY(!stage().log.contains(u"connected R2 successfully!!!"_s));
     QCOMPARE(lines().constLast(), commands().constLast()); // silently
 
     PanelStage::bus().refuseOpen(false);
     panel().seeDevices({device});
-    QVERIFY(m_stage->log.contains(u"connected R2 successfully!!!"_s));
+    QVERIFY(stage().log.contains(u"connected R2 successfully!!!"_s));
 }
 
 void ConnectionTest::secondScanOpensNothing()
 {
     const QString device = PanelStage::bus().plug(0x000E);
     panel().seeDevices({device});
-    m_stage->log.clear();
+    stage().log.clear();
 
     panel().seeDevices({device});
     QCOMPARE(commands(), QStringList());
@@ -183,8 +174,8 @@ void ConnectionTest::signalsOfTheLibraryWaitForTheEventLoop()
     QFETCH(QString, reaction);
 
     emitSignal();
-    QVERIFY(!m_stage->log.contains(reaction));
-    QTRY_COMPARE(m_stage->log.count(reaction), 1);
+    QVERIFY(!stage().log.contains(reaction));
+    QTRY_COMPARE(stage().log.count(reaction), 1);
 }
 
 void ConnectionTest::pluggedDeviceIsOpenedByItself()
@@ -192,7 +183,7 @@ void ConnectionTest::pluggedDeviceIsOpenedByItself()
     const QString device = PanelStage::bus().plug(0x000E);
 
     QTRY_COMPARE(PanelStage::bus().opened(), QStringList(device));
-    QTRY_VERIFY(m_stage->log.contains(u"[状态] 设备连接信号"_s));
+    QTRY_VERIFY(stage().log.contains(u"[状态] 设备连接信号"_s));
     QCOMPARE(panel().lastSeenId(Chip::Pc), 14);
 }
 
@@ -200,7 +191,7 @@ void ConnectionTest::deviceOfTheOtherModelIsLeftAlone()
 {
     PanelStage::bus().plug(0x0001);
 
-    QTRY_VERIFY(m_stage->log.contains(u"2pid is: 0001"_s));
+    QTRY_VERIFY(stage().log.contains(u"2pid is: 0001"_s));
     QCOMPARE(commands(), QStringList());
     QCOMPARE(panel().model(), DeviceModel::R2);
 }
@@ -209,10 +200,10 @@ void ConnectionTest::removedDeviceIsFoundAgain()
 {
     const QString device = PanelStage::bus().plug(0x000E);
     QTRY_COMPARE(PanelStage::bus().openConnections(), 1);
-    m_stage->log.clear();
+    stage().log.clear();
 
     PanelStage::bus().unplug(0x000E);
-    QTRY_VERIFY(m_stage->log.contains(u"\n[状态] 设备已断开！定时器应该切换到1秒快速扫描"_s));
+    QTRY_VERIFY(stage().log.contains(u"\n[状态] 设备已断开！定时器应该切换到1秒快速扫描"_s));
     QTRY_COMPARE(PanelStage::bus().openConnections(), 0);
     QVERIFY(!panel().isDeviceOpen());
     QCOMPARE(panel().lastSeenId(Chip::Pc), 14); // remembered
@@ -233,7 +224,7 @@ void ConnectionTest::refusedDeviceIsOpenedWithoutBeingPluggedAgain()
 
 void ConnectionTest::questionAskedBeforeThePlugIsAnsweredAfterIt()
 {
-    QTRY_VERIFY(!m_stage->log.startingWith(u"hid: DC_AddSendData"_s).isEmpty());
+    QTRY_VERIFY(!stage().log.startingWith(u"hid: DC_AddSendData"_s).isEmpty());
     PanelStage::bus().setResponder(DeviceReplies::device({1, 2, 3}, {1, 2, 4}));
 
     PanelStage::bus().plug(0x000E);

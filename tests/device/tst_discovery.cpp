@@ -1,6 +1,6 @@
 // One list of device paths judged: what is recognised and remembered, and which model the panel then serves.
+#include "tests/device/ScanTest.h"
 #include "tests/device/Scans.h"
-#include "tests/panel/PanelTest.h"
 #include "tests/support/TestProgram.h"
 
 #include <QTest>
@@ -13,12 +13,10 @@ const QString kR1Switch = u"[ConnectingR2] 检测到R1 DFU PID，自动切换 mo
 const QString kR2Switch = u"[ConnectingR2] 检测到R2 DFU PID，自动切换 model 为 R2"_s;
 } // namespace
 
-class DiscoveryTest : public PanelTest {
+class DiscoveryTest : public ScanTest {
     Q_OBJECT
 
 private slots:
-    void cleanup() override;
-
     void logBegins_data();
     void logBegins();
     void pathsAreClassified_data();
@@ -28,21 +26,7 @@ private slots:
     void modelFollowsABootLoader_data();
     void modelFollowsABootLoader();
     void modelSwitchResetsNothing();
-
-private:
-    QStringList lines() const { return m_stage->log.lines(); }
-    /// Discovery raises the signal all the same; the panel does not act on it.
-    void dropRecovery()
-    {
-        disconnect(&panel(), &FirmwareUpgradeWidget::onDeviceBrickedDetected, &panel(), nullptr);
-    }
 };
-
-void DiscoveryTest::cleanup()
-{
-    panel().pretendUpgrading(false);
-    PanelTest::cleanup();
-}
 
 void DiscoveryTest::logBegins_data()
 {
@@ -160,7 +144,7 @@ void DiscoveryTest::pathsAreClassified()
     QVERIFY2(foundAt > 0, qPrintable(lines().join(u'\n')));
     if (!lastLine.isEmpty())
         QCOMPARE(lines().at(foundAt - 1), lastLine);
-    QCOMPARE(m_stage->log.startingWith(u"2pid is: "_s).size(), productIds.size());
+    QCOMPARE(stage().log.startingWith(u"2pid is: "_s).size(), productIds.size());
 }
 
 void DiscoveryTest::oddPaths_data()
@@ -197,8 +181,8 @@ void DiscoveryTest::oddPaths()
     QFETCH(QString, found);
 
     panel().seeDevices({oddPath});
-    QTEST(m_stage->log.startingWith(u"2pid is: "_s), "pidLines");
-    QVERIFY(m_stage->log.contains(foundLine(found)));
+    QTEST(stage().log.startingWith(u"2pid is: "_s), "pidLines");
+    QVERIFY(stage().log.contains(foundLine(found)));
 }
 
 void DiscoveryTest::modelFollowsABootLoader_data()
@@ -239,11 +223,11 @@ void DiscoveryTest::modelFollowsABootLoader()
 
     panel().seeDevices(paths(productIds));
     QTEST(panel().model(), "modelAfter");
-    QTEST(m_stage->log.startingWith(u"[ConnectingR2] 检测到"_s), "switchLines");
-    QVERIFY(m_stage->log.contains(foundLine(found)));
-    if (!m_stage->log.startingWith(u"[ConnectingR2] 检测到"_s).isEmpty()) {
+    QTEST(stage().log.startingWith(u"[ConnectingR2] 检测到"_s), "switchLines");
+    QVERIFY(stage().log.contains(foundLine(found)));
+    if (!stage().log.startingWith(u"[ConnectingR2] 检测到"_s).isEmpty()) {
         const qsizetype at
-            = lines().indexOf(m_stage->log.startingWith(u"[ConnectingR2] 检测到"_s).constFirst());
+            = lines().indexOf(stage().log.startingWith(u"[ConnectingR2] 检测到"_s).constFirst());
         QVERIFY(lines().at(at + 1).startsWith(u"find DFU device, pid="));
     }
 }
@@ -262,7 +246,7 @@ void DiscoveryTest::modelSwitchResetsNothing()
     QCOMPARE(changedState(before, panel().state()),
              QStringList({u"m_autoRecoverRunning=true"_s, u"m_isUpgrading=true"_s, u"m_deviceModel=0"_s,
                           u"lastDetectedPcPid=16"_s}));
-    QVERIFY(m_stage->log.startingWith(u"setDeviceModel"_s).isEmpty());
+    QVERIFY(stage().log.startingWith(u"setDeviceModel"_s).isEmpty());
 }
 
 QUILLON_TEST(DiscoveryTest)

@@ -1,14 +1,10 @@
 // What depends on the model: product IDs, the identity a chip is flashed under, server addresses, file
 // prefix.
-#include "tests/panel/OpenPanel.h"
-#include "tests/support/Sandbox.h"
-#include "tests/support/ScriptedTransport.h"
+#include "tests/panel/PanelTest.h"
 #include "tests/support/TestProgram.h"
 
 #include <QTest>
 #include <QUrl>
-
-#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -21,14 +17,10 @@ QString pathAndQuery(const QString &address)
 }
 } // namespace
 
-class ModelsTest : public QObject {
+class ModelsTest : public PanelTest {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
-
     void productIds_data();
     void productIds();
     void dfuProductIds_data();
@@ -44,28 +36,7 @@ private slots:
     void filePrefix_data();
     void filePrefix();
     void answersChangeNothing();
-
-private:
-    std::unique_ptr<Sandbox> m_sandbox;
-    std::unique_ptr<OpenPanel> m_panel;
 };
-
-void ModelsTest::initTestCase()
-{
-    ScriptedBus::install();
-}
-
-void ModelsTest::init()
-{
-    m_sandbox = std::make_unique<Sandbox>();
-    m_panel = std::make_unique<OpenPanel>();
-}
-
-void ModelsTest::cleanup()
-{
-    m_panel.reset();
-    m_sandbox.reset();
-}
 
 void ModelsTest::productIds_data()
 {
@@ -84,12 +55,12 @@ void ModelsTest::productIds_data()
 void ModelsTest::productIds()
 {
     QFETCH(DeviceModel, model);
-    m_panel->pretendModel(model);
+    panel().pretendModel(model);
 
-    QTEST(m_panel->normalId(Chip::Pc), "pcNormal");
-    QTEST(m_panel->bootLoaderId(Chip::Pc), "pcDfu");
-    QTEST(m_panel->normalId(Chip::Otg), "otgNormal");
-    QTEST(m_panel->bootLoaderId(Chip::Otg), "otgDfu");
+    QTEST(panel().normalId(Chip::Pc), "pcNormal");
+    QTEST(panel().bootLoaderId(Chip::Pc), "pcDfu");
+    QTEST(panel().normalId(Chip::Otg), "otgNormal");
+    QTEST(panel().bootLoaderId(Chip::Otg), "otgDfu");
 }
 
 void ModelsTest::dfuProductIds_data()
@@ -118,9 +89,9 @@ void ModelsTest::dfuProductIds()
 {
     QFETCH(DeviceModel, model);
     QFETCH(int, productId);
-    m_panel->pretendModel(model);
+    panel().pretendModel(model);
 
-    QTEST(m_panel->isBootLoaderId(productId), "isDfu");
+    QTEST(panel().isBootLoaderId(productId), "isDfu");
 }
 
 void ModelsTest::pcTarget_data()
@@ -146,13 +117,13 @@ void ModelsTest::pcTarget()
     QFETCH(DeviceModel, model);
     QFETCH(int, lastSeen);
     QFETCH(bool, recovering);
-    m_panel->pretendModel(model);
-    m_panel->pretendLastSeenId(Chip::Pc, lastSeen);
-    m_panel->pretendLastSeenId(Chip::Otg, 101); // the other chip does not matter
-    m_panel->pretendRecovering(recovering);
+    panel().pretendModel(model);
+    panel().pretendLastSeenId(Chip::Pc, lastSeen);
+    panel().pretendLastSeenId(Chip::Otg, 101); // the other chip does not matter
+    panel().pretendRecovering(recovering);
 
-    QTEST(m_panel->targetId(Chip::Pc), "target");
-    m_panel->pretendRecovering(false);
+    QTEST(panel().targetId(Chip::Pc), "target");
+    panel().pretendRecovering(false);
 }
 
 void ModelsTest::otgTarget_data()
@@ -176,13 +147,13 @@ void ModelsTest::otgTarget()
     QFETCH(DeviceModel, model);
     QFETCH(int, lastSeen);
     QFETCH(bool, recovering);
-    m_panel->pretendModel(model);
-    m_panel->pretendLastSeenId(Chip::Otg, lastSeen);
-    m_panel->pretendLastSeenId(Chip::Pc, 255);
-    m_panel->pretendRecovering(recovering);
+    panel().pretendModel(model);
+    panel().pretendLastSeenId(Chip::Otg, lastSeen);
+    panel().pretendLastSeenId(Chip::Pc, 255);
+    panel().pretendRecovering(recovering);
 
-    QTEST(m_panel->targetId(Chip::Otg), "target");
-    m_panel->pretendRecovering(false);
+    QTEST(panel().targetId(Chip::Otg), "target");
+    panel().pretendRecovering(false);
 }
 
 void ModelsTest::serverPaths_data()
@@ -212,9 +183,9 @@ void ModelsTest::serverPaths()
     QFETCH(Address, address);
     QFETCH(Chip, chip);
     QFETCH(QString, path);
-    m_panel->pretendModel(model);
+    panel().pretendModel(model);
 
-    const QString whole = ((*m_panel).*address)(chip);
+    const QString whole = (panel().*address)(chip);
     QCOMPARE(pathAndQuery(whole), path);
     QVERIFY2(whole.endsWith(path), qPrintable(whole)); // byte for byte, nothing escaped
 }
@@ -229,12 +200,12 @@ void ModelsTest::serverIsOneBareHost_data()
 void ModelsTest::serverIsOneBareHost()
 {
     QFETCH(DeviceModel, model);
-    const QUrl reference(m_panel->versionAddress(Chip::Pc));
-    m_panel->pretendModel(model);
+    const QUrl reference(panel().versionAddress(Chip::Pc));
+    panel().pretendModel(model);
 
     for (const QString &whole :
-         {m_panel->versionAddress(Chip::Pc), m_panel->versionAddress(Chip::Otg),
-          m_panel->imageAddressOfModel(Chip::Pc), m_panel->imageAddressOfModel(Chip::Otg)}) {
+         {panel().versionAddress(Chip::Pc), panel().versionAddress(Chip::Otg),
+          panel().imageAddressOfModel(Chip::Pc), panel().imageAddressOfModel(Chip::Otg)}) {
         const QUrl url(whole, QUrl::StrictMode);
         QVERIFY2(url.isValid(), qPrintable(whole));
         QCOMPARE(url.scheme(), u"http"_s);
@@ -257,25 +228,24 @@ void ModelsTest::filePrefix_data()
 void ModelsTest::filePrefix()
 {
     QFETCH(DeviceModel, model);
-    m_panel->pretendModel(model);
+    panel().pretendModel(model);
 
-    QTEST(m_panel->filePrefix(), "prefix");
+    QTEST(panel().filePrefix(), "prefix");
 }
 
 void ModelsTest::answersChangeNothing()
 {
-    const QStringList before = m_panel->state();
-    const OpenPanel &panel = *m_panel;
+    const QStringList before = panel().state();
 
     for (const Chip chip : {Chip::Pc, Chip::Otg}) {
         for (const auto productId : {&OpenPanel::normalId, &OpenPanel::bootLoaderId, &OpenPanel::targetId})
-            QCOMPARE((panel.*productId)(chip), (panel.*productId)(chip));
+            QCOMPARE((panel().*productId)(chip), (panel().*productId)(chip));
     }
-    QVERIFY(panel.isBootLoaderId(255));
-    QVERIFY(!panel.versionAddress(Chip::Pc).isEmpty());
-    QVERIFY(!panel.filePrefix().isEmpty());
+    QVERIFY(panel().isBootLoaderId(255));
+    QVERIFY(!panel().versionAddress(Chip::Pc).isEmpty());
+    QVERIFY(!panel().filePrefix().isEmpty());
 
-    QCOMPARE(m_panel->state(), before);
+    QCOMPARE(panel().state(), before);
 }
 
 QUILLON_TEST(ModelsTest)

@@ -32,7 +32,7 @@ private slots:
     void acceptedNotReadyEndsTheWait();
 
 private:
-    QStringList lines() const { return withoutScans(m_stage->log.lines()); }
+    QStringList lines() const { return withoutScans(stage().log.lines()); }
     void receive(Chip chip, Version version) { panel().receive(reply(chip, version)); }
 };
 
@@ -49,9 +49,9 @@ void NotReadyTest::notReadyOutsideTheWaitIsStored()
     receive(chip, kNotReady);
     QCOMPARE(panel().deviceVersion(chip), u"0.0.0"_s);
     QCOMPARE(panel().notReadyReplies(), 3); // neither counted nor reset
-    QVERIFY(m_stage->log.contains(deviceLine(chip, u"0.0.0"_s)));
-    QCOMPARE(m_stage->log.startingWith(u"[handle_Continue_RD]"_s), QStringList());
-    QCOMPARE(m_stage->server.paths(), QStringList(versionPath(chip, DeviceModel::R2)));
+    QVERIFY(stage().log.contains(deviceLine(chip, u"0.0.0"_s)));
+    QCOMPARE(stage().log.startingWith(u"[handle_Continue_RD]"_s), QStringList());
+    QCOMPARE(stage().server.paths(), QStringList(versionPath(chip, DeviceModel::R2)));
 }
 
 void NotReadyTest::fourAreIgnoredAndTheFifthIsAccepted_data()
@@ -63,7 +63,7 @@ void NotReadyTest::fourAreIgnoredAndTheFifthIsAccepted()
 {
     QFETCH(Chip, chip);
     QFETCH(Chip, otherChip);
-    m_stage->server.answer(versionPath(chip, DeviceModel::R2), ScriptedHttpServer::version("1.3.0"));
+    stage().server.answer(versionPath(chip, DeviceModel::R2), ScriptedHttpServer::version("1.3.0"));
     panel().pretendAwaitingNewVersions(true);
     panel().pretendDeviceVersion(otherChip, u"1.2.3"_s); // a plan step would have all it needs
     panel().pretendServerVersion(otherChip, u"1.2.3"_s);
@@ -71,22 +71,22 @@ void NotReadyTest::fourAreIgnoredAndTheFifthIsAccepted()
     panel().pretendDeviceVersion(chip, u"1.0.0"_s);
 
     for (int i = 1; i <= 4; ++i) {
-        m_stage->log.clear();
+        stage().log.clear();
         receive(chip, kNotReady);
         QCOMPARE(lines().mid(1), QStringList({countLine(chip, i), kIgnored}));
         QCOMPARE(panel().notReadyReplies(), i);
         QCOMPARE(panel().deviceVersion(chip), u"1.0.0"_s);
         QVERIFY(panel().awaitsNewVersions());
-        QCOMPARE(m_stage->server.paths(), QStringList());
+        QCOMPARE(stage().server.paths(), QStringList());
     }
-    m_stage->log.clear();
+    stage().log.clear();
     receive(chip, kNotReady);
     QCOMPARE(panel().deviceVersion(chip), u"0.0.0"_s);
     QCOMPARE(panel().notReadyReplies(), 0);
     QCOMPARE(lines().mid(1, 4),
              QStringList({countLine(chip, 5), kAccepted, deviceLine(chip, u"0.0.0"_s),
                           remoteLine(chip, u"1.3.0"_s)}));
-    QCOMPARE(m_stage->server.paths(), QStringList(versionPath(chip, DeviceModel::R2)));
+    QCOMPARE(stage().server.paths(), QStringList(versionPath(chip, DeviceModel::R2)));
 }
 
 void NotReadyTest::chipsShareTheCount()
@@ -100,7 +100,7 @@ void NotReadyTest::chipsShareTheCount()
     QVERIFY(panel().deviceVersion(Chip::Pc).isEmpty());
 
     receive(Chip::Otg, kNotReady);
-    QVERIFY(m_stage->log.contains(countLine(Chip::Otg, 5)));
+    QVERIFY(stage().log.contains(countLine(Chip::Otg, 5)));
     QCOMPARE(panel().deviceVersion(Chip::Otg), u"0.0.0"_s);
     QVERIFY(panel().deviceVersion(Chip::Pc).isEmpty());
     QVERIFY(panel().awaitsNewVersions()); // the PC version is still to come, and is counted from the start
@@ -131,7 +131,7 @@ void NotReadyTest::anotherVersionResetsTheCount()
 void NotReadyTest::endOfTheWaitResetsTheCount()
 {
     for (const Chip chip : {Chip::Pc, Chip::Otg})
-        m_stage->server.answer(versionPath(chip, DeviceModel::R2), ScriptedHttpServer::version("1.2.3"));
+        stage().server.answer(versionPath(chip, DeviceModel::R2), ScriptedHttpServer::version("1.2.3"));
     panel().pretendAwaitingNewVersions(true);
     receive(Chip::Pc, {1, 2, 3});
     panel().pretendNotReadyReplies(2);
@@ -145,7 +145,7 @@ void NotReadyTest::endOfTheWaitResetsTheCount()
 void NotReadyTest::acceptedNotReadyEndsTheWait()
 {
     for (const Chip chip : {Chip::Pc, Chip::Otg})
-        m_stage->server.answer(versionPath(chip, DeviceModel::R2), ScriptedHttpServer::version("1.2.3"));
+        stage().server.answer(versionPath(chip, DeviceModel::R2), ScriptedHttpServer::version("1.2.3"));
     panel().pretendAwaitingNewVersions(true);
     receive(Chip::Pc, {1, 2, 3});
     for (int i = 0; i < 5; ++i)
@@ -153,7 +153,7 @@ void NotReadyTest::acceptedNotReadyEndsTheWait()
 
     QVERIFY(!panel().awaitsNewVersions());
     QCOMPARE(panel().plan(), UpgradePlan::OtgOnly);
-    QCOMPARE(m_stage->log.count(u"[VersionRead] 升级后等待期，跳过UI刷新 PC:1.2.3 OTG:0.0.0"_s), 1);
+    QCOMPARE(stage().log.count(u"[VersionRead] 升级后等待期，跳过UI刷新 PC:1.2.3 OTG:0.0.0"_s), 1);
 }
 
 QUILLON_TEST(NotReadyTest)

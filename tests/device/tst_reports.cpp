@@ -66,7 +66,7 @@ private slots:
     void hostileReportsAreSurvived();
 
 private:
-    QStringList commands() const { return m_stage->log.startingWith(u"hid: "_s); }
+    QStringList commands() const { return stage().log.startingWith(u"hid: "_s); }
     void makeAllVersionsEqual();
     void lookAtTheBox();
     Boxes m_boxes;
@@ -131,7 +131,7 @@ void ReportsTest::logLine()
     QFETCH(QByteArray, report);
 
     panel().receive(report);
-    QTEST(m_stage->log.startingWith(u"[HID接收]"_s), "lines");
+    QTEST(stage().log.startingWith(u"[HID接收]"_s), "lines");
 }
 
 void ReportsTest::reportsWithoutEffect_data()
@@ -159,8 +159,8 @@ void ReportsTest::reportsWithoutEffect()
     panel().receive(report);
     QCOMPARE(panel().state(), before);
     QCOMPARE(commands(), QStringList());
-    QVERIFY(!m_stage->log.contains(kPlanStep));
-    QCOMPARE(m_stage->server.paths(), QStringList());
+    QVERIFY(!stage().log.contains(kPlanStep));
+    QCOMPARE(stage().server.paths(), QStringList());
     QCOMPARE(m_boxes.count, 0);
 }
 
@@ -188,16 +188,16 @@ void ReportsTest::dispatch()
 
     panel().receive(report);
     if (reaction.isEmpty())
-        QCOMPARE(m_stage->log.lines(), QStringList());
+        QCOMPARE(stage().log.lines(), QStringList());
     else
-        QCOMPARE(m_stage->log.count(reaction), 1);
+        QCOMPARE(stage().log.count(reaction), 1);
 }
 
 void ReportsTest::normalModeAsksForBothVersions()
 {
     panel().receive(DeviceReplies::mode(0));
 
-    QCOMPARE(m_stage->log.lines().mid(1), QStringList({u" receive dfu mode is: off"_s, kPcRead, kOtgRead}));
+    QCOMPARE(stage().log.lines().mid(1), QStringList({u" receive dfu mode is: off"_s, kPcRead, kOtgRead}));
 }
 
 void ReportsTest::modeEntries_data()
@@ -230,7 +230,7 @@ void ReportsTest::modeEntries()
     QFETCH(QStringList, modes);
 
     panel().receive(report);
-    QCOMPARE(m_stage->log.startingWith(u" receive dfu mode is: "_s), modes);
+    QCOMPARE(stage().log.startingWith(u" receive dfu mode is: "_s), modes);
     QCOMPARE(commands().count(kPcRead), modes.count(u" receive dfu mode is: off"_s));
     QCOMPARE(m_boxes.count, int(modes.count(u" receive dfu mode is: on"_s)));
 }
@@ -246,7 +246,7 @@ void ReportsTest::upgradeModeShowsAWarning()
 {
     QFETCH(Language, language);
     QuillonFirmwareUpgrade::setLanguage(language);
-    m_stage->log.clear();
+    stage().log.clear();
 
     panel().receive(DeviceReplies::mode(1));
     QCOMPARE(m_boxes.count, 1);

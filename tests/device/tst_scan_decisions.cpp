@@ -1,7 +1,7 @@
 // What a list of device paths leads to besides a connection: a recovery, or the announcement of the OTG
 // interface.
+#include "tests/device/ScanTest.h"
 #include "tests/device/Scans.h"
-#include "tests/panel/PanelTest.h"
 #include "tests/support/TestProgram.h"
 
 #include <QSignalSpy>
@@ -18,12 +18,10 @@ const QString kOtgMissing = u"OTG ready phase, but OTG device not found yet"_s;
 const QString kOtgTooEarly = u"find r2 otg device, but not ready for OTG upgrade yet"_s;
 } // namespace
 
-class ScanDecisionsTest : public PanelTest {
+class ScanDecisionsTest : public ScanTest {
     Q_OBJECT
 
 private slots:
-    void cleanup() override;
-
     void bootLoaderStartsARecovery();
     void bootLoaderStartsNothing_data();
     void bootLoaderStartsNothing();
@@ -34,26 +32,12 @@ private slots:
     void otgPhaseOpensAndRecoversNothing();
     void otgBeforeItsPhase_data();
     void otgBeforeItsPhase();
-
-private:
-    QStringList lines() const { return m_stage->log.lines(); }
-    /// Discovery raises the signal all the same; the panel does not act on it.
-    void dropRecovery()
-    {
-        disconnect(&panel(), &FirmwareUpgradeWidget::onDeviceBrickedDetected, &panel(), nullptr);
-    }
 };
-
-void ScanDecisionsTest::cleanup()
-{
-    panel().pretendUpgrading(false);
-    PanelTest::cleanup();
-}
 
 void ScanDecisionsTest::bootLoaderStartsARecovery()
 {
-    m_stage->server.answer(ServerPaths::kR2PcVersion, ScriptedHttpServer::version("1.2.3"));
-    m_stage->server.answer(ServerPaths::kR2OtgVersion, ScriptedHttpServer::version("1.2.4"));
+    stage().server.answer(ServerPaths::kR2PcVersion, ScriptedHttpServer::version("1.2.3"));
+    stage().server.answer(ServerPaths::kR2OtgVersion, ScriptedHttpServer::version("1.2.4"));
     QSignalSpy bricked(&panel(), &FirmwareUpgradeWidget::onDeviceBrickedDetected);
 
     panel().seeDevices(paths({u"00ff"_s}));
@@ -160,7 +144,7 @@ void ScanDecisionsTest::otgPhase()
     QTEST(lines().constLast(), "lastLine");
     if (announcements)
         QCOMPARE(atTheSignal.constLast(), kOtgTrigger);
-    QVERIFY(m_stage->log.startingWith(u"[ConnectingR2] foundR2"_s).isEmpty());
+    QVERIFY(stage().log.startingWith(u"[ConnectingR2] foundR2"_s).isEmpty());
 }
 
 void ScanDecisionsTest::otgPhaseOpensAndRecoversNothing()
@@ -171,7 +155,7 @@ void ScanDecisionsTest::otgPhaseOpensAndRecoversNothing()
     QSignalSpy bricked(&panel(), &FirmwareUpgradeWidget::onDeviceBrickedDetected);
 
     panel().seeDevices({device, path(u"00ff"_s)});
-    QCOMPARE(m_stage->log.startingWith(u"hid"_s), QStringList());
+    QCOMPARE(stage().log.startingWith(u"hid"_s), QStringList());
     QCOMPARE(bricked.count(), 0);
     QCOMPARE(panel().lastSeenId(Chip::Pc), 255);
 }

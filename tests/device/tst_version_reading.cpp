@@ -24,7 +24,7 @@ private slots:
     void wholeExchangeLeadsToAPlan();
 
 private:
-    QStringList lines() const { return withoutScans(m_stage->log.lines()); }
+    QStringList lines() const { return withoutScans(stage().log.lines()); }
     void receive(Chip chip, Version version) { panel().receive(reply(chip, version)); }
 };
 
@@ -74,10 +74,10 @@ void VersionReadingTest::serverIsAskedForTheSameChip()
     QFETCH(DeviceModel, model);
     QFETCH(QString, path);
     panel().pretendModel(model);
-    m_stage->server.answer(path, ScriptedHttpServer::version("1.3.0"));
+    stage().server.answer(path, ScriptedHttpServer::version("1.3.0"));
 
     receive(chip, {1, 2, 3});
-    QCOMPARE(m_stage->server.paths(), QStringList(path));
+    QCOMPARE(stage().server.paths(), QStringList(path));
     QCOMPARE(panel().serverVersion(chip), u"1.3.0"_s);
     QCOMPARE(lines().mid(1), QStringList({deviceLine(chip, u"1.2.3"_s), remoteLine(chip, u"1.3.0"_s)}));
 }
@@ -102,11 +102,11 @@ void VersionReadingTest::answersOfTheServer()
     QFETCH(QByteArray, body);
     QFETCH(QString, remote);
     panel().pretendServerVersion(chip, u"9.9.9"_s); // of an earlier read
-    m_stage->server.answer(versionPath(chip, DeviceModel::R2), ScriptedHttpServer::page(body));
+    stage().server.answer(versionPath(chip, DeviceModel::R2), ScriptedHttpServer::page(body));
 
     receive(chip, {1, 2, 3});
     QCOMPARE(panel().serverVersion(chip), remote);
-    QVERIFY(m_stage->log.contains(remoteLine(chip, remote)));
+    QVERIFY(stage().log.contains(remoteLine(chip, remote)));
 }
 
 void VersionReadingTest::otherAddressesStoreNothing_data()
@@ -129,7 +129,7 @@ void VersionReadingTest::otherAddressesStoreNothing()
     panel().receive(DeviceReplies::version(quint16(start), {1, 2, 3}));
     QVERIFY(panel().deviceVersion(Chip::Pc).isEmpty());
     QVERIFY(panel().deviceVersion(Chip::Otg).isEmpty());
-    QCOMPARE(m_stage->server.paths(), QStringList());
+    QCOMPARE(stage().server.paths(), QStringList());
 }
 
 void VersionReadingTest::shortRepliesStoreNothing()
@@ -147,12 +147,12 @@ void VersionReadingTest::shortRepliesStoreNothing()
 // From the plug to the plan over the real link.
 void VersionReadingTest::wholeExchangeLeadsToAPlan()
 {
-    m_stage->server.answer(ServerPaths::kR2PcVersion, ScriptedHttpServer::version("1.3.0"));
-    m_stage->server.answer(ServerPaths::kR2OtgVersion, ScriptedHttpServer::version("1.2.4"));
+    stage().server.answer(ServerPaths::kR2PcVersion, ScriptedHttpServer::version("1.3.0"));
+    stage().server.answer(ServerPaths::kR2OtgVersion, ScriptedHttpServer::version("1.2.4"));
     PanelStage::bus().setResponder(DeviceReplies::device({1, 2, 3}, {1, 2, 4}));
     PanelStage::bus().plug(0x000E);
 
-    QTRY_COMPARE(m_stage->log.count(u"[Upgrade] 需要升级 PC 固件。device=1.2.3remote=1.3.0"_s), 1);
+    QTRY_COMPARE(stage().log.count(u"[Upgrade] 需要升级 PC 固件。device=1.2.3remote=1.3.0"_s), 1);
     QCOMPARE(panel().plan(), UpgradePlan::PcOnly);
     // The OTG version may come in while the server is still busy with the PC version.
     for (const QStringList &order :

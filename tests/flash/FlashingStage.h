@@ -2,12 +2,12 @@
 
 #include "tests/panel/PanelStage.h"
 #include "tests/support/FakeFlashingTool.h"
+#include "tests/support/Files.h"
 #include "tests/support/LogOrder.h"
 #include "widgets/ClickableProgressBar.h"
 
 #include <HIDCommunicator/OrvikHIDManager.h>
 
-#include <QFile>
 #include <QLabel>
 #include <QStringList>
 #include <QTimer>
@@ -19,9 +19,7 @@ public:
     FlashingStage()
         : image(sandbox.home() + QStringLiteral("/R2 固件_PC1.2.3.bin"))
     {
-        QFile file(image);
-        if (!file.open(QIODevice::WriteOnly) || file.write("image") != 5)
-            qFatal("cannot write %s", qPrintable(image));
+        writeFile(image, "image");
         panel->library()->disconnect(panel.get());
         QCoreApplication::sendPostedEvents(panel.get(), QEvent::MetaCall);
         panel->show();

@@ -11,9 +11,13 @@ class FlashingTest : public QObject {
     Q_OBJECT
 
 protected:
-    std::unique_ptr<FlashingStage> m;
+    FlashingStage &stage() const { return *m_stage; }
+    OpenPanel &panel() const { return *m_stage->panel; }
 
 protected Q_SLOTS:
-    void init() { m = std::make_unique<FlashingStage>(); }
-    virtual void cleanup() { m.reset(); }
+    void init() { m_stage = std::make_unique<FlashingStage>(); }
+    virtual void cleanup() { m_stage.reset(); }
+
+private:
+    std::unique_ptr<FlashingStage> m_stage;
 };

@@ -57,25 +57,24 @@ void FlashingRunsTest::aRunEnds()
     QFETCH(QString, line);
     QFETCH(int, earliest);
     QFETCH(int, latest);
-    OpenPanel &panel = *m->panel;
-    panel.pretendPlan(UpgradePlan::PcOnly);
-    panel.pretendUpgrading(true);
-    m->tool.obeys(script);
+    panel().pretendPlan(UpgradePlan::PcOnly);
+    panel().pretendUpgrading(true);
+    stage().tool.obeys(script);
     QElapsedTimer time;
     time.start();
-    panel.flash(m->image, 14);
-    QVERIFY(panel.pollTimer()->isActive());
+    panel().flash(stage().image, 14);
+    QVERIFY(panel().pollTimer()->isActive());
 
-    QTRY_VERIFY_WITH_TIMEOUT(!panel.pollTimer()->isActive(), latest);
+    QTRY_VERIFY_WITH_TIMEOUT(!panel().pollTimer()->isActive(), latest);
     QVERIFY2(time.elapsed() >= earliest, qPrintable(QString::number(time.elapsed())));
-    QCOMPARE(m->log.count(line), 1);
-    QCOMPARE(m->log.contains(u"Successfully upgrade !!!"_s), succeeds);
-    QCOMPARE(m->showsFailure(), !succeeds);
-    QCOMPARE(panel.doneText()->isHidden(), !succeeds);
-    QCOMPARE(panel.awaitsNewVersions(), succeeds);
-    QVERIFY(!panel.isUpgrading());
-    QTRY_COMPARE(panel.tool()->state(), QProcess::NotRunning);
-    QVERIFY(!panel.watchdog()->isActive());
+    QCOMPARE(stage().log.count(line), 1);
+    QCOMPARE(stage().log.contains(u"Successfully upgrade !!!"_s), succeeds);
+    QCOMPARE(stage().showsFailure(), !succeeds);
+    QCOMPARE(panel().doneText()->isHidden(), !succeeds);
+    QCOMPARE(panel().awaitsNewVersions(), succeeds);
+    QVERIFY(!panel().isUpgrading());
+    QTRY_COMPARE(panel().tool()->state(), QProcess::NotRunning);
+    QVERIFY(!panel().watchdog()->isActive());
 }
 
 QUILLON_TEST(FlashingRunsTest)

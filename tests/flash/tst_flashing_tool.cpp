@@ -26,7 +26,7 @@ private Q_SLOTS:
     void startsWithoutABar();
 
 private:
-    void start(int pid = 14) { m->panel->flash(m->image, pid); }
+    void start(int pid = 14) { panel().flash(stage().image, pid); }
 };
 
 void FlashingToolTest::argumentsNameImageAndChip_data()
@@ -60,24 +60,24 @@ void FlashingToolTest::argumentsNameImageAndChip()
     QFETCH(int, pid);
     QFETCH(QString, digits);
     QFETCH(bool, isInBootLoader);
-    m->panel->pretendModel(model);
+    panel().pretendModel(model);
     QStringList expected{u"C:/a b/R2_PC1.2.3.bin"_s, u"--pid"_s, digits};
     if (isInBootLoader)
         expected.append(u"--already-in-dfu"_s);
-    QCOMPARE(m->panel->toolArguments(u"C:/a b/R2_PC1.2.3.bin"_s, pid), expected);
+    QCOMPARE(panel().toolArguments(u"C:/a b/R2_PC1.2.3.bin"_s, pid), expected);
 }
 
 void FlashingToolTest::theToolIsStartedAsItIs()
 {
-    m->panel->flash(m->image, 255);
-    QTRY_COMPARE(m->tool.runs().size(), 1);
-    QCOMPARE(m->tool.runs().first().arguments,
-             (QStringList{m->image, u"--pid"_s, u"00ff"_s, u"--already-in-dfu"_s}));
-    QCOMPARE(m->tool.runs().first().workingDirectory, QDir::currentPath());
-    QCOMPARE(m->panel->tool()->program(), FakeFlashingTool::path());
-    QCOMPARE(m->panel->tool()->openMode(), QIODevice::ReadWrite);
-    QVERIFY(m->panel->tool()->workingDirectory().isEmpty());
-    QVERIFY(m->panel->tool()->environment().isEmpty());
+    panel().flash(stage().image, 255);
+    QTRY_COMPARE(stage().tool.runs().size(), 1);
+    QCOMPARE(stage().tool.runs().first().arguments,
+             (QStringList{stage().image, u"--pid"_s, u"00ff"_s, u"--already-in-dfu"_s}));
+    QCOMPARE(stage().tool.runs().first().workingDirectory, QDir::currentPath());
+    QCOMPARE(panel().tool()->program(), FakeFlashingTool::path());
+    QCOMPARE(panel().tool()->openMode(), QIODevice::ReadWrite);
+    QVERIFY(panel().tool()->workingDirectory().isEmpty());
+    QVERIFY(panel().tool()->environment().isEmpty());
 }
 
 void FlashingToolTest::theStartIsLogged_data()
@@ -108,12 +108,12 @@ void FlashingToolTest::theStartIsLogged()
     QFETCH(int, lastPcPid);
     QFETCH(int, lastOtgPid);
     QFETCH(bool, recovers);
-    m->panel->pretendLastSeenId(Chip::Pc, lastPcPid);
-    m->panel->pretendLastSeenId(Chip::Otg, lastOtgPid);
-    m->panel->pretendRecovering(recovers);
-    m->log.clear();
+    panel().pretendLastSeenId(Chip::Pc, lastPcPid);
+    panel().pretendLastSeenId(Chip::Otg, lastOtgPid);
+    panel().pretendRecovering(recovers);
+    stage().log.clear();
     start(pid);
-    QCOMPARE(m->log.lines(),
+    QCOMPARE(stage().log.lines(),
              (QStringList{
                  line, u"##222 exePath is: "_s + FakeFlashingTool::path(),
                  u"[startUpgrade] keepWaitingUI=false progressColor=red?false pcUpgradeCompleted=false"_s}));
@@ -121,29 +121,29 @@ void FlashingToolTest::theStartIsLogged()
 
 void FlashingToolTest::formerResultsAreForgotten()
 {
-    m->sandbox.writeProgress("success 1");
-    m->panel->pretendLastPercent(42);
-    m->panel->pretendLastPercentSince(QDateTime::currentDateTime());
-    m->tool.obeys("hang");
+    stage().sandbox.writeProgress("success 1");
+    panel().pretendLastPercent(42);
+    panel().pretendLastPercentSince(QDateTime::currentDateTime());
+    stage().tool.obeys("hang");
     start();
-    QVERIFY(!QFile::exists(m->sandbox.progressFile()));
-    QVERIFY(QFileInfo(QFileInfo(m->sandbox.progressFile()).path()).isDir());
-    QCOMPARE(m->panel->lastPercent(), -1);
-    QVERIFY(m->panel->lastPercentSince().isNull());
+    QVERIFY(!QFile::exists(stage().sandbox.progressFile()));
+    QVERIFY(QFileInfo(QFileInfo(stage().sandbox.progressFile()).path()).isDir());
+    QCOMPARE(panel().lastPercent(), -1);
+    QVERIFY(panel().lastPercentSince().isNull());
 }
 
 void FlashingToolTest::theClocksRunAfterTheStart()
 {
-    m->tool.obeys("hang");
-    QVERIFY(!m->panel->watchdog()->isActive());
-    QVERIFY(!m->panel->pollTimer()->isActive());
+    stage().tool.obeys("hang");
+    QVERIFY(!panel().watchdog()->isActive());
+    QVERIFY(!panel().pollTimer()->isActive());
     start();
-    QVERIFY(m->panel->watchdog()->isActive());
-    QVERIFY(m->panel->watchdog()->isSingleShot());
-    QCOMPARE(m->panel->watchdog()->interval(), 60'000);
-    QVERIFY(m->panel->pollTimer()->isActive());
-    QVERIFY(!m->panel->pollTimer()->isSingleShot());
-    QCOMPARE(m->panel->pollTimer()->interval(), 100);
+    QVERIFY(panel().watchdog()->isActive());
+    QVERIFY(panel().watchdog()->isSingleShot());
+    QCOMPARE(panel().watchdog()->interval(), 60'000);
+    QVERIFY(panel().pollTimer()->isActive());
+    QVERIFY(!panel().pollTimer()->isSingleShot());
+    QCOMPARE(panel().pollTimer()->interval(), 100);
 }
 
 void FlashingToolTest::theStartShows_data()
@@ -172,59 +172,57 @@ void FlashingToolTest::theStartShows()
     QFETCH(bool, pcCompleted);
     QFETCH(QColor, progressColor);
     QFETCH(int, percent);
-    OpenPanel &panel = *m->panel;
-    panel.pretendPlan(plan);
-    panel.pretendPcDone(pcCompleted);
-    panel.pretendWaitingForCable(true);
-    panel.bar()->setProgressColor(progressColor);
-    panel.bar()->setBackgroundColor(Qt::red);
-    panel.bar()->setValue(77);
-    const ScreenChange screen(panel, {u"m_waitingIconLb"_s, u"m_upgradingLb"_s, u"upgradeProgDisPlay"_s},
+    panel().pretendPlan(plan);
+    panel().pretendPcDone(pcCompleted);
+    panel().pretendWaitingForCable(true);
+    panel().bar()->setProgressColor(progressColor);
+    panel().bar()->setBackgroundColor(Qt::red);
+    panel().bar()->setValue(77);
+    const ScreenChange screen(panel(), {u"m_waitingIconLb"_s, u"m_upgradingLb"_s, u"upgradeProgDisPlay"_s},
                               {u"m_rocketLb"_s, u"m_upgradeTextLb"_s});
-    m->tool.obeys("hang");
+    stage().tool.obeys("hang");
     start();
-    QCOMPARE(m->percentOnBar(), percent);
-    QCOMPARE(m->percentText(), QString::number(percent) + u'%');
-    QCOMPARE(panel.barBackground(), FlashingStage::kGrey);
-    QCOMPARE(panel.bar()->progressColor(), progressColor);
+    QCOMPARE(stage().percentOnBar(), percent);
+    QCOMPARE(stage().percentText(), QString::number(percent) + u'%');
+    QCOMPARE(panel().barBackground(), FlashingStage::kGrey);
+    QCOMPARE(panel().bar()->progressColor(), progressColor);
     QCOMPARE(screen.actual(), screen.expected());
-    QVERIFY(!panel.isWaitingForCable());
-    QCOMPARE(panel.waitingText()->text(), u"升级中，请勿关闭设备..."_s);
-    QCOMPARE(panel.waitingText()->geometry(), QRect(133, 13, 174, 21));
-    QCOMPARE(panel.waitingIcon()->geometry(), QRect(101, 12, 24, 24));
+    QVERIFY(!panel().isWaitingForCable());
+    QCOMPARE(panel().waitingText()->text(), u"升级中，请勿关闭设备..."_s);
+    QCOMPARE(panel().waitingText()->geometry(), QRect(133, 13, 174, 21));
+    QCOMPARE(panel().waitingIcon()->geometry(), QRect(101, 12, 24, 24));
 }
 
 void FlashingToolTest::theWaitingScreenStays()
 {
-    OpenPanel &panel = *m->panel;
-    m->beginRun(UpgradePlan::Both, true);
-    panel.pretendWaitingForCable(true);
-    panel.bar()->setBackgroundColor(Qt::red);
-    const ScreenChange screen(panel, {}, {});
-    const QString bar = panel.waitingText()->text();
-    m->tool.obeys("hang");
+    stage().beginRun(UpgradePlan::Both, true);
+    panel().pretendWaitingForCable(true);
+    panel().bar()->setBackgroundColor(Qt::red);
+    const ScreenChange screen(panel(), {}, {});
+    const QString bar = panel().waitingText()->text();
+    stage().tool.obeys("hang");
     start(31);
-    QCOMPARE(m->percentOnBar(), 50);
-    QCOMPARE(m->percentText(), u"50%"_s);
-    QCOMPARE(panel.barBackground(), FlashingStage::kGrey);
-    QCOMPARE(panel.bar()->progressColor(), FlashingStage::kWaitingRed);
+    QCOMPARE(stage().percentOnBar(), 50);
+    QCOMPARE(stage().percentText(), u"50%"_s);
+    QCOMPARE(panel().barBackground(), FlashingStage::kGrey);
+    QCOMPARE(panel().bar()->progressColor(), FlashingStage::kWaitingRed);
     QCOMPARE(screen.actual(), screen.expected());
-    QVERIFY(panel.isWaitingForCable());
-    QCOMPARE(panel.waitingText()->text(), bar);
-    QVERIFY(m->log.contains(
+    QVERIFY(panel().isWaitingForCable());
+    QCOMPARE(panel().waitingText()->text(), bar);
+    QVERIFY(stage().log.contains(
         u"[startUpgrade] keepWaitingUI=true progressColor=red?true pcUpgradeCompleted=true"_s));
 }
 
 void FlashingToolTest::startsWithoutABar()
 {
-    const Without withoutBar(*m->panel, Part::Bar);
-    m->panel->percentText()->setText(u"12%"_s);
-    m->tool.obeys("hang");
+    const Without withoutBar(panel(), Part::Bar);
+    panel().percentText()->setText(u"12%"_s);
+    stage().tool.obeys("hang");
     start();
-    QVERIFY(m->panel->watchdog()->isActive());
-    QVERIFY(m->panel->pollTimer()->isActive());
-    QCOMPARE(m->percentText(), u"12%"_s);
-    QCOMPARE(m->log.startingWith(u"[startUpgrade]"_s), QStringList());
+    QVERIFY(panel().watchdog()->isActive());
+    QVERIFY(panel().pollTimer()->isActive());
+    QCOMPARE(stage().percentText(), u"12%"_s);
+    QCOMPARE(stage().log.startingWith(u"[startUpgrade]"_s), QStringList());
 }
 
 QUILLON_TEST(FlashingToolTest)

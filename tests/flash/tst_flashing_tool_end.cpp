@@ -27,7 +27,7 @@ private Q_SLOTS:
     void endsWithThePanel();
 
 private:
-    void start(int pid = 14) { m->panel->flash(m->image, pid); }
+    void start(int pid = 14) { panel().flash(stage().image, pid); }
 };
 
 void FlashingToolEndTest::nothingChangesWhenItCannotStart_data()
@@ -69,36 +69,35 @@ void FlashingToolEndTest::nothingChangesWhenItCannotStart()
     QFETCH(QString, imageName);
     QFETCH(QString, line);
     const auto noFolder = qScopeGuard([] { QDir().rmdir(FakeFlashingTool::path()); });
-    spoil(*m);
-    OpenPanel &panel = *m->panel;
-    panel.pretendPlan(UpgradePlan::Both);
-    panel.pretendUpgrading(true);
-    panel.bar()->setValue(33);
-    panel.bar()->setBackgroundColor(Qt::yellow);
-    m->sandbox.writeProgress("success 1");
-    const QStringList state = panel.state();
-    const QStringList screen = Screen::everything(panel);
-    m->log.clear();
+    spoil(stage());
+    panel().pretendPlan(UpgradePlan::Both);
+    panel().pretendUpgrading(true);
+    panel().bar()->setValue(33);
+    panel().bar()->setBackgroundColor(Qt::yellow);
+    stage().sandbox.writeProgress("success 1");
+    const QStringList state = panel().state();
+    const QStringList screen = Screen::everything(panel());
+    stage().log.clear();
 
     QElapsedTimer time;
     time.start();
-    panel.flash(imageName.isEmpty() ? QString() : m->sandbox.home() + u'/' + imageName, 14);
+    panel().flash(imageName.isEmpty() ? QString() : stage().sandbox.home() + u'/' + imageName, 14);
     QVERIFY(time.elapsed() < 3500);
-    QCOMPARE(m->log.lines().size(), 3);
-    QCOMPARE(m->log.lines().at(1), u"##222 exePath is: "_s + FakeFlashingTool::path());
-    QCOMPARE(m->log.lines().at(2), line);
-    QCOMPARE(panel.tool()->state(), QProcess::NotRunning);
-    QVERIFY(!panel.watchdog()->isActive());
-    QVERIFY(!panel.pollTimer()->isActive());
-    QVERIFY(!QFile::exists(m->sandbox.progressFile()));
+    QCOMPARE(stage().log.lines().size(), 3);
+    QCOMPARE(stage().log.lines().at(1), u"##222 exePath is: "_s + FakeFlashingTool::path());
+    QCOMPARE(stage().log.lines().at(2), line);
+    QCOMPARE(panel().tool()->state(), QProcess::NotRunning);
+    QVERIFY(!panel().watchdog()->isActive());
+    QVERIFY(!panel().pollTimer()->isActive());
+    QVERIFY(!QFile::exists(stage().sandbox.progressFile()));
 
-    QCOMPARE(panel.state(), state);
-    QCOMPARE(Screen::everything(panel), screen);
-    QCOMPARE(m->percentOnBar(), 33);
-    QCOMPARE(panel.barBackground(), QColor(Qt::yellow));
+    QCOMPARE(panel().state(), state);
+    QCOMPARE(Screen::everything(panel()), screen);
+    QCOMPARE(stage().percentOnBar(), 33);
+    QCOMPARE(panel().barBackground(), QColor(Qt::yellow));
     QTest::qWait(150);
-    QCOMPARE(panel.state(), state);
-    QVERIFY(m->tool.runs().isEmpty());
+    QCOMPARE(panel().state(), state);
+    QVERIFY(stage().tool.runs().isEmpty());
 }
 
 void FlashingToolEndTest::itsEndDecidesNothing_data()
@@ -115,66 +114,67 @@ void FlashingToolEndTest::itsEndDecidesNothing()
 {
     QFETCH(QByteArray, script);
     QFETCH(QString, line);
-    m->tool.obeys(script);
+    stage().tool.obeys(script);
     start();
     // The poll would come to a verdict; here only the end itself is of interest.
-    m->panel->pollTimer()->stop();
-    m->panel->pretendUpgrading(true);
-    const QStringList state = m->panel->state();
-    const QStringList screen = Screen::everything(*m->panel);
-    m->log.clear();
+    panel().pollTimer()->stop();
+    panel().pretendUpgrading(true);
+    const QStringList state = panel().state();
+    const QStringList screen = Screen::everything(panel());
+    stage().log.clear();
     FakeFlashingTool::signal(u"go"_s);
-    QTRY_COMPARE(m->panel->tool()->state(), QProcess::NotRunning);
-    QCOMPARE(m->log.lines().size(), 1);
-    QVERIFY2(m->log.lines().first().startsWith(line), qPrintable(m->log.lines().first()));
-    QVERIFY(!m->panel->watchdog()->isActive());
-    QCOMPARE(m->panel->state(), state);
-    QCOMPARE(Screen::everything(*m->panel), screen);
+    QTRY_COMPARE(panel().tool()->state(), QProcess::NotRunning);
+    QCOMPARE(stage().log.lines().size(), 1);
+    QVERIFY2(stage().log.lines().first().startsWith(line), qPrintable(stage().log.lines().first()));
+    QVERIFY(!panel().watchdog()->isActive());
+    QCOMPARE(panel().state(), state);
+    QCOMPARE(Screen::everything(panel()), screen);
 }
 
 void FlashingToolEndTest::itsEndIsHeardWithoutAWatchdog()
 {
-    m->log.clear();
-    m->panel->endTool(7, QProcess::NormalExit);
-    QCOMPARE(m->log.lines(), QStringList(u"OrvikFirmwareUpdata.exe process exit, exitCode=7"_s));
+    stage().log.clear();
+    panel().endTool(7, QProcess::NormalExit);
+    QCOMPARE(stage().log.lines(), QStringList(u"OrvikFirmwareUpdata.exe process exit, exitCode=7"_s));
 }
 
 void FlashingToolEndTest::theTimeLimitKills()
 {
-    QVERIFY(m->runSilentTool());
-    QTRY_COMPARE(m->tool.runs().size(), 1);
-    m->panel->pretendUpgrading(true);
-    const QStringList state = m->panel->state();
-    const QStringList screen = Screen::everything(*m->panel);
-    m->log.clear();
+    QVERIFY(stage().runSilentTool());
+    QTRY_COMPARE(stage().tool.runs().size(), 1);
+    panel().pretendUpgrading(true);
+    const QStringList state = panel().state();
+    const QStringList screen = Screen::everything(panel());
+    stage().log.clear();
     QElapsedTimer time;
     time.start();
-    m->panel->fireWatchdog();
+    panel().fireWatchdog();
     QVERIFY(time.elapsed() < 1500);
-    QCOMPARE(m->panel->tool()->state(), QProcess::NotRunning);
-    QCOMPARE(m->log.lines(), m->log.startingWith(u"OrvikFirmwareUpdata.exe process exit, exitCode="_s));
-    QCOMPARE(m->log.lines().size(), 1);
-    QCOMPARE(m->panel->state(), state);
-    QCOMPARE(Screen::everything(*m->panel), screen);
+    QCOMPARE(panel().tool()->state(), QProcess::NotRunning);
+    QCOMPARE(stage().log.lines(),
+             stage().log.startingWith(u"OrvikFirmwareUpdata.exe process exit, exitCode="_s));
+    QCOMPARE(stage().log.lines().size(), 1);
+    QCOMPARE(panel().state(), state);
+    QCOMPARE(Screen::everything(panel()), screen);
 }
 
 void FlashingToolEndTest::theTimeLimitOfAnEndedToolDoesNothing()
 {
-    const QStringList state = m->panel->state();
-    m->log.clear();
-    m->panel->fireWatchdog();
-    QCOMPARE(m->log.lines(), QStringList());
-    QCOMPARE(m->panel->state(), state);
+    const QStringList state = panel().state();
+    stage().log.clear();
+    panel().fireWatchdog();
+    QCOMPARE(stage().log.lines(), QStringList());
+    QCOMPARE(panel().state(), state);
 }
 
 void FlashingToolEndTest::whatItSaysIsNotRead()
 {
-    m->panel->pretendPlan(UpgradePlan::PcOnly);
-    m->panel->pretendUpgrading(true);
-    m->tool.obeys("chatter 4000000\nwrite success 1");
+    panel().pretendPlan(UpgradePlan::PcOnly);
+    panel().pretendUpgrading(true);
+    stage().tool.obeys("chatter 4000000\nwrite success 1");
     start();
-    QTRY_COMPARE_WITH_TIMEOUT(m->percentOnBar(), 100, 30000);
-    QVERIFY(!m->panel->isUpgrading());
+    QTRY_COMPARE_WITH_TIMEOUT(stage().percentOnBar(), 100, 30000);
+    QVERIFY(!panel().isUpgrading());
 }
 
 void FlashingToolEndTest::endsWithThePanel_data()
@@ -195,14 +195,14 @@ void FlashingToolEndTest::endsWithThePanel()
 {
     QFETCH(QByteArray, script);
     QFETCH(int, milliseconds);
-    m->tool.obeys(script);
+    stage().tool.obeys(script);
     start();
-    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(m->sandbox.progressFile()), 20000);
-    const qint64 processId = m->panel->tool()->processId();
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(stage().sandbox.progressFile()), 20000);
+    const qint64 processId = panel().tool()->processId();
     QVERIFY(isProcessAlive(processId));
     QElapsedTimer time;
     time.start();
-    m->panel.reset();
+    stage().panel.reset();
     QVERIFY2(time.elapsed() < milliseconds, qPrintable(QString::number(time.elapsed())));
     QVERIFY(!isProcessAlive(processId));
 }

@@ -21,13 +21,13 @@ private:
 /// In milliseconds of the faster clock.
 qint64 FlashingWatchdogTest::runUntilTheToolEnds(const QByteArray &script)
 {
-    m->panel->pretendPlan(UpgradePlan::PcOnly);
-    m->panel->pretendUpgrading(true);
-    m->tool.obeys(script);
+    panel().pretendPlan(UpgradePlan::PcOnly);
+    panel().pretendUpgrading(true);
+    stage().tool.obeys(script);
     QElapsedTimer time;
     time.start();
-    m->panel->flash(m->image, 14);
-    if (!QTest::qWaitFor([this] { return !m->isToolRunning(); }, 200'000))
+    panel().flash(stage().image, 14);
+    if (!QTest::qWaitFor([this] { return !stage().isToolRunning(); }, 200'000))
         return -1;
     return time.elapsed();
 }
@@ -52,15 +52,15 @@ void FlashingWatchdogTest::aMinuteIsTheLimit()
     QVERIFY2(ended >= 59'500 && ended < 120'000, qPrintable(QString::number(ended)));
     if (verdict.isEmpty()) {
         QTest::qWait(30'000);
-        QVERIFY(m->panel->pollTimer()->isActive());
-        QVERIFY(m->panel->isUpgrading());
-        QVERIFY(!m->showsFailure());
-        QCOMPARE(m->percentText(), u"0%"_s);
-        QCOMPARE(m->panel->lastPercent(), -1);
+        QVERIFY(panel().pollTimer()->isActive());
+        QVERIFY(panel().isUpgrading());
+        QVERIFY(!stage().showsFailure());
+        QCOMPARE(stage().percentText(), u"0%"_s);
+        QCOMPARE(panel().lastPercent(), -1);
     } else {
-        QTRY_VERIFY(m->log.contains(verdict));
-        QVERIFY(m->showsFailure());
-        QVERIFY(!m->panel->pollTimer()->isActive());
+        QTRY_VERIFY(stage().log.contains(verdict));
+        QVERIFY(stage().showsFailure());
+        QVERIFY(!panel().pollTimer()->isActive());
     }
 }
 

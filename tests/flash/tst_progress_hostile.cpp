@@ -56,8 +56,8 @@ qint64 peakMemory()
 
 void ProgressHostileTest::makeHugeFile(const QByteArray &end)
 {
-    m->sandbox.writeProgress({});
-    QFile file(m->sandbox.progressFile());
+    stage().sandbox.writeProgress({});
+    QFile file(stage().sandbox.progressFile());
     // A hole of this size takes no room on the disk.
     QVERIFY(file.open(QIODevice::ReadWrite) && file.resize(kHuge) && file.seek(kHuge));
     QCOMPARE(file.write(end), end.size());
@@ -75,18 +75,18 @@ void ProgressHostileTest::aHugeFileCostsNothing_data()
 void ProgressHostileTest::aHugeFileCostsNothing()
 {
     QFETCH(QByteArray, end);
-    m->beginRun(UpgradePlan::PcOnly);
-    m->panel->percentText()->setText(u"7%"_s);
+    stage().beginRun(UpgradePlan::PcOnly);
+    panel().percentText()->setText(u"7%"_s);
     makeHugeFile(end);
     const qint64 before = peakMemory();
     QElapsedTimer time;
     time.start();
-    m->panel->pollProgress();
+    panel().pollProgress();
     QVERIFY2(time.elapsed() < 500, qPrintable(QString::number(time.elapsed())));
     const qint64 grown = peakMemory() - before;
     QVERIFY2(grown < 32 * 1024, qPrintable(QString::number(grown)));
-    QTEST(m->percentText(), "text");
-    QVERIFY(m->panel->pollTimer()->isActive());
+    QTEST(stage().percentText(), "text");
+    QVERIFY(panel().pollTimer()->isActive());
 }
 
 void ProgressHostileTest::aDeviceWithoutEndIsNotReadToItsEnd()
@@ -94,14 +94,15 @@ void ProgressHostileTest::aDeviceWithoutEndIsNotReadToItsEnd()
     const QString endless = u"/dev/zero"_s;
     if (!QFile::exists(endless))
         QSKIP("this machine has no device without an end");
-    m->beginRun(UpgradePlan::PcOnly);
-    m->sandbox.writeProgress({});
-    QVERIFY(QFile::remove(m->sandbox.progressFile()) && QFile::link(endless, m->sandbox.progressFile()));
+    stage().beginRun(UpgradePlan::PcOnly);
+    stage().sandbox.writeProgress({});
+    QVERIFY(QFile::remove(stage().sandbox.progressFile())
+            && QFile::link(endless, stage().sandbox.progressFile()));
     QElapsedTimer time;
     time.start();
-    m->panel->pollProgress();
+    panel().pollProgress();
     QVERIFY2(time.elapsed() < 500, qPrintable(QString::number(time.elapsed())));
-    QVERIFY(!m->showsFailure());
+    QVERIFY(!stage().showsFailure());
 }
 
 void ProgressHostileTest::aFolderCannotBeOpened_data()
@@ -115,22 +116,22 @@ void ProgressHostileTest::aFolderCannotBeOpened()
 {
     QFETCH(bool, isToolRunning);
     if (isToolRunning)
-        QVERIFY(m->runSilentTool());
-    m->beginRun(UpgradePlan::PcOnly);
-    QVERIFY(QDir().mkpath(m->sandbox.progressFile()));
-    m->panel->pollProgress();
-    QCOMPARE(m->log.contains(u"[状态] 进程已退出但无进度文件，判定为失败"_s), !isToolRunning);
-    QCOMPARE(m->showsFailure(), !isToolRunning);
-    QCOMPARE(m->panel->pollTimer()->isActive(), isToolRunning);
+        QVERIFY(stage().runSilentTool());
+    stage().beginRun(UpgradePlan::PcOnly);
+    QVERIFY(QDir().mkpath(stage().sandbox.progressFile()));
+    panel().pollProgress();
+    QCOMPARE(stage().log.contains(u"[状态] 进程已退出但无进度文件，判定为失败"_s), !isToolRunning);
+    QCOMPARE(stage().showsFailure(), !isToolRunning);
+    QCOMPARE(panel().pollTimer()->isActive(), isToolRunning);
 }
 
 void ProgressHostileTest::aFolderInTheWayDoesNotKeepTheToolFromStarting()
 {
-    QVERIFY(QDir().mkpath(m->sandbox.progressFile()));
-    m->panel->pretendUpgrading(true);
-    m->panel->flash(m->image, 14);
-    QTRY_COMPARE(m->tool.runs().size(), 1);
-    QTRY_VERIFY(m->showsFailure());
+    QVERIFY(QDir().mkpath(stage().sandbox.progressFile()));
+    panel().pretendUpgrading(true);
+    panel().flash(stage().image, 14);
+    QTRY_COMPARE(stage().tool.runs().size(), 1);
+    QTRY_VERIFY(stage().showsFailure());
 }
 
 void ProgressHostileTest::aHomeThatIsNoFolderHoldsNoFile()
@@ -138,29 +139,29 @@ void ProgressHostileTest::aHomeThatIsNoFolderHoldsNoFile()
 #ifdef Q_OS_WIN
     QSKIP("the home of a user is a folder on Windows");
 #endif
-    m->beginRun(UpgradePlan::PcOnly);
+    stage().beginRun(UpgradePlan::PcOnly);
     const QByteArray home = qgetenv("HOME");
-    qputenv("HOME", QFile::encodeName(m->image));
-    m->panel->pollProgress();
+    qputenv("HOME", QFile::encodeName(stage().image));
+    panel().pollProgress();
     qputenv("HOME", home);
-    QVERIFY(m->showsFailure());
-    QVERIFY(m->log.contains(u"[状态] 进程已退出但无进度文件，判定为失败"_s));
+    QVERIFY(stage().showsFailure());
+    QVERIFY(stage().log.contains(u"[状态] 进程已退出但无进度文件，判定为失败"_s));
 }
 
 void ProgressHostileTest::noiseIsNoVerdict()
 {
     QRandomGenerator random(20'240'607);
     const QByteArray alphabet = "0123456789% \r\n\t\xff"_ba + '\0';
-    m->beginRun(UpgradePlan::PcOnly);
+    stage().beginRun(UpgradePlan::PcOnly);
     for (int i = 0; i < 2'000; ++i) {
         QByteArray noise;
         for (int length = random.bounded(1, 40); length > 0; --length)
             noise.append(i % 2 ? char(random.bounded(256)) : alphabet.at(random.bounded(alphabet.size())));
         if (noise.trimmed().endsWith("100%"))
             continue;
-        m->panel->pretendLastPercentSince(QDateTime());
-        m->poll(noise);
-        QVERIFY2(m->panel->pollTimer()->isActive(), noise.toHex().constData());
+        panel().pretendLastPercentSince(QDateTime());
+        stage().poll(noise);
+        QVERIFY2(panel().pollTimer()->isActive(), noise.toHex().constData());
     }
 }
 

@@ -27,10 +27,10 @@ private Q_SLOTS:
 
 void ProgressMonitorTest::thePathIsBelowTheHome()
 {
-    const QString folder = m->sandbox.home() + u"/AppData/Roaming/OrvikQuillon2x2"_s;
+    const QString folder = stage().sandbox.home() + u"/AppData/Roaming/OrvikQuillon2x2"_s;
     for (int call = 0; call < 2; ++call) {
         QVERIFY(QDir(folder).removeRecursively());
-        QCOMPARE(m->panel->progressFile(), QString(folder + u"/Firmware_bin.txt"_s));
+        QCOMPARE(panel().progressFile(), QString(folder + u"/Firmware_bin.txt"_s));
         QVERIFY(QFileInfo(folder).isDir());
     }
 }
@@ -60,19 +60,19 @@ void ProgressMonitorTest::withoutAReportOnlyAnEndedRunFails()
     QFETCH(bool, isToolRunning);
     QFETCH(QString, line);
     if (isToolRunning)
-        QVERIFY(m->runSilentTool());
-    m->beginRun(UpgradePlan::PcOnly);
-    m->panel->pretendUpgrading(isUpgrading);
+        QVERIFY(stage().runSilentTool());
+    stage().beginRun(UpgradePlan::PcOnly);
+    panel().pretendUpgrading(isUpgrading);
     if (isEmpty)
-        m->sandbox.writeProgress({});
-    const QStringList state = m->panel->state();
-    m->log.clear();
-    m->panel->pollProgress();
-    QCOMPARE(m->log.lines(), line.isEmpty() ? QStringList() : QStringList(line));
-    QCOMPARE(m->panel->pollTimer()->isActive(), line.isEmpty());
-    QCOMPARE(m->showsFailure(), !line.isEmpty());
-    QCOMPARE(m->panel->state() == state, line.isEmpty());
-    QCOMPARE(m->isToolRunning(), isToolRunning);
+        stage().sandbox.writeProgress({});
+    const QStringList state = panel().state();
+    stage().log.clear();
+    panel().pollProgress();
+    QCOMPARE(stage().log.lines(), line.isEmpty() ? QStringList() : QStringList(line));
+    QCOMPARE(panel().pollTimer()->isActive(), line.isEmpty());
+    QCOMPARE(stage().showsFailure(), !line.isEmpty());
+    QCOMPARE(panel().state() == state, line.isEmpty());
+    QCOMPARE(stage().isToolRunning(), isToolRunning);
 }
 
 void ProgressMonitorTest::otherLinesAreIgnored_data()
@@ -98,18 +98,18 @@ void ProgressMonitorTest::otherLinesAreIgnored()
     QFETCH(QByteArray, content);
     for (const bool isToolRunning : {false, true}) {
         if (isToolRunning)
-            QVERIFY(m->runSilentTool());
-        m->beginRun(UpgradePlan::PcOnly);
-        const QStringList state = m->panel->state();
-        const QStringList screen = Screen::everything(*m->panel);
-        m->log.clear();
-        m->poll(content);
-        QCOMPARE(m->log.lines(), QStringList());
-        QCOMPARE(m->panel->state(), state);
-        QCOMPARE(Screen::everything(*m->panel), screen);
-        QVERIFY(m->panel->pollTimer()->isActive());
-        QVERIFY(m->panel->watchdog()->isActive());
-        QCOMPARE(m->isToolRunning(), isToolRunning);
+            QVERIFY(stage().runSilentTool());
+        stage().beginRun(UpgradePlan::PcOnly);
+        const QStringList state = panel().state();
+        const QStringList screen = Screen::everything(panel());
+        stage().log.clear();
+        stage().poll(content);
+        QCOMPARE(stage().log.lines(), QStringList());
+        QCOMPARE(panel().state(), state);
+        QCOMPARE(Screen::everything(panel()), screen);
+        QVERIFY(panel().pollTimer()->isActive());
+        QVERIFY(panel().watchdog()->isActive());
+        QCOMPARE(stage().isToolRunning(), isToolRunning);
     }
 }
 
@@ -145,22 +145,22 @@ void ProgressMonitorTest::percentagesAreShown()
     QFETCH(QByteArray, content);
     QFETCH(int, percent);
     QFETCH(int, displayed);
-    m->beginRun(plan, pcCompleted);
-    m->panel->bar()->setProgressColor(FlashingStage::kNeutral);
-    m->panel->bar()->setValue(88);
-    m->log.clear();
-    m->poll(content);
-    QCOMPARE(m->percentOnBar(), displayed);
-    QCOMPARE(m->percentText(), QString::number(displayed) + u'%');
+    stage().beginRun(plan, pcCompleted);
+    panel().bar()->setProgressColor(FlashingStage::kNeutral);
+    panel().bar()->setValue(88);
+    stage().log.clear();
+    stage().poll(content);
+    QCOMPARE(stage().percentOnBar(), displayed);
+    QCOMPARE(stage().percentText(), QString::number(displayed) + u'%');
     const QString flag = pcCompleted ? u"true"_s : u"false"_s;
-    QCOMPARE(m->log.lines(),
+    QCOMPARE(stage().log.lines(),
              (QStringList{u"[onReadFirmwareTxt] percent=%1 displayPercent=%2 progressColor=red?false "
                           "pcUpgradeCompleted=%3"_s.arg(percent)
                               .arg(displayed)
                               .arg(flag),
                           u"[onReadFirmwareTxt] 界面切换条件=false"_s}));
-    QVERIFY(m->panel->pollTimer()->isActive());
-    QVERIFY(m->panel->watchdog()->isActive());
+    QVERIFY(panel().pollTimer()->isActive());
+    QVERIFY(panel().watchdog()->isActive());
 }
 
 void ProgressMonitorTest::strangePercentagesAreShownAsTheyAre_data()
@@ -175,31 +175,31 @@ void ProgressMonitorTest::strangePercentagesAreShownAsTheyAre_data()
 void ProgressMonitorTest::strangePercentagesAreShownAsTheyAre()
 {
     QFETCH(QByteArray, content);
-    m->beginRun(UpgradePlan::PcOnly);
-    m->poll(content);
-    QTEST(m->percentText(), "text");
-    QVERIFY(m->percentOnBar() >= 0 && m->percentOnBar() <= 100);
+    stage().beginRun(UpgradePlan::PcOnly);
+    stage().poll(content);
+    QTEST(stage().percentText(), "text");
+    QVERIFY(stage().percentOnBar() >= 0 && stage().percentOnBar() <= 100);
 }
 
 void ProgressMonitorTest::percentagesNeedABar()
 {
-    m->beginRun(UpgradePlan::PcOnly);
-    const Without withoutBar(*m->panel, Part::Bar);
-    const QStringList state = m->panel->state();
-    m->log.clear();
-    m->poll("55%");
-    QCOMPARE(m->panel->state(), state);
-    QCOMPARE(m->log.lines(), QStringList());
+    stage().beginRun(UpgradePlan::PcOnly);
+    const Without withoutBar(panel(), Part::Bar);
+    const QStringList state = panel().state();
+    stage().log.clear();
+    stage().poll("55%");
+    QCOMPARE(panel().state(), state);
+    QCOMPARE(stage().log.lines(), QStringList());
 }
 
 void ProgressMonitorTest::aHalfWrittenLineIsCorrected()
 {
-    m->beginRun(UpgradePlan::PcOnly);
+    stage().beginRun(UpgradePlan::PcOnly);
     for (const char *content : {"10%\n5", "10%\n", "10%\n55", "10%\n55%"})
-        m->poll(content);
-    QCOMPARE(m->percentText(), u"55%"_s);
-    m->poll("55%\nsuccess");
-    QVERIFY(m->showsFailure());
+        stage().poll(content);
+    QCOMPARE(stage().percentText(), u"55%"_s);
+    stage().poll("55%\nsuccess");
+    QVERIFY(stage().showsFailure());
 }
 
 QUILLON_TEST(ProgressMonitorTest)

@@ -52,87 +52,85 @@ void ProgressOtgTest::handOverAsksForTheOtgCable()
 {
     QFETCH(DeviceModel, model);
     QFETCH(Language, language);
-    OpenPanel &panel = *m->panel;
     QuillonFirmwareUpgrade::setLanguage(language);
-    panel.pretendModel(model);
-    m->beginRun(UpgradePlan::Both);
-    panel.pretendWaitingForCable(false);
-    panel.layOutWaitingLine();
-    m->poll("success 1");
-    QTEST(panel.movie()->fileName(), "movie");
-    QCOMPARE(panel.movie()->parent(), panel.animation());
-    QCOMPARE(panel.animation()->movie(), panel.movie());
-    QCOMPARE(panel.movie()->state(), QMovie::Running);
-    QTEST(panel.detectingText()->text(), "detecting");
-    QTEST(panel.cableHint()->text(), "hint");
+    panel().pretendModel(model);
+    stage().beginRun(UpgradePlan::Both);
+    panel().pretendWaitingForCable(false);
+    panel().layOutWaitingLine();
+    stage().poll("success 1");
+    QTEST(panel().movie()->fileName(), "movie");
+    QCOMPARE(panel().movie()->parent(), panel().animation());
+    QCOMPARE(panel().animation()->movie(), panel().movie());
+    QCOMPARE(panel().movie()->state(), QMovie::Running);
+    QTEST(panel().detectingText()->text(), "detecting");
+    QTEST(panel().cableHint()->text(), "hint");
     const bool isChinese = language == Language::Chinese;
-    QCOMPARE(panel.waitingText()->text(),
+    QCOMPARE(panel().waitingText()->text(),
              isChinese ? u"待USB线接入图示口..."_s : u"Connect to the indicated USB ports. "_s);
-    QCOMPARE(panel.waitingText()->geometry(), isChinese ? QRect(140, 13, 159, 21) : QRect(83, 13, 290, 21));
-    QCOMPARE(panel.waitingIcon()->geometry(), isChinese ? QRect(108, 12, 24, 24) : QRect(51, 12, 24, 24));
+    QCOMPARE(panel().waitingText()->geometry(), isChinese ? QRect(140, 13, 159, 21) : QRect(83, 13, 290, 21));
+    QCOMPARE(panel().waitingIcon()->geometry(), isChinese ? QRect(108, 12, 24, 24) : QRect(51, 12, 24, 24));
 }
 
 void ProgressOtgTest::handOverChangesTheScreen()
 {
-    OpenPanel &panel = *m->panel;
-    m->beginRun(UpgradePlan::Both);
-    panel.pretendWaitingForCable(false);
-    panel.bar()->setBackgroundColor(Qt::yellow);
-    const ScreenChange screen(panel,
+    stage().beginRun(UpgradePlan::Both);
+    panel().pretendWaitingForCable(false);
+    panel().bar()->setBackgroundColor(Qt::yellow);
+    const ScreenChange screen(panel(),
                               {u"tipMoiveLb"_s, u"m_detectingUsbLb"_s, u"m_connectHintLb"_s,
                                u"m_waitingIconLb"_s, u"m_upgradingLb"_s},
                               {u"verCompLb"_s, u"m_notesEdit"_s, u"m_notesIconLb"_s, u"m_notesTitleLb"_s,
                                u"m_notesLineLb"_s, u"m_rocketLb"_s, u"m_upgradeTextLb"_s});
-    const QStringList before = panel.state();
-    m->poll("success 1");
+    const QStringList before = panel().state();
+    stage().poll("success 1");
     QCOMPARE(screen.actual(), screen.expected());
-    QCOMPARE(m->percentOnBar(), 50);
-    QCOMPARE(m->percentText(), u"50%"_s);
-    QCOMPARE(panel.bar()->progressColor(), FlashingStage::kWaitingRed);
-    QCOMPARE(panel.barBackground(), FlashingStage::kGrey);
-    QCOMPARE(changedState(before, panel.state()),
+    QCOMPARE(stage().percentOnBar(), 50);
+    QCOMPARE(stage().percentText(), u"50%"_s);
+    QCOMPARE(panel().bar()->progressColor(), FlashingStage::kWaitingRed);
+    QCOMPARE(panel().barBackground(), FlashingStage::kGrey);
+    QCOMPARE(changedState(before, panel().state()),
              (QStringList{u"pcUpgradeCompleted=true"_s, u"m_isWaitingForUSB=true"_s}));
-    QVERIFY(!panel.pollTimer()->isActive());
-    QVERIFY(!panel.watchdog()->isActive());
+    QVERIFY(!panel().pollTimer()->isActive());
+    QVERIFY(!panel().watchdog()->isActive());
 }
 
 void ProgressOtgTest::handOverLooksForTheChipAtOnce()
 {
-    m->bus().plug(0x001F);
-    m->beginRun(UpgradePlan::Both);
-    const QSignalSpy ready(m->panel.get(), &FirmwareUpgradeWidget::r2otgConnected);
-    m->log.clear();
-    m->poll("success 1");
+    stage().bus().plug(0x001F);
+    stage().beginRun(UpgradePlan::Both);
+    const QSignalSpy ready(&panel(), &FirmwareUpgradeWidget::r2otgConnected);
+    stage().log.clear();
+    stage().poll("success 1");
     QCOMPARE(ready.size(), 1);
     QCOMPARE(
-        missingInOrder(m->log.lines(),
+        missingInOrder(stage().log.lines(),
                        {u"Successfully upgrade !!!"_s, u"PC upgrade completed, waiting for OTG device..."_s,
                         u"[ConnectingR2] START - m_isUpgrading=true m_autoRecoverRunning=false"_s,
                         u"OTG already present, trigger OTG upgrade directly"_s}),
         QString());
-    QCOMPARE(m->panel->lastSeenId(Chip::Otg), 31);
+    QCOMPARE(panel().lastSeenId(Chip::Otg), 31);
 }
 
 void ProgressOtgTest::handOverDoesWithoutTheLibrary()
 {
-    const Without withoutLibrary(*m->panel, Part::Library);
-    m->beginRun(UpgradePlan::Both);
-    m->log.clear();
-    m->poll("success 1");
-    QVERIFY(m->panel->isPcDone());
-    QCOMPARE(m->log.startingWith(u"[ConnectingR2]"_s), QStringList());
+    const Without withoutLibrary(panel(), Part::Library);
+    stage().beginRun(UpgradePlan::Both);
+    stage().log.clear();
+    stage().poll("success 1");
+    QVERIFY(panel().isPcDone());
+    QCOMPARE(stage().log.startingWith(u"[ConnectingR2]"_s), QStringList());
 }
 
 void ProgressOtgTest::handOverMayBeThePanelsEnd()
 {
-    QVERIFY(m->runSilentTool());
-    const QPointer<QProcess> process = m->panel->tool();
-    m->bus().plug(0x001F);
-    m->beginRun(UpgradePlan::Both);
-    connect(m->panel.get(), &FirmwareUpgradeWidget::r2otgConnected, this, [this] { m->panel.reset(); });
-    m->sandbox.writeProgress("success 1");
-    m->panel->pollProgress();
-    QVERIFY(!m->panel);
+    QVERIFY(stage().runSilentTool());
+    const QPointer<QProcess> process = panel().tool();
+    stage().bus().plug(0x001F);
+    stage().beginRun(UpgradePlan::Both);
+    connect(&panel(), &FirmwareUpgradeWidget::r2otgConnected, this, [this] { stage().panel.reset(); });
+    stage().sandbox.writeProgress("success 1");
+    panel().pollProgress();
+    QVERIFY(!stage().panel);
     QVERIFY(!process);
 }
 
@@ -161,13 +159,13 @@ void ProgressOtgTest::theOtgHalfSwitchesAtThreePercent()
     QFETCH(QColor, progressColor);
     QFETCH(int, percent);
     QFETCH(bool, switches);
-    m->beginRun(plan, pcCompleted);
-    m->panel->bar()->setProgressColor(progressColor);
-    m->panel->pretendWaitingForCable(true);
-    const QStringList visible = Screen::visibleWidgets(*m->panel);
-    m->log.clear();
-    m->poll(QByteArray::number(percent) + '%');
-    const QStringList lines = m->log.startingWith(u"[onReadFirmwareTxt]"_s);
+    stage().beginRun(plan, pcCompleted);
+    panel().bar()->setProgressColor(progressColor);
+    panel().pretendWaitingForCable(true);
+    const QStringList visible = Screen::visibleWidgets(panel());
+    stage().log.clear();
+    stage().poll(QByteArray::number(percent) + '%');
+    const QStringList lines = stage().log.startingWith(u"[onReadFirmwareTxt]"_s);
     QVERIFY(lines.value(0).contains(progressColor == FlashingStage::kWaitingRed
                                         ? u" progressColor=red?true "_s
                                         : u" progressColor=red?false "_s));
@@ -175,40 +173,39 @@ void ProgressOtgTest::theOtgHalfSwitchesAtThreePercent()
     if (switches)
         expected.append(u"[onReadFirmwareTxt] 执行界面切换：隐藏动图，恢复版本号"_s);
     QCOMPARE(lines.mid(1), expected);
-    QCOMPARE(m->panel->bar()->progressColor(), switches ? FlashingStage::kNeutral : progressColor);
-    QCOMPARE(m->panel->isWaitingForCable(), !switches);
+    QCOMPARE(panel().bar()->progressColor(), switches ? FlashingStage::kNeutral : progressColor);
+    QCOMPARE(panel().isWaitingForCable(), !switches);
     if (!switches)
-        QCOMPARE(Screen::visibleWidgets(*m->panel), visible);
+        QCOMPARE(Screen::visibleWidgets(panel()), visible);
 }
 
 void ProgressOtgTest::theSwitchShowsTheProgress()
 {
-    OpenPanel &panel = *m->panel;
-    m->beginRun(UpgradePlan::Both, true);
-    panel.pretendWaitingForCable(true);
-    panel.movie()->start();
-    const ScreenChange screen(panel,
+    stage().beginRun(UpgradePlan::Both, true);
+    panel().pretendWaitingForCable(true);
+    panel().movie()->start();
+    const ScreenChange screen(panel(),
                               {u"verCompLb"_s, u"m_notesEdit"_s, u"m_notesIconLb"_s, u"m_notesTitleLb"_s,
                                u"m_notesLineLb"_s, u"upgradeProgDisPlay"_s},
                               {u"tipMoiveLb"_s, u"m_detectingUsbLb"_s, u"m_connectHintLb"_s});
-    m->poll("3%");
+    stage().poll("3%");
     QCOMPARE(screen.actual(), screen.expected());
-    QCOMPARE(panel.movie()->state(), QMovie::NotRunning);
-    QCOMPARE(panel.waitingText()->text(), u"升级中，请勿关闭设备..."_s);
-    QCOMPARE(panel.waitingText()->geometry(), QRect(133, 13, 174, 21));
-    QCOMPARE(m->percentText(), u"51%"_s);
-    QCOMPARE(m->percentOnBar(), 51);
+    QCOMPARE(panel().movie()->state(), QMovie::NotRunning);
+    QCOMPARE(panel().waitingText()->text(), u"升级中，请勿关闭设备..."_s);
+    QCOMPARE(panel().waitingText()->geometry(), QRect(133, 13, 174, 21));
+    QCOMPARE(stage().percentText(), u"51%"_s);
+    QCOMPARE(stage().percentOnBar(), 51);
 }
 
 void ProgressOtgTest::theSwitchHappensOnce()
 {
-    m->beginRun(UpgradePlan::Both, true);
-    m->poll("3%");
-    m->panel->animation()->show();
-    m->log.clear();
-    m->poll("4%");
-    QVERIFY(m->log.contains(u"[onReadFirmwareTxt] 界面切换条件=false"_s));
-    QVERIFY(!m->panel->animation()->isHidden());
+    stage().beginRun(UpgradePlan::Both, true);
+    stage().poll("3%");
+    panel().animation()->show();
+    stage().log.clear();
+    stage().poll("4%");
+    QVERIFY(stage().log.contains(u"[onReadFirmwareTxt] 界面切换条件=false"_s));
+    QVERIFY(!panel().animation()->isHidden());
 }
 
 QUILLON_TEST(ProgressOtgTest)

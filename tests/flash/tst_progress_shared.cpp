@@ -31,10 +31,10 @@ private Q_SLOTS:
 private:
     void start(const QByteArray &script)
     {
-        m->beginRun(UpgradePlan::PcOnly);
-        m->tool.obeys(script);
-        QDir().mkpath(QFileInfo(m->sandbox.progressFile()).path());
-        m->panel->flash(m->image, 14);
+        stage().beginRun(UpgradePlan::PcOnly);
+        stage().tool.obeys(script);
+        QDir().mkpath(QFileInfo(stage().sandbox.progressFile()).path());
+        panel().flash(stage().image, 14);
     }
 };
 
@@ -49,18 +49,18 @@ void ProgressSharedTest::everyPollReadsIt()
 {
     QFETCH(QByteArray, share);
     start("hold " + share + "\nappend 10%\nappend 30%\nhang");
-    QTRY_COMPARE_WITH_TIMEOUT(m->percentText(), u"30%"_s, kPatience);
-    m->panel->pollTimer()->stop();
-    m->log.clear();
+    QTRY_COMPARE_WITH_TIMEOUT(stage().percentText(), u"30%"_s, kPatience);
+    panel().pollTimer()->stop();
+    stage().log.clear();
 
     constexpr int kPolls = 200;
     for (int i = 0; i < kPolls; ++i) {
         // However slow the machine is, the tool does not count as stalled.
-        m->panel->pretendLastPercentSince(QDateTime::currentDateTime());
-        m->panel->pollProgress();
+        panel().pretendLastPercentSince(QDateTime::currentDateTime());
+        panel().pollProgress();
     }
-    QCOMPARE(m->log.startingWith(u"[onReadFirmwareTxt] percent=30 "_s).size(), kPolls);
-    QVERIFY(m->isToolRunning());
+    QCOMPARE(stage().log.startingWith(u"[onReadFirmwareTxt] percent=30 "_s).size(), kPolls);
+    QVERIFY(stage().isToolRunning());
 }
 
 void ProgressSharedTest::aRunIsFollowedToItsEnd_data()
@@ -76,9 +76,9 @@ void ProgressSharedTest::aRunIsFollowedToItsEnd()
     for (int percent = 0; percent <= 100; percent += 4)
         script += "write " + QByteArray::number(percent) + "%\npause 20\n";
     start(script + "write success 1\n");
-    QTRY_VERIFY_WITH_TIMEOUT(!m->panel->isUpgrading(), kPatience);
-    QCOMPARE(m->percentOnBar(), 100);
-    QVERIFY(!m->showsFailure());
+    QTRY_VERIFY_WITH_TIMEOUT(!panel().isUpgrading(), kPatience);
+    QCOMPARE(stage().percentOnBar(), 100);
+    QVERIFY(!stage().showsFailure());
 }
 
 void ProgressSharedTest::whatIsLeftIsToldFromANewReport_data()
@@ -106,8 +106,8 @@ void ProgressSharedTest::whatIsLeftIsToldFromANewReport()
     QFETCH(std::function<void(const QString &)>, change);
     QFETCH(bool, isNew);
     using Outcome = ProgressFile::Reading::Outcome;
-    m->sandbox.writeProgress("success 1\n");
-    const QString path = m->sandbox.progressFile();
+    stage().sandbox.writeProgress("success 1\n");
+    const QString path = stage().sandbox.progressFile();
     const QString leftover = ProgressFile::fingerprint(path);
     QVERIFY(!leftover.isEmpty());
     change(path);

@@ -40,20 +40,20 @@ void ProgressStallTest::percentagesAreRecorded()
     QFETCH(int, recorded);
     QFETCH(int, percent);
     QFETCH(bool, isRecorded);
-    QVERIFY(m->runSilentTool());
-    m->beginRun(UpgradePlan::PcOnly);
+    QVERIFY(stage().runSilentTool());
+    stage().beginRun(UpgradePlan::PcOnly);
     const QDateTime before = recorded < 0 ? QDateTime() : QDateTime::currentDateTime().addMSecs(-1500);
-    m->panel->pretendLastPercent(recorded);
-    m->panel->pretendLastPercentSince(before);
+    panel().pretendLastPercent(recorded);
+    panel().pretendLastPercentSince(before);
     const QDateTime now = QDateTime::currentDateTime();
-    m->poll(QByteArray::number(percent) + '%');
-    QCOMPARE(m->panel->lastPercent(), isRecorded ? percent : recorded);
+    stage().poll(QByteArray::number(percent) + '%');
+    QCOMPARE(panel().lastPercent(), isRecorded ? percent : recorded);
     if (isRecorded)
-        QVERIFY(m->panel->lastPercentSince() >= now
-                && m->panel->lastPercentSince() <= QDateTime::currentDateTime());
+        QVERIFY(panel().lastPercentSince() >= now
+                && panel().lastPercentSince() <= QDateTime::currentDateTime());
     else
-        QCOMPARE(m->panel->lastPercentSince(), before);
-    QCOMPARE(m->percentText(), QString::number(percent) + u'%');
+        QCOMPARE(panel().lastPercentSince(), before);
+    QCOMPARE(stage().percentText(), QString::number(percent) + u'%');
 }
 
 void ProgressStallTest::aStallBelowAllFails_data()
@@ -72,43 +72,43 @@ void ProgressStallTest::aStallBelowAllFails()
     QFETCH(int, percent);
     QFETCH(bool, isToolRunning);
     if (isToolRunning)
-        QVERIFY(m->runSilentTool());
-    m->beginRun(UpgradePlan::PcOnly);
-    m->panel->pretendLastPercent(percent);
-    m->panel->pretendLastPercentSince(QDateTime::currentDateTime().addSecs(-3));
-    m->log.clear();
-    m->poll(QByteArray::number(percent) + '%');
-    QCOMPARE(m->log.lines().value(0), u"[状态] 升级进度停滞3秒，判定为失败"_s);
-    QCOMPARE(m->log.lines().size(), isToolRunning ? 2 : 1);
-    QVERIFY(!m->panel->pollTimer()->isActive());
-    QCOMPARE(m->panel->tool()->state(), QProcess::NotRunning);
-    QVERIFY(m->showsFailure());
-    QVERIFY(!m->panel->isUpgrading());
-    QCOMPARE(m->percentText(), u"0%"_s);
+        QVERIFY(stage().runSilentTool());
+    stage().beginRun(UpgradePlan::PcOnly);
+    panel().pretendLastPercent(percent);
+    panel().pretendLastPercentSince(QDateTime::currentDateTime().addSecs(-3));
+    stage().log.clear();
+    stage().poll(QByteArray::number(percent) + '%');
+    QCOMPARE(stage().log.lines().value(0), u"[状态] 升级进度停滞3秒，判定为失败"_s);
+    QCOMPARE(stage().log.lines().size(), isToolRunning ? 2 : 1);
+    QVERIFY(!panel().pollTimer()->isActive());
+    QCOMPARE(panel().tool()->state(), QProcess::NotRunning);
+    QVERIFY(stage().showsFailure());
+    QVERIFY(!panel().isUpgrading());
+    QCOMPARE(stage().percentText(), u"0%"_s);
 }
 
 void ProgressStallTest::aStallAtAllEndsTheToolAndSucceeds()
 {
-    QVERIFY(m->runSilentTool());
-    m->beginRun(UpgradePlan::PcOnly);
-    m->panel->pretendLastPercent(100);
-    m->panel->pretendLastPercentSince(QDateTime::currentDateTime().addSecs(-3));
-    m->log.clear();
-    m->poll("100%");
-    QCOMPARE(m->log.lines().value(0), u"[状态] 进度100%停滞3秒，主动终止外部工具"_s);
-    QCOMPARE(m->panel->tool()->state(), QProcess::NotRunning);
-    QVERIFY(m->panel->pollTimer()->isActive());
-    QVERIFY(m->panel->isUpgrading());
-    QVERIFY(!m->showsFailure());
-    QVERIFY(m->panel->doneText()->isHidden());
+    QVERIFY(stage().runSilentTool());
+    stage().beginRun(UpgradePlan::PcOnly);
+    panel().pretendLastPercent(100);
+    panel().pretendLastPercentSince(QDateTime::currentDateTime().addSecs(-3));
+    stage().log.clear();
+    stage().poll("100%");
+    QCOMPARE(stage().log.lines().value(0), u"[状态] 进度100%停滞3秒，主动终止外部工具"_s);
+    QCOMPARE(panel().tool()->state(), QProcess::NotRunning);
+    QVERIFY(panel().pollTimer()->isActive());
+    QVERIFY(panel().isUpgrading());
+    QVERIFY(!stage().showsFailure());
+    QVERIFY(panel().doneText()->isHidden());
 
-    m->log.clear();
-    m->panel->pollProgress();
-    QCOMPARE(m->log.lines().mid(0, 2),
+    stage().log.clear();
+    panel().pollProgress();
+    QCOMPARE(stage().log.lines().mid(0, 2),
              (QStringList{u"[状态] 进度100%且进程已退出，视为升级成功"_s, u"Successfully upgrade !!!"_s}));
-    QVERIFY(!m->panel->pollTimer()->isActive());
-    QVERIFY(!m->panel->isUpgrading());
-    QVERIFY(!m->panel->doneText()->isHidden());
+    QVERIFY(!panel().pollTimer()->isActive());
+    QVERIFY(!panel().isUpgrading());
+    QVERIFY(!panel().doneText()->isHidden());
 }
 
 void ProgressStallTest::aStallNeedsThreeSeconds_data()
@@ -124,14 +124,14 @@ void ProgressStallTest::aStallNeedsThreeSeconds()
     QFETCH(QDateTime, recordedAt);
     if (recordedAt.isValid() && recordedAt < QDateTime::currentDateTime())
         recordedAt = QDateTime::currentDateTime().addMSecs(-2'500);
-    m->beginRun(UpgradePlan::PcOnly);
-    m->panel->pretendLastPercent(42);
-    m->panel->pretendLastPercentSince(recordedAt);
-    m->poll("42%");
-    QCOMPARE(m->percentText(), u"42%"_s);
-    QVERIFY(!m->showsFailure());
-    QVERIFY(m->panel->pollTimer()->isActive());
-    QCOMPARE(m->panel->lastPercentSince(), recordedAt);
+    stage().beginRun(UpgradePlan::PcOnly);
+    panel().pretendLastPercent(42);
+    panel().pretendLastPercentSince(recordedAt);
+    stage().poll("42%");
+    QCOMPARE(stage().percentText(), u"42%"_s);
+    QVERIFY(!stage().showsFailure());
+    QVERIFY(panel().pollTimer()->isActive());
+    QCOMPARE(panel().lastPercentSince(), recordedAt);
 }
 
 QUILLON_TEST(ProgressStallTest)

@@ -48,27 +48,27 @@ void ProgressVerdictsTest::aBadResultFails()
 {
     QFETCH(QByteArray, content);
     QFETCH(int, status);
-    QVERIFY(m->runSilentTool());
-    m->beginRun(UpgradePlan::PcOnly);
-    m->log.clear();
-    m->poll(content);
-    QCOMPARE(m->log.lines().mid(0, 1),
+    QVERIFY(stage().runSilentTool());
+    stage().beginRun(UpgradePlan::PcOnly);
+    stage().log.clear();
+    stage().poll(content);
+    QCOMPARE(stage().log.lines().mid(0, 1),
              QStringList(u"[状态] 升级失败(status=%1)，显示失败重试 UI"_s.arg(status)));
-    QVERIFY(!m->log.contains(u"Successfully upgrade !!!"_s));
-    QVERIFY(m->showsFailure());
-    QVERIFY(!m->panel->isUpgrading());
-    QVERIFY(!m->panel->pollTimer()->isActive());
-    QVERIFY(!m->panel->watchdog()->isActive());
-    QCOMPARE(m->panel->tool()->state(), QProcess::NotRunning);
-    QVERIFY(m->panel->doneText()->isHidden());
+    QVERIFY(!stage().log.contains(u"Successfully upgrade !!!"_s));
+    QVERIFY(stage().showsFailure());
+    QVERIFY(!panel().isUpgrading());
+    QVERIFY(!panel().pollTimer()->isActive());
+    QVERIFY(!panel().watchdog()->isActive());
+    QCOMPARE(panel().tool()->state(), QProcess::NotRunning);
+    QVERIFY(panel().doneText()->isHidden());
 }
 
 void ProgressVerdictsTest::theFailureOfTheOtgHalfLeavesTheOtgHalf()
 {
-    m->beginRun(UpgradePlan::Both, true);
-    m->poll("success 0");
-    QVERIFY(m->showsFailure());
-    QCOMPARE(m->panel->plan(), UpgradePlan::OtgOnly);
+    stage().beginRun(UpgradePlan::Both, true);
+    stage().poll("success 0");
+    QVERIFY(stage().showsFailure());
+    QCOMPARE(panel().plan(), UpgradePlan::OtgOnly);
 }
 
 void ProgressVerdictsTest::aResultKillsTheToolLast_data()
@@ -89,18 +89,19 @@ void ProgressVerdictsTest::aResultKillsTheToolLast()
     QFETCH(QByteArray, content);
     QFETCH(UpgradePlan, plan);
     QFETCH(QString, lineBefore);
-    QVERIFY(m->runSilentTool());
-    QTRY_COMPARE(m->tool.runs().size(), 1);
-    m->beginRun(plan);
-    m->log.clear();
+    QVERIFY(stage().runSilentTool());
+    QTRY_COMPARE(stage().tool.runs().size(), 1);
+    stage().beginRun(plan);
+    stage().log.clear();
     QElapsedTimer time;
     time.start();
-    m->poll(content);
+    stage().poll(content);
     QVERIFY(time.elapsed() < 1500);
-    QCOMPARE(m->panel->tool()->state(), QProcess::NotRunning);
-    const QString end = m->log.startingWith(u"OrvikFirmwareUpdata.exe process exit, exitCode="_s).value(0);
+    QCOMPARE(panel().tool()->state(), QProcess::NotRunning);
+    const QString end
+        = stage().log.startingWith(u"OrvikFirmwareUpdata.exe process exit, exitCode="_s).value(0);
     QVERIFY(!end.isEmpty());
-    QCOMPARE(missingInOrder(m->log.lines(), {lineBefore, end}), QString());
+    QCOMPARE(missingInOrder(stage().log.lines(), {lineBefore, end}), QString());
 }
 
 void ProgressVerdictsTest::successIsLogged_data()
@@ -127,13 +128,13 @@ void ProgressVerdictsTest::successIsLogged()
     QFETCH(bool, isRed);
     QFETCH(bool, isWaiting);
     QFETCH(QString, line);
-    m->beginRun(UpgradePlan::Both, true);
-    m->panel->bar()->setProgressColor(isRed ? FlashingStage::kWaitingRed : FlashingStage::kNeutral);
-    m->panel->pretendWaitingForCable(isWaiting);
-    Screen::showOnly(*m->panel, visible + QStringList{u"m_progressBar"_s});
-    m->log.clear();
-    m->poll("success 1");
-    QCOMPARE(m->log.lines(),
+    stage().beginRun(UpgradePlan::Both, true);
+    panel().bar()->setProgressColor(isRed ? FlashingStage::kWaitingRed : FlashingStage::kNeutral);
+    panel().pretendWaitingForCable(isWaiting);
+    Screen::showOnly(panel(), visible + QStringList{u"m_progressBar"_s});
+    stage().log.clear();
+    stage().poll("success 1");
+    QCOMPARE(stage().log.lines(),
              (QStringList{u"Successfully upgrade !!!"_s, line, u"[VersionRead] 清空版本号，准备重新读取"_s}));
 }
 
@@ -151,84 +152,82 @@ void ProgressVerdictsTest::completionForgetsTheVersions()
 {
     QFETCH(UpgradePlan, plan);
     QFETCH(bool, pcCompleted);
-    OpenPanel &panel = *m->panel;
-    m->beginRun(plan, pcCompleted);
-    panel.pretendRecovering(true);
-    panel.pretendLastSeenId(Chip::Otg, 31);
-    panel.pretendLastSeenId(Chip::Pc, 14);
-    panel.pretendDeviceVersion(Chip::Pc, u"1.1.1"_s);
-    panel.pretendDeviceVersion(Chip::Otg, u"1.1.2"_s);
-    panel.pretendServerVersion(Chip::Pc, u"1.2.0"_s);
-    panel.pretendServerVersion(Chip::Otg, u"1.2.1"_s);
-    panel.pretendNotReadyReplies(3);
-    const QStringList before = panel.state();
-    m->poll("success 1");
-    QCOMPARE(changedState(before, panel.state()),
+    stage().beginRun(plan, pcCompleted);
+    panel().pretendRecovering(true);
+    panel().pretendLastSeenId(Chip::Otg, 31);
+    panel().pretendLastSeenId(Chip::Pc, 14);
+    panel().pretendDeviceVersion(Chip::Pc, u"1.1.1"_s);
+    panel().pretendDeviceVersion(Chip::Otg, u"1.1.2"_s);
+    panel().pretendServerVersion(Chip::Pc, u"1.2.0"_s);
+    panel().pretendServerVersion(Chip::Otg, u"1.2.1"_s);
+    panel().pretendNotReadyReplies(3);
+    const QStringList before = panel().state();
+    stage().poll("success 1");
+    QCOMPARE(changedState(before, panel().state()),
              (QStringList{u"m_devicePcVersion="_s, u"m_deviceOtgVersion="_s, u"m_autoRecoverRunning=false"_s,
                           u"m_isUpgrading=false"_s, u"lastDetectedOtgPid=0"_s, u"m_postUpgradeWaiting=true"_s,
                           u"m_zeroVersionCount=0"_s}));
-    QVERIFY(!panel.pollTimer()->isActive());
-    QVERIFY(!panel.watchdog()->isActive());
+    QVERIFY(!panel().pollTimer()->isActive());
+    QVERIFY(!panel().watchdog()->isActive());
 }
 
 void ProgressVerdictsTest::completionIsShown()
 {
-    OpenPanel &panel = *m->panel;
-    m->beginRun(UpgradePlan::Both, true);
-    panel.movie()->start();
-    panel.bar()->setBackgroundColor(Qt::yellow);
-    const ScreenChange screen(panel, {u"m_doneIconLb"_s, u"m_doneLb"_s},
+    stage().beginRun(UpgradePlan::Both, true);
+    panel().movie()->start();
+    panel().bar()->setBackgroundColor(Qt::yellow);
+    const ScreenChange screen(panel(), {u"m_doneIconLb"_s, u"m_doneLb"_s},
                               {u"tipMoiveLb"_s, u"m_detectingUsbLb"_s, u"m_connectHintLb"_s,
                                u"m_waitingIconLb"_s, u"m_upgradingLb"_s, u"upgradeProgDisPlay"_s});
-    m->poll("success 1");
+    stage().poll("success 1");
     QCOMPARE(screen.actual(), screen.expected());
-    QCOMPARE(m->percentOnBar(), 100);
-    QCOMPARE(m->percentText(), u"100%"_s);
-    QCOMPARE(panel.bar()->progressColor(), FlashingStage::kNeutral);
-    QCOMPARE(panel.barBackground(), QColor(Qt::yellow));
-    QCOMPARE(panel.movie()->state(), QMovie::NotRunning);
+    QCOMPARE(stage().percentOnBar(), 100);
+    QCOMPARE(stage().percentText(), u"100%"_s);
+    QCOMPARE(panel().bar()->progressColor(), FlashingStage::kNeutral);
+    QCOMPARE(panel().barBackground(), QColor(Qt::yellow));
+    QCOMPARE(panel().movie()->state(), QMovie::NotRunning);
 }
 
 void ProgressVerdictsTest::completionNeedsNoBar()
 {
-    m->beginRun(UpgradePlan::PcOnly);
-    const Without withoutBar(*m->panel, Part::Bar);
-    const QStringList screen = Screen::everything(*m->panel);
-    m->poll("success 1");
-    QVERIFY(!m->panel->isUpgrading());
-    QVERIFY(m->panel->awaitsNewVersions());
-    QCOMPARE(Screen::everything(*m->panel), screen);
+    stage().beginRun(UpgradePlan::PcOnly);
+    const Without withoutBar(panel(), Part::Bar);
+    const QStringList screen = Screen::everything(panel());
+    stage().poll("success 1");
+    QVERIFY(!panel().isUpgrading());
+    QVERIFY(panel().awaitsNewVersions());
+    QCOMPARE(Screen::everything(panel()), screen);
 }
 
 void ProgressVerdictsTest::completionReadsTheNewVersions()
 {
-    m->panel->seeDevices({m->bus().plug(0x000E)}, {0x000E});
-    QTRY_COMPARE(m->bus().written().size(), 1); // what a new panel asks
-    m->bus().clear();
-    m->beginRun(UpgradePlan::PcOnly);
-    m->poll("success 1");
-    m->log.clear();
+    panel().seeDevices({stage().bus().plug(0x000E)}, {0x000E});
+    QTRY_COMPARE(stage().bus().written().size(), 1); // what a new panel asks
+    stage().bus().clear();
+    stage().beginRun(UpgradePlan::PcOnly);
+    stage().poll("success 1");
+    stage().log.clear();
 
     QElapsedTimer time;
     time.start();
-    QTRY_COMPARE(m->bus().written().size(), 1);
+    QTRY_COMPARE(stage().bus().written().size(), 1);
     const qint64 waited = time.elapsed();
     QVERIFY2(waited >= 2250 && waited < 3000, qPrintable(QString::number(waited)));
-    QCOMPARE(m->bus().written().first(), ControlMessages::getInstance()->randomRead(0x1008));
-    QCOMPARE(m->log.lines().mid(0, 2),
+    QCOMPARE(stage().bus().written().first(), ControlMessages::getInstance()->randomRead(0x1008));
+    QCOMPARE(stage().log.lines().mid(0, 2),
              (QStringList{u"[ConnectingR2] START - m_isUpgrading=false m_autoRecoverRunning=false"_s,
                           u"[FirmwareUpgradeWidget定时器扫描] 发现 1 个设备"_s}));
-    QCOMPARE(m->log.startingWith(u"[ConnectingR2] START"_s).size(), 1);
+    QCOMPARE(stage().log.startingWith(u"[ConnectingR2] START"_s).size(), 1);
 }
 
 void ProgressVerdictsTest::completionOfADeletedPanelReadsNothing()
 {
-    m->beginRun(UpgradePlan::PcOnly);
-    m->poll("success 1");
-    m->panel.reset();
-    m->log.clear();
+    stage().beginRun(UpgradePlan::PcOnly);
+    stage().poll("success 1");
+    stage().panel.reset();
+    stage().log.clear();
     QTest::qWait(2700);
-    QCOMPARE(m->log.startingWith(u"[ConnectingR2]"_s), QStringList());
+    QCOMPARE(stage().log.startingWith(u"[ConnectingR2]"_s), QStringList());
 }
 
 void ProgressVerdictsTest::allWrittenAndEndedIsSuccess_data()
@@ -252,15 +251,15 @@ void ProgressVerdictsTest::allWrittenAndEndedIsSuccess()
     QFETCH(bool, isToolRunning);
     QFETCH(bool, succeeds);
     if (isToolRunning)
-        QVERIFY(m->runSilentTool());
-    m->beginRun(plan);
-    m->log.clear();
-    m->poll(content);
-    QCOMPARE(m->log.contains(u"[状态] 进度100%且进程已退出，视为升级成功"_s), succeeds);
-    QCOMPARE(m->log.contains(u"Successfully upgrade !!!"_s), succeeds);
-    QCOMPARE(m->panel->pollTimer()->isActive(), !succeeds);
-    QCOMPARE(m->panel->isPcDone(), succeeds && plan == UpgradePlan::Both);
-    QCOMPARE(m->panel->awaitsNewVersions(), succeeds && plan != UpgradePlan::Both);
+        QVERIFY(stage().runSilentTool());
+    stage().beginRun(plan);
+    stage().log.clear();
+    stage().poll(content);
+    QCOMPARE(stage().log.contains(u"[状态] 进度100%且进程已退出，视为升级成功"_s), succeeds);
+    QCOMPARE(stage().log.contains(u"Successfully upgrade !!!"_s), succeeds);
+    QCOMPARE(panel().pollTimer()->isActive(), !succeeds);
+    QCOMPARE(panel().isPcDone(), succeeds && plan == UpgradePlan::Both);
+    QCOMPARE(panel().awaitsNewVersions(), succeeds && plan != UpgradePlan::Both);
 }
 
 QUILLON_TEST(ProgressVerdictsTest)

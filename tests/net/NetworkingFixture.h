@@ -2,10 +2,10 @@
 
 #include "net/networking_class.h"
 #include "tests/net/ClientInside.h"
+#include "tests/support/Files.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/ScriptedHttpServer.h"
 
-#include <QFile>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QSignalSpy>
@@ -38,10 +38,11 @@ struct NetworkingFixture {
         server.answer(path, held);
     }
 
-    static QByteArray contentOf(const QString &path)
+    /// What a query that brings no notes has to leave as it is.
+    void rememberOldNotes() const
     {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArrayLiteral("(no such file)");
+        client->f_remark = QStringLiteral("旧说明");
+        client->f_remark_en = QStringLiteral("old notes");
     }
 
     /// Replies that the client still keeps.

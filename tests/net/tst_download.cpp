@@ -1,4 +1,4 @@
-#include "tests/net/NetworkingFixture.h"
+#include "tests/net/ClientTest.h"
 #include "tests/support/TestProgram.h"
 
 #include <QCryptographicHash>
@@ -13,12 +13,10 @@ using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 /// The download of an image into a file.
-class DownloadTest : public QObject {
+class DownloadTest : public ClientTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m = std::make_unique<NetworkingFixture>(); }
-    void cleanup() { m.reset(); }
     void storesTheImageAndSaysSoOnce();
     void returnsBeforeAnythingArrives();
     void logsTheFileAndTheProgress();
@@ -32,7 +30,6 @@ private Q_SLOTS:
     void holdsLittleOfALargeImageInMemory();
 
 private:
-    std::unique_ptr<NetworkingFixture> m;
 };
 
 void DownloadTest::storesTheImageAndSaysSoOnce()
@@ -40,45 +37,46 @@ void DownloadTest::storesTheImageAndSaysSoOnce()
     QByteArray image(300'000, '\0');
     for (qsizetype i = 0; i < image.size(); ++i)
         image[i] = char(i * 7 + i / 251);
-    m->server.answer(m->kImagePath, ScriptedHttpServer::page(image));
-    m->download(m->image());
-    QTRY_COMPARE(m->ended.size(), 1);
-    QCOMPARE(m->contentOf(m->image()), image);
-    QCOMPARE(m->server.paths(), QStringList(m->kImagePath));
+    stage().server.answer(stage().kImagePath, ScriptedHttpServer::page(image));
+    stage().download(stage().image());
+    QTRY_COMPARE(stage().ended.size(), 1);
+    QCOMPARE(contentOf(stage().image()), image);
+    QCOMPARE(stage().server.paths(), QStringList(stage().kImagePath));
 
-    m->query();
-    QCOMPARE(m->ended.size(), 1);
+    stage().query();
+    QCOMPARE(stage().ended.size(), 1);
 }
 
 void DownloadTest::returnsBeforeAnythingArrives()
 {
-    m->server.answer(m->kImagePath, ScriptedHttpServer::page("image"_ba));
-    m->download(m->image());
-    QCOMPARE(m->ended.size(), 0);
-    QVERIFY(QFile::exists(m->image()));
-    QTRY_COMPARE(m->ended.size(), 1);
+    stage().server.answer(stage().kImagePath, ScriptedHttpServer::page("image"_ba));
+    stage().download(stage().image());
+    QCOMPARE(stage().ended.size(), 0);
+    QVERIFY(QFile::exists(stage().image()));
+    QTRY_COMPARE(stage().ended.size(), 1);
 }
 
 void DownloadTest::logsTheFileAndTheProgress()
 {
-    m->server.answer(m->kImagePath, ScriptedHttpServer::page("twelve bytes"_ba));
-    m->download(m->image());
-    QCOMPARE(m->log.lines(), QStringList(QStringLiteral("ggxxxxxxxxx") + m->image()));
-    QTRY_COMPARE(m->ended.size(), 1);
-    QVERIFY(m->log.contains(QStringLiteral("22222xxxxxxxxx1212")));
-    QCOMPARE(m->log.startingWith(QStringLiteral("22222xxxxxxxxx")).size(), m->log.lines().size() - 1);
+    stage().server.answer(stage().kImagePath, ScriptedHttpServer::page("twelve bytes"_ba));
+    stage().download(stage().image());
+    QCOMPARE(stage().log.lines(), QStringList(QStringLiteral("ggxxxxxxxxx") + stage().image()));
+    QTRY_COMPARE(stage().ended.size(), 1);
+    QVERIFY(stage().log.contains(QStringLiteral("22222xxxxxxxxx1212")));
+    QCOMPARE(stage().log.startingWith(QStringLiteral("22222xxxxxxxxx")).size(),
+             stage().log.lines().size() - 1);
 }
 
 void DownloadTest::emptiesTheFileFirst()
 {
-    QFile old(m->image());
+    QFile old(stage().image());
     QVERIFY(old.open(QIODevice::WriteOnly) && old.write(QByteArray(5000, 'o')) == 5000);
     old.close();
-    m->server.answer(m->kImagePath, ScriptedHttpServer::page("new"_ba));
-    m->download(m->image());
-    QCOMPARE(QFile(m->image()).size(), 0);
-    QTRY_COMPARE(m->ended.size(), 1);
-    QCOMPARE(m->contentOf(m->image()), "new"_ba);
+    stage().server.answer(stage().kImagePath, ScriptedHttpServer::page("new"_ba));
+    stage().download(stage().image());
+    QCOMPARE(QFile(stage().image()).size(), 0);
+    QTRY_COMPARE(stage().ended.size(), 1);
+    QCOMPARE(contentOf(stage().image()), "new"_ba);
 }
 
 void DownloadTest::endsWithWhatArrived_data()
@@ -105,23 +103,23 @@ void DownloadTest::endsWithWhatArrived_data()
 void DownloadTest::endsWithWhatArrived()
 {
     QFETCH(ScriptedHttpServer::Answer, answer);
-    m->server.answer(m->kImagePath, answer);
-    m->download(m->image());
-    QTRY_COMPARE(m->ended.size(), 1);
-    QTEST(m->contentOf(m->image()), "content");
-    m->query();
-    QCOMPARE(m->ended.size(), 1);
+    stage().server.answer(stage().kImagePath, answer);
+    stage().download(stage().image());
+    QTRY_COMPARE(stage().ended.size(), 1);
+    QTEST(contentOf(stage().image()), "content");
+    stage().query();
+    QCOMPARE(stage().ended.size(), 1);
 }
 
 void DownloadTest::writesWhileItReceives()
 {
-    m->answerHeld(m->kImagePath, QByteArray(400'000, 'i'), 300'000);
-    m->download(m->image());
-    QTRY_VERIFY(QFile(m->image()).size() > 200'000);
-    QCOMPARE(m->ended.size(), 0);
-    m->server.release(m->kImagePath);
-    QTRY_COMPARE(m->ended.size(), 1);
-    QCOMPARE(QFile(m->image()).size(), 400'000);
+    stage().answerHeld(stage().kImagePath, QByteArray(400'000, 'i'), 300'000);
+    stage().download(stage().image());
+    QTRY_VERIFY(QFile(stage().image()).size() > 200'000);
+    QCOMPARE(stage().ended.size(), 0);
+    stage().server.release(stage().kImagePath);
+    QTRY_COMPARE(stage().ended.size(), 1);
+    QCOMPARE(QFile(stage().image()).size(), 400'000);
 }
 
 void DownloadTest::asksNothingWhenTheFileCannotBeOpened_data()
@@ -136,20 +134,20 @@ void DownloadTest::asksNothingWhenTheFileCannotBeOpened_data()
 void DownloadTest::asksNothingWhenTheFileCannotBeOpened()
 {
     QFETCH(QString, name);
-    QVERIFY(QDir(m->folder.path()).mkdir(QStringLiteral("folder")));
-    QVERIFY(QFile(m->image(QStringLiteral("file"))).open(QIODevice::WriteOnly));
-    m->server.answer(m->kImagePath, ScriptedHttpServer::page("image"_ba));
-    m->download(m->image(name));
-    QCOMPARE(m->log.lines(), QStringList(QStringLiteral("ggxxxxxxxxx") + m->image(name)));
+    QVERIFY(QDir(stage().folder.path()).mkdir(QStringLiteral("folder")));
+    QVERIFY(QFile(stage().image(QStringLiteral("file"))).open(QIODevice::WriteOnly));
+    stage().server.answer(stage().kImagePath, ScriptedHttpServer::page("image"_ba));
+    stage().download(stage().image(name));
+    QCOMPARE(stage().log.lines(), QStringList(QStringLiteral("ggxxxxxxxxx") + stage().image(name)));
 
     // A whole exchange with the server: whatever had been sent before would have arrived.
-    m->query();
-    QCOMPARE(m->server.paths(), QStringList(m->kVersionPath));
-    QCOMPARE(m->ended.size(), 0);
+    stage().query();
+    QCOMPARE(stage().server.paths(), QStringList(stage().kVersionPath));
+    QCOMPARE(stage().ended.size(), 0);
 
-    m->download(m->image());
-    QTRY_COMPARE(m->ended.size(), 1);
-    QCOMPARE(m->contentOf(m->image()), "image"_ba);
+    stage().download(stage().image());
+    QTRY_COMPARE(stage().ended.size(), 1);
+    QCOMPARE(contentOf(stage().image()), "image"_ba);
 }
 
 void DownloadTest::survivesAFullDisk()
@@ -157,15 +155,15 @@ void DownloadTest::survivesAFullDisk()
     const QString full = QStringLiteral("/dev/full");
     if (!QFile::exists(full))
         QSKIP("this machine has no device that is always full");
-    QVERIFY(QFile::link(full, m->image()));
-    m->server.answer(m->kImagePath, ScriptedHttpServer::page(QByteArray(1'000'000, 'i')));
-    m->download(m->image());
-    QTRY_COMPARE(m->ended.size(), 1);
-    QTRY_COMPARE(m->repliesKept(), 0);
+    QVERIFY(QFile::link(full, stage().image()));
+    stage().server.answer(stage().kImagePath, ScriptedHttpServer::page(QByteArray(1'000'000, 'i')));
+    stage().download(stage().image());
+    QTRY_COMPARE(stage().ended.size(), 1);
+    QTRY_COMPARE(stage().repliesKept(), 0);
 
-    m->download(m->image(QStringLiteral("other")));
-    QTRY_COMPARE(m->ended.size(), 2);
-    QCOMPARE(QFile(m->image(QStringLiteral("other"))).size(), 1'000'000);
+    stage().download(stage().image(QStringLiteral("other")));
+    QTRY_COMPARE(stage().ended.size(), 2);
+    QCOMPARE(QFile(stage().image(QStringLiteral("other"))).size(), 1'000'000);
 }
 
 void DownloadTest::holdsLittleOfALargeImageInMemory()
@@ -178,26 +176,26 @@ void DownloadTest::holdsLittleOfALargeImageInMemory()
         piece[i] = char(i * 31 + i / 509);
     auto large = ScriptedHttpServer::page(piece);
     large.repeat = 1024;
-    m->server.answer(m->kImagePath, large);
-    m->download(m->image());
-    QTRY_VERIFY(QFile(m->image()).size() > 0);
+    stage().server.answer(stage().kImagePath, large);
+    stage().download(stage().image());
+    QTRY_VERIFY(QFile(stage().image()).size() > 0);
 
     // The GUI thread is busy: the server can send only what the client is ready to hold.
     qint64 sent = -1;
     QDeadlineTimer deadline(30s);
-    while (sent != m->server.bytesSent(m->kImagePath) && !deadline.hasExpired()) {
-        sent = m->server.bytesSent(m->kImagePath);
+    while (sent != stage().server.bytesSent(stage().kImagePath) && !deadline.hasExpired()) {
+        sent = stage().server.bytesSent(stage().kImagePath);
         QThread::msleep(300);
     }
-    const qint64 held = sent - QFile(m->image()).size();
+    const qint64 held = sent - QFile(stage().image()).size();
     QVERIFY2(held < kHeldAtMost, qPrintable(QString::number(held)));
 
-    QTRY_COMPARE_WITH_TIMEOUT(m->ended.size(), 1, 30'000);
+    QTRY_COMPARE_WITH_TIMEOUT(stage().ended.size(), 1, 30'000);
     QCryptographicHash expected(QCryptographicHash::Sha256);
     for (int i = 0; i < large.repeat; ++i)
         expected.addData(piece);
     QCryptographicHash stored(QCryptographicHash::Sha256);
-    QFile file(m->image());
+    QFile file(stage().image());
     QVERIFY(file.open(QIODevice::ReadOnly) && stored.addData(&file));
     QCOMPARE(stored.result(), expected.result());
 }

@@ -1,4 +1,4 @@
-#include "tests/net/NetworkingFixture.h"
+#include "tests/net/ClientTest.h"
 #include "tests/support/TestProgram.h"
 
 #include <QElapsedTimer>
@@ -12,17 +12,15 @@ using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 /// The shape of the class, and the version query but for what it makes of the answer.
-class NetworkingTest : public QObject {
+class NetworkingTest : public ClientTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
+    void init() override
     {
-        m = std::make_unique<NetworkingFixture>();
-        m->client->f_remark = u"旧说明"_s;
-        m->client->f_remark_en = u"old notes"_s;
+        ClientTest::init();
+        stage().rememberOldNotes();
     }
-    void cleanup() { m.reset(); }
     void hasOneSignalAndThreeSlotsInThisOrder();
     void thereIsOneInstanceWithoutParent();
     void logsAFailedQuery_data();
@@ -40,7 +38,6 @@ private Q_SLOTS:
     void releasesItsReplies();
 
 private:
-    std::unique_ptr<NetworkingFixture> m;
 };
 
 void NetworkingTest::hasOneSignalAndThreeSlotsInThisOrder()
@@ -68,8 +65,8 @@ void NetworkingTest::hasOneSignalAndThreeSlotsInThisOrder()
 void NetworkingTest::thereIsOneInstanceWithoutParent()
 {
     QVERIFY(networking_class::getInstance());
-    QCOMPARE(networking_class::getInstance(), m->client);
-    QVERIFY(!m->client->parent());
+    QCOMPARE(networking_class::getInstance(), stage().client);
+    QVERIFY(!stage().client->parent());
     QVERIFY(!ClientInside::manager()->parent());
 }
 
@@ -79,7 +76,7 @@ void NetworkingTest::logsAFailedQuery_data()
     QTest::addColumn<QString>("codes");
     QTest::addColumn<QString>("error");
 
-    const QString address = m->address(m->kVersionPath);
+    const QString address = stage().address(stage().kVersionPath);
     QTest::newRow("status 404") << ScriptedHttpServer::page("no"_ba, 404) << u"404203"_s
                                 << u"Error transferring "_s + address + u" - server replied: Scripted"_s;
     QTest::newRow("status 500 with a list")
@@ -94,18 +91,18 @@ void NetworkingTest::logsAFailedQuery()
     QFETCH(ScriptedHttpServer::Answer, answer);
     QFETCH(QString, codes);
     QFETCH(QString, error);
-    m->server.answer(m->kVersionPath, answer);
-    m->query();
-    QCOMPARE(m->log.startingWith(u"request"_s),
+    stage().server.answer(stage().kVersionPath, answer);
+    stage().query();
+    QCOMPARE(stage().log.startingWith(u"request"_s),
              (QStringList{u"request protobufHttp handle errors here"_s,
                           u"request protobufHttp found error ....code: %d %d\n"_s + codes + error}));
 }
 
 void NetworkingTest::logsNothingOfAnAnsweredQuery()
 {
-    m->server.answer(m->kVersionPath, ScriptedHttpServer::page("not a list"_ba));
-    QCOMPARE(m->query(), u"104"_s);
-    QCOMPARE(m->log.lines(), QStringList());
+    stage().server.answer(stage().kVersionPath, ScriptedHttpServer::page("not a list"_ba));
+    QCOMPARE(stage().query(), u"104"_s);
+    QCOMPARE(stage().log.lines(), QStringList());
 }
 
 void NetworkingTest::givesUpAfterTwoSeconds_data()
@@ -122,24 +119,24 @@ void NetworkingTest::givesUpAfterTwoSeconds_data()
 void NetworkingTest::givesUpAfterTwoSeconds()
 {
     QFETCH(ScriptedHttpServer::Answer, answer);
-    m->server.answer(m->kVersionPath, answer);
+    stage().server.answer(stage().kVersionPath, answer);
     QElapsedTimer time;
     time.start();
-    QCOMPARE(m->query(), u"104"_s);
+    QCOMPARE(stage().query(), u"104"_s);
     const auto waited = std::chrono::milliseconds(time.elapsed());
     // A timer of this length may fire a twentieth of it early.
     QVERIFY2(waited >= 1890ms && waited < 3500ms, qPrintable(QString::number(waited.count())));
-    QCOMPARE(m->log.count(u"request protobufHttp handle errors here"_s), 1);
-    QCOMPARE(m->client->f_remark, u"旧说明"_s);
+    QCOMPARE(stage().log.count(u"request protobufHttp handle errors here"_s), 1);
+    QCOMPARE(stage().client->f_remark, u"旧说明"_s);
 }
 
 void NetworkingTest::waitsForALateAnswer()
 {
     auto late = ScriptedHttpServer::version("1.2.3", "新", "new");
     late.delay = 1500ms;
-    m->server.answer(m->kVersionPath, late);
-    QCOMPARE(m->query(), u"1.2.3"_s);
-    QCOMPARE(m->log.lines(), QStringList());
+    stage().server.answer(stage().kVersionPath, late);
+    QCOMPARE(stage().query(), u"1.2.3"_s);
+    QCOMPARE(stage().log.lines(), QStringList());
 }
 
 void NetworkingTest::asksForTheAddressAsItIs_data()
@@ -152,40 +149,40 @@ void NetworkingTest::asksForTheAddressAsItIs_data()
 void NetworkingTest::asksForTheAddressAsItIs()
 {
     QFETCH(QString, path);
-    m->server.answer(path, ScriptedHttpServer::version("4.5.6"));
-    QCOMPARE(m->query(path), u"4.5.6"_s);
-    QCOMPARE(m->server.requests().size(), 1);
-    QCOMPARE(m->server.requests().first().method, "GET"_ba);
-    QCOMPARE(m->server.requests().first().url, QUrl(m->address(path)));
+    stage().server.answer(path, ScriptedHttpServer::version("4.5.6"));
+    QCOMPARE(stage().query(path), u"4.5.6"_s);
+    QCOMPARE(stage().server.requests().size(), 1);
+    QCOMPARE(stage().server.requests().first().method, "GET"_ba);
+    QCOMPARE(stage().server.requests().first().url, QUrl(stage().address(path)));
 }
 
 void NetworkingTest::addsNothingToTheRequest()
 {
-    m->server.answer(m->kVersionPath, ScriptedHttpServer::version("1.2.3"));
-    m->query();
+    stage().server.answer(stage().kVersionPath, ScriptedHttpServer::version("1.2.3"));
+    stage().query();
     QNetworkAccessManager plain;
-    QNetworkReply *reply = plain.get(QNetworkRequest(QUrl(m->address(m->kVersionPath))));
+    QNetworkReply *reply = plain.get(QNetworkRequest(QUrl(stage().address(stage().kVersionPath))));
     QTRY_VERIFY(reply->isFinished());
-    m->server.answer(m->kImagePath, ScriptedHttpServer::page("image"_ba));
-    m->download(m->image());
-    QTRY_COMPARE(m->ended.size(), 1);
+    stage().server.answer(stage().kImagePath, ScriptedHttpServer::page("image"_ba));
+    stage().download(stage().image());
+    QTRY_COMPARE(stage().ended.size(), 1);
 
-    QCOMPARE(m->server.requests().size(), 3);
-    QCOMPARE(m->server.requests().at(0).head, m->server.requests().at(1).head);
-    QCOMPARE(m->server.requests().at(2).head,
-             QByteArray(m->server.requests().at(1).head)
-                 .replace(m->kVersionPath.toUtf8(), m->kImagePath.toUtf8()));
+    QCOMPARE(stage().server.requests().size(), 3);
+    QCOMPARE(stage().server.requests().at(0).head, stage().server.requests().at(1).head);
+    QCOMPARE(stage().server.requests().at(2).head,
+             QByteArray(stage().server.requests().at(1).head)
+                 .replace(stage().kVersionPath.toUtf8(), stage().kImagePath.toUtf8()));
 }
 
 void NetworkingTest::deliversEventsWhileItWaits()
 {
     auto late = ScriptedHttpServer::version("1.2.3");
     late.delay = 500ms;
-    m->server.answer(m->kVersionPath, late);
+    stage().server.answer(stage().kVersionPath, late);
     QTimer ticking;
     QSignalSpy ticks(&ticking, &QTimer::timeout);
     ticking.start(20ms);
-    QCOMPARE(m->query(), u"1.2.3"_s);
+    QCOMPARE(stage().query(), u"1.2.3"_s);
     QVERIFY2(ticks.size() >= 5, qPrintable(QString::number(ticks.size())));
 }
 
@@ -205,27 +202,27 @@ void NetworkingTest::mayBeAskedAgainWhileItWaits()
     outer.delay = outerDelay;
     auto inner = ScriptedHttpServer::version("2.2.2");
     inner.delay = innerDelay;
-    m->server.answer(m->kVersionPath, outer);
-    m->server.answer(u"/inner"_s, inner);
+    stage().server.answer(stage().kVersionPath, outer);
+    stage().server.answer(u"/inner"_s, inner);
     QString innerVersion;
-    QTimer::singleShot(50ms, this, [this, &innerVersion] { innerVersion = m->query(u"/inner"_s); });
-    QCOMPARE(m->query(), u"1.1.1"_s);
+    QTimer::singleShot(50ms, this, [this, &innerVersion] { innerVersion = stage().query(u"/inner"_s); });
+    QCOMPARE(stage().query(), u"1.1.1"_s);
     QCOMPARE(innerVersion, u"2.2.2"_s);
 }
 
 void NetworkingTest::releasesItsReplies()
 {
-    m->server.answer(m->kVersionPath, ScriptedHttpServer::version("1.2.3"));
-    m->server.answer(m->kImagePath, ScriptedHttpServer::page("image"_ba));
+    stage().server.answer(stage().kVersionPath, ScriptedHttpServer::version("1.2.3"));
+    stage().server.answer(stage().kImagePath, ScriptedHttpServer::page("image"_ba));
     for (int i = 0; i < 5; ++i) {
-        m->query();
-        m->query(u"/missing"_s);
+        stage().query();
+        stage().query(u"/missing"_s);
     }
-    m->download(m->image());
-    QTRY_COMPARE(m->ended.size(), 1);
-    m->download(m->image(), u"/missing"_s);
-    QTRY_COMPARE(m->ended.size(), 2);
-    QTRY_COMPARE(m->repliesKept(), 0);
+    stage().download(stage().image());
+    QTRY_COMPARE(stage().ended.size(), 1);
+    stage().download(stage().image(), u"/missing"_s);
+    QTRY_COMPARE(stage().ended.size(), 2);
+    QTRY_COMPARE(stage().repliesKept(), 0);
 }
 
 QUILLON_TEST_CORE(NetworkingTest)

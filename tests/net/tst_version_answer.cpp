@@ -1,4 +1,4 @@
-#include "tests/net/NetworkingFixture.h"
+#include "tests/net/ClientTest.h"
 #include "tests/support/TestProgram.h"
 
 #include <QtTest>
@@ -6,17 +6,15 @@
 using namespace Qt::StringLiterals;
 
 /// What a version query makes of the server's answer.
-class VersionAnswerTest : public QObject {
+class VersionAnswerTest : public ClientTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
+    void init() override
     {
-        m = std::make_unique<NetworkingFixture>();
-        m->client->f_remark = u"旧说明"_s;
-        m->client->f_remark_en = u"old notes"_s;
+        ClientTest::init();
+        stage().rememberOldNotes();
     }
-    void cleanup() { m.reset(); }
     void answersEveryKindOfBody_data();
     void answersEveryKindOfBody();
     void readsTheBodyWhateverTheStatus_data();
@@ -25,7 +23,6 @@ private Q_SLOTS:
     void keepsTheNotesOfTheLastGoodQuery();
 
 private:
-    std::unique_ptr<NetworkingFixture> m;
 };
 
 void VersionAnswerTest::answersEveryKindOfBody_data()
@@ -98,10 +95,10 @@ void VersionAnswerTest::answersEveryKindOfBody()
 {
     QFETCH(QByteArray, body);
     QFETCH(QString, version);
-    m->server.answer(m->kVersionPath, ScriptedHttpServer::page(body));
-    QCOMPARE(m->query(), version);
-    QTEST(m->client->f_remark, "notes");
-    QTEST(m->client->f_remark_en, "englishNotes");
+    stage().server.answer(stage().kVersionPath, ScriptedHttpServer::page(body));
+    QCOMPARE(stage().query(), version);
+    QTEST(stage().client->f_remark, "notes");
+    QTEST(stage().client->f_remark_en, "englishNotes");
 }
 
 void VersionAnswerTest::readsTheBodyWhateverTheStatus_data()
@@ -128,27 +125,27 @@ void VersionAnswerTest::readsTheBodyWhateverTheStatus_data()
 void VersionAnswerTest::readsTheBodyWhateverTheStatus()
 {
     QFETCH(ScriptedHttpServer::Answer, answer);
-    m->server.answer(m->kVersionPath, answer);
-    QTEST(m->query(), "version");
+    stage().server.answer(stage().kVersionPath, answer);
+    QTEST(stage().query(), "version");
 }
 
 void VersionAnswerTest::followsARedirect()
 {
     auto elsewhere = ScriptedHttpServer::page({}, 302);
     elsewhere.moreHead = "Location: http://update.quillon.example/new\r\n"_ba;
-    m->server.answer(m->kVersionPath, elsewhere);
-    m->server.answer(u"/new"_s, ScriptedHttpServer::version("1.2.3"));
-    QCOMPARE(m->query(), u"1.2.3"_s);
+    stage().server.answer(stage().kVersionPath, elsewhere);
+    stage().server.answer(u"/new"_s, ScriptedHttpServer::version("1.2.3"));
+    QCOMPARE(stage().query(), u"1.2.3"_s);
 }
 
 void VersionAnswerTest::keepsTheNotesOfTheLastGoodQuery()
 {
-    m->server.answer(m->kVersionPath, ScriptedHttpServer::version("1.2.3", "新", "new"));
-    m->query();
-    m->server.answer(m->kVersionPath, ScriptedHttpServer::page("[]"_ba, 404));
-    QCOMPARE(m->query(), u"104"_s);
-    QCOMPARE(m->client->f_remark, u"新"_s);
-    QCOMPARE(m->client->f_remark_en, u"new"_s);
+    stage().server.answer(stage().kVersionPath, ScriptedHttpServer::version("1.2.3", "新", "new"));
+    stage().query();
+    stage().server.answer(stage().kVersionPath, ScriptedHttpServer::page("[]"_ba, 404));
+    QCOMPARE(stage().query(), u"104"_s);
+    QCOMPARE(stage().client->f_remark, u"新"_s);
+    QCOMPARE(stage().client->f_remark_en, u"new"_s);
 }
 
 QUILLON_TEST_CORE(VersionAnswerTest)

@@ -3,9 +3,9 @@
 #include "tests/panel/PanelStage.h"
 #include "tests/support/DeviceReplies.h"
 #include "tests/support/FakeFlashingTool.h"
+#include "tests/support/Files.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QPointer>
 #include <QTest>
@@ -107,9 +107,7 @@ inline void PanelInStates::click()
 inline void PanelInStates::startTool()
 {
     const QString image = QDir(stage.sandbox.home()).filePath(QStringLiteral("image.bin"));
-    QFile file(image);
-    QVERIFY(file.open(QIODevice::WriteOnly) && file.write("image") > 0);
-    file.close();
+    writeFile(image, "image");
     panel->pretendUpgrading(true);
     panel->flash(image, 14);
     QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(stage.sandbox.progressFile()).size() > 0, kPatience);

@@ -12,11 +12,13 @@ class PanelTest : public QObject {
     Q_OBJECT
 
 protected:
+    PanelStage &stage() const { return *m_stage; }
     OpenPanel &panel() const { return *m_stage->panel; }
-
-    std::unique_ptr<PanelStage> m_stage;
 
 protected Q_SLOTS:
     virtual void init();
     virtual void cleanup();
+
+private:
+    std::unique_ptr<PanelStage> m_stage;
 };

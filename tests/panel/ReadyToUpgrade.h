@@ -1,10 +1,9 @@
 #pragma once
 
 #include "tests/panel/PanelStage.h"
+#include "tests/support/Files.h"
 #include "widgets/ClickableProgressBar.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QTest>
 
 inline constexpr char kPcImage[] = "the PC image";
@@ -31,18 +30,3 @@ struct ReadyToUpgrade : PanelStage {
     void click() const { QTest::mousePress(panel->bar(), Qt::LeftButton, {}, {200, 20}); }
     QString image(const QString &name) const { return sandbox.downloadFolder() + u'/' + name; }
 };
-
-inline QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArrayLiteral("(no file)");
-}
-
-/// Writes a file, its folder included.
-inline void writeFile(const QString &path, const QByteArray &content)
-{
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("cannot write %s", qPrintable(path));
-}

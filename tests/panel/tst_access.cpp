@@ -144,10 +144,10 @@ void AccessTest::noKeyPressesABarThatIsNotClickable()
 void AccessTest::aPressMayDeleteTheBar()
 {
     ClickableProgressBar *bar = panel().bar();
-    connect(bar, &ClickableProgressBar::clicked, this, [this] { m_stage->panel.reset(); });
+    connect(bar, &ClickableProgressBar::clicked, this, [this] { stage().panel.reset(); });
     QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
     QCoreApplication::sendEvent(bar, &press);
-    QVERIFY(!m_stage->panel);
+    QVERIFY(!stage().panel);
 }
 
 void AccessTest::aKeyOpensTheLink()

@@ -40,7 +40,7 @@ void CallsInLoopsTest::cleanup()
 void CallsInLoopsTest::closeBoxes()
 {
     // Not the active modal widget: a recovery shows the panel over the box.
-    if (const auto *box = m_stage->panel->findChild<QMessageBox *>())
+    if (const auto *box = panel().findChild<QMessageBox *>())
         box->button(QMessageBox::Ok)->click();
 }
 
@@ -74,30 +74,29 @@ void CallsInLoopsTest::calledWhileItWaits()
 {
     QFETCH(Situation, situation);
     QFETCH(Call, call);
-    slowDown(situation, m_stage->server);
+    slowDown(situation, stage().server);
     bool isCalled = false;
     connect(&m_watch, &QTimer::timeout, this, [&] {
-        if (!isCalled && isWaiting(situation, m_stage->server)) {
+        if (!isCalled && isWaiting(situation, stage().server)) {
             isCalled = true;
-            call(*m_stage->panel);
+            call(panel());
         }
         closeBoxes();
     });
     m_watch.start(1ms);
 
-    situation.step(*m_stage->panel);
+    situation.step(panel());
     QTRY_VERIFY(isCalled);
-    QTRY_VERIFY(!m_stage->panel->findChild<QMessageBox *>());
+    QTRY_VERIFY(!panel().findChild<QMessageBox *>());
     // The panel is whole: it still takes a version and comes to a plan.
-    OpenPanel &panel = *m_stage->panel;
-    panel.pretendUpgrading(false);
-    panel.pretendAwaitingNewVersions(false);
-    panel.pretendRecovering(false);
-    panel.pretendRetryOffer(false);
-    panel.pretendVersions(u"1.3.0"_s, u"1.3.0"_s, u"1.3.0"_s, u"1.3.0"_s);
-    panel.receive(DeviceReplies::version(0x0033, {1, 1, 1}));
-    QCOMPARE(panel.plan(), UpgradePlan::None);
-    QVERIFY(m_stage->log.contains(u"[Upgrade] 不需要升级"_s));
+    panel().pretendUpgrading(false);
+    panel().pretendAwaitingNewVersions(false);
+    panel().pretendRecovering(false);
+    panel().pretendRetryOffer(false);
+    panel().pretendVersions(u"1.3.0"_s, u"1.3.0"_s, u"1.3.0"_s, u"1.3.0"_s);
+    panel().receive(DeviceReplies::version(0x0033, {1, 1, 1}));
+    QCOMPARE(panel().plan(), UpgradePlan::None);
+    QVERIFY(stage().log.contains(u"[Upgrade] 不需要升级"_s));
 }
 
 QUILLON_TEST(CallsInLoopsTest)

@@ -88,16 +88,16 @@ qint64 DestructionTest::deletePanel()
 {
     QElapsedTimer timer;
     timer.start();
-    m_stage->panel.reset();
+    stage().panel.reset();
     return timer.elapsed();
 }
 
 void DestructionTest::linesAndReleaseStandInOrder()
 {
-    m_stage->log.clear();
+    stage().log.clear();
     deletePanel();
 
-    QCOMPARE(m_stage->log.lines(), QStringList({kFirstLine, u"hid: release()"_s, kLastLine}));
+    QCOMPARE(stage().log.lines(), QStringList({kFirstLine, u"hid: release()"_s, kLastLine}));
 }
 
 void DestructionTest::pendingEventsAreDeliveredBeforeTheRelease()
@@ -171,10 +171,10 @@ void DestructionTest::nothingReachesADyingPanel()
     QFETCH(std::function<void()>, emitSignal);
     QFETCH(QString, reaction);
     panel().listenForImages();
-    const auto reactions = [&] { return m_stage->log.startingWith(reaction).size(); };
+    const auto reactions = [&] { return stage().log.startingWith(reaction).size(); };
     emitSignal();
     QTRY_VERIFY(reactions() > 0); // it reaches a living panel
-    m_stage->log.clear();
+    stage().log.clear();
 
     HidCalls::after(u"release"_s, emitSignal);
     const LogHook atTheStart(kFirstLine, [&](const QString &) {
@@ -186,7 +186,7 @@ void DestructionTest::nothingReachesADyingPanel()
 
 void DestructionTest::aPendingReportDoesNotMakeItWaitForTheServer()
 {
-    m_stage->server.answer(ServerPaths::kR2PcVersion, ScriptedHttpServer::silence());
+    stage().server.answer(ServerPaths::kR2PcVersion, ScriptedHttpServer::silence());
     Q_EMIT OrvikHIDManager::instance()->blockReceiveData(DeviceReplies::pcVersion({1, 2, 3}));
 
     const qint64 elapsed = deletePanel();
@@ -208,11 +208,11 @@ void DestructionTest::runningTimersStop()
     std::optional<bool> runsAtRelease;
     timer->start(1ms);
     HidCalls::after(u"release"_s, [&] { runsAtRelease = timer->isActive(); });
-    m_stage->log.clear();
+    stage().log.clear();
 
     deletePanel();
     QCOMPARE(runsAtRelease, std::optional<bool>(false));
-    QCOMPARE(m_stage->log.startingWith(u"[状态]"_s), QStringList());
+    QCOMPARE(stage().log.startingWith(u"[状态]"_s), QStringList());
 }
 
 void DestructionTest::runningToolEnds_data()
@@ -235,10 +235,10 @@ void DestructionTest::runningToolEnds()
     QFETCH(int, atLeast);
     FakeFlashingTool tool;
     tool.obeys(script);
-    QDir().mkpath(QFileInfo(m_stage->sandbox.progressFile()).path());
+    QDir().mkpath(QFileInfo(stage().sandbox.progressFile()).path());
     panel().tool()->start(FakeFlashingTool::path(), {});
     // It has come as far as the script's first report.
-    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(m_stage->sandbox.progressFile()), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(stage().sandbox.progressFile()), 20000);
     const qint64 processId = panel().tool()->processId();
     QSignalSpy finished(panel().tool(), &QProcess::finished);
 
@@ -247,8 +247,8 @@ void DestructionTest::runningToolEnds()
     QCOMPARE(finished.count(), 1);
     QTEST(finished.at(0).at(0).toInt(), "exitCode");
     QVERIFY2(!isProcessAlive(processId), "the tool is still there");
-    QVERIFY(m_stage->log.startingWith(u"QProcess: Destroyed while process"_s)
-                .isEmpty()); // it was the panel's doing
+    QVERIFY(stage().log.startingWith(u"QProcess: Destroyed while process"_s).isEmpty()); // it was the panel's
+                                                                                         // doing
 }
 
 void DestructionTest::toolThatHasEndedIsLeftAlone()
@@ -281,7 +281,7 @@ void DestructionTest::theOtherPanelKeepsTheDevice()
 
     deletePanel();
     QCOMPARE(PanelStage::bus().openConnections(), 1);
-    m_stage->log.clear();
+    stage().log.clear();
     PanelStage::bus().setResponder(DeviceReplies::device({1, 2, 3}, {1, 2, 4}));
     QTRY_COMPARE(other.deviceVersion(Chip::Otg), u"1.2.4"_s); // its query of half a second gets through
 }
@@ -302,11 +302,11 @@ void DestructionTest::missingPartsAreNoProblem()
 {
     QFETCH(std::function<void(OpenPanel &)>, removePart);
     removePart(panel());
-    m_stage->log.clear();
+    stage().log.clear();
 
     deletePanel();
-    QTEST(m_stage->log.count(u"hid: release()"_s), "releases");
-    QVERIFY(m_stage->log.contains(kLastLine));
+    QTEST(stage().log.count(u"hid: release()"_s), "releases");
+    QVERIFY(stage().log.contains(kLastLine));
 }
 
 QUILLON_TEST(DestructionTest)

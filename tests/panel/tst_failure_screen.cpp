@@ -1,4 +1,5 @@
 #include "tests/panel/PanelStage.h"
+#include "tests/panel/ScreenParts.h"
 #include "tests/support/TestProgram.h"
 #include "widgets/ClickableProgressBar.h"
 
@@ -8,17 +9,9 @@
 #include <QTextEdit>
 
 using namespace Qt::StringLiterals;
+using ScreenParts::retryStyle;
 
 namespace {
-
-constexpr char kRetry[]
-    = "QLabel{border:0px; color:rgba(47,212,179,1);font-family:\"%1\";font-size:16px; font-weight:700; "
-      "letter-spacing:0px; text-align:center;}";
-
-QString retryStyle(const char *family)
-{
-    return QString::fromLatin1(kRetry).arg(QLatin1String(family));
-}
 
 /// A run is on: the bar at 42 %, every flag as flashing leaves it.
 struct Running : PanelStage {
@@ -161,9 +154,9 @@ void FailureScreenTest::offersTheRetryIn_data()
     QTest::addColumn<QString>("style");
     QTest::addColumn<QString>("failure");
     QTest::newRow("Chinese") << Language::Chinese << u"我已拔插设备，重新升级"_s << QRect(116, 13, 176, 21)
-                             << retryStyle("Microsoft YaHei") << u"升级失败！请拔插设备后重新开始升级"_s;
+                             << retryStyle(u"Microsoft YaHei"_s) << u"升级失败！请拔插设备后重新开始升级"_s;
     QTest::newRow("English") << Language::English << u"I've replugged the device. Restart update."_s
-                             << QRect(46, 13, 317, 21) << retryStyle("Segoe UI")
+                             << QRect(46, 13, 317, 21) << retryStyle(u"Segoe UI"_s)
                              << u"Update failed. Please replug the device and try again."_s;
 }
 
@@ -192,12 +185,12 @@ void FailureScreenTest::followsTheLanguage()
     QuillonFirmwareUpgrade::setLanguage(Language::English);
     QCOMPARE(retry.text(), u"I've replugged the device. Restart update."_s);
     QCOMPARE(retry.geometry(), QRect(46, 13, 317, 21));
-    QCOMPARE(retry.styleSheet(), retryStyle("Segoe UI"));
+    QCOMPARE(retry.styleSheet(), retryStyle(u"Segoe UI"_s));
     QVERIFY(retry.isVisible());
     QuillonFirmwareUpgrade::setLanguage(Language::Chinese);
     QCOMPARE(retry.text(), u"我已拔插设备，重新升级"_s);
     QCOMPARE(retry.geometry(), QRect(116, 13, 176, 21));
-    QCOMPARE(retry.styleSheet(), retryStyle("Microsoft YaHei"));
+    QCOMPARE(retry.styleSheet(), retryStyle(u"Microsoft YaHei"_s));
 }
 
 void FailureScreenTest::staysWhileTheVersionsAreRefreshed()

@@ -1,7 +1,5 @@
 // What a new panel knows, and what it has created.
-#include "tests/panel/OpenPanel.h"
-#include "tests/support/Sandbox.h"
-#include "tests/support/ScriptedTransport.h"
+#include "tests/panel/PanelTest.h"
 #include "tests/support/TestProgram.h"
 #include "widgets/ClickableProgressBar.h"
 
@@ -13,13 +11,11 @@
 #include <QTest>
 #include <QTimer>
 
-#include <memory>
-
 using namespace Qt::StringLiterals;
 using namespace QuillonFirmwareUpgrade;
 
 namespace {
-/// Every line of panelState(); the members that belong to no line are tested by themselves.
+/// Every line of OpenPanel::state(); the members that belong to no line are tested by themselves.
 const QStringList kFreshState{
     u"m_dragging=false"_s,
     u"m_remotePcVersion="_s,
@@ -51,14 +47,10 @@ const QStringList kFreshState{
 };
 } // namespace
 
-class InitialStateTest : public QObject {
+class InitialStateTest : public PanelTest {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
-
     void stateIsFresh();
     void everyPanelStartsFresh();
     void languageIsTheCurrentOne_data();
@@ -68,43 +60,22 @@ private slots:
     void toolAndTimersAreChildrenInOrder();
     void toolAndTimersAreIdle();
     void pollRepeatsAndWatchdogFiresOnce();
-
-private:
-    std::unique_ptr<Sandbox> m_sandbox;
-    std::unique_ptr<OpenPanel> m_panel;
 };
-
-void InitialStateTest::initTestCase()
-{
-    ScriptedBus::install();
-}
-
-void InitialStateTest::init()
-{
-    m_sandbox = std::make_unique<Sandbox>();
-    m_panel = std::make_unique<OpenPanel>();
-}
-
-void InitialStateTest::cleanup()
-{
-    m_panel.reset();
-    m_sandbox.reset();
-}
 
 void InitialStateTest::stateIsFresh()
 {
-    QCOMPARE(m_panel->state(), kFreshState);
+    QCOMPARE(panel().state(), kFreshState);
 }
 
 void InitialStateTest::everyPanelStartsFresh()
 {
-    m_panel->pretendDeviceVersion(Chip::Pc, u"1.2.3"_s);
-    m_panel->pretendUpgrading(true);
-    m_panel->pretendModel(DeviceModel::R1);
+    panel().pretendDeviceVersion(Chip::Pc, u"1.2.3"_s);
+    panel().pretendUpgrading(true);
+    panel().pretendModel(DeviceModel::R1);
 
     const OpenPanel second;
     QCOMPARE(second.state(), kFreshState);
-    m_panel->pretendUpgrading(false);
+    panel().pretendUpgrading(false);
 }
 
 void InitialStateTest::languageIsTheCurrentOne_data()
@@ -127,46 +98,46 @@ void InitialStateTest::languageIsTheCurrentOne()
 
 void InitialStateTest::nothingIsDraggedOrTimed()
 {
-    QCOMPARE(m_panel->dragPosition(), QPoint(0, 0));
-    QVERIFY(m_panel->lastPercentSince().isNull());
+    QCOMPARE(panel().dragPosition(), QPoint(0, 0));
+    QVERIFY(panel().lastPercentSince().isNull());
 }
 
 void InitialStateTest::linksAndWidgetsAreThere()
 {
-    QCOMPARE(m_panel->library(), HIDCommunicator::OrvikHIDManager::instance());
-    QVERIFY(m_panel->bar());
-    QVERIFY(m_panel->card());
-    QVERIFY(m_panel->percentText());
-    QVERIFY(m_panel->animation());
-    QVERIFY(m_panel->movie());
-    QCOMPARE(m_panel->animation()->movie(), m_panel->movie());
-    QCOMPARE(m_panel->bar()->window(), m_panel.get());
+    QCOMPARE(panel().library(), HIDCommunicator::OrvikHIDManager::instance());
+    QVERIFY(panel().bar());
+    QVERIFY(panel().card());
+    QVERIFY(panel().percentText());
+    QVERIFY(panel().animation());
+    QVERIFY(panel().movie());
+    QCOMPARE(panel().animation()->movie(), panel().movie());
+    QCOMPARE(panel().bar()->window(), &panel());
 }
 
 void InitialStateTest::toolAndTimersAreChildrenInOrder()
 {
-    const QObjectList &children = m_panel->children();
-    const auto process = children.indexOf(m_panel->tool());
-    const auto watchdog = children.indexOf(m_panel->watchdog());
-    const auto poll = children.indexOf(m_panel->pollTimer());
+    const QObjectList &children = panel().children();
+    const auto process = children.indexOf(panel().tool());
+    const auto watchdog = children.indexOf(panel().watchdog());
+    const auto poll = children.indexOf(panel().pollTimer());
 
-    QVERIFY(process > children.indexOf(m_panel->bar())); // after the widgets
+    QVERIFY(process > children.indexOf(panel().bar())); // after the widgets
     QVERIFY(watchdog > process);
     QVERIFY(poll > watchdog);
 }
 
 void InitialStateTest::toolAndTimersAreIdle()
 {
-    QCOMPARE(m_panel->tool()->state(), QProcess::NotRunning);
-    QVERIFY(!m_panel->watchdog()->isActive());
-    QVERIFY(!m_panel->pollTimer()->isActive());
+    QCOMPARE(panel().tool()->state(), QProcess::NotRunning);
+    QVERIFY(!panel().watchdog()->isActive());
+    QVERIFY(!panel().pollTimer()->isActive());
 }
 
 void InitialStateTest::pollRepeatsAndWatchdogFiresOnce()
 {
-    QVERIFY(m_panel->watchdog()->isSingleShot());
-    QVERIFY(!m_panel->pollTimer()->isSingleShot());
-    QCOMPARE(m_panel->pollTimer()->interval(), 100);
+    QVERIFY(panel().watchdog()->isSingleShot());
+    QVERIFY(!panel().pollTimer()->isSingleShot());
+    QCOMPARE(panel().pollTimer()->interval(), 100);
 }
 
 QUILLON_TEST(InitialStateTest)

@@ -100,7 +100,7 @@ private slots:
 
 private:
     void openR2();
-    QStringList hidLines() const { return m_stage->log.startingWith(u"hid: "_s); }
+    QStringList hidLines() const { return stage().log.startingWith(u"hid: "_s); }
 };
 
 /// An R2 in normal mode is plugged in and open.
@@ -127,10 +127,10 @@ void ModelChangeTest::sameModelDoesNothing()
     const QStringList before = panel().state();
     const QPointer<QMovie> movie = panel().movie();
     QSignalSpy otgConnected(&panel(), &FirmwareUpgradeWidget::r2otgConnected);
-    m_stage->log.clear();
+    stage().log.clear();
 
     panel().setDeviceModel(model);
-    QCOMPARE(m_stage->log.lines(), QStringList());
+    QCOMPARE(stage().log.lines(), QStringList());
     QCOMPARE(panel().state(), before);
     QCOMPARE(panel().movie(), movie);
     Q_EMIT panel().r2otgConnected();
@@ -152,10 +152,10 @@ void ModelChangeTest::logNamesTheModel()
     QFETCH(DeviceModel, from);
     QFETCH(DeviceModel, to);
     panel().pretendModel(from);
-    m_stage->log.clear();
+    stage().log.clear();
 
     panel().setDeviceModel(to);
-    QTEST(m_stage->log.lines().value(0), "line");
+    QTEST(stage().log.lines().value(0), "line");
     QCOMPARE(panel().model(), to);
 }
 
@@ -190,10 +190,10 @@ void ModelChangeTest::duringAnUpgradeOnlyTheModelChanges()
     const QString hint = panel().cableHint()->text();
     const qsizetype timers = panel().findChildren<QTimer *>().size();
     QSignalSpy otgConnected(&panel(), &FirmwareUpgradeWidget::r2otgConnected);
-    m_stage->log.clear();
+    stage().log.clear();
 
     panel().setDeviceModel(DeviceModel::R1);
-    QCOMPARE(m_stage->log.lines(),
+    QCOMPARE(stage().log.lines(),
              QStringList({u"setDeviceModel:R1"_s, u"[setDeviceModel] 升级进行中，跳过UI更新"_s}));
     QCOMPARE(changedState(before, panel().state()), QStringList(u"m_deviceModel=0"_s));
     QCOMPARE(panel().movie(), movie);
@@ -296,20 +296,20 @@ void ModelChangeTest::connectedDeviceIsKeptOrLeft()
     if (alsoPresent)
         PanelStage::bus().plug(alsoPresent);
     disconnect(&panel(), &FirmwareUpgradeWidget::onDeviceBrickedDetected, nullptr, nullptr);
-    m_stage->log.clear();
+    stage().log.clear();
 
     panel().setDeviceModel(DeviceModel::R1);
     if (isKept) {
         QCOMPARE(hidLines(), QStringList(kModeQuery));
-        QCOMPARE(missingInOrder(m_stage->log.lines(), {u"setDeviceModel:R1"_s, kSkipLine, kModeQuery}),
+        QCOMPARE(missingInOrder(stage().log.lines(), {u"setDeviceModel:R1"_s, kSkipLine, kModeQuery}),
                  QString());
-        QVERIFY(!m_stage->log.contains(u"1@####"_s));
+        QVERIFY(!stage().log.contains(u"1@####"_s));
         QVERIFY(panel().isDeviceOpen());
     } else {
         QCOMPARE(hidLines().mid(0, 3), kReconnect);
-        QVERIFY(!m_stage->log.contains(kSkipLine));
-        QVERIFY(!m_stage->log.contains(kModeQuery));
-        QCOMPARE(m_stage->log.lines().constLast(), u"1@####"_s);
+        QVERIFY(!stage().log.contains(kSkipLine));
+        QVERIFY(!stage().log.contains(kModeQuery));
+        QCOMPARE(stage().log.lines().constLast(), u"1@####"_s);
         QVERIFY(!panel().isDeviceOpen());
     }
 }
@@ -319,14 +319,14 @@ void ModelChangeTest::reconnectScansTheListTakenBefore()
     openR2();
     PanelStage::bus().plug(kR2Otg);
     HidCalls::after(u"disconnectDevice"_s, [] { PanelStage::bus().unplugAll(); });
-    m_stage->log.clear();
+    stage().log.clear();
 
     panel().setDeviceModel(DeviceModel::R1);
     const QStringList steps = kReconnect
         + QStringList{u"[ConnectingR2] START - m_isUpgrading=false m_autoRecoverRunning=false"_s,
                       u"[FirmwareUpgradeWidget定时器扫描] 发现 2 个设备"_s, u"1@####"_s};
-    QCOMPARE(missingInOrder(m_stage->log.lines(), steps), QString());
-    QCOMPARE(m_stage->log.startingWith(u"hid? getOrvikHIDListPath"_s).size(), 1);
+    QCOMPARE(missingInOrder(stage().log.lines(), steps), QString());
+    QCOMPARE(stage().log.startingWith(u"hid? getOrvikHIDListPath"_s).size(), 1);
 }
 
 void ModelChangeTest::reconnectFindsABrickedDevice()
@@ -338,14 +338,14 @@ void ModelChangeTest::reconnectFindsABrickedDevice()
     panel().setDeviceModel(DeviceModel::R1);
     QCOMPARE(bricked.count(), 1);
     QVERIFY(panel().isUpgrading());
-    QCOMPARE(m_stage->log.lines().constLast(), u"1@####"_s);
+    QCOMPARE(stage().log.lines().constLast(), u"1@####"_s);
     panel().pretendUpgrading(false);
 }
 
 void ModelChangeTest::withoutAConnectionTheDeviceIsOpened()
 {
     const QString path = PanelStage::bus().plug(kR1Pc);
-    m_stage->log.clear();
+    stage().log.clear();
 
     panel().setDeviceModel(DeviceModel::R1);
     const QStringList calls = kReconnect
@@ -353,7 +353,7 @@ void ModelChangeTest::withoutAConnectionTheDeviceIsOpened()
                       u"hid: createOrvikSendDataThread()"_s, u"hid: createOrvikReceiveDataThread()"_s};
     QCOMPARE(hidLines(), calls);
     QCOMPARE(PanelStage::bus().opened(), QStringList(path));
-    QCOMPARE(m_stage->log.lines().constLast(), u"1@####"_s);
+    QCOMPARE(stage().log.lines().constLast(), u"1@####"_s);
 }
 
 void ModelChangeTest::asksAgainTwoSecondsLaterOnlyWhenConnected_data()
@@ -373,30 +373,30 @@ void ModelChangeTest::asksAgainTwoSecondsLaterOnlyWhenConnected()
     QFETCH(bool, isKept);
     QFETCH(bool, isPresent);
     QFETCH(bool, isConnectedThen);
-    QTRY_VERIFY_WITH_TIMEOUT(m_stage->log.contains(kModeQuery),
+    QTRY_VERIFY_WITH_TIMEOUT(stage().log.contains(kModeQuery),
                              kPatience); // the one that every new panel asks
     if (isKept)
         openR2();
     if (isPresent)
         PanelStage::bus().plug(kR1Pc);
-    m_stage->log.clear();
+    stage().log.clear();
     panel().setDeviceModel(DeviceModel::R1);
-    QCOMPARE(m_stage->log.contains(kSkipLine), isKept);
+    QCOMPARE(stage().log.contains(kSkipLine), isKept);
     QCOMPARE(panel().isDeviceOpen(), isPresent);
     if (!isConnectedThen) {
         PanelStage::bus().unplugAll();
         QTRY_VERIFY_WITH_TIMEOUT(!panel().isDeviceOpen(), kPatience);
     }
-    m_stage->log.clear();
+    stage().log.clear();
 
     // Comes after the panel's own timer.
     bool isOver = false;
     QTimer::singleShot(2600ms, this, [&isOver] { isOver = true; });
     QTRY_VERIFY_WITH_TIMEOUT(isOver, kPatience);
-    QCOMPARE(m_stage->log.count(kLateQueryLine), isConnectedThen ? 1 : 0);
-    QCOMPARE(m_stage->log.count(kModeQuery), isConnectedThen ? 1 : 0);
+    QCOMPARE(stage().log.count(kLateQueryLine), isConnectedThen ? 1 : 0);
+    QCOMPARE(stage().log.count(kModeQuery), isConnectedThen ? 1 : 0);
     const QStringList steps = isConnectedThen ? QStringList{kLateQueryLine, kModeQuery} : QStringList();
-    QCOMPARE(missingInOrder(m_stage->log.lines(), steps), QString());
+    QCOMPARE(missingInOrder(stage().log.lines(), steps), QString());
 }
 
 void ModelChangeTest::everyChangeAsksAgain()
@@ -406,7 +406,7 @@ void ModelChangeTest::everyChangeAsksAgain()
     panel().setDeviceModel(DeviceModel::R2);
     QVERIFY(panel().isDeviceOpen());
 
-    QTRY_COMPARE_WITH_TIMEOUT(m_stage->log.count(kLateQueryLine), 2, kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(stage().log.count(kLateQueryLine), 2, kPatience);
 }
 
 void ModelChangeTest::aDeletedPanelDoesNotAskAgain()
@@ -414,24 +414,24 @@ void ModelChangeTest::aDeletedPanelDoesNotAskAgain()
     PanelStage::bus().plug(kR1Pc);
     panel().setDeviceModel(DeviceModel::R1);
     FirmwareUpgradeWidget later;
-    m_stage->panel.reset();
-    m_stage->log.clear();
+    stage().panel.reset();
+    stage().log.clear();
     later.setDeviceModel(DeviceModel::R1);
 
     // The deleted panel's turn would have come before this one's.
-    QTRY_VERIFY_WITH_TIMEOUT(m_stage->log.contains(kLateQueryLine), kPatience);
-    QCOMPARE(m_stage->log.count(kLateQueryLine), 1);
+    QTRY_VERIFY_WITH_TIMEOUT(stage().log.contains(kLateQueryLine), kPatience);
+    QCOMPARE(stage().log.count(kLateQueryLine), 1);
 }
 
 void ModelChangeTest::withoutALibraryNothingIsAsked()
 {
     panel().lose(Part::Library);
     fillRunState(panel());
-    m_stage->log.clear();
+    stage().log.clear();
 
     panel().setDeviceModel(DeviceModel::R1);
     QCOMPARE(panel().plan(), UpgradePlan::None);
-    QCOMPARE(m_stage->log.lines(), QStringList(u"setDeviceModel:R1"_s));
+    QCOMPARE(stage().log.lines(), QStringList(u"setDeviceModel:R1"_s));
 }
 
 QUILLON_TEST(ModelChangeTest)

@@ -139,7 +139,7 @@ void PlanTest::tooOldIsBlocked()
     panel().pretendRecovering(isRecovering);
 
     panel().updateScreen();
-    QCOMPARE(m_stage->log.count(kTooOldLine.arg(devicePc, deviceOtg)), isBlocked ? 1 : 0);
+    QCOMPARE(stage().log.count(kTooOldLine.arg(devicePc, deviceOtg)), isBlocked ? 1 : 0);
     QCOMPARE(panel().bar()->isClickable(), !isBlocked);
     QCOMPARE(panel().barBackground() == kFailureRed, isBlocked);
 }

@@ -35,7 +35,7 @@ private slots:
     void nextReadAfterTheWaitIsLoud();
 
 private:
-    QString shownNumber() const { return m_stage->panel->newVersion()->text(); }
+    QString shownNumber() const { return panel().newVersion()->text(); }
 };
 
 void PlanStepTest::planStepNeedsItsVersions_data()
@@ -100,7 +100,7 @@ void PlanStepTest::idlePanelTakesThePlan()
 
     panel().receive(kOtherReply);
     QTEST(panel().plan(), "plan");
-    QCOMPARE(m_stage->log.startingWith(u"[Upgrade]"_s), QStringList(line));
+    QCOMPARE(stage().log.startingWith(u"[Upgrade]"_s), QStringList(line));
     QCOMPARE(shownNumber(), u"V1.3.0"_s); // the screen is refreshed
 }
 
@@ -109,9 +109,9 @@ void PlanStepTest::screenIsRefreshedBeforeThePlanIsLogged()
     panel().pretendVersions(u"1.2.0"_s, u"1.3.0"_s, u"1.3.0"_s, u"1.3.0"_s);
 
     panel().receive(kOtherReply);
-    const QString notesLine = m_stage->log.startingWith(u"######22222 isChinese is: "_s).value(0);
+    const QString notesLine = stage().log.startingWith(u"######22222 isChinese is: "_s).value(0);
     QVERIFY(!notesLine.isEmpty());
-    QCOMPARE(m_stage->log.lines().constLast(), u"[Upgrade] 需要升级 PC 固件。device=1.2.0remote=1.3.0"_s);
+    QCOMPARE(stage().log.lines().constLast(), u"[Upgrade] 需要升级 PC 固件。device=1.2.0remote=1.3.0"_s);
 }
 
 void PlanStepTest::runningUpgradeKeepsThePlan_data()
@@ -136,7 +136,7 @@ void PlanStepTest::runningUpgradeKeepsThePlan()
     QSignalSpy announced(&panel(), &FirmwareUpgradeWidget::upgradeDisplayMsg);
 
     panel().receive(kOtherReply);
-    QCOMPARE(m_stage->log.lines().mid(1), QStringList(kKeptLine.arg(name, u"1.2.0"_s, u"1.2.4"_s)));
+    QCOMPARE(stage().log.lines().mid(1), QStringList(kKeptLine.arg(name, u"1.2.0"_s, u"1.2.4"_s)));
     QCOMPARE(panel().state(), before);
     QCOMPARE(Screen::everything(panel()), screen);
     QCOMPARE(announced.count(), 0);
@@ -162,13 +162,13 @@ void PlanStepTest::waitAfterAnUpgradeIsSilent()
     QSignalSpy announced(&panel(), &FirmwareUpgradeWidget::upgradeDisplayMsg);
 
     panel().receive(kOtherReply);
-    QCOMPARE(m_stage->log.lines().mid(1), QStringList(kWaitingLine.arg(devicePc, u"1.2.4"_s)));
+    QCOMPARE(stage().log.lines().mid(1), QStringList(kWaitingLine.arg(devicePc, u"1.2.4"_s)));
     QVERIFY(!panel().awaitsNewVersions());
     QCOMPARE(panel().notReadyReplies(), 0);
     QCOMPARE(panel().plan(), plan);
     QCOMPARE(announced.count(), 1);
     QCOMPARE(Screen::everything(panel()), screen);
-    QCOMPARE(m_stage->server.paths(), QStringList());
+    QCOMPARE(stage().server.paths(), QStringList());
 }
 
 void PlanStepTest::waitComesBeforeARunningUpgrade()
@@ -181,7 +181,7 @@ void PlanStepTest::waitComesBeforeARunningUpgrade()
     panel().receive(kOtherReply);
     QVERIFY(!panel().awaitsNewVersions());
     QCOMPARE(panel().plan(), UpgradePlan::None);
-    QCOMPARE(m_stage->log.startingWith(u"[Upgrade]"_s), QStringList());
+    QCOMPARE(stage().log.startingWith(u"[Upgrade]"_s), QStringList());
 }
 
 void PlanStepTest::nextReadAfterTheWaitIsLoud()
@@ -191,7 +191,7 @@ void PlanStepTest::nextReadAfterTheWaitIsLoud()
     panel().receive(kOtherReply);
 
     panel().receive(kOtherReply);
-    QCOMPARE(m_stage->log.startingWith(u"[Upgrade]"_s), QStringList(u"[Upgrade] 不需要升级"_s));
+    QCOMPARE(stage().log.startingWith(u"[Upgrade]"_s), QStringList(u"[Upgrade] 不需要升级"_s));
     QCOMPARE(shownNumber(), u"V1.3.0"_s);
 }
 

@@ -1,4 +1,5 @@
 #include "tests/panel/ReadyToUpgrade.h"
+#include "tests/panel/ScreenParts.h"
 #include "tests/support/LogHook.h"
 #include "tests/support/TestProgram.h"
 
@@ -13,9 +14,6 @@ namespace {
 using Server = ScriptedHttpServer;
 
 const QString kStarted = QStringLiteral("[AutoRecover] start auto recover upgrade flow.");
-constexpr char kRetry[]
-    = "QLabel{border:0px; color:rgba(47,212,179,1);font-family:\"%1\";font-size:16px; font-weight:700; "
-      "letter-spacing:0px; text-align:center;}";
 
 /// A panel that knows nothing yet. The PC image never arrives, so that a run stays at its first download.
 struct Bricked : ReadyToUpgrade {
@@ -252,7 +250,7 @@ void RecoveryTest::offersTheRetryAfterAFailure()
     QVERIFY(bar.isClickable());
     QCOMPARE(panel.upgradeText()->text(), text);
     QCOMPARE(panel.upgradeText()->geometry(), place);
-    QCOMPARE(panel.upgradeText()->styleSheet(), QString::fromLatin1(kRetry).arg(family));
+    QCOMPARE(panel.upgradeText()->styleSheet(), ScreenParts::retryStyle(family));
     const QSet<QString> changes(recorder.changes.begin(), recorder.changes.end());
     QCOMPARE(changes,
              (QSet<QString>{u"+m_failIconLb"_s, u"+m_failTextLb"_s, u"-m_rocketLb"_s, u"-m_upgradingLb"_s,

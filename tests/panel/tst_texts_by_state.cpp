@@ -1,4 +1,5 @@
 #include "tests/panel/PanelStage.h"
+#include "tests/panel/ScreenParts.h"
 #include "tests/support/TestProgram.h"
 
 #include <QLabel>
@@ -7,17 +8,9 @@
 
 using namespace Qt::StringLiterals;
 using QuillonFirmwareUpgrade::setLanguage;
+using ScreenParts::retryStyle;
 
 namespace {
-
-constexpr char kRetry[]
-    = "QLabel{border:0px; color:rgba(47,212,179,1);font-family:\"%1\";font-size:16px; font-weight:700; "
-      "letter-spacing:0px; text-align:center;}";
-
-QString retryStyle(const char *family)
-{
-    return QString::fromLatin1(kRetry).arg(QLatin1String(family));
-}
 
 /// The retry is offered: what the failure screen sets.
 void offerRetry(OpenPanel &panel)
@@ -133,11 +126,11 @@ void TextsByStateTest::placesTheUpgradeText()
     setLanguage(Language::English);
     QCOMPARE(label.geometry(), english);
     QCOMPARE(label.text(), retry ? u"I've replugged the device. Restart update."_s : u"Update Now"_s);
-    QCOMPARE(label.styleSheet(), retry ? retryStyle("Segoe UI") : formerStyle);
+    QCOMPARE(label.styleSheet(), retry ? retryStyle(u"Segoe UI"_s) : formerStyle);
     setLanguage(Language::Chinese);
     QCOMPARE(label.geometry(), chinese);
     QCOMPARE(label.text(), retry ? u"我已拔插设备，重新升级"_s : u"立即升级"_s);
-    QCOMPARE(label.styleSheet(), retry ? retryStyle("Microsoft YaHei") : formerStyle);
+    QCOMPARE(label.styleSheet(), retry ? retryStyle(u"Microsoft YaHei"_s) : formerStyle);
 }
 
 void TextsByStateTest::leavesTheStyleOfTheUpgradeText()

@@ -34,12 +34,12 @@ private:
 
     std::unique_ptr<HeldFile> hold(Share share)
     {
-        return std::make_unique<HeldFile>(m->sandbox.progressFile(), share);
+        return std::make_unique<HeldFile>(stage().sandbox.progressFile(), share);
     }
     void poll(int times)
     {
         for (int i = 0; i < times; ++i)
-            m->panel->pollProgress();
+            panel().pollProgress();
     }
 };
 
@@ -58,21 +58,21 @@ void ProgressHeldTest::aFileIsHeld_data()
 void ProgressHeldTest::aFileIsHeld()
 {
     QFETCH(std::optional<HeldFile::Share>, share);
-    m->sandbox.writeProgress("5%");
+    stage().sandbox.writeProgress("5%");
     const auto holder = share ? hold(*share) : nullptr;
-    QTEST(SharedFile::isHeld(m->sandbox.progressFile()), "isHeld");
-    QFile file(m->sandbox.progressFile());
+    QTEST(SharedFile::isHeld(stage().sandbox.progressFile()), "isHeld");
+    QFile file(stage().sandbox.progressFile());
     QTEST(SharedFile::openForReading(file), "canBeRead");
-    QVERIFY(!SharedFile::isHeld(m->sandbox.home() + u"/no such file"_s));
-    QVERIFY(!SharedFile::isHeld(m->sandbox.home()));
+    QVERIFY(!SharedFile::isHeld(stage().sandbox.home() + u"/no such file"_s));
+    QVERIFY(!SharedFile::isHeld(stage().sandbox.home()));
 }
 
 void ProgressHeldTest::aFileThatIsReadCanBeReplaced()
 {
-    m->sandbox.writeProgress("5%\r\n");
-    QFile reading(m->sandbox.progressFile());
+    stage().sandbox.writeProgress("5%\r\n");
+    QFile reading(stage().sandbox.progressFile());
     QVERIFY(SharedFile::openForReading(reading));
-    QVERIFY(QFile::remove(m->sandbox.progressFile()));
+    QVERIFY(QFile::remove(stage().sandbox.progressFile()));
     QCOMPARE(reading.readAll(), "5%\n"_ba);
 }
 
@@ -89,42 +89,42 @@ void ProgressHeldTest::theVerdictWaitsForTheScanner()
 {
     QFETCH(QByteArray, line);
     QFETCH(bool, succeeds);
-    m->beginRun(UpgradePlan::PcOnly);
-    m->sandbox.writeProgress(line);
+    stage().beginRun(UpgradePlan::PcOnly);
+    stage().sandbox.writeProgress(line);
     auto scanner = hold(Share::Nothing);
-    m->panel->pollTimer()->stop();
+    panel().pollTimer()->stop();
     poll(15);
-    QVERIFY(m->panel->isUpgrading());
-    QVERIFY(!m->showsFailure());
+    QVERIFY(panel().isUpgrading());
+    QVERIFY(!stage().showsFailure());
 
     scanner.reset();
     poll(1);
-    QVERIFY(!m->panel->isUpgrading());
-    QCOMPARE(m->showsFailure(), !succeeds);
+    QVERIFY(!panel().isUpgrading());
+    QCOMPARE(stage().showsFailure(), !succeeds);
 }
 
 void ProgressHeldTest::aScannerThatNeverLetsGoIsNotWaitedFor()
 {
-    m->beginRun(UpgradePlan::PcOnly);
-    m->sandbox.writeProgress("success 1");
+    stage().beginRun(UpgradePlan::PcOnly);
+    stage().sandbox.writeProgress("success 1");
     const auto scanner = hold(Share::Nothing);
-    QTRY_VERIFY_WITH_TIMEOUT(m->showsFailure(), kPatience);
-    QVERIFY(m->log.contains(u"[状态] 进程已退出但无进度文件，判定为失败"_s));
-    QVERIFY(!m->panel->pollTimer()->isActive());
+    QTRY_VERIFY_WITH_TIMEOUT(stage().showsFailure(), kPatience);
+    QVERIFY(stage().log.contains(u"[状态] 进程已退出但无进度文件，判定为失败"_s));
+    QVERIFY(!panel().pollTimer()->isActive());
 }
 
 void ProgressHeldTest::whileTheToolRunsNobodyHurries()
 {
-    QVERIFY(m->runSilentTool());
-    m->beginRun(UpgradePlan::PcOnly);
-    m->sandbox.writeProgress("17%");
+    QVERIFY(stage().runSilentTool());
+    stage().beginRun(UpgradePlan::PcOnly);
+    stage().sandbox.writeProgress("17%");
     auto scanner = hold(Share::Nothing);
-    m->panel->pollTimer()->stop();
+    panel().pollTimer()->stop();
     poll(100);
-    QVERIFY(!m->showsFailure());
+    QVERIFY(!stage().showsFailure());
     scanner.reset();
     poll(1);
-    QCOMPARE(m->percentText(), u"17%"_s);
+    QCOMPARE(stage().percentText(), u"17%"_s);
 }
 
 void ProgressHeldTest::anOldSuccessThatCannotBeRemovedIsNone_data()
@@ -138,36 +138,36 @@ void ProgressHeldTest::anOldSuccessThatCannotBeRemovedIsNone_data()
 void ProgressHeldTest::anOldSuccessThatCannotBeRemovedIsNone()
 {
     QFETCH(HeldFile::Share, share);
-    m->sandbox.writeProgress("success 1\n");
+    stage().sandbox.writeProgress("success 1\n");
     auto holder = hold(share);
-    m->beginRun(UpgradePlan::PcOnly);
-    m->tool.obeys("await go\nwrite 5%\nhang");
-    m->panel->flash(m->image, 14);
-    m->panel->pollTimer()->stop();
-    QVERIFY(QFile::exists(m->sandbox.progressFile()));
+    stage().beginRun(UpgradePlan::PcOnly);
+    stage().tool.obeys("await go\nwrite 5%\nhang");
+    panel().flash(stage().image, 14);
+    panel().pollTimer()->stop();
+    QVERIFY(QFile::exists(stage().sandbox.progressFile()));
     poll(50);
-    QVERIFY(m->isToolRunning());
-    QVERIFY(m->panel->isUpgrading());
-    QCOMPARE(m->percentOnBar(), 0);
+    QVERIFY(stage().isToolRunning());
+    QVERIFY(panel().isUpgrading());
+    QCOMPARE(stage().percentOnBar(), 0);
 
     holder.reset();
     poll(1);
-    QVERIFY(m->isToolRunning());
-    QVERIFY(m->panel->isUpgrading());
-    m->panel->pollTimer()->start();
+    QVERIFY(stage().isToolRunning());
+    QVERIFY(panel().isUpgrading());
+    panel().pollTimer()->start();
     FakeFlashingTool::signal(u"go"_s);
-    QTRY_COMPARE_WITH_TIMEOUT(m->percentText(), u"5%"_s, kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(stage().percentText(), u"5%"_s, kPatience);
 }
 
 void ProgressHeldTest::anOldReportIsNoneWhenTheToolWritesNothing()
 {
-    m->sandbox.writeProgress("success 1\n");
+    stage().sandbox.writeProgress("success 1\n");
     const auto holder = hold(Share::Reading);
-    m->beginRun(UpgradePlan::PcOnly);
-    m->tool.obeys("exit 0");
-    m->panel->flash(m->image, 14);
-    QTRY_VERIFY_WITH_TIMEOUT(m->showsFailure(), kPatience);
-    QVERIFY(m->log.contains(u"[状态] 进程已退出但无进度文件，判定为失败"_s));
+    stage().beginRun(UpgradePlan::PcOnly);
+    stage().tool.obeys("exit 0");
+    panel().flash(stage().image, 14);
+    QTRY_VERIFY_WITH_TIMEOUT(stage().showsFailure(), kPatience);
+    QVERIFY(stage().log.contains(u"[状态] 进程已退出但无进度文件，判定为失败"_s));
 }
 
 QUILLON_TEST(ProgressHeldTest)

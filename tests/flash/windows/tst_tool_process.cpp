@@ -51,10 +51,10 @@ void ToolProcessTest::cleanup()
 
 qint64 ToolProcessTest::startWithHelper(const QByteArray &script)
 {
-    const QString path = m->sandbox.home() + u"/helper.txt"_s;
+    const QString path = stage().sandbox.home() + u"/helper.txt"_s;
     QFile::remove(path);
-    m->tool.obeys(script);
-    m->panel->tool()->start(FakeFlashingTool::path(), QStringList());
+    stage().tool.obeys(script);
+    panel().tool()->start(FakeFlashingTool::path(), QStringList());
     const auto id = [&path] {
         QFile file(path);
         return file.open(QIODevice::ReadOnly) ? file.readAll().toLongLong() : 0;
@@ -66,7 +66,7 @@ qint64 ToolProcessTest::startWithHelper(const QByteArray &script)
 
 void ToolProcessTest::itsConsoleIsNotSeen()
 {
-    const auto modifier = m->panel->tool()->createProcessArgumentsModifier();
+    const auto modifier = panel().tool()->createProcessArgumentsModifier();
     QVERIFY(modifier);
     QProcess::CreateProcessArguments arguments{};
     arguments.flags = CREATE_UNICODE_ENVIRONMENT;
@@ -86,8 +86,8 @@ void ToolProcessTest::helpersEndWithThePanel()
     QFETCH(QByteArray, script);
     const qint64 helper = startWithHelper(script);
     QVERIFY(helper && isProcessAlive(helper));
-    const qint64 tool = m->panel->tool()->processId();
-    m->panel.reset();
+    const qint64 tool = panel().tool()->processId();
+    stage().panel.reset();
     QVERIFY(!isProcessAlive(tool));
     QTRY_VERIFY_WITH_TIMEOUT(!isProcessAlive(helper), kPatience);
 }
@@ -96,8 +96,8 @@ void ToolProcessTest::helpersEndWithATooLongRun()
 {
     const qint64 helper = startWithHelper("helper\nhang");
     QVERIFY(helper && isProcessAlive(helper));
-    m->panel->fireWatchdog();
-    QVERIFY(!m->isToolRunning());
+    panel().fireWatchdog();
+    QVERIFY(!stage().isToolRunning());
     QTRY_VERIFY_WITH_TIMEOUT(!isProcessAlive(helper), kPatience);
 }
 
@@ -113,13 +113,13 @@ void ToolProcessTest::helpersOutliveASuccessAlone()
 {
     QFETCH(QByteArray, script);
     QFETCH(bool, outlive);
-    m->panel->pretendPlan(UpgradePlan::PcOnly);
-    m->panel->pretendUpgrading(true);
-    QVERIFY(!m->panel->progressFile().isEmpty()); // its folder is there from now on
+    panel().pretendPlan(UpgradePlan::PcOnly);
+    panel().pretendUpgrading(true);
+    QVERIFY(!panel().progressFile().isEmpty()); // its folder is there from now on
     const qint64 helper = startWithHelper(script);
     QVERIFY(helper);
-    m->panel->pollTimer()->start();
-    QTRY_VERIFY_WITH_TIMEOUT(!m->isToolRunning(), kPatience);
+    panel().pollTimer()->start();
+    QTRY_VERIFY_WITH_TIMEOUT(!stage().isToolRunning(), kPatience);
     if (outlive)
         QTest::qWait(200);
     else
@@ -132,8 +132,8 @@ void ToolProcessTest::aToolThatEndsByItselfLeavesItsHelpersInPeace()
 {
     const qint64 helper = startWithHelper("helper\nexit 0");
     QVERIFY(helper);
-    QTRY_VERIFY_WITH_TIMEOUT(!m->isToolRunning(), kPatience);
-    m->panel.reset();
+    QTRY_VERIFY_WITH_TIMEOUT(!stage().isToolRunning(), kPatience);
+    stage().panel.reset();
     QTest::qWait(200);
     QVERIFY(isProcessAlive(helper));
 }
@@ -142,14 +142,14 @@ void ToolProcessTest::theToolOutlivesACrashOfTheHost()
 {
     const qint64 helper = startWithHelper("helper\nhang");
     QVERIFY(helper);
-    const qint64 tool = m->panel->tool()->processId();
+    const qint64 tool = panel().tool()->processId();
     // What the system does to a crashed program: the handles that it has are closed.
-    const auto children = m->panel->tool()->children();
+    const auto children = panel().tool()->children();
     for (QObject *child : children) {
         if (QByteArray(child->metaObject()->className()).endsWith("Family"))
             delete child;
     }
-    QVERIFY(m->panel->tool()->children().size() < children.size());
+    QVERIFY(panel().tool()->children().size() < children.size());
     QTest::qWait(200);
     QVERIFY(isProcessAlive(tool));
     QVERIFY(isProcessAlive(helper));
@@ -160,8 +160,8 @@ void ToolProcessTest::aSecondRunIsEndedLikeTheFirst()
     for (int run = 0; run < 2; ++run) {
         const qint64 helper = startWithHelper("helper\nhang");
         QVERIFY(helper && isProcessAlive(helper));
-        m->panel->fireWatchdog();
-        QVERIFY(!m->isToolRunning());
+        panel().fireWatchdog();
+        QVERIFY(!stage().isToolRunning());
         QTRY_VERIFY_WITH_TIMEOUT(!isProcessAlive(helper), kPatience);
     }
 }

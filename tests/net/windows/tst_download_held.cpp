@@ -1,6 +1,6 @@
 // An image file that another program, a virus scanner for example, has open when the download wants to write
 // it.
-#include "tests/net/NetworkingFixture.h"
+#include "tests/net/ClientTest.h"
 #include "tests/support/HeldFile.h"
 #include "tests/support/TestProgram.h"
 
@@ -15,12 +15,11 @@ namespace {
 constexpr int kPatience = 30'000;
 } // namespace
 
-class DownloadHeldTest : public QObject {
+class DownloadHeldTest : public ClientTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup() { m.reset(); }
+    void init() override;
     void waitsUntilItIsLetGo_data();
     void waitsUntilItIsLetGo();
     void asksNothingWhenItIsNeverLetGo();
@@ -32,17 +31,15 @@ private:
 
     std::unique_ptr<HeldFile> hold(Share share) const
     {
-        return std::make_unique<HeldFile>(m->image(), share);
+        return std::make_unique<HeldFile>(stage().image(), share);
     }
-
-    std::unique_ptr<NetworkingFixture> m;
 };
 
 void DownloadHeldTest::init()
 {
-    m = std::make_unique<NetworkingFixture>();
-    m->server.answer(m->kImagePath, ScriptedHttpServer::page("new image"));
-    QFile old(m->image());
+    ClientTest::init();
+    stage().server.answer(stage().kImagePath, ScriptedHttpServer::page("new image"));
+    QFile old(stage().image());
     QVERIFY(old.open(QIODevice::WriteOnly) && old.write("an image of earlier times") > 0);
 }
 
@@ -59,52 +56,52 @@ void DownloadHeldTest::waitsUntilItIsLetGo()
     auto scanner = hold(share);
     QElapsedTimer time;
     time.start();
-    m->download(m->image());
+    stage().download(stage().image());
     QVERIFY2(time.elapsed() < 1500, qPrintable(QString::number(time.elapsed()))); // it does not wait here
     QTest::qWait(250);
-    QCOMPARE(m->server.paths(), QStringList());
+    QCOMPARE(stage().server.paths(), QStringList());
 
     scanner.reset();
-    QTRY_COMPARE_WITH_TIMEOUT(m->ended.size(), 1, kPatience);
-    QCOMPARE(m->contentOf(m->image()), QByteArray("new image"));
-    QCOMPARE(m->server.paths(), QStringList(m->kImagePath));
+    QTRY_COMPARE_WITH_TIMEOUT(stage().ended.size(), 1, kPatience);
+    QCOMPARE(contentOf(stage().image()), QByteArray("new image"));
+    QCOMPARE(stage().server.paths(), QStringList(stage().kImagePath));
     QTest::qWait(250);
-    QCOMPARE(m->ended.size(), 1);
-    QCOMPARE(m->server.paths(), QStringList(m->kImagePath));
+    QCOMPARE(stage().ended.size(), 1);
+    QCOMPARE(stage().server.paths(), QStringList(stage().kImagePath));
 }
 
 void DownloadHeldTest::asksNothingWhenItIsNeverLetGo()
 {
     auto scanner = hold(Share::Reading);
-    m->download(m->image());
+    stage().download(stage().image());
     QTRY_VERIFY_WITH_TIMEOUT(!ClientInside::heldFileTimer()->isActive(), kPatience);
     scanner.reset();
     QTest::qWait(500);
-    QCOMPARE(m->server.paths(), QStringList());
-    QCOMPARE(m->ended.size(), 0);
-    QCOMPARE(m->contentOf(m->image()), QByteArray("an image of earlier times"));
+    QCOMPARE(stage().server.paths(), QStringList());
+    QCOMPARE(stage().ended.size(), 0);
+    QCOMPARE(contentOf(stage().image()), QByteArray("an image of earlier times"));
 }
 
 void DownloadHeldTest::aLaterDownloadTakesItsPlace()
 {
     auto scanner = hold(Share::Reading);
-    m->download(m->image());
-    m->download(m->image(u"other.bin"_s));
-    QTRY_COMPARE_WITH_TIMEOUT(m->ended.size(), 1, kPatience);
+    stage().download(stage().image());
+    stage().download(stage().image(u"other.bin"_s));
+    QTRY_COMPARE_WITH_TIMEOUT(stage().ended.size(), 1, kPatience);
     scanner.reset();
     QTest::qWait(500);
-    QCOMPARE(m->ended.size(), 1);
-    QCOMPARE(m->contentOf(m->image()), QByteArray("an image of earlier times"));
-    QCOMPARE(m->contentOf(m->image(u"other.bin"_s)), QByteArray("new image"));
+    QCOMPARE(stage().ended.size(), 1);
+    QCOMPARE(contentOf(stage().image()), QByteArray("an image of earlier times"));
+    QCOMPARE(contentOf(stage().image(u"other.bin"_s)), QByteArray("new image"));
 }
 
 void DownloadHeldTest::aFileThatMayBeWrittenMeanwhileIsNotWaitedFor()
 {
     const auto scanner = hold(Share::ReadingAndWriting);
-    m->download(m->image());
+    stage().download(stage().image());
     QVERIFY(!ClientInside::heldFileTimer()->isActive());
-    QTRY_COMPARE_WITH_TIMEOUT(m->ended.size(), 1, kPatience);
-    QCOMPARE(m->contentOf(m->image()), QByteArray("new image"));
+    QTRY_COMPARE_WITH_TIMEOUT(stage().ended.size(), 1, kPatience);
+    QCOMPARE(contentOf(stage().image()), QByteArray("new image"));
 }
 
 QUILLON_TEST(DownloadHeldTest)
