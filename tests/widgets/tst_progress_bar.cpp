@@ -1,7 +1,7 @@
 #include "tests/support/TestProgram.h"
-#include "widgets/ClickableProgressBar.h"
+#include "tests/widgets/BarInside.h"
+#include "tests/widgets/Pointer.h"
 
-#include <QEnterEvent>
 #include <QMetaMethod>
 #include <QMouseEvent>
 #include <QSignalSpy>
@@ -13,29 +13,14 @@
 #include <type_traits>
 
 using namespace Qt::StringLiterals;
+using Pointer::enter;
+using Pointer::leave;
 
 namespace {
 
 constexpr QSize kSize{408, 48};
 
-template <typename Event> using Handler = void (ClickableProgressBar::*)(Event *);
-static_assert(std::is_same_v<decltype(&ClickableProgressBar::mousePressEvent), Handler<QMouseEvent>>);
-static_assert(std::is_same_v<decltype(&ClickableProgressBar::enterEvent), Handler<QEnterEvent>>);
-static_assert(std::is_same_v<decltype(&ClickableProgressBar::leaveEvent), Handler<QEvent>>);
-static_assert(std::is_same_v<decltype(&ClickableProgressBar::paintEvent), Handler<QPaintEvent>>);
 static_assert(std::is_base_of_v<QProgressBar, ClickableProgressBar>);
-
-void enter(QWidget &widget)
-{
-    QEnterEvent event(QPointF(5, 5), QPointF(5, 5), QPointF(5, 5));
-    QCoreApplication::sendEvent(&widget, &event);
-}
-
-void leave(QWidget &widget)
-{
-    QEvent event(QEvent::Leave);
-    QCoreApplication::sendEvent(&widget, &event);
-}
 
 QString shown(const QColor &colour)
 {
@@ -72,7 +57,7 @@ protected:
 
 } // namespace
 
-class TestProgressBar : public QObject {
+class ProgressBarTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -89,29 +74,29 @@ private Q_SLOTS:
     void survivesItsDeletionInTheClick();
 };
 
-void TestProgressBar::startsClickableGreyAndWithoutBorder()
+void ProgressBarTest::startsClickableGreyAndWithoutBorder()
 {
     QWidget parent;
     const ClickableProgressBar bar(&parent);
     QCOMPARE(bar.parentWidget(), &parent);
-    QCOMPARE(bar.m_clickable, true);
+    const BarInside inside(bar);
+    QCOMPARE(inside.isClickable, true);
     QVERIFY(bar.isClickable());
-    QCOMPARE(shown(bar.m_backgroundColor), u"48,49,60,255"_s);
-    QCOMPARE(shown(bar.m_progressColor), u"73,74,86,255"_s);
-    QCOMPARE(bar.m_borderColor, QColor(Qt::transparent));
-    QCOMPARE(bar.m_borderWidth, 0.0);
-    QCOMPARE(bar.m_hovered, false);
+    QCOMPARE(shown(inside.background), u"48,49,60,255"_s);
+    QCOMPARE(shown(bar.progressColor()), u"73,74,86,255"_s);
+    QCOMPARE(inside.border, QColor(Qt::transparent));
+    QCOMPARE(inside.borderWidth, 0.0);
+    QCOMPARE(inside.isHovered, false);
 }
 
-void TestProgressBar::keepsItsFieldsInOrder()
+void ProgressBarTest::keepsItsFieldsInOrder()
 {
     const ClickableProgressBar bar(nullptr);
-    const QList<const void *> fields{&bar.m_clickable,   &bar.m_backgroundColor, &bar.m_progressColor,
-                                     &bar.m_borderColor, &bar.m_borderWidth,     &bar.m_hovered};
+    const QList<const void *> fields = BarInside(bar).fields;
     QVERIFY(std::is_sorted(fields.begin(), fields.end(), std::less<>()));
 }
 
-void TestProgressBar::hasOneSignalAndNothingElse()
+void ProgressBarTest::hasOneSignalAndNothingElse()
 {
     const QMetaObject &meta = ClickableProgressBar::staticMetaObject;
     QCOMPARE(meta.className(), "ClickableProgressBar");
@@ -123,7 +108,7 @@ void TestProgressBar::hasOneSignalAndNothingElse()
     QCOMPARE(meta.propertyCount() - meta.propertyOffset(), 0);
 }
 
-void TestProgressBar::repaintsAfter_data()
+void ProgressBarTest::repaintsAfter_data()
 {
     using Change = std::function<void(ClickableProgressBar &)>;
     QTest::addColumn<Change>("change");
@@ -139,7 +124,7 @@ void TestProgressBar::repaintsAfter_data()
     QTest::newRow("the pointer's leaving") << Change([](ClickableProgressBar &bar) { leave(bar); });
 }
 
-void TestProgressBar::repaintsAfter()
+void ProgressBarTest::repaintsAfter()
 {
     QFETCH(std::function<void(ClickableProgressBar &)>, change);
     ClickableProgressBar bar(nullptr);
@@ -153,7 +138,7 @@ void TestProgressBar::repaintsAfter()
     QTRY_COMPARE_GT(paints->count, before);
 }
 
-void TestProgressBar::doesNotRepaintForClickability()
+void ProgressBarTest::doesNotRepaintForClickability()
 {
     QWidget window;
     window.resize(500, 200);
@@ -175,7 +160,7 @@ void TestProgressBar::doesNotRepaintForClickability()
     QVERIFY(!bar.isClickable());
 }
 
-void TestProgressBar::clicksOnPress_data()
+void ProgressBarTest::clicksOnPress_data()
 {
     QTest::addColumn<Qt::MouseButton>("button");
     QTest::newRow("left button") << Qt::LeftButton;
@@ -183,7 +168,7 @@ void TestProgressBar::clicksOnPress_data()
     QTest::newRow("middle button") << Qt::MiddleButton;
 }
 
-void TestProgressBar::clicksOnPress()
+void ProgressBarTest::clicksOnPress()
 {
     QFETCH(Qt::MouseButton, button);
     ClickableProgressBar bar(nullptr);
@@ -195,12 +180,12 @@ void TestProgressBar::clicksOnPress()
     QCOMPARE(clicks.size(), 1);
 }
 
-void TestProgressBar::leavesPressesToItsParentWhileNotClickable_data()
+void ProgressBarTest::leavesPressesToItsParentWhileNotClickable_data()
 {
     clicksOnPress_data();
 }
 
-void TestProgressBar::leavesPressesToItsParentWhileNotClickable()
+void ProgressBarTest::leavesPressesToItsParentWhileNotClickable()
 {
     QFETCH(Qt::MouseButton, button);
     PressTaker parent;
@@ -209,7 +194,7 @@ void TestProgressBar::leavesPressesToItsParentWhileNotClickable()
     QSignalSpy clicks(bar, &ClickableProgressBar::clicked);
     bar->setClickable(false);
     QMouseEvent press(QEvent::MouseButtonPress, QPointF(9, 9), QPointF(9, 9), button, button, Qt::NoModifier);
-    bar->mousePressEvent(&press);
+    BarInside::press(*bar, press);
     QVERIFY(!press.isAccepted());
     QTest::mousePress(bar, button);
     QCOMPARE(parent.presses, 1);
@@ -220,7 +205,7 @@ void TestProgressBar::leavesPressesToItsParentWhileNotClickable()
     QCOMPARE(clicks.size(), 1);
 }
 
-void TestProgressBar::survivesItsDeletionInTheClick()
+void ProgressBarTest::survivesItsDeletionInTheClick()
 {
     PressTaker parent;
     auto bar = std::make_unique<ClickableProgressBar>(&parent);
@@ -230,5 +215,5 @@ void TestProgressBar::survivesItsDeletionInTheClick()
     QVERIFY(!bar);
 }
 
-QUILLON_TEST(TestProgressBar)
+QUILLON_TEST(ProgressBarTest)
 #include "tst_progress_bar.moc"

@@ -1,7 +1,7 @@
 #include "tests/support/TestProgram.h"
-#include "widgets/ClickableProgressBar.h"
+#include "tests/widgets/BarInside.h"
+#include "tests/widgets/Pointer.h"
 
-#include <QEnterEvent>
 #include <QImage>
 #include <QPainter>
 #include <QSet>
@@ -10,6 +10,8 @@
 #include <limits>
 
 using namespace Qt::StringLiterals;
+using Pointer::enter;
+using Pointer::leave;
 
 namespace {
 
@@ -70,18 +72,6 @@ struct Pixel {
     QColor colour;
 };
 
-void enter(QWidget &widget)
-{
-    QEnterEvent event(QPointF(5, 5), QPointF(5, 5), QPointF(5, 5));
-    QCoreApplication::sendEvent(&widget, &event);
-}
-
-void leave(QWidget &widget)
-{
-    QEvent event(QEvent::Leave);
-    QCoreApplication::sendEvent(&widget, &event);
-}
-
 void dress(ClickableProgressBar &bar, const Look &look)
 {
     bar.setFixedSize(look.size);
@@ -115,7 +105,7 @@ QString shown(const QColor &colour)
 Q_DECLARE_METATYPE(Look)
 Q_DECLARE_METATYPE(QList<Pixel>)
 
-class TestProgressBarPainting : public QObject {
+class ProgressBarPaintingTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -128,7 +118,7 @@ private Q_SLOTS:
     void hasSmoothEdges();
 };
 
-void TestProgressBarPainting::paints_data()
+void ProgressBarPaintingTest::paints_data()
 {
     QTest::addColumn<Look>("look");
     QTest::addColumn<QList<Pixel>>("pixels");
@@ -208,7 +198,7 @@ void TestProgressBarPainting::paints_data()
         {{{100, 24}, kProgress}, {{300, 24}, kHovered}});
 }
 
-void TestProgressBarPainting::paints()
+void ProgressBarPaintingTest::paints()
 {
     QFETCH(Look, look);
     QFETCH(QList<Pixel>, pixels);
@@ -221,7 +211,7 @@ void TestProgressBarPainting::paints()
     }
 }
 
-void TestProgressBarPainting::neverPaintsText()
+void ProgressBarPaintingTest::neverPaintsText()
 {
     ClickableProgressBar bar(nullptr);
     bar.setTextVisible(true);
@@ -236,7 +226,7 @@ void TestProgressBarPainting::neverPaintsText()
     QCOMPARE(colours, (QSet<QRgb>{kBackground.rgba(), kProgress.rgba()}));
 }
 
-void TestProgressBarPainting::followsThePointer()
+void ProgressBarPaintingTest::followsThePointer()
 {
     ClickableProgressBar bar(nullptr);
     dress(bar, Look().outlined(kBorder, 2));
@@ -246,17 +236,17 @@ void TestProgressBarPainting::followsThePointer()
     QCOMPARE(picture(bar).pixelColor(204, 24), kBackground);
 }
 
-void TestProgressBarPainting::clearsItsBorder()
+void ProgressBarPaintingTest::clearsItsBorder()
 {
     ClickableProgressBar bar(nullptr);
     dress(bar, Look().outlined(kBorder, 2));
     bar.clearBorder();
-    QCOMPARE(bar.m_borderColor, QColor(Qt::transparent));
-    QCOMPARE(bar.m_borderWidth, 0.0);
+    QCOMPARE(BarInside(bar).border, QColor(Qt::transparent));
+    QCOMPARE(BarInside(bar).borderWidth, 0.0);
     QCOMPARE(picture(bar).pixelColor(204, 0), kBackground);
 }
 
-void TestProgressBarPainting::showsNoProgressAfterReset()
+void ProgressBarPaintingTest::showsNoProgressAfterReset()
 {
     ClickableProgressBar bar(nullptr);
     dress(bar, Look().at(50));
@@ -264,7 +254,7 @@ void TestProgressBarPainting::showsNoProgressAfterReset()
     QCOMPARE(picture(bar).pixelColor(1, 24), kBackground);
 }
 
-void TestProgressBarPainting::hasSmoothEdges()
+void ProgressBarPaintingTest::hasSmoothEdges()
 {
     ClickableProgressBar bar(nullptr);
     dress(bar, Look());
@@ -277,5 +267,5 @@ void TestProgressBarPainting::hasSmoothEdges()
     QVERIFY(blended > 0);
 }
 
-QUILLON_TEST(TestProgressBarPainting)
+QUILLON_TEST(ProgressBarPaintingTest)
 #include "tst_progress_bar_painting.moc"
