@@ -15,6 +15,14 @@ template <typename Value> QList<Value> withDataOfItsOwn(const QList<Value> &list
 }
 } // namespace
 
+void Recorder::closeThreadsOfLostDevice(int status)
+{
+    if (status != 1)
+        return;
+    OrvikHIDManager::instance()->closeOrvikSendDataThread();
+    OrvikHIDManager::instance()->closeOrvikReceiveDataThread();
+}
+
 Recorder::Recorder(Qt::ConnectionType type, Hooks hooks)
     : m_hooks(std::move(hooks))
 {

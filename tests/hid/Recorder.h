@@ -23,6 +23,9 @@ public:
         std::function<void(const QByteArray &report)> onReport;
     };
 
+    /// The hook that does what a panel does about a device that has gone.
+    static void closeThreadsOfLostDevice(int status);
+
     explicit Recorder(Qt::ConnectionType type = Qt::QueuedConnection, Hooks hooks = {});
 
     QList<QStringList> lists() const;

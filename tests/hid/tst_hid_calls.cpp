@@ -10,6 +10,7 @@
 #include <atomic>
 #include <limits>
 #include <optional>
+#include <utility>
 
 namespace {
 
@@ -48,10 +49,24 @@ constexpr std::array kCalls{
          [](OrvikHIDManager &manager) { manager.DC_AddSendData(QByteArray::fromHex("51c409")); }},
 };
 
+/// How far a device has come when a call is made.
+enum class Stage { NotAcquired, NoDevice, Attached, Open, Running };
+constexpr std::array kStages{
+    std::pair{"not acquired", Stage::NotAcquired}, std::pair{"no device", Stage::NoDevice},
+    std::pair{"device attached", Stage::Attached}, std::pair{"device open", Stage::Open},
+    std::pair{"threads running", Stage::Running}};
+
+/// What keeps one of the library's threads busy when a call is made.
+enum class Trouble { PendingRead, HangingWrite, HangingReceiver, HangingWatcher };
+constexpr std::array kTroubles{std::pair{"a read is pending", Trouble::PendingRead},
+                               std::pair{"a write hangs", Trouble::HangingWrite},
+                               std::pair{"a slot hangs on the receive thread", Trouble::HangingReceiver},
+                               std::pair{"a slot hangs on the bus watch", Trouble::HangingWatcher}};
+
 } // namespace
 
 /// Any call at any time: what else is going on may refuse it, but not be harmed by it.
-class TestHidCalls : public ManagerTest {
+class HidCallsTest : public ManagerTest {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -67,11 +82,11 @@ private Q_SLOTS:
 
 private:
     void restore();
-    std::optional<qint64> timeOf(const Call &call, const QString &trouble);
+    std::optional<qint64> timeOf(const Call &call, Trouble trouble);
 };
 
 /// Whatever was called before: one user, a device, and a round trip.
-void TestHidCalls::restore()
+void HidCallsTest::restore()
 {
     manager().acquire();
     manager().disconnectDevice(0);
@@ -91,36 +106,35 @@ void TestHidCalls::restore()
     manager().acquire();
 }
 
-void TestHidCalls::anyTwoCallsInAnyState_data()
+void HidCallsTest::anyTwoCallsInAnyState_data()
 {
-    QTest::addColumn<int>("call");
-    QTest::addColumn<QString>("state");
-    for (const char *state :
-         {"not acquired", "no device", "device attached", "device open", "threads running"}) {
-        for (int call = 0; call < int(kCalls.size()); ++call)
-            QTest::addRow("%s, %s", kCalls.at(call).name, state) << call << QString::fromLatin1(state);
+    QTest::addColumn<Call>("call");
+    QTest::addColumn<Stage>("stage");
+    for (const auto &[name, stage] : kStages) {
+        for (const Call &call : kCalls)
+            QTest::addRow("%s, %s", call.name, name) << call << stage;
     }
 }
 
-void TestHidCalls::anyTwoCallsInAnyState()
+void HidCallsTest::anyTwoCallsInAnyState()
 {
-    QFETCH(int, call);
-    QFETCH(QString, state);
+    QFETCH(Call, call);
+    QFETCH(Stage, stage);
 
     for (const Call &second : kCalls) {
-        if (state == QLatin1String("not acquired"))
+        if (stage == Stage::NotAcquired)
             manager().release();
-        else if (state != QLatin1String("no device"))
+        if (stage >= Stage::Attached)
             bus().plug(kProductId);
-        if (state == QLatin1String("device open") || state == QLatin1String("threads running"))
+        if (stage >= Stage::Open)
             QVERIFY(open(devicePath()));
-        if (state == QLatin1String("threads running"))
+        if (stage == Stage::Running)
             startThreads();
 
-        kCalls.at(call).make(manager());
-        kCalls.at(call).make(manager());
+        call.make(manager());
+        call.make(manager());
         second.make(manager());
-        kCalls.at(call).make(manager());
+        call.make(manager());
         restore();
         bus().unplugAll();
     }
@@ -128,11 +142,11 @@ void TestHidCalls::anyTwoCallsInAnyState()
 
 enum class Signal { List, Status0, Status1, Report };
 
-void TestHidCalls::anyCallFromInsideASlot_data()
+void HidCallsTest::anyCallFromInsideASlot_data()
 {
     QTest::addColumn<Qt::ConnectionType>("connection");
     QTest::addColumn<Signal>("signal");
-    QTest::addColumn<int>("call");
+    QTest::addColumn<Call>("call");
 
     const std::array connections{std::pair{"direct", Qt::DirectConnection},
                                  std::pair{"queued", Qt::QueuedConnection}};
@@ -141,19 +155,17 @@ void TestHidCalls::anyCallFromInsideASlot_data()
                              std::pair{"blockReceiveData", Signal::Report}};
     for (const auto &[how, connection] : connections) {
         for (const auto &[what, signal] : emitted) {
-            for (int call = 0; call < int(kCalls.size()); ++call) {
-                QTest::addRow("%s in a %s slot of %s", kCalls.at(call).name, how, what)
-                    << connection << signal << call;
-            }
+            for (const Call &call : kCalls)
+                QTest::addRow("%s in a %s slot of %s", call.name, how, what) << connection << signal << call;
         }
     }
 }
 
-void TestHidCalls::anyCallFromInsideASlot()
+void HidCallsTest::anyCallFromInsideASlot()
 {
     QFETCH(Qt::ConnectionType, connection);
     QFETCH(Signal, signal);
-    QFETCH(int, call);
+    QFETCH(Call, call);
 
     std::atomic<int> made{0};
     std::atomic<bool> returned{false};
@@ -161,8 +173,8 @@ void TestHidCalls::anyCallFromInsideASlot()
     const auto make = [&] {
         if (made++ > 0)
             return;
-        kCalls.at(call).make(manager());
-        kCalls.at(call).make(manager());
+        call.make(manager());
+        call.make(manager());
         returned = true;
     };
     Recorder::Hooks hooks;
@@ -188,20 +200,18 @@ void TestHidCalls::anyCallFromInsideASlot()
     restore();
 }
 
-void TestHidCalls::noCallIsSlow_data()
+void HidCallsTest::noCallIsSlow_data()
 {
-    QTest::addColumn<QString>("trouble");
-    QTest::addColumn<int>("call");
-    for (const char *trouble : {"a read is pending", "a write hangs", "a slot hangs on the receive thread",
-                                "a slot hangs on the bus watch"}) {
-        for (int call = 0; call < int(kCalls.size()); ++call)
-            QTest::addRow("%s while %s", kCalls.at(call).name, trouble)
-                << QString::fromLatin1(trouble) << call;
+    QTest::addColumn<Trouble>("trouble");
+    QTest::addColumn<Call>("call");
+    for (const auto &[name, trouble] : kTroubles) {
+        for (const Call &call : kCalls)
+            QTest::addRow("%s while %s", call.name, name) << trouble << call;
     }
 }
 
 /// How long \a call keeps its caller while \a trouble lasts; nothing when the trouble could not be made.
-std::optional<qint64> TestHidCalls::timeOf(const Call &call, const QString &trouble)
+std::optional<qint64> HidCallsTest::timeOf(const Call &call, Trouble trouble)
 {
     Hang hang;
     Recorder::Hooks hooks;
@@ -216,11 +226,11 @@ std::optional<qint64> TestHidCalls::timeOf(const Call &call, const QString &trou
         return std::nullopt;
 
     hang.arm();
-    if (trouble == QLatin1String("a write hangs"))
+    if (trouble == Trouble::HangingWrite)
         manager().DC_AddSendData(report(1));
-    else if (trouble == QLatin1String("a slot hangs on the receive thread"))
+    else if (trouble == Trouble::HangingReceiver)
         bus().queueReport(report(1));
-    else if (trouble == QLatin1String("a slot hangs on the bus watch"))
+    else if (trouble == Trouble::HangingWatcher)
         bus().unplugAll();
     else
         hang.disarm();
@@ -237,24 +247,24 @@ std::optional<qint64> TestHidCalls::timeOf(const Call &call, const QString &trou
     return took;
 }
 
-void TestHidCalls::noCallIsSlow()
+void HidCallsTest::noCallIsSlow()
 {
-    QFETCH(QString, trouble);
-    QFETCH(int, call);
+    QFETCH(Trouble, trouble);
+    QFETCH(Call, call);
 
     // A busy machine may take its time to come back to us, but not every time.
     constexpr qint64 kLimitMs = 100;
     constexpr int kAttempts = 10;
     qint64 shortest = std::numeric_limits<qint64>::max();
     for (int attempt = 0; attempt < kAttempts && shortest >= kLimitMs; ++attempt) {
-        const auto took = timeOf(kCalls.at(call), trouble);
+        const auto took = timeOf(call, trouble);
         QVERIFY(took.has_value());
         shortest = qMin(shortest, *took);
     }
     QVERIFY2(shortest < kLimitMs, qPrintable(QString::number(shortest)));
 }
 
-void TestHidCalls::usersAreCounted()
+void HidCallsTest::usersAreCounted()
 {
     QVERIFY(!connectDevice().isEmpty());
     manager().acquire();
@@ -280,7 +290,7 @@ void TestHidCalls::usersAreCounted()
     QCOMPARE(recorder().count(1), 0);
 }
 
-void TestHidCalls::lastReleaseLeavesNoThread()
+void HidCallsTest::lastReleaseLeavesNoThread()
 {
     manager().release();
     const int before = settled(threadsOfThisProcess);
@@ -296,7 +306,7 @@ void TestHidCalls::lastReleaseLeavesNoThread()
     }
 }
 
-void TestHidCalls::restartFromInsideASlot()
+void HidCallsTest::restartFromInsideASlot()
 {
     std::atomic<int> restarts{0};
     Recorder::Hooks hooks;
@@ -312,5 +322,5 @@ void TestHidCalls::restartFromInsideASlot()
     restore();
 }
 
-QUILLON_TEST_CORE(TestHidCalls)
+QUILLON_TEST_CORE(HidCallsTest)
 #include "tst_hid_calls.moc"

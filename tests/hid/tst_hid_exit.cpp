@@ -5,7 +5,7 @@
 #include <QtTest>
 
 /// A process that never releases the library still ends, quickly and well.
-class TestHidExit : public QObject {
+class HidExitTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -13,7 +13,7 @@ private Q_SLOTS:
     void processEndsWell();
 };
 
-void TestHidExit::processEndsWell_data()
+void HidExitTest::processEndsWell_data()
 {
     QTest::addColumn<QString>("ending");
     for (const char *ending : {"return", "exit", "leaked-application", "no-application", "late-release",
@@ -21,7 +21,7 @@ void TestHidExit::processEndsWell_data()
         QTest::newRow(ending) << QString::fromLatin1(ending);
 }
 
-void TestHidExit::processEndsWell()
+void HidExitTest::processEndsWell()
 {
     QFETCH(QString, ending);
 
@@ -39,5 +39,5 @@ void TestHidExit::processEndsWell()
     QVERIFY2(timer.elapsed() < 5000, qPrintable(QString::number(timer.elapsed())));
 }
 
-QUILLON_TEST_CORE(TestHidExit)
+QUILLON_TEST_CORE(HidExitTest)
 #include "tst_hid_exit.moc"

@@ -8,7 +8,7 @@
 using namespace HIDCommunicator;
 
 /// The parts of the HID library that only look at bytes and texts.
-class TestHidFormats : public QObject {
+class HidFormatsTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -24,7 +24,7 @@ private Q_SLOTS:
     void strangePathIsRefused();
 };
 
-void TestHidFormats::outputReportIsPaddedOrRefused_data()
+void HidFormatsTest::outputReportIsPaddedOrRefused_data()
 {
     QTest::addColumn<QByteArray>("report");
     QTest::addColumn<bool>("accepted");
@@ -39,7 +39,7 @@ void TestHidFormats::outputReportIsPaddedOrRefused_data()
     QTest::newRow("another report ID") << QByteArray(65, 'R') << false;
 }
 
-void TestHidFormats::outputReportIsPaddedOrRefused()
+void HidFormatsTest::outputReportIsPaddedOrRefused()
 {
     QFETCH(QByteArray, report);
     QFETCH(bool, accepted);
@@ -53,7 +53,7 @@ void TestHidFormats::outputReportIsPaddedOrRefused()
     QCOMPARE(whole->sliced(report.size()), QByteArray(65 - report.size(), '\0'));
 }
 
-void TestHidFormats::inputPayloadLosesTheReportId_data()
+void HidFormatsTest::inputPayloadLosesTheReportId_data()
 {
     QTest::addColumn<QByteArray>("report");
     QTest::addColumn<bool>("passedOn");
@@ -67,7 +67,7 @@ void TestHidFormats::inputPayloadLosesTheReportId_data()
     QTest::newRow("start mark first") << QByteArray::fromHex("c40b00") << false;
 }
 
-void TestHidFormats::inputPayloadLosesTheReportId()
+void HidFormatsTest::inputPayloadLosesTheReportId()
 {
     QFETCH(QByteArray, report);
     QFETCH(bool, passedOn);
@@ -78,7 +78,7 @@ void TestHidFormats::inputPayloadLosesTheReportId()
         QCOMPARE(*payload, report.sliced(1));
 }
 
-void TestHidFormats::reportIdIsFoundInDescriptor_data()
+void HidFormatsTest::reportIdIsFoundInDescriptor_data()
 {
     QTest::addColumn<QByteArray>("descriptor");
     QTest::addColumn<bool>("found");
@@ -104,14 +104,14 @@ void TestHidFormats::reportIdIsFoundInDescriptor_data()
     row("empty", "", false);
 }
 
-void TestHidFormats::reportIdIsFoundInDescriptor()
+void HidFormatsTest::reportIdIsFoundInDescriptor()
 {
     QFETCH(QByteArray, descriptor);
     QFETCH(bool, found);
     QCOMPARE(declaresReportId(descriptor, 0x51), found);
 }
 
-void TestHidFormats::pathIsBuiltFromIdentityAndNode_data()
+void HidFormatsTest::pathIsBuiltFromIdentityAndNode_data()
 {
     QTest::addColumn<int>("vendorId");
     QTest::addColumn<int>("productId");
@@ -126,7 +126,7 @@ void TestHidFormats::pathIsBuiltFromIdentityAndNode_data()
         << QStringLiteral(R"(\\?\hid#vid_352f&pid_abcd#hidraw12#{4d1e55b2-f16f-11cf-88cb-001111000030})");
 }
 
-void TestHidFormats::pathIsBuiltFromIdentityAndNode()
+void HidFormatsTest::pathIsBuiltFromIdentityAndNode()
 {
     QFETCH(int, vendorId);
     QFETCH(int, productId);
@@ -143,7 +143,7 @@ void TestHidFormats::pathIsBuiltFromIdentityAndNode()
     }
 }
 
-void TestHidFormats::strangePathIsRefused_data()
+void HidFormatsTest::strangePathIsRefused_data()
 {
     QTest::addColumn<QString>("path");
 
@@ -165,11 +165,11 @@ void TestHidFormats::strangePathIsRefused_data()
     row("another class", R"(\\?\hid#vid_352f&pid_000e#hidraw3#{4d1e55b2-f16f-11cf-88cb-001111000031})");
 }
 
-void TestHidFormats::strangePathIsRefused()
+void HidFormatsTest::strangePathIsRefused()
 {
     QFETCH(QString, path);
     QVERIFY(!DevicePath::fromString(path).has_value());
 }
 
-QUILLON_TEST_CORE(TestHidFormats)
+QUILLON_TEST_CORE(HidFormatsTest)
 #include "tst_hid_formats.moc"

@@ -5,7 +5,7 @@
 
 #include <functional>
 
-class TestHidLoss : public ManagerTest {
+class HidLossTest : public ManagerTest {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -26,7 +26,7 @@ private:
 };
 
 /// That the open device is served in both directions.
-void TestHidLoss::checkRoundTrip()
+void HidLossTest::checkRoundTrip()
 {
     bus().setResponder([](const QByteArray &asked) { return QList<QByteArray>{asked}; });
     recorder().clear();
@@ -35,30 +35,25 @@ void TestHidLoss::checkRoundTrip()
 }
 
 /// The recorder does what a panel does: opens what it finds, closes the threads of what has gone.
-void TestHidLoss::answerAsAPanel()
+void HidLossTest::answerAsAPanel()
 {
     Recorder::Hooks hooks;
     hooks.onList = [](const QStringList &paths) {
         if (!paths.isEmpty() && !manager().getConnected() && open(paths.last()))
             startThreads();
     };
-    hooks.onStatus = [](int status) {
-        if (status != 1)
-            return;
-        manager().closeOrvikSendDataThread();
-        manager().closeOrvikReceiveDataThread();
-    };
+    hooks.onStatus = &Recorder::closeThreadsOfLostDevice;
     listen(Qt::QueuedConnection, hooks);
 }
 
-void TestHidLoss::deviceThatLeavesBeforeItIsOpenIsNotOpened_data()
+void HidLossTest::deviceThatLeavesBeforeItIsOpenIsNotOpened_data()
 {
     QTest::addColumn<bool>("duringOpen");
     QTest::newRow("before the open") << false;
     QTest::newRow("during the open") << true;
 }
 
-void TestHidLoss::deviceThatLeavesBeforeItIsOpenIsNotOpened()
+void HidLossTest::deviceThatLeavesBeforeItIsOpenIsNotOpened()
 {
     QFETCH(bool, duringOpen);
 
@@ -81,7 +76,7 @@ void TestHidLoss::deviceThatLeavesBeforeItIsOpenIsNotOpened()
 
 using Moment = std::function<void()>;
 
-void TestHidLoss::lossIsAnnouncedOnceAndTheDeviceComesBack_data()
+void HidLossTest::lossIsAnnouncedOnceAndTheDeviceComesBack_data()
 {
     QTest::addColumn<Moment>("beforeOpening");
     QTest::addColumn<Moment>("afterOpening");
@@ -153,7 +148,7 @@ void TestHidLoss::lossIsAnnouncedOnceAndTheDeviceComesBack_data()
     });
 }
 
-void TestHidLoss::lossIsAnnouncedOnceAndTheDeviceComesBack()
+void HidLossTest::lossIsAnnouncedOnceAndTheDeviceComesBack()
 {
     QFETCH(Moment, beforeOpening);
     QFETCH(Moment, afterOpening);
@@ -179,7 +174,7 @@ void TestHidLoss::lossIsAnnouncedOnceAndTheDeviceComesBack()
     QCOMPARE(recorder().count(1), 0);
 }
 
-void TestHidLoss::otherDeviceLeavingIsNoLoss()
+void HidLossTest::otherDeviceLeavingIsNoLoss()
 {
     bus().plug(kOtherProductId);
     QVERIFY(!connectDevice().isEmpty());
@@ -192,7 +187,7 @@ void TestHidLoss::otherDeviceLeavingIsNoLoss()
     checkRoundTrip();
 }
 
-void TestHidLoss::disconnectedDeviceLeavingIsNoLoss()
+void HidLossTest::disconnectedDeviceLeavingIsNoLoss()
 {
     QVERIFY(!connectDevice().isEmpty());
     QVERIFY(manager().disconnectDevice(0));
@@ -203,7 +198,7 @@ void TestHidLoss::disconnectedDeviceLeavingIsNoLoss()
     QCOMPARE(recorder().statuses(), QList<int>());
 }
 
-void TestHidLoss::connectedIsFalseWhenTheLossIsAnnounced()
+void HidLossTest::connectedIsFalseWhenTheLossIsAnnounced()
 {
     std::atomic<int> connectedAtLoss{-1};
     Recorder::Hooks hooks;
@@ -226,7 +221,7 @@ static bool waitWithoutEventLoop(const std::function<bool()> &happened)
     return happened();
 }
 
-void TestHidLoss::nothingOpensBeforeTheLossIsDelivered()
+void HidLossTest::nothingOpensBeforeTheLossIsDelivered()
 {
     const Recorder &direct = alsoListen(Qt::DirectConnection);
     const QString path = connectDevice();
@@ -243,7 +238,7 @@ void TestHidLoss::nothingOpensBeforeTheLossIsDelivered()
     checkRoundTrip();
 }
 
-void TestHidLoss::panelThatWasBusyKeepsItsThreads()
+void HidLossTest::panelThatWasBusyKeepsItsThreads()
 {
     answerAsAPanel();
     Recorder &direct = alsoListen(Qt::DirectConnection);
@@ -263,7 +258,7 @@ void TestHidLoss::panelThatWasBusyKeepsItsThreads()
     checkRoundTrip();
 }
 
-void TestHidLoss::lossBeforeTheReleaseIsForgotten()
+void HidLossTest::lossBeforeTheReleaseIsForgotten()
 {
     const QString path = connectDevice();
     QTRY_COMPARE(recorder().count(0), 1);
@@ -277,5 +272,5 @@ void TestHidLoss::lossBeforeTheReleaseIsForgotten()
     checkRoundTrip();
 }
 
-QUILLON_TEST_CORE(TestHidLoss)
+QUILLON_TEST_CORE(HidLossTest)
 #include "tst_hid_loss.moc"

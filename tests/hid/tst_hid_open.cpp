@@ -6,7 +6,7 @@
 
 #include <thread>
 
-class TestHidOpen : public ManagerTest {
+class HidOpenTest : public ManagerTest {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -24,7 +24,7 @@ private Q_SLOTS:
     void releaseDuringOpeningWins();
 };
 
-void TestHidOpen::pathIsTakenInAnySpelling_data()
+void HidOpenTest::pathIsTakenInAnySpelling_data()
 {
     QTest::addColumn<QString>("announced");
     QTest::addColumn<QString>("asked");
@@ -35,7 +35,7 @@ void TestHidOpen::pathIsTakenInAnySpelling_data()
     QTest::newRow("lower case for an announced upper case") << lower.toUpper() << lower;
 }
 
-void TestHidOpen::pathIsTakenInAnySpelling()
+void HidOpenTest::pathIsTakenInAnySpelling()
 {
     QFETCH(QString, announced);
     QFETCH(QString, asked);
@@ -46,7 +46,7 @@ void TestHidOpen::pathIsTakenInAnySpelling()
     QCOMPARE(bus().opened(), QStringList{announced});
 }
 
-void TestHidOpen::otherPathsAreRefused_data()
+void HidOpenTest::otherPathsAreRefused_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<int>("vendorId");
@@ -63,7 +63,7 @@ void TestHidOpen::otherPathsAreRefused_data()
     QTest::newRow("a million characters") << QString(1'000'000, u'\\') << kVendorId << kProductId;
 }
 
-void TestHidOpen::otherPathsAreRefused()
+void HidOpenTest::otherPathsAreRefused()
 {
     QFETCH(QString, path);
     QFETCH(int, vendorId);
@@ -76,7 +76,7 @@ void TestHidOpen::otherPathsAreRefused()
     QTRY_COMPARE(recorder().statuses(), QList<int>{0});
 }
 
-void TestHidOpen::refusedDeviceOpensLater()
+void HidOpenTest::refusedDeviceOpensLater()
 {
     bus().refuseOpen(true);
     const QString path = bus().plug(kProductId);
@@ -95,7 +95,7 @@ void TestHidOpen::refusedDeviceOpensLater()
     QCOMPARE(bus().opened(), QStringList{path});
 }
 
-void TestHidOpen::openingAnnouncesStatusZeroOnce()
+void HidOpenTest::openingAnnouncesStatusZeroOnce()
 {
     QVERIFY(!connectDevice().isEmpty());
     QTRY_COMPARE(recorder().statuses(), QList<int>{0});
@@ -105,7 +105,7 @@ void TestHidOpen::openingAnnouncesStatusZeroOnce()
     QVERIFY(recorder().statuses().isEmpty());
 }
 
-void TestHidOpen::onlyOneDeviceIsOpen()
+void HidOpenTest::onlyOneDeviceIsOpen()
 {
     const QString first = connectDevice();
     const QString second = bus().plug(kOtherProductId);
@@ -122,7 +122,7 @@ void TestHidOpen::onlyOneDeviceIsOpen()
     QCOMPARE(bus().openConnections(), 1);
 }
 
-void TestHidOpen::openingAgainIsNoSecondHandle()
+void HidOpenTest::openingAgainIsNoSecondHandle()
 {
     const QString path = connectDevice();
     QVERIFY(open(path));
@@ -131,7 +131,7 @@ void TestHidOpen::openingAgainIsNoSecondHandle()
     QTRY_COMPARE(recorder().statuses(), QList<int>{0});
 }
 
-void TestHidOpen::disconnectedDeviceOpensAgainAtOnce()
+void HidOpenTest::disconnectedDeviceOpensAgainAtOnce()
 {
     const QString path = connectDevice();
     for (int round = 0; round < 5; ++round) {
@@ -151,7 +151,7 @@ void TestHidOpen::disconnectedDeviceOpensAgainAtOnce()
     QTRY_COMPARE(recorder().statuses(), (QList<int>{0, 0, 0, 0, 0, 0}));
 }
 
-void TestHidOpen::handleThatIsStillInUseKeepsTheNextOneOut()
+void HidOpenTest::handleThatIsStillInUseKeepsTheNextOneOut()
 {
     Hang hang;
     bus().setResponder([&](const QByteArray &) {
@@ -175,7 +175,7 @@ void TestHidOpen::handleThatIsStillInUseKeepsTheNextOneOut()
     QTRY_COMPARE(bus().written().size(), 2);
 }
 
-void TestHidOpen::secondOpeningMeanwhileIsRefused()
+void HidOpenTest::secondOpeningMeanwhileIsRefused()
 {
     const QString path = bus().plug(kProductId);
     bool second = true;
@@ -188,7 +188,7 @@ void TestHidOpen::secondOpeningMeanwhileIsRefused()
     QCOMPARE(bus().opened().size(), 1);
 }
 
-void TestHidOpen::releaseDuringOpeningWins()
+void HidOpenTest::releaseDuringOpeningWins()
 {
     const QString path = bus().plug(kProductId);
     bus().setOpenHooks([&] { std::thread([] { manager().release(); }).join(); });
@@ -197,5 +197,5 @@ void TestHidOpen::releaseDuringOpeningWins()
     QTRY_COMPARE(bus().openConnections(), 0);
 }
 
-QUILLON_TEST_CORE(TestHidOpen)
+QUILLON_TEST_CORE(HidOpenTest)
 #include "tst_hid_open.moc"

@@ -13,7 +13,7 @@
 using namespace std::chrono_literals;
 using HIDCommunicator::HidDeviceInfo;
 
-class TestHidScan : public ManagerTest {
+class HidScanTest : public ManagerTest {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -38,7 +38,7 @@ private:
 };
 
 /// Lets the scans that a plug, an opening or a start brought about pass by.
-void TestHidScan::waitForQuietBus()
+void HidScanTest::waitForQuietBus()
 {
     const auto settled = [] {
         return !recorder().lists().isEmpty()
@@ -49,7 +49,7 @@ void TestHidScan::waitForQuietBus()
 }
 
 /// The middle one of the last five periods; nothing while there are fewer.
-std::optional<std::chrono::milliseconds> TestHidScan::latestPeriod()
+std::optional<std::chrono::milliseconds> HidScanTest::latestPeriod()
 {
     constexpr int kPeriods = 5;
     const auto times = recorder().listTimes();
@@ -62,7 +62,7 @@ std::optional<std::chrono::milliseconds> TestHidScan::latestPeriod()
     return std::chrono::duration_cast<std::chrono::milliseconds>(periods.at(kPeriods / 2));
 }
 
-void TestHidScan::comparePeriods(std::chrono::milliseconds expected)
+void HidScanTest::comparePeriods(std::chrono::milliseconds expected)
 {
     const auto isAsExpected = [&] {
         const auto period = latestPeriod();
@@ -72,7 +72,7 @@ void TestHidScan::comparePeriods(std::chrono::milliseconds expected)
     QVERIFY2(reached, qPrintable(QString::number(latestPeriod().value_or(0ms).count())));
 }
 
-void TestHidScan::periodDependsOnAnOpenDevice_data()
+void HidScanTest::periodDependsOnAnOpenDevice_data()
 {
     QTest::addColumn<bool>("opened");
     QTest::addColumn<int>("period");
@@ -81,7 +81,7 @@ void TestHidScan::periodDependsOnAnOpenDevice_data()
     QTest::newRow("device open") << true << 3000;
 }
 
-void TestHidScan::periodDependsOnAnOpenDevice()
+void HidScanTest::periodDependsOnAnOpenDevice()
 {
     QFETCH(bool, opened);
     QFETCH(int, period);
@@ -93,7 +93,7 @@ void TestHidScan::periodDependsOnAnOpenDevice()
     comparePeriods(std::chrono::milliseconds(period));
 }
 
-void TestHidScan::periodShortensWhenTheDeviceGoes()
+void HidScanTest::periodShortensWhenTheDeviceGoes()
 {
     QVERIFY(!connectDevice().isEmpty());
     waitForQuietBus();
@@ -113,7 +113,7 @@ template <typename Condition> static std::chrono::milliseconds timeUntil(Conditi
     return std::chrono::duration_cast<std::chrono::milliseconds>(Recorder::Clock::now() - start);
 }
 
-void TestHidScan::plugAndUnplugAreAnnouncedAtOnce()
+void HidScanTest::plugAndUnplugAreAnnouncedAtOnce()
 {
     QVERIFY(!connectDevice().isEmpty());
     auto plugged = std::chrono::milliseconds::max();
@@ -133,7 +133,7 @@ void TestHidScan::plugAndUnplugAreAnnouncedAtOnce()
     QVERIFY2(unplugged < 1s, qPrintable(QString::number(unplugged.count())));
 }
 
-void TestHidScan::everyAcquireIsFollowedByAScan()
+void HidScanTest::everyAcquireIsFollowedByAScan()
 {
     QVERIFY(!connectDevice().isEmpty());
     auto scanned = std::chrono::milliseconds::max();
@@ -146,7 +146,7 @@ void TestHidScan::everyAcquireIsFollowedByAScan()
     QVERIFY2(scanned < 1s, qPrintable(QString::number(scanned.count())));
 }
 
-void TestHidScan::slotsConnectedAfterAcquireMissNothing()
+void HidScanTest::slotsConnectedAfterAcquireMissNothing()
 {
     bus().plug(kProductId);
     auto heard = std::chrono::milliseconds::max();
@@ -161,7 +161,7 @@ void TestHidScan::slotsConnectedAfterAcquireMissNothing()
     QVERIFY2(heard < 400ms, qPrintable(QString::number(heard.count())));
 }
 
-void TestHidScan::listHoldsTheFamilyOnly_data()
+void HidScanTest::listHoldsTheFamilyOnly_data()
 {
     QTest::addColumn<QList<int>>("family");
     QTest::addColumn<QList<int>>("foreign");
@@ -175,7 +175,7 @@ void TestHidScan::listHoldsTheFamilyOnly_data()
     QTest::newRow("two devices of one kind") << QList<int>{0x000E, 0x000E} << QList<int>{0x352E};
 }
 
-void TestHidScan::listHoldsTheFamilyOnly()
+void HidScanTest::listHoldsTheFamilyOnly()
 {
     QFETCH(QList<int>, family);
     QFETCH(QList<int>, foreign);
@@ -199,7 +199,7 @@ void TestHidScan::listHoldsTheFamilyOnly()
     QCOMPARE(listedIds, family);
 }
 
-void TestHidScan::listIsRepeatedWithoutAnyChange()
+void HidScanTest::listIsRepeatedWithoutAnyChange()
 {
     const QString path = bus().plug(kProductId);
     waitForQuietBus();
@@ -207,7 +207,7 @@ void TestHidScan::listIsRepeatedWithoutAnyChange()
     QCOMPARE(recorder().lists().mid(0, 3), (QList<QStringList>{{path}, {path}, {path}}));
 }
 
-void TestHidScan::noScanAfterTheLastRelease()
+void HidScanTest::noScanAfterTheLastRelease()
 {
     waitForQuietBus();
     manager().release();
@@ -220,5 +220,5 @@ void TestHidScan::noScanAfterTheLastRelease()
     QTRY_VERIFY_WITH_TIMEOUT(!recorder().lists().isEmpty(), kPatienceMs);
 }
 
-QUILLON_TEST_CORE(TestHidScan)
+QUILLON_TEST_CORE(HidScanTest)
 #include "tst_hid_scan.moc"

@@ -32,7 +32,7 @@ enum Moment {
 
 } // namespace
 
-class TestHidStress : public ManagerTest {
+class HidStressTest : public ManagerTest {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -54,14 +54,14 @@ private:
         0}; ///< how many replies; 0: the panel does not pull the cable
 };
 
-void TestHidStress::leave()
+void HidStressTest::leave()
 {
     bus().unplugAll();
     s_left = true;
 }
 
 /// Opens what it finds, asks, and closes the threads of what has gone.
-void TestHidStress::answerAsAPanel()
+void HidStressTest::answerAsAPanel()
 {
     Recorder::Hooks panel;
     panel.onList = [](const QStringList &paths) {
@@ -71,12 +71,7 @@ void TestHidStress::answerAsAPanel()
         for (int question = 0; question < s_questions; ++question)
             manager().DC_AddSendData(report(char(question)));
     };
-    panel.onStatus = [](int status) {
-        if (status != 1)
-            return;
-        manager().closeOrvikSendDataThread();
-        manager().closeOrvikReceiveDataThread();
-    };
+    panel.onStatus = &Recorder::closeThreadsOfLostDevice;
     panel.onReport = [](const QByteArray &) {
         if (s_hearsBeforeLeaving > 0 && --s_hearsBeforeLeaving == 0)
             leave();
@@ -85,7 +80,7 @@ void TestHidStress::answerAsAPanel()
 }
 
 /// Whether a device that is plugged in now ends up open and answers.
-bool TestHidStress::comesToServe()
+bool HidStressTest::comesToServe()
 {
     bus().unplugAll();
     bus().clear();
@@ -103,7 +98,7 @@ bool TestHidStress::comesToServe()
 }
 
 /// One device from plug to unplug; whether it was found, and served until its moment had come.
-bool TestHidStress::pullsTheCable(Moment moment, std::mt19937 &random)
+bool HidStressTest::pullsTheCable(Moment moment, std::mt19937 &random)
 {
     const auto pause
         = [&](unsigned limit) { std::this_thread::sleep_for(std::chrono::microseconds(random() % limit)); };
@@ -135,14 +130,14 @@ bool TestHidStress::pullsTheCable(Moment moment, std::mt19937 &random)
     return s_left || moment == BeforeOpening;
 }
 
-void TestHidStress::deviceLeavesAtAnyMoment_data()
+void HidStressTest::deviceLeavesAtAnyMoment_data()
 {
     QTest::addColumn<unsigned>("seed");
     for (const unsigned seed : {1U, 2U, 3U, 4U})
         QTest::addRow("seed %u", seed) << seed;
 }
 
-void TestHidStress::deviceLeavesAtAnyMoment()
+void HidStressTest::deviceLeavesAtAnyMoment()
 {
     QFETCH(unsigned, seed);
 
@@ -178,7 +173,7 @@ void TestHidStress::deviceLeavesAtAnyMoment()
     manager().acquire();
 }
 
-void TestHidStress::severalThreadsCallEverything()
+void HidStressTest::severalThreadsCallEverything()
 {
     using Call = void (*)();
     static constexpr std::array<Call, 11> calls{
@@ -226,5 +221,5 @@ void TestHidStress::severalThreadsCallEverything()
     QVERIFY(comesToServe());
 }
 
-QUILLON_TEST_CORE(TestHidStress)
+QUILLON_TEST_CORE(HidStressTest)
 #include "tst_hid_stress.moc"

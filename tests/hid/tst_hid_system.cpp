@@ -16,7 +16,7 @@ using HIDCommunicator::OrvikHIDManager;
 const QMetaObject *managerMetaObject();
 bool installNoTransport();
 
-class TestHidSystem : public QObject {
+class HidSystemTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -28,7 +28,7 @@ private Q_SLOTS:
     void pathsThatAreNoDeviceAreRefused();
 };
 
-void TestHidSystem::signalsHaveTheirSignatures_data()
+void HidSystemTest::signalsHaveTheirSignatures_data()
 {
     QTest::addColumn<QByteArray>("signature");
     for (const char *signature : {"deviceListChanged(QStringList,QList<int>)", "blockHidConnetStatus(int)",
@@ -36,19 +36,19 @@ void TestHidSystem::signalsHaveTheirSignatures_data()
         QTest::newRow(signature) << QByteArray(signature);
 }
 
-void TestHidSystem::signalsHaveTheirSignatures()
+void HidSystemTest::signalsHaveTheirSignatures()
 {
     QFETCH(QByteArray, signature);
     QVERIFY(managerMetaObject()->indexOfSignal(signature.constData()) >= 0);
 }
 
-void TestHidSystem::transportIsSettledWithTheFirstUse()
+void HidSystemTest::transportIsSettledWithTheFirstUse()
 {
     OrvikHIDManager::instance();
     QVERIFY(!installNoTransport());
 }
 
-void TestHidSystem::busIsScannedAndReleased()
+void HidSystemTest::busIsScannedAndReleased()
 {
     OrvikHIDManager *const manager = OrvikHIDManager::instance();
     std::atomic<int> scans{0};
@@ -77,7 +77,7 @@ void TestHidSystem::busIsScannedAndReleased()
     disconnect(manager, nullptr, this, nullptr);
 }
 
-void TestHidSystem::pathsThatAreNoDeviceAreRefused_data()
+void HidSystemTest::pathsThatAreNoDeviceAreRefused_data()
 {
     QTest::addColumn<QString>("path");
     QTest::newRow("empty") << QString();
@@ -86,7 +86,7 @@ void TestHidSystem::pathsThatAreNoDeviceAreRefused_data()
         << QStringLiteral(R"(\\?\hid#vid_352f&pid_000e#hidraw987654#{4d1e55b2-f16f-11cf-88cb-001111000030})");
 }
 
-void TestHidSystem::pathsThatAreNoDeviceAreRefused()
+void HidSystemTest::pathsThatAreNoDeviceAreRefused()
 {
     QFETCH(QString, path);
     OrvikHIDManager *const manager = OrvikHIDManager::instance();
@@ -96,5 +96,5 @@ void TestHidSystem::pathsThatAreNoDeviceAreRefused()
     manager->release();
 }
 
-QUILLON_TEST_CORE(TestHidSystem)
+QUILLON_TEST_CORE(HidSystemTest)
 #include "tst_hid_system.moc"

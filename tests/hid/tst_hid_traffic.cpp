@@ -5,7 +5,7 @@
 
 #include <QtTest>
 
-class TestHidTraffic : public ManagerTest {
+class HidTrafficTest : public ManagerTest {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -30,7 +30,7 @@ private:
 };
 
 /// The byte behind the start mark of each report.
-QList<char> TestHidTraffic::marks(const QList<QByteArray> &reports, int offset)
+QList<char> HidTrafficTest::marks(const QList<QByteArray> &reports, int offset)
 {
     QList<char> marks;
     for (const QByteArray &report : reports)
@@ -38,7 +38,7 @@ QList<char> TestHidTraffic::marks(const QList<QByteArray> &reports, int offset)
     return marks;
 }
 
-void TestHidTraffic::reportsGoOutInOrder()
+void HidTrafficTest::reportsGoOutInOrder()
 {
     QVERIFY(!connectDevice().isEmpty());
     QList<char> expected;
@@ -50,7 +50,7 @@ void TestHidTraffic::reportsGoOutInOrder()
     QCOMPARE(marks(bus().written(), 2), expected);
 }
 
-void TestHidTraffic::queuedReportsWaitForTheSendThread()
+void HidTrafficTest::queuedReportsWaitForTheSendThread()
 {
     for (char mark = 1; mark <= 3; ++mark)
         manager().DC_AddSendData(report(mark));
@@ -76,7 +76,7 @@ void TestHidTraffic::queuedReportsWaitForTheSendThread()
     QTRY_COMPARE(marks(bus().written(), 2), (QList<char>{1, 2, 3, 4, 5, 6}));
 }
 
-void TestHidTraffic::queueDropsTheOldestWhenFull_data()
+void HidTrafficTest::queueDropsTheOldestWhenFull_data()
 {
     QTest::addColumn<int>("queued");
     QTest::addColumn<int>("dropped");
@@ -87,7 +87,7 @@ void TestHidTraffic::queueDropsTheOldestWhenFull_data()
     QTest::newRow("100") << 100 << 36;
 }
 
-void TestHidTraffic::queueDropsTheOldestWhenFull()
+void HidTrafficTest::queueDropsTheOldestWhenFull()
 {
     QFETCH(int, queued);
     QFETCH(int, dropped);
@@ -102,7 +102,7 @@ void TestHidTraffic::queueDropsTheOldestWhenFull()
         QCOMPARE(bus().written().at(i - dropped), report(char(i)));
 }
 
-void TestHidTraffic::lastReleaseForgetsTheQueue()
+void HidTrafficTest::lastReleaseForgetsTheQueue()
 {
     manager().DC_AddSendData(report(1));
     manager().release();
@@ -113,14 +113,14 @@ void TestHidTraffic::lastReleaseForgetsTheQueue()
     QCOMPARE(marks(bus().written(), 2), QList<char>{2});
 }
 
-void TestHidTraffic::shortReportsArePadded_data()
+void HidTrafficTest::shortReportsArePadded_data()
 {
     QTest::addColumn<int>("size");
     for (const int size : {1, 2, 10, 64, 65})
         QTest::addRow("%d bytes", size) << size;
 }
 
-void TestHidTraffic::shortReportsArePadded()
+void HidTrafficTest::shortReportsArePadded()
 {
     QFETCH(int, size);
 
@@ -131,7 +131,7 @@ void TestHidTraffic::shortReportsArePadded()
     QCOMPARE(bus().written().first(), sent + QByteArray(65 - size, '\0'));
 }
 
-void TestHidTraffic::reportsNobodyCouldTakeAreNotQueued_data()
+void HidTrafficTest::reportsNobodyCouldTakeAreNotQueued_data()
 {
     QTest::addColumn<QByteArray>("refused");
 
@@ -142,7 +142,7 @@ void TestHidTraffic::reportsNobodyCouldTakeAreNotQueued_data()
     QTest::newRow("another report ID") << QByteArray(65, '\x01');
 }
 
-void TestHidTraffic::reportsNobodyCouldTakeAreNotQueued()
+void HidTrafficTest::reportsNobodyCouldTakeAreNotQueued()
 {
     QFETCH(QByteArray, refused);
 
@@ -157,7 +157,7 @@ void TestHidTraffic::reportsNobodyCouldTakeAreNotQueued()
     QTRY_COMPARE(bus().written(), QList<QByteArray>{report(7)});
 }
 
-void TestHidTraffic::failedWriteEndsTheConnectionAndRequeuesNothing()
+void HidTrafficTest::failedWriteEndsTheConnectionAndRequeuesNothing()
 {
     const QString path = bus().plug(kProductId);
     QVERIFY(open(path));
@@ -175,7 +175,7 @@ void TestHidTraffic::failedWriteEndsTheConnectionAndRequeuesNothing()
     QTRY_COMPARE(marks(bus().written(), 2), (QList<char>{2, 3}));
 }
 
-void TestHidTraffic::receivedReportsAreStripped_data()
+void HidTrafficTest::receivedReportsAreStripped_data()
 {
     QTest::addColumn<QByteArray>("sent");
     QTest::addColumn<QList<QByteArray>>("received");
@@ -191,7 +191,7 @@ void TestHidTraffic::receivedReportsAreStripped_data()
     QTest::newRow("no report ID") << QByteArray::fromHex("c40b00000408100000") << QList<QByteArray>();
 }
 
-void TestHidTraffic::receivedReportsAreStripped()
+void HidTrafficTest::receivedReportsAreStripped()
 {
     QFETCH(QByteArray, sent);
     QFETCH(QList<QByteArray>, received);
@@ -204,7 +204,7 @@ void TestHidTraffic::receivedReportsAreStripped()
     QCOMPARE(recorder().reports(), received);
 }
 
-void TestHidTraffic::receivedReportsKeepTheirOrder()
+void HidTrafficTest::receivedReportsKeepTheirOrder()
 {
     QVERIFY(!connectDevice().isEmpty());
     QList<char> expected;
@@ -216,7 +216,7 @@ void TestHidTraffic::receivedReportsKeepTheirOrder()
     QCOMPARE(marks(recorder().reports(), 1), expected);
 }
 
-void TestHidTraffic::closedThreadsAreSilent()
+void HidTrafficTest::closedThreadsAreSilent()
 {
     QVERIFY(!connectDevice().isEmpty());
     manager().closeOrvikSendDataThread();
@@ -233,7 +233,7 @@ void TestHidTraffic::closedThreadsAreSilent()
     QTRY_COMPARE(recorder().reports().size(), 1);
 }
 
-void TestHidTraffic::repliesReachTheAsker()
+void HidTrafficTest::repliesReachTheAsker()
 {
     bus().setResponder([](const QByteArray &asked) {
         return QList<QByteArray>{report(asked.at(2)), report(char(asked.at(2) + 100))};
@@ -244,5 +244,5 @@ void TestHidTraffic::repliesReachTheAsker()
     QTRY_COMPARE(marks(recorder().reports(), 1), (QList<char>{1, 101, 2, 102}));
 }
 
-QUILLON_TEST_CORE(TestHidTraffic)
+QUILLON_TEST_CORE(HidTrafficTest)
 #include "tst_hid_traffic.moc"

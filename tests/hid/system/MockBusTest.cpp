@@ -34,12 +34,7 @@ void MockBusTest::answerAsAPanel()
         if (manager().openHIDHandle(paths.last(), 0x352F, productId, 0))
             startThreads();
     };
-    hooks.onStatus = [](int status) {
-        if (status != 1)
-            return;
-        manager().closeOrvikSendDataThread();
-        manager().closeOrvikReceiveDataThread();
-    };
+    hooks.onStatus = &Recorder::closeThreadsOfLostDevice;
     listen(std::move(hooks));
 }
 

@@ -6,7 +6,7 @@
 #include <QElapsedTimer>
 #include <QtTest>
 
-class TestHidHotplug : public MockBusTest {
+class HidHotplugTest : public MockBusTest {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -21,12 +21,12 @@ private Q_SLOTS:
     void oneOfTwoDevicesIsOpen();
 };
 
-void TestHidHotplug::eventsComeFromWhereTheyMeanAReadyNode()
+void HidHotplugTest::eventsComeFromWhereTheyMeanAReadyNode()
 {
     QCOMPARE(MockUdevd::monitoredGroup(), MockUdevd::running() ? QByteArray("udev") : QByteArray("kernel"));
 }
 
-void TestHidHotplug::everyByteGoesThrough_data()
+void HidHotplugTest::everyByteGoesThrough_data()
 {
     QTest::addColumn<QByteArray>("sent");
     QTest::addColumn<QByteArray>("answered");
@@ -50,7 +50,7 @@ void TestHidHotplug::everyByteGoesThrough_data()
     QTest::newRow("report IDs all along") << QByteArray(65, '\x51') << QByteArray(65, '\x51');
 }
 
-void TestHidHotplug::everyByteGoesThrough()
+void HidHotplugTest::everyByteGoesThrough()
 {
     QFETCH(QByteArray, sent);
     QFETCH(QByteArray, answered);
@@ -65,7 +65,7 @@ void TestHidHotplug::everyByteGoesThrough()
     QCOMPARE(device->written(), QList<QByteArray>{sent});
 }
 
-void TestHidHotplug::burstKeepsItsOrder()
+void HidHotplugTest::burstKeepsItsOrder()
 {
     const auto device = bus().plug();
     device->setResponder([](const QByteArray &asked) { return QList<QByteArray>{asked, asked}; });
@@ -84,7 +84,7 @@ void TestHidHotplug::burstKeepsItsOrder()
 }
 
 /// The periodic scan, every 3 s while a device is open, would need far longer for as many changes.
-void TestHidHotplug::plugAndUnplugAreHeardOf()
+void HidHotplugTest::plugAndUnplugAreHeardOf()
 {
     constexpr int kChanges = 10;
     constexpr qint64 kWithoutEventsMs = kChanges * 3000;
@@ -103,7 +103,7 @@ void TestHidHotplug::plugAndUnplugAreHeardOf()
     QVERIFY(manager().getConnected());
 }
 
-void TestHidHotplug::unplugDuringAPendingReadIsALoss()
+void HidHotplugTest::unplugDuringAPendingReadIsALoss()
 {
     const auto device = bus().plug();
     QTRY_VERIFY_WITH_TIMEOUT(open(*device), kPatienceMs);
@@ -124,7 +124,7 @@ void TestHidHotplug::unplugDuringAPendingReadIsALoss()
     QVERIFY(lastScanFound({}));
 }
 
-void TestHidHotplug::failedReadIsALossThoughTheDeviceStays()
+void HidHotplugTest::failedReadIsALossThoughTheDeviceStays()
 {
     const auto device = bus().plug();
     QTRY_VERIFY_WITH_TIMEOUT(open(*device), kPatienceMs);
@@ -136,7 +136,7 @@ void TestHidHotplug::failedReadIsALossThoughTheDeviceStays()
     QTRY_VERIFY_WITH_TIMEOUT(lastScanFound({device->path()}), kPatienceMs);
 }
 
-void TestHidHotplug::deviceComesBackUnderAnotherNode()
+void HidHotplugTest::deviceComesBackUnderAnotherNode()
 {
     answerAsAPanel();
     auto device = bus().plug();
@@ -154,7 +154,7 @@ void TestHidHotplug::deviceComesBackUnderAnotherNode()
     }
 }
 
-void TestHidHotplug::oneOfTwoDevicesIsOpen()
+void HidHotplugTest::oneOfTwoDevicesIsOpen()
 {
     answerAsAPanel();
     auto first = bus().plug();
@@ -172,5 +172,5 @@ void TestHidHotplug::oneOfTwoDevicesIsOpen()
     QTRY_COMPARE_WITH_TIMEOUT(first->openHandles(), 0, kPatienceMs);
 }
 
-QUILLON_TEST_CORE(TestHidHotplug)
+QUILLON_TEST_CORE(HidHotplugTest)
 #include "tst_hid_hotplug.moc"

@@ -32,7 +32,7 @@ private:
 
 } // namespace
 
-class TestHidNodes : public MockBusTest {
+class HidNodesTest : public MockBusTest {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -46,7 +46,7 @@ private Q_SLOTS:
     void unsettledNodeIsOpenedOnceUdevdIsDone();
 };
 
-void TestHidNodes::identityIsListedAndOpens_data()
+void HidNodesTest::identityIsListedAndOpens_data()
 {
     QTest::addColumn<int>("productId");
     QTest::newRow("R1, PC") << 0x0001;
@@ -58,7 +58,7 @@ void TestHidNodes::identityIsListedAndOpens_data()
     QTest::newRow("R2, OTG boot loader") << 0x0065;
 }
 
-void TestHidNodes::identityIsListedAndOpens()
+void HidNodesTest::identityIsListedAndOpens()
 {
     QFETCH(int, productId);
 
@@ -70,7 +70,7 @@ void TestHidNodes::identityIsListedAndOpens()
     QVERIFY(isServed(*device));
 }
 
-void TestHidNodes::foreignDeviceIsIgnored_data()
+void HidNodesTest::foreignDeviceIsIgnored_data()
 {
     QTest::addColumn<int>("vendorId");
     QTest::newRow("another vendor") << 0x046D;
@@ -79,7 +79,7 @@ void TestHidNodes::foreignDeviceIsIgnored_data()
     QTest::newRow("no vendor") << 0;
 }
 
-void TestHidNodes::foreignDeviceIsIgnored()
+void HidNodesTest::foreignDeviceIsIgnored()
 {
     QFETCH(int, vendorId);
 
@@ -91,7 +91,7 @@ void TestHidNodes::foreignDeviceIsIgnored()
     QCOMPARE(foreign->openHandles(), 0);
 }
 
-void TestHidNodes::nodeWithoutTheReportIdIsListedAndNotOpened()
+void HidNodesTest::nodeWithoutTheReportIdIsListedAndNotOpened()
 {
     const auto consumerControl = bus().plug({0x352F, 0x000E, 0x01});
     QTRY_VERIFY_WITH_TIMEOUT(lastScanFound({consumerControl->path()}), kPatienceMs);
@@ -110,7 +110,7 @@ void TestHidNodes::nodeWithoutTheReportIdIsListedAndNotOpened()
 
 using Change = void (MockDevice::*)(bool);
 
-void TestHidNodes::refusedNodeIsOpenedByALaterScan_data()
+void HidNodesTest::refusedNodeIsOpenedByALaterScan_data()
 {
     QTest::addColumn<Change>("change");
     QTest::addColumn<bool>("listed");
@@ -120,7 +120,7 @@ void TestHidNodes::refusedNodeIsOpenedByALaterScan_data()
 }
 
 /// No event tells of the change: the periodic scan has to find it.
-void TestHidNodes::refusedNodeIsOpenedByALaterScan()
+void HidNodesTest::refusedNodeIsOpenedByALaterScan()
 {
     QFETCH(Change, change);
     QFETCH(bool, listed);
@@ -141,7 +141,7 @@ void TestHidNodes::refusedNodeIsOpenedByALaterScan()
     QTRY_COMPARE_WITH_TIMEOUT(recorder().statuses(), QList<int>{0}, kPatienceMs);
 }
 
-void TestHidNodes::unsettledNodeIsOpenedOnceUdevdIsDone()
+void HidNodesTest::unsettledNodeIsOpenedOnceUdevdIsDone()
 {
     const bool udevdRuns = MockUdevd::running();
     MockUdevd::setNodesSettled(false);
@@ -155,5 +155,5 @@ void TestHidNodes::unsettledNodeIsOpenedOnceUdevdIsDone()
     QVERIFY(isServed(*device));
 }
 
-QUILLON_TEST_CORE(TestHidNodes)
+QUILLON_TEST_CORE(HidNodesTest)
 #include "tst_hid_nodes.moc"

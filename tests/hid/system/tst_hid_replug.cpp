@@ -50,7 +50,7 @@ bool waitUntil(const std::function<bool()> &happened)
 
 } // namespace
 
-class TestHidReplug : public MockBusTest {
+class HidReplugTest : public MockBusTest {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -61,7 +61,7 @@ private:
 };
 
 /// One device from plug to unplug; whether it was found, and served until its moment had come.
-bool TestHidReplug::pullsTheCable(Moment moment, std::mt19937 &random)
+bool HidReplugTest::pullsTheCable(Moment moment, std::mt19937 &random)
 {
     const Traffic traffic = kTraffic[moment];
     // The bus may call the responder once more after it was taken back.
@@ -86,7 +86,7 @@ bool TestHidReplug::pullsTheCable(Moment moment, std::mt19937 &random)
         && waitUntil([&] { return device->openHandles() == 0; });
 }
 
-void TestHidReplug::cableIsPulledAtRandomMoments()
+void HidReplugTest::cableIsPulledAtRandomMoments()
 {
     constexpr int kCycles = 100;
     manager().release();
@@ -118,5 +118,5 @@ void TestHidReplug::cableIsPulledAtRandomMoments()
     manager().acquire();
 }
 
-QUILLON_TEST_CORE(TestHidReplug)
+QUILLON_TEST_CORE(HidReplugTest)
 #include "tst_hid_replug.moc"
