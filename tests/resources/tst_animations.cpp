@@ -141,7 +141,7 @@ int distanceToMixture(const QImage &image, int x, int y)
 } // namespace
 
 /// The connection pictures, frame by frame.
-class TestAnimations : public QObject {
+class AnimationsTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -166,14 +166,14 @@ private Q_SLOTS:
     void tellsTheDevicesApart();
 };
 
-void TestAnimations::isSmallAndStoredPlain_data()
+void AnimationsTest::isSmallAndStoredPlain_data()
 {
     QTest::addColumn<QString>("name");
     for (const char *name : {"pc.gif", "dc5v_pc.gif", "pc_otg.gif", "dc5v_otg.gif"})
         QTest::newRow(name) << QString::fromLatin1(name);
 }
 
-void TestAnimations::isSmallAndStoredPlain()
+void AnimationsTest::isSmallAndStoredPlain()
 {
     QFETCH(QString, name);
     const QResource resource(pathOf(name));
@@ -182,7 +182,7 @@ void TestAnimations::isSmallAndStoredPlain()
     QVERIFY2(resource.size() < kMostBytes, qPrintable(QString::number(resource.size())));
 }
 
-void TestAnimations::runsSmoothlyAndForever()
+void AnimationsTest::runsSmoothlyAndForever()
 {
     QFETCH(QString, name);
     const Movie movie = read(name);
@@ -200,7 +200,7 @@ void TestAnimations::runsSmoothlyAndForever()
     QVERIFY2(total >= 2s && total <= 4s, qPrintable(QString::number(total.count())));
 }
 
-void TestAnimations::neverStandsStill()
+void AnimationsTest::neverStandsStill()
 {
     QFETCH(QString, name);
     QList<QImage> frames = read(name).frames;
@@ -215,7 +215,7 @@ void TestAnimations::neverStandsStill()
     }
 }
 
-void TestAnimations::closesItsLoop()
+void AnimationsTest::closesItsLoop()
 {
     QFETCH(QString, name);
     const QList<QImage> frames = read(name).frames;
@@ -232,7 +232,7 @@ void TestAnimations::closesItsLoop()
     QVERIFY2(farthest > 4 * seam, "there is no story between the first frame and the last");
 }
 
-void TestAnimations::standsOnThePanel()
+void AnimationsTest::standsOnThePanel()
 {
     QFETCH(QString, name);
     const QList<QImage> frames = read(name).frames;
@@ -252,7 +252,7 @@ void TestAnimations::standsOnThePanel()
 }
 
 /// What was drawn on another ground would carry a rim of it.
-void TestAnimations::hasNoFringe()
+void AnimationsTest::hasNoFringe()
 {
     QFETCH(QString, name);
     const QList<QImage> frames = read(name).frames;
@@ -272,7 +272,7 @@ void TestAnimations::hasNoFringe()
     }
 }
 
-void TestAnimations::hasNoNoise()
+void AnimationsTest::hasNoNoise()
 {
     QFETCH(QString, name);
     const QList<QImage> frames = read(name).frames;
@@ -284,7 +284,7 @@ void TestAnimations::hasNoNoise()
     }
 }
 
-void TestAnimations::lightsUpWhenConnected_data()
+void AnimationsTest::lightsUpWhenConnected_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<bool>("power");
@@ -294,7 +294,7 @@ void TestAnimations::lightsUpWhenConnected_data()
     QTest::newRow("dc5v_otg.gif") << u"dc5v_otg.gif"_s << true;
 }
 
-void TestAnimations::lightsUpWhenConnected()
+void AnimationsTest::lightsUpWhenConnected()
 {
     QFETCH(QString, name);
     QFETCH(bool, power);
@@ -308,7 +308,7 @@ void TestAnimations::lightsUpWhenConnected()
     QVERIFY(!power || pixelsOf(after, kAmber) > pixelsOf(before, kAmber));
 }
 
-void TestAnimations::showsTheSameDeviceInBothPhases_data()
+void AnimationsTest::showsTheSameDeviceInBothPhases_data()
 {
     QTest::addColumn<QString>("first");
     QTest::addColumn<QString>("second");
@@ -318,7 +318,7 @@ void TestAnimations::showsTheSameDeviceInBothPhases_data()
     QTest::newRow("R2") << u"dc5v_pc.gif"_s << u"dc5v_otg.gif"_s << QRect(0, 0, 210, 384);
 }
 
-void TestAnimations::showsTheSameDeviceInBothPhases()
+void AnimationsTest::showsTheSameDeviceInBothPhases()
 {
     QFETCH(QString, first);
     QFETCH(QString, second);
@@ -332,7 +332,7 @@ void TestAnimations::showsTheSameDeviceInBothPhases()
              qPrintable(QString::number(different)));
 }
 
-void TestAnimations::tellsTheDevicesApart()
+void AnimationsTest::tellsTheDevicesApart()
 {
     const QRect device(0, 0, 720, 384);
     const int different
@@ -340,5 +340,5 @@ void TestAnimations::tellsTheDevicesApart()
     QVERIFY2(different > device.width() * device.height() / 10, qPrintable(QString::number(different)));
 }
 
-QUILLON_TEST(TestAnimations)
+QUILLON_TEST(AnimationsTest)
 #include "tst_animations.moc"

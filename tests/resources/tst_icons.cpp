@@ -80,7 +80,7 @@ int pixelsBetween(const QImage &image, int y, int low, int high)
 } // namespace
 
 /// The still pictures, read as the panel reads them.
-class TestIcons : public QObject {
+class IconsTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -102,7 +102,7 @@ private Q_SLOTS:
     void storeTheBarSmall();
 };
 
-void TestIcons::keepClearOfTheirBorder_data()
+void IconsTest::keepClearOfTheirBorder_data()
 {
     QTest::addColumn<QString>("name");
     for (const char *name : {"rocket.png", "green_circle.png", "waitting.png", "check_mark.png", "book.png",
@@ -110,7 +110,7 @@ void TestIcons::keepClearOfTheirBorder_data()
         QTest::newRow(name) << QString::fromLatin1(name);
 }
 
-void TestIcons::keepClearOfTheirBorder()
+void IconsTest::keepClearOfTheirBorder()
 {
     QFETCH(QString, name);
     const QImage image(pathOf(name));
@@ -124,7 +124,7 @@ void TestIcons::keepClearOfTheirBorder()
     }
 }
 
-void TestIcons::haveTransparentGround()
+void IconsTest::haveTransparentGround()
 {
     QFETCH(QString, name);
     const QImage image(pathOf(name));
@@ -134,7 +134,7 @@ void TestIcons::haveTransparentGround()
 
 /// The colours of soft edges are those of the strokes: what was drawn on another ground would carry a rim of
 /// it.
-void TestIcons::haveNoFringe()
+void IconsTest::haveNoFringe()
 {
     QFETCH(QString, name);
     const QImage image = QImage(pathOf(name)).convertToFormat(QImage::Format_ARGB32);
@@ -151,7 +151,7 @@ void TestIcons::haveNoFringe()
     QVERIFY(soft > 0);
 }
 
-void TestIcons::haveOneOpticalWeight_data()
+void IconsTest::haveOneOpticalWeight_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("size");
@@ -162,7 +162,7 @@ void TestIcons::haveOneOpticalWeight_data()
     QTest::newRow("exclamation_mark.png") << u"exclamation_mark.png"_s << 24;
 }
 
-void TestIcons::haveOneOpticalWeight()
+void IconsTest::haveOneOpticalWeight()
 {
     QFETCH(QString, name);
     QFETCH(int, size);
@@ -170,7 +170,7 @@ void TestIcons::haveOneOpticalWeight()
     QVERIFY2(pixels > 60 && pixels < 190, qPrintable(QString::number(pixels)));
 }
 
-void TestIcons::fallOnWholePixels()
+void IconsTest::fallOnWholePixels()
 {
     const QImage book = shown(u"book.png"_s, 20);
     // Halfway down there are three upright strokes of two pixels each: none of them may smear over three.
@@ -180,7 +180,7 @@ void TestIcons::fallOnWholePixels()
     QVERIFY2(middle == 0, "the exclamation mark is blurred");
 }
 
-void TestIcons::answerThePointer()
+void IconsTest::answerThePointer()
 {
     const QImage idle = shown(u"close.png"_s, 24);
     const QImage hovered = shown(u"close_h.png"_s, 24);
@@ -192,7 +192,7 @@ void TestIcons::answerThePointer()
     QVERIFY2(changed > 24 * 24 / 2, qPrintable(QString::number(changed)));
 }
 
-void TestIcons::keepTheCrossInPlaceUnderThePointer()
+void IconsTest::keepTheCrossInPlaceUnderThePointer()
 {
     const QImage idle(pathOf(u"close.png"_s));
     const QImage hovered(pathOf(u"close_h.png"_s));
@@ -204,7 +204,7 @@ void TestIcons::keepTheCrossInPlaceUnderThePointer()
     }
 }
 
-void TestIcons::fadeAroundTheWheel()
+void IconsTest::fadeAroundTheWheel()
 {
     const QImage wheel(pathOf(u"waitting.png"_s));
     // Against the clock from the top: where a spoke is in the middle of its length.
@@ -217,7 +217,7 @@ void TestIcons::fadeAroundTheWheel()
     }
 }
 
-void TestIcons::fitTheCardsCorners()
+void IconsTest::fitTheCardsCorners()
 {
     const QImage bar(pathOf(u"blue_rect.png"_s));
     const QRgb blue = qRgb(87, 110, 246);
@@ -230,7 +230,7 @@ void TestIcons::fitTheCardsCorners()
     }
 }
 
-void TestIcons::areStoredPlain()
+void IconsTest::areStoredPlain()
 {
     QFETCH(QString, name);
     const QResource resource(pathOf(name));
@@ -238,12 +238,12 @@ void TestIcons::areStoredPlain()
     QCOMPARE(resource.compressionAlgorithm(), QResource::NoCompression);
 }
 
-void TestIcons::storeTheBarSmall()
+void IconsTest::storeTheBarSmall()
 {
     const QResource bar(pathOf(u"blue_rect.png"_s));
     QCOMPARE(bar.compressionAlgorithm(), QResource::ZlibCompression);
     QVERIFY2(bar.size() * 10 < bar.uncompressedSize(), qPrintable(QString::number(bar.size())));
 }
 
-QUILLON_TEST(TestIcons)
+QUILLON_TEST(IconsTest)
 #include "tst_icons.moc"

@@ -155,7 +155,7 @@ template <typename Change> QList<Frame> eachChanged(QList<Frame> frames, const C
 
 /// What ships is what the sources in resources/art give: to the byte with the tools it was drawn with, to the
 /// eye with others.
-class TestRendering : public QObject {
+class RenderingTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -171,7 +171,7 @@ private:
     QString m_script = kResources + u"/art/render"_s;
 };
 
-void TestRendering::initTestCase()
+void RenderingTest::initTestCase()
 {
     QStringList programs{u"python3"_s};
     for (const Tool &tool : kTools)
@@ -182,7 +182,7 @@ void TestRendering::initTestCase()
     }
 }
 
-void TestRendering::givesEveryShippedPicture()
+void RenderingTest::givesEveryShippedPicture()
 {
     const QTemporaryDir folder;
     QVERIFY(folder.isValid());
@@ -206,7 +206,7 @@ void TestRendering::givesEveryShippedPicture()
 }
 
 /// The tolerance for other versions must not let through what a person would notice.
-void TestRendering::aChangedMovieIsSeen_data()
+void RenderingTest::aChangedMovieIsSeen_data()
 {
     QTest::addColumn<std::function<QList<Frame>(QList<Frame>)>>("change");
     QTest::addColumn<bool>("seen");
@@ -238,7 +238,7 @@ void TestRendering::aChangedMovieIsSeen_data()
     QTest::newRow("the ground a shade lighter") << recolour(kGround, qRgb(32, 33, 41)) << true;
 }
 
-void TestRendering::aChangedMovieIsSeen()
+void RenderingTest::aChangedMovieIsSeen()
 {
     QFETCH(std::function<QList<Frame>(QList<Frame>)>, change);
     QFETCH(bool, seen);
@@ -250,7 +250,7 @@ void TestRendering::aChangedMovieIsSeen()
 }
 
 /// Likewise for stills, by way of their sources.
-void TestRendering::aChangedSourceIsSeen_data()
+void RenderingTest::aChangedSourceIsSeen_data()
 {
     QTest::addColumn<QByteArray>("before");
     QTest::addColumn<QByteArray>("after");
@@ -262,7 +262,7 @@ void TestRendering::aChangedSourceIsSeen_data()
     QTest::newRow("another colour") << QByteArray("#fff") << QByteArray("#fcf") << true;
 }
 
-void TestRendering::aChangedSourceIsSeen()
+void RenderingTest::aChangedSourceIsSeen()
 {
     QFETCH(QByteArray, before);
     QFETCH(QByteArray, after);
@@ -280,7 +280,7 @@ void TestRendering::aChangedSourceIsSeen()
     QCOMPARE(areNear(framesOf(rasterise.readAllStandardOutput()), shippedFrames(u"close.png"_s)), !seen);
 }
 
-void TestRendering::refusesAnUnknownPicture()
+void RenderingTest::refusesAnUnknownPicture()
 {
     const QTemporaryDir folder;
     QProcess render;
@@ -291,5 +291,5 @@ void TestRendering::refusesAnUnknownPicture()
     QVERIFY(QDir(folder.path()).isEmpty());
 }
 
-QUILLON_TEST_CORE(TestRendering)
+QUILLON_TEST_CORE(RenderingTest)
 #include "tst_rendering.moc"
