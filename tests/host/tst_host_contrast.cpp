@@ -24,6 +24,10 @@
 #include <QTest>
 #include <QTextBlock>
 
+#include <array>
+#include <memory>
+#include <utility>
+
 using namespace Qt::StringLiterals;
 using namespace host;
 
@@ -126,6 +130,13 @@ double contrastIn(const QImage &picture, const Words &words, const QFont &font)
     const double scale = picture.devicePixelRatio();
     return Contrast::ofText(picture, scaled(inkOf(words, font), scale), scaled(words.place, scale));
 }
+
+/// What a tester does with a widget.
+enum class Handling { None, PointedAt, Pressed, Checked, Focused, Selected };
+constexpr std::array kHandlings{
+    std::pair{"at rest", Handling::None},    std::pair{"pointed at", Handling::PointedAt},
+    std::pair{"pressed", Handling::Pressed}, std::pair{"checked", Handling::Checked},
+    std::pair{"focused", Handling::Focused}, std::pair{"selected", Handling::Selected}};
 } // namespace
 
 /// The window around the panel can be read, whatever a tester does with it.
@@ -144,7 +155,7 @@ private Q_SLOTS:
     void thePlaceOfADeletedPanelSaysSo();
 
 private:
-    void settle(QWidget &widget, const QString &state) const;
+    void handle(QWidget &widget, Handling handling) const;
 
     Sandbox m_sandbox;
     std::unique_ptr<rig::Rig> m_rig;
@@ -179,40 +190,40 @@ void HostContrastTest::cleanup()
     m_log.reset();
 }
 
-/// Makes \a widget look as it does in \a state.
-void HostContrastTest::settle(QWidget &widget, const QString &state) const
+/// Makes \a widget look as it does while it is handled so.
+void HostContrastTest::handle(QWidget &widget, Handling handling) const
 {
     auto *button = qobject_cast<QAbstractButton *>(&widget);
-    if (state == u"pointed at")
+    if (handling == Handling::PointedAt)
         QTest::mouseMove(m_window->windowHandle(), widget.mapTo(m_window.get(), widget.rect().center()));
-    else if (state == u"pressed" && button)
+    else if (handling == Handling::Pressed && button)
         button->setDown(true);
-    else if (state == u"checked" && button && button->isCheckable())
+    else if (handling == Handling::Checked && button && button->isCheckable())
         button->setChecked(true);
-    else if (state == u"focused")
+    else if (handling == Handling::Focused)
         widget.setFocus(Qt::TabFocusReason);
-    else if (auto *line = qobject_cast<QLineEdit *>(&widget); line && state == u"selected")
+    else if (auto *line = qobject_cast<QLineEdit *>(&widget); line && handling == Handling::Selected)
         line->selectAll();
-    else if (auto *log = qobject_cast<QPlainTextEdit *>(&widget); log && state == u"selected")
+    else if (auto *log = qobject_cast<QPlainTextEdit *>(&widget); log && handling == Handling::Selected)
         log->selectAll();
 }
 
 void HostContrastTest::everythingCanBeRead_data()
 {
-    QTest::addColumn<QString>("state");
-    for (const char *state : {"at rest", "pointed at", "pressed", "checked", "focused", "selected"})
-        QTest::newRow(state) << QString::fromLatin1(state);
+    QTest::addColumn<Handling>("handling");
+    for (const auto &[name, handling] : kHandlings)
+        QTest::newRow(name) << handling;
 }
 
 void HostContrastTest::everythingCanBeRead()
 {
-    QFETCH(QString, state);
+    QFETCH(Handling, handling);
     int measured = 0;
     for (QWidget *widget : m_window->findChildren<QWidget *>()) {
         const Words words = wordsOf(*widget);
         if (words.text.isEmpty() || !widget->isVisible())
             continue;
-        settle(*widget, state);
+        handle(*widget, handling);
         const double contrast = contrastIn(
             m_window->grab(QRect(widget->mapTo(m_window.get(), QPoint()), widget->size())).toImage(), words,
             widget->font());

@@ -1,10 +1,10 @@
 #include "tests/host/HostRun.h"
+#include "tests/host/ScenarioFile.h"
 #include "tests/support/TestProgram.h"
 
 #include "rig/Fault.h"
 
 #include <QFile>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -85,14 +85,10 @@ void HostOptionsTest::helpNamesEveryOptionAndFault()
 
 void HostOptionsTest::aFolderThatCannotBeMadeIsRefused()
 {
-    QTemporaryDir folder;
-    QFile scenario(folder.filePath(u"x.scn"_s));
-    QVERIFY(scenario.open(QIODevice::WriteOnly));
-    scenario.write("expect screen searching\n");
-    scenario.close();
-    const QString blocked = scenario.fileName() + u"/pictures"_s;
+    const ScenarioFile scenario("expect screen searching\n");
+    const QString blocked = scenario.path + u"/pictures"_s;
     const HostRun run = HostRun::with(
-        {u"--simulate"_s, u"--headless"_s, u"--scenario"_s, scenario.fileName(), u"--record"_s, blocked});
+        {u"--simulate"_s, u"--headless"_s, u"--scenario"_s, scenario.path, u"--record"_s, blocked});
     QCOMPARE(run.status, 2);
     QVERIFY2(run.errors.contains(u"cannot write to the folder " + blocked), qPrintable(run.errors));
 }
@@ -114,13 +110,9 @@ void HostOptionsTest::withoutControllersTheDeviceIsNotPutOnUsb()
 {
     if (QFile::exists(u"/sys/class/udc/dummy_udc.0"_s))
         QSKIP("this machine has USB device controllers");
-    QTemporaryDir folder;
-    QFile scenario(folder.filePath(u"x.scn"_s));
-    QVERIFY(scenario.open(QIODevice::WriteOnly));
-    scenario.write("expect screen searching\n");
-    scenario.close();
+    const ScenarioFile scenario("expect screen searching\n");
     const HostRun run
-        = HostRun::with({u"--simulate"_s, u"--usb"_s, u"--headless"_s, u"--scenario"_s, scenario.fileName()});
+        = HostRun::with({u"--simulate"_s, u"--usb"_s, u"--headless"_s, u"--scenario"_s, scenario.path});
     QCOMPARE(run.status, 2);
     QVERIFY2(run.errors.contains(u"USB device"), qPrintable(run.errors));
 }

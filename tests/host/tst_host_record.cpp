@@ -1,4 +1,5 @@
 #include "tests/host/HostRun.h"
+#include "tests/host/ScenarioFile.h"
 #include "tests/support/TestProgram.h"
 
 #include <QDir>
@@ -32,15 +33,12 @@ private:
 
 void HostRecordTest::initTestCase()
 {
-    QFile scenario(m_folder.filePath(u"x.scn"_s));
-    QVERIFY(scenario.open(QIODevice::WriteOnly));
-    scenario.write(
+    const ScenarioFile scenario(
         "device R2 pc 1.1.1 otg 1.1.1\nserver pc 1.2.0 otg 1.2.0\npause 300ms\nplug pc\n"
         "wait screen upgrade-available\nhold screen upgrade-available 1s\nlanguage en\npause 300ms\n"
         "picture in-english\nsay \"here we go\"\nclick upgrade\nwait screen waiting-pc\npause 300ms\n");
-    scenario.close();
-    m_run = HostRun::with({u"--simulate"_s, u"--headless"_s, u"--scenario"_s, scenario.fileName(),
-                           u"--record"_s, m_folder.filePath(u"deep/down"_s)});
+    m_run = HostRun::with({u"--simulate"_s, u"--headless"_s, u"--scenario"_s, scenario.path, u"--record"_s,
+                           m_folder.filePath(u"deep/down"_s)});
     QVERIFY2(m_run.status == 0, qPrintable(m_run.errors));
 
     QFile log(m_folder.filePath(u"deep/down/log.txt"_s));

@@ -1,4 +1,5 @@
 #include "tests/host/HostRun.h"
+#include "tests/support/Files.h"
 #include "tests/support/TestProgram.h"
 
 #include <QFile>
@@ -27,10 +28,9 @@ private:
 
 QString HostScenariosTest::write(const QByteArray &text)
 {
-    QFile file(m_folder.filePath(u"x.scn"_s));
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
-        qFatal("cannot write %s", qPrintable(file.fileName()));
-    return file.fileName();
+    const QString path = m_folder.filePath(u"x.scn"_s);
+    writeFile(path, text);
+    return path;
 }
 
 HostRun HostScenariosTest::play(const QByteArray &text, const QStringList &options)
