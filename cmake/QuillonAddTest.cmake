@@ -3,8 +3,7 @@
 #
 # quillon_test_program(PROGRAM      an executable of several test classes, linked with Qt Test and the support library
 #     LIBRARIES target...           what they need besides
-#     LABELS label...               for "ctest -L"
-#     WHITE_BOX)                    they may look at private members
+#     LABELS label...)              for "ctest -L"
 #
 # quillon_add_test(NAME             the test NAME: the class in tst_NAME.cpp, as a part of
 #     PROGRAM program
@@ -14,8 +13,7 @@
 #     TIMEOUT seconds               in real time, default 60
 #     ENVIRONMENT NAME=value...
 #     OWN_FOLDER                    the test lays a flashing tool beside its executable, so it has one of its own
-#     MOCK_BUS                      sees the devices of tests/support/MockBus.h instead of this machine's
-#     WHITE_BOX)                    may look at private members
+#     MOCK_BUS)                     sees the devices of tests/support/MockBus.h instead of this machine's
 find_program(QUILLON_FAKETIME faketime)
 # No test looks for data beside its source. A folder of its own in every program's flags would keep the programs from
 # sharing precompiled headers.
@@ -103,16 +101,13 @@ function(quillon_lighten_test target)
 endfunction()
 
 function(quillon_test_program program)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "WHITE_BOX" "" "LIBRARIES;LABELS")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBRARIES;LABELS")
     add_executable(${program} "${PROJECT_SOURCE_DIR}/tests/support/TestProgram.cpp")
     quillon_hygiene(${program})
     quillon_lighten_test(${program})
     target_link_libraries(${program} PRIVATE
         ${arg_LIBRARIES} quillon_test_support Qt6::Widgets Qt6::Network Qt6::Test)
     quillon_precompile(tests ${program})
-    if(arg_WHITE_BOX)
-        target_compile_options(${program} PRIVATE -fno-access-control)
-    endif()
     set_target_properties(${program} PROPERTIES QUILLON_TEST_LABELS "${arg_LABELS}")
 endfunction()
 
@@ -127,7 +122,7 @@ function(quillon_give_folder program folder)
 endfunction()
 
 function(quillon_add_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "MOCK_BUS;OWN_FOLDER;WHITE_BOX" "PROGRAM;SPEED;TIMEOUT"
+    cmake_parse_arguments(PARSE_ARGV 1 arg "MOCK_BUS;OWN_FOLDER" "PROGRAM;SPEED;TIMEOUT"
         "SOURCES;DEFINITIONS;ENVIRONMENT")
     if(NOT arg_SOURCES)
         set(arg_SOURCES tst_${name}.cpp)
@@ -137,9 +132,6 @@ function(quillon_add_test name)
     endif()
     target_sources(${arg_PROGRAM} PRIVATE ${arg_SOURCES})
     set_property(SOURCE ${arg_SOURCES} APPEND PROPERTY COMPILE_DEFINITIONS ${arg_DEFINITIONS})
-    if(arg_WHITE_BOX)
-        set_property(SOURCE ${arg_SOURCES} APPEND PROPERTY COMPILE_OPTIONS -fno-access-control)
-    endif()
     set(program "$<TARGET_FILE:${arg_PROGRAM}>")
     if(arg_OWN_FOLDER)
         quillon_give_folder(${arg_PROGRAM} "${CMAKE_CURRENT_BINARY_DIR}/${name}")

@@ -1,5 +1,5 @@
 // The panel on devices that traces play: what a customer sends with a bug report becomes a row here.
-#include "panel/FirmwareUpgradeWidget.h"
+#include "tests/panel/OpenPanel.h"
 #include "tests/probe/TraceBus.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Sandbox.h"
@@ -12,8 +12,6 @@
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
-using QuillonFirmwareUpgrade::DeviceModel;
-using QuillonFirmwareUpgrade::FirmwareUpgradeWidget;
 using namespace std::chrono_literals;
 
 class PanelOnTracesTest : public QObject {
@@ -42,11 +40,11 @@ void PanelOnTracesTest::initTestCase()
 void PanelOnTracesTest::versionsAreRead_data()
 {
     QTest::addColumn<QString>("trace");
-    QTest::addColumn<int>("model");
+    QTest::addColumn<DeviceModel>("model");
     QTest::addColumn<QString>("pcVersion");
     QTest::addColumn<QString>("otgVersion");
     const auto row = [](const char *name, const QString &trace, DeviceModel model, const QString &pc,
-                        const QString &otg) { QTest::newRow(name) << trace << int(model) << pc << otg; };
+                        const QString &otg) { QTest::newRow(name) << trace << model << pc << otg; };
     row("an R2", u"r2"_s, DeviceModel::R2, u"1.1.1"_s, u"1.4.2"_s);
     row("an R1", u"r1"_s, DeviceModel::R1, u"1.2.0"_s, u"0.9.9"_s);
     row("a checksum is not looked at", u"wrong-checksum"_s, DeviceModel::R2, u"1.2.3"_s, u"1.2.4"_s);
@@ -56,17 +54,17 @@ void PanelOnTracesTest::versionsAreRead_data()
 void PanelOnTracesTest::versionsAreRead()
 {
     QFETCH(QString, trace);
-    QFETCH(int, model);
+    QFETCH(DeviceModel, model);
     QFETCH(QString, otgVersion);
     const Sandbox sandbox;
     const ScriptedHttpServer server;
     TraceBus::play(traceFile(trace));
-    FirmwareUpgradeWidget panel;
-    panel.m_deviceModel = static_cast<DeviceModel>(model);
+    OpenPanel panel;
+    panel.pretendModel(model);
 
     // The OTG chip's answer is the last one of each trace.
-    QTRY_COMPARE(panel.m_deviceOtgVersion, otgVersion);
-    QTEST(panel.m_devicePcVersion, "pcVersion");
+    QTRY_COMPARE(panel.deviceVersion(Chip::Otg), otgVersion);
+    QTEST(panel.deviceVersion(Chip::Pc), "pcVersion");
 }
 
 void PanelOnTracesTest::aDevicePulledInTheMiddleLeavesNoVersion()
@@ -75,12 +73,12 @@ void PanelOnTracesTest::aDevicePulledInTheMiddleLeavesNoVersion()
     const ScriptedHttpServer server;
     LogCapture log;
     TraceBus::play(traceFile(u"pulled"_s));
-    FirmwareUpgradeWidget panel;
+    OpenPanel panel;
 
     QTRY_COMPARE(log.count(u"\n[状态] 设备已断开！定时器应该切换到1秒快速扫描"_s), 1);
     QCOMPARE(log.count(u" receive dfu mode is: off"_s), 1);
-    QCOMPARE(panel.m_devicePcVersion, QString());
-    QCOMPARE(panel.m_deviceOtgVersion, QString());
+    QCOMPARE(panel.deviceVersion(Chip::Pc), QString());
+    QCOMPARE(panel.deviceVersion(Chip::Otg), QString());
 }
 
 void PanelOnTracesTest::upgradeModeIsToldAndNoVersionRead()
@@ -88,7 +86,7 @@ void PanelOnTracesTest::upgradeModeIsToldAndNoVersionRead()
     const Sandbox sandbox;
     const ScriptedHttpServer server;
     TraceBus::play(traceFile(u"upgrade-mode"_s));
-    FirmwareUpgradeWidget panel;
+    OpenPanel panel;
     // The box keeps whoever delivered the report, this test included, until it is answered.
     int boxes = 0;
     QTimer user;
@@ -101,7 +99,7 @@ void PanelOnTracesTest::upgradeModeIsToldAndNoVersionRead()
     user.start(20ms);
 
     QTRY_COMPARE(boxes, 1);
-    QCOMPARE(panel.m_devicePcVersion, QString());
+    QCOMPARE(panel.deviceVersion(Chip::Pc), QString());
 }
 
 QUILLON_TEST(PanelOnTracesTest)
