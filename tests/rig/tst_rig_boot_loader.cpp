@@ -23,7 +23,7 @@ const QByteArray no(1, '\0');
 } // namespace
 
 // What a flashing tool and a chip say to each other.
-class BootLoaderTest : public QObject {
+class RigBootLoaderTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -55,7 +55,7 @@ private:
     std::unique_ptr<BootLoaderResponder> m_responder;
 };
 
-void BootLoaderTest::init()
+void RigBootLoaderTest::init()
 {
     m_device = std::make_unique<SimulatedDevice>(m_thread, m_faults, m_journal);
     m_chip = std::make_unique<BootLoader>(*m_device, m_faults, Chip::Pc);
@@ -65,7 +65,7 @@ void BootLoaderTest::init()
 }
 
 // The payload of the answer; empty when there is none.
-QByteArray BootLoaderTest::ask(BootLoaderCommand command, const QByteArray &payload)
+QByteArray RigBootLoaderTest::ask(BootLoaderCommand command, const QByteArray &payload)
 {
     const QByteArray report = m_responder->answer(encode({command, payload})).report;
     if (report.isEmpty())
@@ -75,7 +75,7 @@ QByteArray BootLoaderTest::ask(BootLoaderCommand command, const QByteArray &payl
     return fits ? answer->payload : QByteArray("not an answer to this");
 }
 
-QByteArray BootLoaderTest::sendBlock(int offset, const QByteArray &block)
+QByteArray RigBootLoaderTest::sendBlock(int offset, const QByteArray &block)
 {
     QByteArray last = ask(BootLoaderCommand::Block, size(offset) + size(int(block.size())));
     for (qsizetype at = 0; last.isEmpty() && at < block.size(); at += kMaxBootLoaderPayload)
@@ -83,13 +83,13 @@ QByteArray BootLoaderTest::sendBlock(int offset, const QByteArray &block)
     return last;
 }
 
-void BootLoaderTest::waitInBootLoader()
+void RigBootLoaderTest::waitInBootLoader()
 {
     QCOMPARE(ask(BootLoaderCommand::Enter, no), yes);
     QTRY_COMPARE_WITH_TIMEOUT(ask(BootLoaderCommand::Ready), yes, kPatience);
 }
 
-void BootLoaderTest::aReportIsReadAsItWasMeant_data()
+void RigBootLoaderTest::aReportIsReadAsItWasMeant_data()
 {
     QTest::addColumn<BootLoaderCommand>("command");
     QTest::addColumn<QByteArray>("payload");
@@ -100,7 +100,7 @@ void BootLoaderTest::aReportIsReadAsItWasMeant_data()
     QTest::newRow("zeros at the end") << BootLoaderCommand::Data << QByteArray("a\0\0", 3);
 }
 
-void BootLoaderTest::aReportIsReadAsItWasMeant()
+void RigBootLoaderTest::aReportIsReadAsItWasMeant()
 {
     QFETCH(BootLoaderCommand, command);
     QFETCH(QByteArray, payload);
@@ -113,7 +113,7 @@ void BootLoaderTest::aReportIsReadAsItWasMeant()
     QCOMPARE(read->payload, payload);
 }
 
-void BootLoaderTest::whatIsNoReportIsIgnored_data()
+void RigBootLoaderTest::whatIsNoReportIsIgnored_data()
 {
     QTest::addColumn<QByteArray>("report");
     const QByteArray sound = encode({BootLoaderCommand::Ready, {}});
@@ -129,14 +129,14 @@ void BootLoaderTest::whatIsNoReportIsIgnored_data()
     QTest::newRow("longer than a report") << with(2, kMaxBootLoaderPayload + 1);
 }
 
-void BootLoaderTest::whatIsNoReportIsIgnored()
+void RigBootLoaderTest::whatIsNoReportIsIgnored()
 {
     QFETCH(QByteArray, report);
     QVERIFY(!decodeBootLoaderReport(report));
     QVERIFY(m_responder->answer(report).report.isEmpty());
 }
 
-void BootLoaderTest::anImageTakenInReportsRuns()
+void RigBootLoaderTest::anImageTakenInReportsRuns()
 {
     const QByteArray image = buildImage({Model::R2, Chip::Pc, QVersionNumber(1, 9, 0)});
     waitInBootLoader();
@@ -148,7 +148,7 @@ void BootLoaderTest::anImageTakenInReportsRuns()
     QTRY_COMPARE_WITH_TIMEOUT(m_device->runningVersion(Chip::Pc), QVersionNumber(1, 9, 0), kPatience);
 }
 
-void BootLoaderTest::onlyTheReportThatCompletesABlockIsAnswered()
+void RigBootLoaderTest::onlyTheReportThatCompletesABlockIsAnswered()
 {
     waitInBootLoader();
     QCOMPARE(ask(BootLoaderCommand::Block, size(0) + size(3)), QByteArray());
@@ -157,7 +157,7 @@ void BootLoaderTest::onlyTheReportThatCompletesABlockIsAnswered()
     QVERIFY(m_device->flash(Chip::Pc).startsWith("abc"));
 }
 
-void BootLoaderTest::onlyErasingTakesItsTime()
+void RigBootLoaderTest::onlyErasingTakesItsTime()
 {
     waitInBootLoader();
     const auto time = [this](BootLoaderCommand command, const QByteArray &payload) {
@@ -168,7 +168,7 @@ void BootLoaderTest::onlyErasingTakesItsTime()
     QCOMPARE(time(BootLoaderCommand::Digest, {}), std::chrono::milliseconds(0));
 }
 
-void BootLoaderTest::whatMakesNoSenseIsRefused_data()
+void RigBootLoaderTest::whatMakesNoSenseIsRefused_data()
 {
     QTest::addColumn<QByteArray>("place");
     QTest::addColumn<QByteArray>("data");
@@ -179,7 +179,7 @@ void BootLoaderTest::whatMakesNoSenseIsRefused_data()
     QTest::newRow("before the flash") << size(-1) + size(3) << QByteArray("abc");
 }
 
-void BootLoaderTest::whatMakesNoSenseIsRefused()
+void RigBootLoaderTest::whatMakesNoSenseIsRefused()
 {
     QFETCH(QByteArray, place);
     QFETCH(QByteArray, data);
@@ -191,7 +191,7 @@ void BootLoaderTest::whatMakesNoSenseIsRefused()
     QCOMPARE(m_device->flash(Chip::Pc), before);
 }
 
-void BootLoaderTest::aRunningChipTakesNoImage_data()
+void RigBootLoaderTest::aRunningChipTakesNoImage_data()
 {
     QTest::addColumn<BootLoaderCommand>("command");
     QTest::addColumn<QByteArray>("payload");
@@ -202,7 +202,7 @@ void BootLoaderTest::aRunningChipTakesNoImage_data()
     QTest::newRow("restart") << BootLoaderCommand::Restart << QByteArray();
 }
 
-void BootLoaderTest::aRunningChipTakesNoImage()
+void RigBootLoaderTest::aRunningChipTakesNoImage()
 {
     QFETCH(BootLoaderCommand, command);
     QFETCH(QByteArray, payload);
@@ -212,7 +212,7 @@ void BootLoaderTest::aRunningChipTakesNoImage()
     QCOMPARE(m_device->state(Chip::Pc), ChipState::Running);
 }
 
-void BootLoaderTest::onlyImagesTakenToTheEndAreCounted()
+void RigBootLoaderTest::onlyImagesTakenToTheEndAreCounted()
 {
     QCOMPARE(m_chip->restarts(), 0);
     QVERIFY(!m_chip->restart());
@@ -222,5 +222,5 @@ void BootLoaderTest::onlyImagesTakenToTheEndAreCounted()
     QCOMPARE(m_chip->restarts(), 1);
 }
 
-QUILLON_TEST_CORE(BootLoaderTest)
+QUILLON_TEST_CORE(RigBootLoaderTest)
 #include "tst_rig_boot_loader.moc"

@@ -23,7 +23,7 @@ QByteArray modeQuery()
 
 } // namespace
 
-class BusTest : public QObject {
+class RigBusTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -58,13 +58,13 @@ private:
     std::unique_ptr<HidTransport> m_bus;
 };
 
-void BusTest::init()
+void RigBusTest::init()
 {
     m_device = std::make_unique<SimulatedDevice>(m_thread, m_faults, m_journal);
     m_bus = makeSimulatedBus(*m_device);
 }
 
-void BusTest::cleanup()
+void RigBusTest::cleanup()
 {
     m_bus.reset();
     m_device.reset();
@@ -72,7 +72,7 @@ void BusTest::cleanup()
 }
 
 // The path of the interface that appears.
-QString BusTest::plug(Chip port)
+QString RigBusTest::plug(Chip port)
 {
     QString path;
     const auto found = [&] {
@@ -84,7 +84,7 @@ QString BusTest::plug(Chip port)
     return QTest::qWaitFor(found, kPatience) ? path : QStringLiteral("not found in time");
 }
 
-void BusTest::theBusShowsWhatIsPlugged()
+void RigBusTest::theBusShowsWhatIsPlugged()
 {
     QVERIFY(m_bus->enumerate(kVendorId).isEmpty());
     plug(Chip::Otg);
@@ -99,13 +99,13 @@ void BusTest::theBusShowsWhatIsPlugged()
     QCOMPARE(m_bus->enumerate(kVendorId).size(), 1);
 }
 
-void BusTest::otherVendorsSeeNothing()
+void RigBusTest::otherVendorsSeeNothing()
 {
     plug(Chip::Pc);
     QVERIFY(m_bus->enumerate(0x1234).isEmpty());
 }
 
-void BusTest::openingWhatIsNotThereFails_data()
+void RigBusTest::openingWhatIsNotThereFails_data()
 {
     QTest::addColumn<bool>("refused");
     QTest::addColumn<bool>("pulled");
@@ -113,7 +113,7 @@ void BusTest::openingWhatIsNotThereFails_data()
     QTest::newRow("pulled meanwhile") << false << true;
 }
 
-void BusTest::openingWhatIsNotThereFails()
+void RigBusTest::openingWhatIsNotThereFails()
 {
     const QString path = plug(Chip::Pc);
     QVERIFY(m_bus->open(path));
@@ -127,7 +127,7 @@ void BusTest::openingWhatIsNotThereFails()
     QVERIFY(!m_bus->open(QStringLiteral("elsewhere#vid_352f&pid_000e")));
 }
 
-void BusTest::aReportIsAnswered()
+void RigBusTest::aReportIsAnswered()
 {
     const auto connection = m_bus->open(plug(Chip::Pc));
     QVERIFY(connection->write(modeQuery()));
@@ -137,7 +137,7 @@ void BusTest::aReportIsAnswered()
     QCOMPARE(reply.first(12).toHex(), QByteArray("51c40b000004081000001 5ff").replace(" ", ""));
 }
 
-void BusTest::answersComeInOrder()
+void RigBusTest::answersComeInOrder()
 {
     const auto connection = m_bus->open(plug(Chip::Pc));
     const QByteArray pcRead = QByteArray::fromHex("51C40B0000060B0003001DFF").leftJustified(65, '\0');
@@ -150,7 +150,7 @@ void BusTest::answersComeInOrder()
     QCOMPARE(reply.at(5), char(4));
 }
 
-void BusTest::readingTimesOut()
+void RigBusTest::readingTimesOut()
 {
     const auto connection = m_bus->open(plug(Chip::Pc));
     QByteArray reply;
@@ -161,7 +161,7 @@ void BusTest::readingTimesOut()
     QCOMPARE(connection->read(reply, 0ms), HidConnection::ReadResult::Timeout);
 }
 
-void BusTest::aPendingReadEndsWhenTheCableIsPulled()
+void RigBusTest::aPendingReadEndsWhenTheCableIsPulled()
 {
     const auto connection = m_bus->open(plug(Chip::Pc));
     HidConnection::ReadResult result = HidConnection::ReadResult::Report;
@@ -174,7 +174,7 @@ void BusTest::aPendingReadEndsWhenTheCableIsPulled()
     QCOMPARE(result, HidConnection::ReadResult::Gone);
 }
 
-void BusTest::anAnswerReceivedBeforeThePullIsStillRead()
+void RigBusTest::anAnswerReceivedBeforeThePullIsStillRead()
 {
     const auto connection = m_bus->open(plug(Chip::Pc));
     QVERIFY(connection->write(modeQuery()));
@@ -184,7 +184,7 @@ void BusTest::anAnswerReceivedBeforeThePullIsStillRead()
     QCOMPARE(connection->read(reply, 1000ms), HidConnection::ReadResult::Gone);
 }
 
-void BusTest::writingToADeviceThatHasLeftFails()
+void RigBusTest::writingToADeviceThatHasLeftFails()
 {
     const auto connection = m_bus->open(plug(Chip::Pc));
     m_device->unplug(Chip::Pc);
@@ -193,7 +193,7 @@ void BusTest::writingToADeviceThatHasLeftFails()
     QVERIFY(!connection->write(modeQuery()));
 }
 
-void BusTest::theOtgInterfaceKeepsSilent()
+void RigBusTest::theOtgInterfaceKeepsSilent()
 {
     const auto connection = m_bus->open(plug(Chip::Otg));
     QVERIFY(connection->write(modeQuery()));
@@ -201,7 +201,7 @@ void BusTest::theOtgInterfaceKeepsSilent()
     QCOMPARE(connection->read(reply, 100ms), HidConnection::ReadResult::Timeout);
 }
 
-void BusTest::hotplugWakesTheWatch()
+void RigBusTest::hotplugWakesTheWatch()
 {
     QVERIFY(!m_bus->waitForHotplug(100ms));
     m_device->plug(Chip::Pc);
@@ -212,7 +212,7 @@ void BusTest::hotplugWakesTheWatch()
     QVERIFY(m_bus->enumerate(kVendorId).isEmpty());
 }
 
-void BusTest::theWatchRemembersWhatItMissed()
+void RigBusTest::theWatchRemembersWhatItMissed()
 {
     plug(Chip::Pc);
     m_device->unplug(Chip::Pc);
@@ -220,7 +220,7 @@ void BusTest::theWatchRemembersWhatItMissed()
     QVERIFY(!m_bus->waitForHotplug(100ms));
 }
 
-void BusTest::interruptingEndsTheWait()
+void RigBusTest::interruptingEndsTheWait()
 {
     bool hotplugged = true;
     std::thread watch([&] { hotplugged = m_bus->waitForHotplug(std::chrono::hours(1)); });
@@ -229,7 +229,7 @@ void BusTest::interruptingEndsTheWait()
     QVERIFY(!hotplugged);
 }
 
-void BusTest::anEarlyInterruptionEndsTheNextWait()
+void RigBusTest::anEarlyInterruptionEndsTheNextWait()
 {
     m_bus->interruptHotplugWait();
     QVERIFY(!m_bus->waitForHotplug(std::chrono::hours(1)));
@@ -237,7 +237,7 @@ void BusTest::anEarlyInterruptionEndsTheNextWait()
     QVERIFY(m_bus->waitForHotplug(std::chrono::hours(1)));
 }
 
-void BusTest::anInterruptionHidesNoPlug()
+void RigBusTest::anInterruptionHidesNoPlug()
 {
     plug(Chip::Pc);
     m_bus->interruptHotplugWait();
@@ -246,7 +246,7 @@ void BusTest::anInterruptionHidesNoPlug()
     QVERIFY(!m_bus->waitForHotplug(0ms));
 }
 
-void BusTest::aBusWithoutItsDeviceIsEmpty()
+void RigBusTest::aBusWithoutItsDeviceIsEmpty()
 {
     const QString path = plug(Chip::Pc);
     const auto connection = m_bus->open(path);
@@ -258,5 +258,5 @@ void BusTest::aBusWithoutItsDeviceIsEmpty()
     QCOMPARE(connection->read(reply, 1000ms), HidConnection::ReadResult::Gone);
 }
 
-QUILLON_TEST_CORE(BusTest)
+QUILLON_TEST_CORE(RigBusTest)
 #include "tst_rig_bus.moc"

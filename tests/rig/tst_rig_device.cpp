@@ -28,7 +28,7 @@ bool flashImage(SimulatedDevice &device, Chip chip, const QByteArray &image)
 
 } // namespace
 
-class DeviceTest : public QObject {
+class RigDeviceTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -76,7 +76,7 @@ private:
     QList<int> m_left;
 };
 
-void DeviceTest::init()
+void RigDeviceTest::init()
 {
     m_journal = std::make_unique<Journal>();
     m_faults = std::make_unique<FaultBoard>();
@@ -91,21 +91,21 @@ void DeviceTest::init()
             [this](Chip, int productId) { m_left.append(productId); });
 }
 
-void DeviceTest::cleanup()
+void RigDeviceTest::cleanup()
 {
     m_recorder.reset();
     m_device.reset();
     m_thread.reset();
 }
 
-void DeviceTest::plugAndWait(Chip port)
+void RigDeviceTest::plugAndWait(Chip port)
 {
     const qsizetype before = m_appeared.size();
     m_device->plug(port);
     QTRY_COMPARE_WITH_TIMEOUT(m_appeared.size(), before + 1, kPatience);
 }
 
-void DeviceTest::enterBootLoader(Chip chip)
+void RigDeviceTest::enterBootLoader(Chip chip)
 {
     const qsizetype before = m_appeared.size();
     QVERIFY(m_device->enterBootLoader(chip));
@@ -113,7 +113,7 @@ void DeviceTest::enterBootLoader(Chip chip)
     QCOMPARE(m_device->state(chip), ChipState::BootLoader);
 }
 
-void DeviceTest::aChipShowsItsIdentity_data()
+void RigDeviceTest::aChipShowsItsIdentity_data()
 {
     QTest::addColumn<Model>("model");
     QTest::addColumn<Chip>("chip");
@@ -125,7 +125,7 @@ void DeviceTest::aChipShowsItsIdentity_data()
     QTest::newRow("R2 OTG") << Model::R2 << Chip::Otg << 0x001F << 0x0065;
 }
 
-void DeviceTest::aChipShowsItsIdentity()
+void RigDeviceTest::aChipShowsItsIdentity()
 {
     QFETCH(Model, model);
     QFETCH(Chip, chip);
@@ -140,7 +140,7 @@ void DeviceTest::aChipShowsItsIdentity()
     QCOMPARE(productIds(*m_device), QList{bootLoader});
 }
 
-void DeviceTest::pluggingInTakesAMoment()
+void RigDeviceTest::pluggingInTakesAMoment()
 {
     m_device->plug(Chip::Otg);
     QVERIFY(m_device->isPlugged(Chip::Otg));
@@ -148,7 +148,7 @@ void DeviceTest::pluggingInTakesAMoment()
     QTRY_COMPARE_WITH_TIMEOUT(m_appeared, QList{0x001F}, kPatience);
 }
 
-void DeviceTest::pullingTheCableIsImmediate()
+void RigDeviceTest::pullingTheCableIsImmediate()
 {
     plugAndWait(Chip::Pc);
     m_device->unplug(Chip::Pc);
@@ -157,7 +157,7 @@ void DeviceTest::pullingTheCableIsImmediate()
     QVERIFY(!m_device->isPlugged(Chip::Pc));
 }
 
-void DeviceTest::pluggingTwiceIsPluggingOnce()
+void RigDeviceTest::pluggingTwiceIsPluggingOnce()
 {
     plugAndWait(Chip::Pc);
     const QString path = m_device->interfaces().first().path;
@@ -167,7 +167,7 @@ void DeviceTest::pluggingTwiceIsPluggingOnce()
 }
 
 // A host that has found the device reads both versions at once.
-void DeviceTest::bothChipsRunWhenTheFirstIsFound_data()
+void RigDeviceTest::bothChipsRunWhenTheFirstIsFound_data()
 {
     QTest::addColumn<QList<Chip>>("cables");
     QTest::newRow("one cable") << QList{Chip::Pc};
@@ -175,7 +175,7 @@ void DeviceTest::bothChipsRunWhenTheFirstIsFound_data()
     QTest::newRow("both cables, the other first") << QList{Chip::Otg, Chip::Pc};
 }
 
-void DeviceTest::bothChipsRunWhenTheFirstIsFound()
+void RigDeviceTest::bothChipsRunWhenTheFirstIsFound()
 {
     int dead = 0;
     connect(
@@ -192,7 +192,7 @@ void DeviceTest::bothChipsRunWhenTheFirstIsFound()
     QCOMPARE(dead, 0);
 }
 
-void DeviceTest::aSecondCableLeavesARunningChipAlone()
+void RigDeviceTest::aSecondCableLeavesARunningChipAlone()
 {
     plugAndWait(Chip::Pc);
     m_device->plug(Chip::Otg);
@@ -200,7 +200,7 @@ void DeviceTest::aSecondCableLeavesARunningChipAlone()
     QTRY_COMPARE_WITH_TIMEOUT(m_appeared, (QList{0x000E, 0x001F}), kPatience);
 }
 
-void DeviceTest::theFirstCableStartsTheChipBehindTheOtherPortToo()
+void RigDeviceTest::theFirstCableStartsTheChipBehindTheOtherPortToo()
 {
     plugAndWait(Chip::Otg);
     enterBootLoader(Chip::Otg);
@@ -209,7 +209,7 @@ void DeviceTest::theFirstCableStartsTheChipBehindTheOtherPortToo()
     QCOMPARE(m_device->state(Chip::Otg), ChipState::Running);
 }
 
-void DeviceTest::aCableThatLeavesAtOnceWasNeverThere()
+void RigDeviceTest::aCableThatLeavesAtOnceWasNeverThere()
 {
     m_device->plug(Chip::Pc);
     m_device->unplug(Chip::Pc);
@@ -218,7 +218,7 @@ void DeviceTest::aCableThatLeavesAtOnceWasNeverThere()
     QCOMPARE(productIds(*m_device), QList{0x001F});
 }
 
-void DeviceTest::aNewPlugIsANewPath()
+void RigDeviceTest::aNewPlugIsANewPath()
 {
     plugAndWait(Chip::Pc);
     const QString path = m_device->interfaces().first().path;
@@ -228,7 +228,7 @@ void DeviceTest::aNewPlugIsANewPath()
     QVERIFY(!m_device->isOnBus(path));
 }
 
-void DeviceTest::theOtherModelIsAnotherDevice()
+void RigDeviceTest::theOtherModelIsAnotherDevice()
 {
     m_device->setVersion(Chip::Pc, QVersionNumber(1, 5, 0));
     plugAndWait(Chip::Pc);
@@ -240,7 +240,7 @@ void DeviceTest::theOtherModelIsAnotherDevice()
     QCOMPARE(productIds(*m_device), QList{0x0001});
 }
 
-void DeviceTest::settingAVersionTakesEffectWithoutLeavingTheBus()
+void RigDeviceTest::settingAVersionTakesEffectWithoutLeavingTheBus()
 {
     plugAndWait(Chip::Pc);
     m_device->setVersion(Chip::Otg, QVersionNumber(2, 0, 1));
@@ -251,7 +251,7 @@ void DeviceTest::settingAVersionTakesEffectWithoutLeavingTheBus()
     QCOMPARE(m_device->flash(Chip::Pc), buildImage({Model::R2, Chip::Pc, QVersionNumber(3, 0, 1)}));
 }
 
-void DeviceTest::aBrickedChipIsOnlyInItsBootLoader()
+void RigDeviceTest::aBrickedChipIsOnlyInItsBootLoader()
 {
     m_device->brick(Chip::Pc);
     QVERIFY(m_device->runningVersion(Chip::Pc).isNull());
@@ -262,7 +262,7 @@ void DeviceTest::aBrickedChipIsOnlyInItsBootLoader()
     QCOMPARE(productIds(*m_device), QList{0x00FF});
 }
 
-void DeviceTest::flashingGoesThroughTheBootLoader_data()
+void RigDeviceTest::flashingGoesThroughTheBootLoader_data()
 {
     QTest::addColumn<Model>("model");
     QTest::addColumn<Chip>("chip");
@@ -270,7 +270,7 @@ void DeviceTest::flashingGoesThroughTheBootLoader_data()
         QTest::newRow(identity.project) << identity.model << identity.chip;
 }
 
-void DeviceTest::flashingGoesThroughTheBootLoader()
+void RigDeviceTest::flashingGoesThroughTheBootLoader()
 {
     QFETCH(Model, model);
     QFETCH(Chip, chip);
@@ -291,7 +291,7 @@ void DeviceTest::flashingGoesThroughTheBootLoader()
     QCOMPARE(m_left, (QList{identity.normalPid, identity.bootLoaderPid}));
 }
 
-void DeviceTest::anUnusableImageLeavesABrick_data()
+void RigDeviceTest::anUnusableImageLeavesABrick_data()
 {
     QTest::addColumn<QByteArray>("image");
     const QByteArray good = buildImage({Model::R2, Chip::Pc, QVersionNumber(1, 9, 0)});
@@ -304,7 +304,7 @@ void DeviceTest::anUnusableImageLeavesABrick_data()
     QTest::newRow("an error page") << QByteArray("<html><body>404 Not Found</body></html>");
 }
 
-void DeviceTest::anUnusableImageLeavesABrick()
+void RigDeviceTest::anUnusableImageLeavesABrick()
 {
     plugAndWait(Chip::Pc);
     enterBootLoader(Chip::Pc);
@@ -315,7 +315,7 @@ void DeviceTest::anUnusableImageLeavesABrick()
     QCOMPARE(m_device->flash(Chip::Pc), image);
 }
 
-void DeviceTest::aBrickedChipIsRecoveredByAnIntactImage()
+void RigDeviceTest::aBrickedChipIsRecoveredByAnIntactImage()
 {
     m_device->brick(Chip::Otg);
     plugAndWait(Chip::Otg);
@@ -323,7 +323,7 @@ void DeviceTest::aBrickedChipIsRecoveredByAnIntactImage()
     QTRY_COMPARE_WITH_TIMEOUT(productIds(*m_device), QList{0x001F}, kPatience);
 }
 
-void DeviceTest::aReplugBringsAnUntouchedChipBackFromItsBootLoader()
+void RigDeviceTest::aReplugBringsAnUntouchedChipBackFromItsBootLoader()
 {
     plugAndWait(Chip::Pc);
     enterBootLoader(Chip::Pc);
@@ -332,7 +332,7 @@ void DeviceTest::aReplugBringsAnUntouchedChipBackFromItsBootLoader()
     QCOMPARE(productIds(*m_device), QList{0x000E});
 }
 
-void DeviceTest::aReplugDoesNotHealAHalfWrittenChip()
+void RigDeviceTest::aReplugDoesNotHealAHalfWrittenChip()
 {
     plugAndWait(Chip::Pc);
     enterBootLoader(Chip::Pc);
@@ -343,14 +343,14 @@ void DeviceTest::aReplugDoesNotHealAHalfWrittenChip()
     QCOMPARE(productIds(*m_device), QList{0x00FF});
 }
 
-void DeviceTest::whatIsNotInItsBootLoaderCannotBeFlashed_data()
+void RigDeviceTest::whatIsNotInItsBootLoaderCannotBeFlashed_data()
 {
     QTest::addColumn<bool>("plugged");
     QTest::newRow("running") << true;
     QTest::newRow("not on the bus") << false;
 }
 
-void DeviceTest::whatIsNotInItsBootLoaderCannotBeFlashed()
+void RigDeviceTest::whatIsNotInItsBootLoaderCannotBeFlashed()
 {
     QFETCH(bool, plugged);
     if (plugged)
@@ -364,7 +364,7 @@ void DeviceTest::whatIsNotInItsBootLoaderCannotBeFlashed()
     QCOMPARE(m_device->flash(Chip::Pc), before);
 }
 
-void DeviceTest::theFlashHasAnEnd()
+void RigDeviceTest::theFlashHasAnEnd()
 {
     m_device->brick(Chip::Pc);
     plugAndWait(Chip::Pc);
@@ -377,7 +377,7 @@ void DeviceTest::theFlashHasAnEnd()
     QCOMPARE(m_device->flash(Chip::Pc).first(4), QByteArray(4, char(0xFF)));
 }
 
-void DeviceTest::aFlashedChipThatNeverReturnsWaitsForItsReplug()
+void RigDeviceTest::aFlashedChipThatNeverReturnsWaitsForItsReplug()
 {
     m_faults->arm(Fault::DeviceNeverReturns, {Chip::Pc, {}, 1});
     m_device->brick(Chip::Pc);
@@ -395,7 +395,7 @@ void DeviceTest::aFlashedChipThatNeverReturnsWaitsForItsReplug()
     QCOMPARE(m_device->runningVersion(Chip::Pc), QVersionNumber(1, 9, 0));
 }
 
-void DeviceTest::aFlashedChipMayReturnLate()
+void RigDeviceTest::aFlashedChipMayReturnLate()
 {
     m_faults->arm(Fault::DeviceReturnsLate);
     m_device->brick(Chip::Pc);
@@ -406,7 +406,7 @@ void DeviceTest::aFlashedChipMayReturnLate()
     QVERIFY(m_device->interfaces().first().since - before >= std::chrono::seconds(12));
 }
 
-void DeviceTest::damageOnTheWayIsInTheFlash()
+void RigDeviceTest::damageOnTheWayIsInTheFlash()
 {
     m_faults->arm(Fault::DeviceDamagedTransfer, {Chip::Pc, {}, 1});
     m_device->brick(Chip::Pc);
@@ -416,5 +416,5 @@ void DeviceTest::damageOnTheWayIsInTheFlash()
     QCOMPARE(m_device->flash(Chip::Pc), QByteArray("qbcdefgh"));
 }
 
-QUILLON_TEST_CORE(DeviceTest)
+QUILLON_TEST_CORE(RigDeviceTest)
 #include "tst_rig_device.moc"

@@ -7,7 +7,7 @@
 
 using namespace rig;
 
-class FaultsTest : public QObject {
+class RigFaultsTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -24,7 +24,7 @@ private Q_SLOTS:
     void everyChangeIsAnnounced();
 };
 
-void FaultsTest::theTableHasEveryFaultOnceAndInOrder()
+void RigFaultsTest::theTableHasEveryFaultOnceAndInOrder()
 {
     const QList<FaultInfo> &table = faultTable();
     QCOMPARE(table.size(), qsizetype(Fault::DeviceDamagedTransfer) + 1);
@@ -36,7 +36,7 @@ void FaultsTest::theTableHasEveryFaultOnceAndInOrder()
     QCOMPARE(names.size(), table.size());
 }
 
-void FaultsTest::everyFaultIsDescribedInBothLanguages()
+void RigFaultsTest::everyFaultIsDescribedInBothLanguages()
 {
     for (const FaultInfo &info : faultTable()) {
         const QString english = QString::fromUtf8(info.english);
@@ -49,20 +49,20 @@ void FaultsTest::everyFaultIsDescribedInBothLanguages()
     }
 }
 
-void FaultsTest::aNameLeadsBackToItsFault()
+void RigFaultsTest::aNameLeadsBackToItsFault()
 {
     for (const FaultInfo &info : faultTable())
         QVERIFY2(faultNamed(nameOf(info.fault)) == info.fault, info.name);
 }
 
-void FaultsTest::anUnknownNameIsNoFault()
+void RigFaultsTest::anUnknownNameIsNoFault()
 {
     QVERIFY(!faultNamed(u""));
     QVERIFY(!faultNamed(u"tool-missin"));
     QVERIFY(!faultNamed(u"Tool-Missing"));
 }
 
-void FaultsTest::aFaultStrikesWithinItsScope_data()
+void RigFaultsTest::aFaultStrikesWithinItsScope_data()
 {
     QTest::addColumn<FaultScope>("scope");
     QTest::addColumn<Chip>("chip");
@@ -80,7 +80,7 @@ void FaultsTest::aFaultStrikesWithinItsScope_data()
     QTest::newRow("both fit") << FaultScope{Chip::Otg, query, 3} << Chip::Otg << query << true;
 }
 
-void FaultsTest::aFaultStrikesWithinItsScope()
+void RigFaultsTest::aFaultStrikesWithinItsScope()
 {
     QFETCH(FaultScope, scope);
     QFETCH(Chip, chip);
@@ -92,7 +92,7 @@ void FaultsTest::aFaultStrikesWithinItsScope()
     QVERIFY(!board.strikes(Fault::ServerLate, chip, request));
 }
 
-void FaultsTest::aCountedFaultIsUsedUp()
+void RigFaultsTest::aCountedFaultIsUsedUp()
 {
     FaultBoard board;
     board.arm(Fault::DeviceZeroVersions, {{}, {}, 2});
@@ -103,7 +103,7 @@ void FaultsTest::aCountedFaultIsUsedUp()
     QVERIFY(!board.strikes(Fault::DeviceZeroVersions));
 }
 
-void FaultsTest::onlyStrikesInScopeAreCounted()
+void RigFaultsTest::onlyStrikesInScopeAreCounted()
 {
     FaultBoard board;
     board.arm(Fault::ToolFails, {Chip::Otg, {}, 1});
@@ -113,7 +113,7 @@ void FaultsTest::onlyStrikesInScopeAreCounted()
     QVERIFY(!board.isArmed(Fault::ToolFails));
 }
 
-void FaultsTest::armingAgainReplacesTheScope()
+void RigFaultsTest::armingAgainReplacesTheScope()
 {
     FaultBoard board;
     board.arm(Fault::ToolFails, {Chip::Otg, {}, 1});
@@ -123,7 +123,7 @@ void FaultsTest::armingAgainReplacesTheScope()
     QVERIFY(board.strikes(Fault::ToolFails, Chip::Pc));
 }
 
-void FaultsTest::strikesOfAPlaceLeaveOtherPlacesAlone()
+void RigFaultsTest::strikesOfAPlaceLeaveOtherPlacesAlone()
 {
     FaultBoard board;
     board.arm(Fault::ToolStallsAt42, {{}, {}, 1});
@@ -135,7 +135,7 @@ void FaultsTest::strikesOfAPlaceLeaveOtherPlacesAlone()
     QCOMPARE(board.armed(), (QList{Fault::ToolChatty, Fault::DeviceSilent}));
 }
 
-void FaultsTest::everyChangeIsAnnounced()
+void RigFaultsTest::everyChangeIsAnnounced()
 {
     FaultBoard board;
     QSignalSpy changes(&board, &FaultBoard::changed);
@@ -149,5 +149,5 @@ void FaultsTest::everyChangeIsAnnounced()
     QCOMPARE(changes.size(), 3);
 }
 
-QUILLON_TEST_CORE(FaultsTest)
+QUILLON_TEST_CORE(RigFaultsTest)
 #include "tst_rig_faults.moc"

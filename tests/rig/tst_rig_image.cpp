@@ -16,7 +16,7 @@ ImageInfo sample()
 }
 } // namespace
 
-class ImageTest : public QObject {
+class RigImageTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -29,7 +29,7 @@ private Q_SLOTS:
     void whatFollowsAnImageIsLeftAlone();
 };
 
-void ImageTest::anImageSaysWhatItWasBuiltFor_data()
+void RigImageTest::anImageSaysWhatItWasBuiltFor_data()
 {
     QTest::addColumn<Model>("model");
     QTest::addColumn<Chip>("chip");
@@ -43,7 +43,7 @@ void ImageTest::anImageSaysWhatItWasBuiltFor_data()
     QTest::newRow("one byte") << Model::R2 << Chip::Pc << QVersionNumber(1, 0, 0) << 1;
 }
 
-void ImageTest::anImageSaysWhatItWasBuiltFor()
+void RigImageTest::anImageSaysWhatItWasBuiltFor()
 {
     QFETCH(Model, model);
     QFETCH(Chip, chip);
@@ -60,12 +60,12 @@ void ImageTest::anImageSaysWhatItWasBuiltFor()
     QCOMPARE(info->version, version);
 }
 
-void ImageTest::theSameOrderGivesTheSameBytes()
+void RigImageTest::theSameOrderGivesTheSameBytes()
 {
     QCOMPARE(buildImage(sample()), buildImage(sample()));
 }
 
-void ImageTest::everyImageIsAnother()
+void RigImageTest::everyImageIsAnother()
 {
     ImageInfo newer = sample();
     newer.version = QVersionNumber(1, 20, 4);
@@ -76,7 +76,7 @@ void ImageTest::everyImageIsAnother()
     QVERIFY(body != buildImage(other).sliced(kImageHeaderSize));
 }
 
-void ImageTest::damageIsFound_data()
+void RigImageTest::damageIsFound_data()
 {
     QTest::addColumn<Damage>("damage");
     QTest::addColumn<QString>("why");
@@ -112,7 +112,7 @@ void ImageTest::damageIsFound_data()
         << flip(kImageHeaderSize + usualBodySize(Chip::Otg) - 1) << damaged;
 }
 
-void ImageTest::damageIsFound()
+void RigImageTest::damageIsFound()
 {
     QFETCH(Damage, damage);
     QByteArray image = buildImage(sample());
@@ -122,10 +122,10 @@ void ImageTest::damageIsFound()
     QTEST(why, "why");
 }
 
-void ImageTest::whatFollowsAnImageIsLeftAlone()
+void RigImageTest::whatFollowsAnImageIsLeftAlone()
 {
     QVERIFY(readImage(buildImage(sample()) + QByteArray(1000, char(0xFF))));
 }
 
-QUILLON_TEST_CORE(ImageTest)
+QUILLON_TEST_CORE(RigImageTest)
 #include "tst_rig_image.moc"

@@ -44,7 +44,7 @@ public:
 
 } // namespace
 
-class PlayerTest : public QObject {
+class RigPlayerTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -85,13 +85,13 @@ private:
     QStringList m_asked;
 };
 
-void PlayerTest::initTestCase()
+void RigPlayerTest::initTestCase()
 {
     QString error;
     QVERIFY2(m_rig.start(&error), qPrintable(error));
 }
 
-void PlayerTest::init()
+void RigPlayerTest::init()
 {
     m_rig.device().setModel(Model::R2);
     m_rig.faults().clearAll();
@@ -105,7 +105,7 @@ void PlayerTest::init()
     m_panel->label("m_doneLb")->setText(QStringLiteral("升级完成"));
 }
 
-void PlayerTest::startPlaying(const QString &text)
+void RigPlayerTest::startPlaying(const QString &text)
 {
     m_player = std::make_unique<ScenarioPlayer>(m_rig, m_controls);
     m_player->setPanel(m_panel.get());
@@ -114,7 +114,7 @@ void PlayerTest::startPlaying(const QString &text)
 }
 
 // The verdict of a scenario; empty when it passed.
-QString PlayerTest::play(const QString &text)
+QString RigPlayerTest::play(const QString &text)
 {
     startPlaying(text);
     if (!m_finished->wait(kPatience))
@@ -125,7 +125,7 @@ QString PlayerTest::play(const QString &text)
         : QStringLiteral("verdict and result differ");
 }
 
-void PlayerTest::aScenarioEndsInAVerdict_data()
+void RigPlayerTest::aScenarioEndsInAVerdict_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("verdict");
@@ -175,7 +175,7 @@ void PlayerTest::aScenarioEndsInAVerdict_data()
     row("say \"hello there\"", "");
 }
 
-void PlayerTest::aScenarioEndsInAVerdict()
+void RigPlayerTest::aScenarioEndsInAVerdict()
 {
     QFETCH(QString, text);
     QFETCH(QString, verdict);
@@ -183,7 +183,7 @@ void PlayerTest::aScenarioEndsInAVerdict()
     QVERIFY(!m_player->isPlaying());
 }
 
-void PlayerTest::aWaitEndsWhenItsTimeIsUp()
+void RigPlayerTest::aWaitEndsWhenItsTimeIsUp()
 {
     QElapsedTimer time;
     time.start();
@@ -198,7 +198,7 @@ void PlayerTest::aWaitEndsWhenItsTimeIsUp()
     QVERIFY(m_finished->first().at(0).toBool());
 }
 
-void PlayerTest::aPauseTakesItsTime()
+void RigPlayerTest::aPauseTakesItsTime()
 {
     QElapsedTimer time;
     time.start();
@@ -206,7 +206,7 @@ void PlayerTest::aPauseTakesItsTime()
     QVERIFY2(time.elapsed() >= 3000, qPrintable(QString::number(time.elapsed())));
 }
 
-void PlayerTest::aHeldScreenMustStay()
+void RigPlayerTest::aHeldScreenMustStay()
 {
     QCOMPARE(play(QStringLiteral("hold screen up-to-date 3s")), QString());
     startPlaying(QStringLiteral("hold screen up-to-date 100s"));
@@ -217,13 +217,13 @@ void PlayerTest::aHeldScreenMustStay()
     QVERIFY(m_finished->first().at(1).toString().contains(QStringLiteral("completed after ")));
 }
 
-void PlayerTest::theWholeScenarioHasALimit()
+void RigPlayerTest::theWholeScenarioHasALimit()
 {
     QCOMPARE(play(QStringLiteral("timeout 2s\npause 1s\npause 50s\nexpect screen failure")),
              QStringLiteral("x.scn:3: pause 50s: the scenario takes too long"));
 }
 
-void PlayerTest::progressNamesEachStatement()
+void RigPlayerTest::progressNamesEachStatement()
 {
     startPlaying(QStringLiteral("# a comment\nexpect bar 27\nsay \"half way\"\nexpect screen up-to-date"));
     QSignalSpy progress(m_player.get(), &ScenarioPlayer::progressed);
@@ -237,7 +237,7 @@ void PlayerTest::progressNamesEachStatement()
                      QStringLiteral("half way"), QStringLiteral("x.scn:4: expect screen up-to-date")}));
 }
 
-void PlayerTest::theDeviceAndTheServerDoAsTold()
+void RigPlayerTest::theDeviceAndTheServerDoAsTold()
 {
     QCOMPARE(play(QStringLiteral("device R1 pc 1.4.2 otg bricked\n"
                                  "server pc 1.5.0 otg 1.6.0\n"
@@ -253,7 +253,7 @@ void PlayerTest::theDeviceAndTheServerDoAsTold()
     QCOMPARE(m_rig.server().version(Model::R2, Chip::Otg), QVersionNumber(1, 6, 0));
 }
 
-void PlayerTest::aFaultIsArmedAsWritten()
+void RigPlayerTest::aFaultIsArmedAsWritten()
 {
     QCOMPARE(
         play(QStringLiteral(
@@ -270,7 +270,7 @@ void PlayerTest::aFaultIsArmedAsWritten()
     QVERIFY(faults.armed().isEmpty());
 }
 
-void PlayerTest::whatThePanelReadsIsSeen()
+void RigPlayerTest::whatThePanelReadsIsSeen()
 {
     QCOMPARE(play(QStringLiteral("device R2 pc 1.4.2 otg 1.0.3\nplug pc\nwait interface 000e")), QString());
     const QString path = m_rig.device().interfaces().first().path;
@@ -283,7 +283,7 @@ void PlayerTest::whatThePanelReadsIsSeen()
              QStringLiteral("x.scn:1: wait read pc 1.4.2 1s: 0.0.0"));
 }
 
-void PlayerTest::aClickMeetsTheWidgetUnderThePointer()
+void RigPlayerTest::aClickMeetsTheWidgetUnderThePointer()
 {
     PressWatch watch;
     for (QWidget *widget : m_panel->findChildren<QWidget *>())
@@ -298,7 +298,7 @@ void PlayerTest::aClickMeetsTheWidgetUnderThePointer()
     QVERIFY(watch.pressed.contains(QStringLiteral("m_progressBar"))); // a label passes presses on
 }
 
-void PlayerTest::aClickOnWhatCannotBeSeenFails()
+void RigPlayerTest::aClickOnWhatCannotBeSeenFails()
 {
     m_panel->bar()->hide();
     QCOMPARE(play(QStringLiteral("click upgrade")),
@@ -307,7 +307,7 @@ void PlayerTest::aClickOnWhatCannotBeSeenFails()
              QStringLiteral("x.scn:1: click close: there is no such button"));
 }
 
-void PlayerTest::theApplicationIsAskedForTheRest()
+void RigPlayerTest::theApplicationIsAskedForTheRest()
 {
     m_controls.setModel = [this](Model model) { m_asked.append(nameOf(model)); };
     m_controls.setLanguage
@@ -330,7 +330,7 @@ void PlayerTest::theApplicationIsAskedForTheRest()
     QCOMPARE(m_asked.join(u' '), QStringLiteral("R1 R2 en zh recover 01-start destroy create"));
 }
 
-void PlayerTest::anApplicationThatCannotIsNamed_data()
+void RigPlayerTest::anApplicationThatCannotIsNamed_data()
 {
     QTest::addColumn<QString>("text");
     for (const char *text :
@@ -338,13 +338,13 @@ void PlayerTest::anApplicationThatCannotIsNamed_data()
         QTest::newRow(text) << QString::fromLatin1(text);
 }
 
-void PlayerTest::anApplicationThatCannotIsNamed()
+void RigPlayerTest::anApplicationThatCannotIsNamed()
 {
     QFETCH(QString, text);
     QVERIFY(play(text).startsWith(QStringLiteral("x.scn:1: %1: this application cannot ").arg(text)));
 }
 
-void PlayerTest::aDestroyedPanelIsMissed()
+void RigPlayerTest::aDestroyedPanelIsMissed()
 {
     startPlaying(QStringLiteral("hold screen up-to-date 100s"));
     QTest::qWait(1000);
@@ -355,7 +355,7 @@ void PlayerTest::aDestroyedPanelIsMissed()
     QVERIFY(play(QStringLiteral("expect bar 0")).endsWith(QStringLiteral("-1")));
 }
 
-void PlayerTest::aStatementThatRunsAnEventLoopIsNotEnteredAgain()
+void RigPlayerTest::aStatementThatRunsAnEventLoopIsNotEnteredAgain()
 {
     m_controls.recover = [this] {
         m_asked.append(QStringLiteral("in"));
@@ -369,7 +369,7 @@ void PlayerTest::aStatementThatRunsAnEventLoopIsNotEnteredAgain()
     QCOMPARE(m_asked.join(u' '), QStringLiteral("in out x"));
 }
 
-void PlayerTest::theScenarioGoesOnWhileAClickBlocks()
+void RigPlayerTest::theScenarioGoesOnWhileAClickBlocks()
 {
     auto *close = new QPushButton(m_panel.get());
     close->setObjectName(QStringLiteral("m_closeBtn"));
@@ -386,7 +386,7 @@ void PlayerTest::theScenarioGoesOnWhileAClickBlocks()
     QCOMPARE(m_asked.join(u' '), QStringLiteral("in x out"));
 }
 
-void PlayerTest::aWarningIsSeenAndDismissed()
+void RigPlayerTest::aWarningIsSeenAndDismissed()
 {
     QTimer::singleShot(1000, m_panel.get(), [this] {
         QMessageBox::warning(m_panel.get(), QStringLiteral("t"), QStringLiteral("u"));
@@ -396,7 +396,7 @@ void PlayerTest::aWarningIsSeenAndDismissed()
     QCOMPARE(m_asked, QStringList{QStringLiteral("gone")});
 }
 
-void PlayerTest::downloadsAndTheFlashAreCompared()
+void RigPlayerTest::downloadsAndTheFlashAreCompared()
 {
     QCOMPARE(play(QStringLiteral(
                  "device R2 pc bricked otg 1.1.1\nserver pc 1.5.0 otg 1.6.0\nplug pc\nwait interface 00ff")),
@@ -413,7 +413,7 @@ void PlayerTest::downloadsAndTheFlashAreCompared()
     QVERIFY(play(QStringLiteral("expect flash pc served")).contains(QStringLiteral(": served , flash ")));
 }
 
-void PlayerTest::delaysAreMeasured()
+void RigPlayerTest::delaysAreMeasured()
 {
     QCOMPARE(play(QStringLiteral("plug otg\nwait interface 001f\npause 5s\nplug pc\nwait interface 000e\n"
                                  "expect pc-appeared 5s after otg-appeared within 3s")),
@@ -424,5 +424,5 @@ void PlayerTest::delaysAreMeasured()
                 .endsWith(QStringLiteral("in this order")));
 }
 
-QUILLON_TEST(PlayerTest)
+QUILLON_TEST(RigPlayerTest)
 #include "tst_rig_player.moc"

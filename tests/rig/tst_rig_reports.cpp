@@ -20,7 +20,7 @@ constexpr char kOtgRead[] = "51 C4 0B 00 00 06 10 00 03 00 18 FF";
 
 } // namespace
 
-class ReportsTest : public QObject {
+class RigReportsTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -39,7 +39,7 @@ private Q_SLOTS:
     void zeroVersionsConcernOneChip();
 };
 
-void ReportsTest::aRequestIsAnsweredByteForByte_data()
+void RigReportsTest::aRequestIsAnsweredByteForByte_data()
 {
     QTest::addColumn<QByteArray>("request");
     QTest::addColumn<QByteArray>("reply");
@@ -64,7 +64,7 @@ void ReportsTest::aRequestIsAnsweredByteForByte_data()
         << report("51 C4 0B 00 00 05 00 20 02 00 0A FF");
 }
 
-void ReportsTest::aRequestIsAnsweredByteForByte()
+void RigReportsTest::aRequestIsAnsweredByteForByte()
 {
     QFETCH(QByteArray, request);
     FaultBoard faults;
@@ -75,7 +75,7 @@ void ReportsTest::aRequestIsAnsweredByteForByte()
     QCOMPARE(replies.first().toHex(' '), reply.toHex(' '));
 }
 
-void ReportsTest::whatIsNoRequestIsIgnored_data()
+void RigReportsTest::whatIsNoRequestIsIgnored_data()
 {
     QTest::addColumn<QByteArray>("request");
     QTest::newRow("nothing") << QByteArray();
@@ -108,7 +108,7 @@ void ReportsTest::whatIsNoRequestIsIgnored_data()
     QTest::newRow("all ones") << QByteArray(kReportSize, char(0xFF));
 }
 
-void ReportsTest::whatIsNoRequestIsIgnored()
+void RigReportsTest::whatIsNoRequestIsIgnored()
 {
     QFETCH(QByteArray, request);
     FaultBoard faults;
@@ -116,7 +116,7 @@ void ReportsTest::whatIsNoRequestIsIgnored()
     QVERIFY(repliesTo(request, registers, faults).isEmpty());
 }
 
-void ReportsTest::theLargestRequestsStillFit_data()
+void RigReportsTest::theLargestRequestsStillFit_data()
 {
     QTest::addColumn<RegisterRequest>("request");
     QList<quint16> addresses;
@@ -126,7 +126,7 @@ void ReportsTest::theLargestRequestsStillFit_data()
     QTest::newRow("a run of 26") << RegisterRequest{Operation::ContinuousRead, addresses, {}};
 }
 
-void ReportsTest::theLargestRequestsStillFit()
+void RigReportsTest::theLargestRequestsStillFit()
 {
     QFETCH(RegisterRequest, request);
     const QByteArray reply = encodeReply(request, [](quint16 address) { return address; });
@@ -139,7 +139,7 @@ void ReportsTest::theLargestRequestsStillFit()
     QCOMPARE(quint16(sum + quint8(reply.at(length - 1)) + (quint8(reply.at(length)) << 8)), quint16(0));
 }
 
-void ReportsTest::aBootLoaderSaysSo()
+void RigReportsTest::aBootLoaderSaysSo()
 {
     FaultBoard faults;
     Registers registers{true, {}, {}, {}};
@@ -149,7 +149,7 @@ void ReportsTest::aBootLoaderSaysSo()
              report("51 C4 11 00 00 06 0B 00 03 00 00 00 00 00 00 00 17 FF"));
 }
 
-void ReportsTest::writtenRegistersAreReadBack()
+void RigReportsTest::writtenRegistersAreReadBack()
 {
     FaultBoard faults;
     Registers registers;
@@ -158,7 +158,7 @@ void ReportsTest::writtenRegistersAreReadBack()
              report("51 C4 11 00 00 06 00 20 03 00 01 00 02 00 00 00 FF FE"));
 }
 
-void ReportsTest::modeAndVersionsCannotBeWritten()
+void RigReportsTest::modeAndVersionsCannotBeWritten()
 {
     FaultBoard faults;
     Registers registers{false, QVersionNumber(1, 2, 3), QVersionNumber(4, 5, 6), {}};
@@ -170,7 +170,7 @@ void ReportsTest::modeAndVersionsCannotBeWritten()
              report("51 C4 11 00 00 06 0B 00 03 00 01 00 02 00 03 00 11 FF"));
 }
 
-void ReportsTest::faultsBendTheReplies_data()
+void RigReportsTest::faultsBendTheReplies_data()
 {
     QTest::addColumn<Fault>("fault");
     QTest::addColumn<QByteArray>("request");
@@ -191,7 +191,7 @@ void ReportsTest::faultsBendTheReplies_data()
                                     << report("51 C4 FF 00 00 04 08 10 00 00 15 FF");
 }
 
-void ReportsTest::faultsBendTheReplies()
+void RigReportsTest::faultsBendTheReplies()
 {
     QFETCH(Fault, fault);
     QFETCH(QByteArray, request);
@@ -205,7 +205,7 @@ void ReportsTest::faultsBendTheReplies()
     QVERIFY(repliesTo(request, registers, faults).value(0) != reply);
 }
 
-void ReportsTest::garbledRepliesAreOfFullSizeAndKeepTheirId()
+void RigReportsTest::garbledRepliesAreOfFullSizeAndKeepTheirId()
 {
     FaultBoard faults;
     faults.arm(Fault::DeviceGarbledReplies);
@@ -217,7 +217,7 @@ void ReportsTest::garbledRepliesAreOfFullSizeAndKeepTheirId()
     QVERIFY(first != second);
 }
 
-void ReportsTest::zeroVersionsConcernOneChip()
+void RigReportsTest::zeroVersionsConcernOneChip()
 {
     FaultBoard faults;
     faults.arm(Fault::DeviceZeroVersions, {Chip::Otg, {}, 1});
@@ -228,5 +228,5 @@ void ReportsTest::zeroVersionsConcernOneChip()
              report("51 C4 11 00 00 06 10 00 03 00 00 00 00 00 00 00 12 FF"));
 }
 
-QUILLON_TEST_CORE(ReportsTest)
+QUILLON_TEST_CORE(RigReportsTest)
 #include "tst_rig_reports.moc"

@@ -13,7 +13,7 @@
 using namespace rig;
 using namespace std::chrono_literals;
 
-class ScenarioTest : public QObject {
+class RigScenarioTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -39,7 +39,7 @@ private Q_SLOTS:
     void theGuideListsEveryFaultAndEveryStatement();
 };
 
-void ScenarioTest::aLineIsSplitIntoWords_data()
+void RigScenarioTest::aLineIsSplitIntoWords_data()
 {
     QTest::addColumn<QString>("line");
     QTest::addColumn<QStringList>("words");
@@ -70,7 +70,7 @@ void ScenarioTest::aLineIsSplitIntoWords_data()
         << QStringLiteral("\"two\\") << QStringList() << QStringLiteral("a quote is not closed");
 }
 
-void ScenarioTest::aLineIsSplitIntoWords()
+void RigScenarioTest::aLineIsSplitIntoWords()
 {
     QFETCH(QString, line);
     const LineWords split = splitLine(line);
@@ -78,7 +78,7 @@ void ScenarioTest::aLineIsSplitIntoWords()
     QTEST(split.error, "error");
 }
 
-void ScenarioTest::durations_data()
+void RigScenarioTest::durations_data()
 {
     QTest::addColumn<QString>("word");
     QTest::addColumn<int>("milliseconds");
@@ -90,13 +90,13 @@ void ScenarioTest::durations_data()
         QTest::newRow(wrong) << QString::fromLatin1(wrong) << -1;
 }
 
-void ScenarioTest::durations()
+void RigScenarioTest::durations()
 {
     QFETCH(QString, word);
     QTEST(int(durationFrom(word).value_or(-1ms).count()), "milliseconds");
 }
 
-void ScenarioTest::times_data()
+void RigScenarioTest::times_data()
 {
     QTest::addColumn<QString>("word");
     QTest::addColumn<int>("count");
@@ -107,20 +107,20 @@ void ScenarioTest::times_data()
         QTest::newRow(wrong) << QString::fromLatin1(wrong) << -1;
 }
 
-void ScenarioTest::times()
+void RigScenarioTest::times()
 {
     QFETCH(QString, word);
     QTEST(timesFrom(word).value_or(-1), "count");
 }
 
-void ScenarioTest::theGrammarHoldsTogether_data()
+void RigScenarioTest::theGrammarHoldsTogether_data()
 {
     QTest::addColumn<int>("form");
     for (int form = 0; form < grammar().size(); ++form)
         QTest::newRow(grammar().at(form).pattern) << form;
 }
 
-void ScenarioTest::theGrammarHoldsTogether()
+void RigScenarioTest::theGrammarHoldsTogether()
 {
     QFETCH(int, form);
     const QList<FormPart> parts = partsOf(grammar().at(form));
@@ -133,7 +133,7 @@ void ScenarioTest::theGrammarHoldsTogether()
     }
 }
 
-void ScenarioTest::aStatementIsUnderstood_data()
+void RigScenarioTest::aStatementIsUnderstood_data()
 {
     QTest::addColumn<QString>("line");
     QTest::addColumn<QString>("pattern");
@@ -165,7 +165,7 @@ void ScenarioTest::aStatementIsUnderstood_data()
         "expect <event> <duration> after <event> within <duration>", "pc-tool|6s|otg-image|150ms");
 }
 
-void ScenarioTest::aStatementIsUnderstood()
+void RigScenarioTest::aStatementIsUnderstood()
 {
     QFETCH(QString, line);
     QString error;
@@ -178,7 +178,7 @@ void ScenarioTest::aStatementIsUnderstood()
     QCOMPARE(statement.text, line);
 }
 
-void ScenarioTest::linesAreCountedThroughCommentsAndBlanks()
+void RigScenarioTest::linesAreCountedThroughCommentsAndBlanks()
 {
     QString error;
     const auto scenario = Scenario::parse(QStringLiteral("# one\n\nplug pc\n   \n  unplug pc  # five\n"),
@@ -189,7 +189,7 @@ void ScenarioTest::linesAreCountedThroughCommentsAndBlanks()
     QCOMPARE(scenario->statements.at(1).line, 5);
 }
 
-void ScenarioTest::aMistakeIsNamedWithItsPlace_data()
+void RigScenarioTest::aMistakeIsNamedWithItsPlace_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("message");
@@ -239,7 +239,7 @@ void ScenarioTest::aMistakeIsNamedWithItsPlace_data()
     row("only comments", "# a\n# b\n", "x.scn: holds no statement");
 }
 
-void ScenarioTest::aMistakeIsNamedWithItsPlace()
+void RigScenarioTest::aMistakeIsNamedWithItsPlace()
 {
     QFETCH(QString, text);
     QString error;
@@ -247,7 +247,7 @@ void ScenarioTest::aMistakeIsNamedWithItsPlace()
     QTEST(error, "message");
 }
 
-void ScenarioTest::aFileThatCannotBeReadIsNamed()
+void RigScenarioTest::aFileThatCannotBeReadIsNamed()
 {
     QString error;
     QVERIFY(!Scenario::load(QStringLiteral("/nowhere/a.scn"), &error));
@@ -257,7 +257,7 @@ void ScenarioTest::aFileThatCannotBeReadIsNamed()
     QVERIFY2(error.startsWith(folder.path()), qPrintable(error));
 }
 
-void ScenarioTest::windowsLineEndsAreFine()
+void RigScenarioTest::windowsLineEndsAreFine()
 {
     QString error;
     const auto scenario
@@ -266,7 +266,7 @@ void ScenarioTest::windowsLineEndsAreFine()
     QCOMPARE(scenario->statements.size(), 2);
 }
 
-void ScenarioTest::everyShippedScenarioIsSound_data()
+void RigScenarioTest::everyShippedScenarioIsSound_data()
 {
     QTest::addColumn<QString>("file");
     const QDir folder(QStringLiteral(QUILLON_SCENARIO_DIR));
@@ -274,7 +274,7 @@ void ScenarioTest::everyShippedScenarioIsSound_data()
         QTest::newRow(qPrintable(name)) << folder.filePath(name);
 }
 
-void ScenarioTest::everyShippedScenarioIsSound()
+void RigScenarioTest::everyShippedScenarioIsSound()
 {
     QFETCH(QString, file);
     QString error;
@@ -284,7 +284,7 @@ void ScenarioTest::everyShippedScenarioIsSound()
     QVERIFY2(source.readLine().startsWith("# "), "it begins with what it shows");
 }
 
-void ScenarioTest::everyFaultCanBeArmed()
+void RigScenarioTest::everyFaultCanBeArmed()
 {
     for (const FaultInfo &info : faultTable()) {
         QString error;
@@ -296,7 +296,7 @@ void ScenarioTest::everyFaultCanBeArmed()
 
 // A real scenario shortened at many places, and with a byte changed there, is either read or refused with
 // a message.
-void ScenarioTest::damagedFilesAreRefusedOrUnderstood()
+void RigScenarioTest::damagedFilesAreRefusedOrUnderstood()
 {
     QFile source(QStringLiteral(QUILLON_SCENARIO_DIR "/demo.scn"));
     QVERIFY(source.open(QIODevice::ReadOnly));
@@ -313,7 +313,7 @@ void ScenarioTest::damagedFilesAreRefusedOrUnderstood()
     }
 }
 
-void ScenarioTest::theGuideListsEveryFaultAndEveryStatement()
+void RigScenarioTest::theGuideListsEveryFaultAndEveryStatement()
 {
     QFile guide(QStringLiteral(RIG_GUIDE));
     QVERIFY(guide.open(QIODevice::ReadOnly));
@@ -332,5 +332,5 @@ void ScenarioTest::theGuideListsEveryFaultAndEveryStatement()
         QVERIFY2(text.contains(QByteArray('`' + screen.toLatin1() + '`')), qPrintable(screen));
 }
 
-QUILLON_TEST_CORE(ScenarioTest)
+QUILLON_TEST_CORE(RigScenarioTest)
 #include "tst_rig_scenario.moc"

@@ -32,7 +32,7 @@ void addScreens()
 
 } // namespace
 
-class ScreensTest : public QObject {
+class RigScreensTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -46,7 +46,7 @@ private Q_SLOTS:
     void aForeignWidgetShowsNoScreen();
 };
 
-void ScreensTest::noTwoScreensCanShowAtOnce()
+void RigScreensTest::noTwoScreensCanShowAtOnce()
 {
     const QList<ScreenSigns> &table = screenTable();
     for (int one = 0; one < table.size(); ++one) {
@@ -57,7 +57,7 @@ void ScreensTest::noTwoScreensCanShowAtOnce()
     }
 }
 
-void ScreensTest::aScreenIsRecognized()
+void RigScreensTest::aScreenIsRecognized()
 {
     QFETCH(int, row);
     FakePanel panel;
@@ -66,7 +66,7 @@ void ScreensTest::aScreenIsRecognized()
     QCOMPARE(recognizeScreen(panel), QLatin1String(screenTable().at(row).name));
 }
 
-void ScreensTest::everySignCounts()
+void RigScreensTest::everySignCounts()
 {
     QFETCH(int, row);
     const ScreenSigns &screen = screenTable().at(row);
@@ -84,7 +84,7 @@ void ScreensTest::everySignCounts()
     QVERIFY(!shows(panel, screen));
 }
 
-void ScreensTest::aChildOfAHiddenWidgetIsHidden()
+void RigScreensTest::aChildOfAHiddenWidgetIsHidden()
 {
     FakePanel panel;
     panel.showScreen(screenTable().at(1));
@@ -93,7 +93,7 @@ void ScreensTest::aChildOfAHiddenWidgetIsHidden()
     QVERIFY(recognizeScreen(panel) != before);
 }
 
-void ScreensTest::aPanelThatIsNotShownIsRecognizedAllTheSame()
+void RigScreensTest::aPanelThatIsNotShownIsRecognizedAllTheSame()
 {
     FakePanel panel;
     panel.hide();
@@ -101,11 +101,11 @@ void ScreensTest::aPanelThatIsNotShownIsRecognizedAllTheSame()
     QCOMPARE(recognizeScreen(panel), QLatin1String(screenTable().last().name));
 }
 
-void ScreensTest::aForeignWidgetShowsNoScreen()
+void RigScreensTest::aForeignWidgetShowsNoScreen()
 {
     const QWidget widget;
     QVERIFY(recognizeScreen(widget).isEmpty());
 }
 
-QUILLON_TEST(ScreensTest)
+QUILLON_TEST(RigScreensTest)
 #include "tst_rig_screens.moc"

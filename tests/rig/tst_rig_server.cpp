@@ -43,7 +43,7 @@ QJsonObject entryIn(const QByteArray &body)
 
 } // namespace
 
-class ServerTest : public QObject {
+class RigServerTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -84,21 +84,21 @@ private:
     std::unique_ptr<UpdateServer> m_server;
 };
 
-void ServerTest::init()
+void RigServerTest::init()
 {
     m_server = std::make_unique<UpdateServer>(m_thread, m_faults, m_journal);
     QVERIFY(m_server->start());
     m_server->becomeApplicationProxy();
 }
 
-void ServerTest::cleanup()
+void RigServerTest::cleanup()
 {
     m_faults.clearAll();
     m_server.reset();
     QCOMPARE(QNetworkProxy::applicationProxy().type(), QNetworkProxy::NoProxy);
 }
 
-Got ServerTest::get(const QString &target)
+Got RigServerTest::get(const QString &target)
 {
     QNetworkAccessManager manager;
     QElapsedTimer time;
@@ -112,7 +112,7 @@ Got ServerTest::get(const QString &target)
     return {errorOf(*reply), status, reply->readAll(), time.elapsed()};
 }
 
-void ServerTest::aVersionQueryIsAnswered_data()
+void RigServerTest::aVersionQueryIsAnswered_data()
 {
     QTest::addColumn<QString>("target");
     QTest::addColumn<QString>("version");
@@ -123,7 +123,7 @@ void ServerTest::aVersionQueryIsAnswered_data()
                             << QStringLiteral("10.0.65535");
 }
 
-void ServerTest::aVersionQueryIsAnswered()
+void RigServerTest::aVersionQueryIsAnswered()
 {
     m_server->setVersion(Model::R1, Chip::Pc, QVersionNumber(1, 2, 3));
     m_server->setVersion(Model::R2, Chip::Pc, QVersionNumber(1, 2, 4));
@@ -143,7 +143,7 @@ void ServerTest::aVersionQueryIsAnswered()
         std::any_of(chinese.begin(), chinese.end(), [](QChar c) { return c.script() == QChar::Script_Han; }));
 }
 
-void ServerTest::aDownloadGivesTheImage_data()
+void RigServerTest::aDownloadGivesTheImage_data()
 {
     QTest::addColumn<int>("number");
     QTest::addColumn<Model>("model");
@@ -154,7 +154,7 @@ void ServerTest::aDownloadGivesTheImage_data()
     QTest::newRow("R2 OTG") << 156 << Model::R2 << Chip::Otg;
 }
 
-void ServerTest::aDownloadGivesTheImage()
+void RigServerTest::aDownloadGivesTheImage()
 {
     QFETCH(int, number);
     QFETCH(Model, model);
@@ -171,7 +171,7 @@ void ServerTest::aDownloadGivesTheImage()
     QCOMPARE(got.body, m_server->image(model, chip));
 }
 
-void ServerTest::whatIsNotOfferedIsNotFound_data()
+void RigServerTest::whatIsNotOfferedIsNotFound_data()
 {
     QTest::addColumn<QString>("target");
     QTest::newRow("the root") << QStringLiteral("/");
@@ -182,21 +182,21 @@ void ServerTest::whatIsNotOfferedIsNotFound_data()
     QTest::newRow("an image from the version page") << QStringLiteral("/upinfo_test.aspx?f_sn=155");
 }
 
-void ServerTest::whatIsNotOfferedIsNotFound()
+void RigServerTest::whatIsNotOfferedIsNotFound()
 {
     QFETCH(QString, target);
     QCOMPARE(get(target).status, 404);
     QVERIFY(m_server->requests().isEmpty());
 }
 
-void ServerTest::theServerStandsInForAnyHost()
+void RigServerTest::theServerStandsInForAnyHost()
 {
     QVERIFY(get(QString::fromLatin1(kPcQuery)).error == QNetworkReply::NoError);
     QCOMPARE(m_server->requests().first().target,
              QStringLiteral("http://update.example") + QLatin1String(kPcQuery));
 }
 
-void ServerTest::faultsSpoilTheAnswer_data()
+void RigServerTest::faultsSpoilTheAnswer_data()
 {
     QTest::addColumn<Fault>("fault");
     QTest::addColumn<QString>("target");
@@ -259,7 +259,7 @@ void ServerTest::faultsSpoilTheAnswer_data()
                                 << Check([](const QByteArray &b) { return b.size() > 512 * 1024; });
 }
 
-void ServerTest::faultsSpoilTheAnswer()
+void RigServerTest::faultsSpoilTheAnswer()
 {
     QFETCH(Fault, fault);
     QFETCH(QString, target);
@@ -272,7 +272,7 @@ void ServerTest::faultsSpoilTheAnswer()
     QVERIFY2(!check || check(got.body), got.body.left(200).constData());
 }
 
-void ServerTest::aFaultForOneKindOfRequestSparesTheOther_data()
+void RigServerTest::aFaultForOneKindOfRequestSparesTheOther_data()
 {
     QTest::addColumn<Fault>("fault");
     QTest::addColumn<QString>("spared");
@@ -283,7 +283,7 @@ void ServerTest::aFaultForOneKindOfRequestSparesTheOther_data()
         QTest::newRow(infoOf(fault).name) << fault << QString::fromLatin1(kPcQuery);
 }
 
-void ServerTest::aFaultForOneKindOfRequestSparesTheOther()
+void RigServerTest::aFaultForOneKindOfRequestSparesTheOther()
 {
     QFETCH(QString, spared);
     QFETCH(Fault, fault);
@@ -293,7 +293,7 @@ void ServerTest::aFaultForOneKindOfRequestSparesTheOther()
     QVERIFY(m_faults.isArmed(fault));
 }
 
-void ServerTest::aSpentFaultLeavesTheServerSound()
+void RigServerTest::aSpentFaultLeavesTheServerSound()
 {
     m_faults.arm(Fault::ServerNotFound, {Chip::Pc, RequestKind::VersionQuery, 1});
     QCOMPARE(get(QStringLiteral("/upinfo_test.aspx?proj_name=R2OTG")).status, 200);
@@ -302,7 +302,7 @@ void ServerTest::aSpentFaultLeavesTheServerSound()
     QCOMPARE(get(QString::fromLatin1(kPcQuery)).status, 200);
 }
 
-void ServerTest::refusedConnectionsAreAcceptedAgainAtTheSamePort()
+void RigServerTest::refusedConnectionsAreAcceptedAgainAtTheSamePort()
 {
     const quint16 port = m_server->port();
     m_faults.arm(Fault::ServerRefused);
@@ -314,7 +314,7 @@ void ServerTest::refusedConnectionsAreAcceptedAgainAtTheSamePort()
     QCOMPARE(get(QString::fromLatin1(kPcQuery)).error, QNetworkReply::NoError);
 }
 
-void ServerTest::silenceLastsUntilTheClientGivesUp()
+void RigServerTest::silenceLastsUntilTheClientGivesUp()
 {
     m_faults.arm(Fault::ServerSilent);
     QNetworkAccessManager manager;
@@ -329,7 +329,7 @@ void ServerTest::silenceLastsUntilTheClientGivesUp()
     QTRY_COMPARE(finished.size(), 1);
 }
 
-void ServerTest::aDrippingAnswerArrivesWhole()
+void RigServerTest::aDrippingAnswerArrivesWhole()
 {
     m_faults.arm(Fault::ServerDripping);
     const Got got = get(QString::fromLatin1(kPcDownload));
@@ -337,7 +337,7 @@ void ServerTest::aDrippingAnswerArrivesWhole()
     QVERIFY2(got.milliseconds >= 3500, qPrintable(QString::number(got.milliseconds)));
 }
 
-void ServerTest::slowAnswersTakeTheirTime_data()
+void RigServerTest::slowAnswersTakeTheirTime_data()
 {
     QTest::addColumn<Fault>("fault");
     QTest::addColumn<qint64>("atLeast");
@@ -345,7 +345,7 @@ void ServerTest::slowAnswersTakeTheirTime_data()
     QTest::newRow("late") << Fault::ServerLate << qint64(5000);
 }
 
-void ServerTest::slowAnswersTakeTheirTime()
+void RigServerTest::slowAnswersTakeTheirTime()
 {
     QFETCH(Fault, fault);
     QFETCH(qint64, atLeast);
@@ -355,14 +355,14 @@ void ServerTest::slowAnswersTakeTheirTime()
     QVERIFY2(got.milliseconds >= atLeast, qPrintable(QString::number(got.milliseconds)));
 }
 
-void ServerTest::aRedirectLeadsBackToItself()
+void RigServerTest::aRedirectLeadsBackToItself()
 {
     m_faults.arm(Fault::ServerRedirects);
     QCOMPARE(get(QString::fromLatin1(kPcQuery)).error, QNetworkReply::TooManyRedirectsError);
     QVERIFY(m_server->requests().size() > 10);
 }
 
-void ServerTest::everyRequestIsOnRecord()
+void RigServerTest::everyRequestIsOnRecord()
 {
     get(QString::fromLatin1(kPcQuery));
     const Got image = get(QStringLiteral("/dnfile_test.aspx?f_sn=154"));
@@ -380,7 +380,7 @@ void ServerTest::everyRequestIsOnRecord()
     QVERIFY(m_server->requests().isEmpty());
 }
 
-void ServerTest::aRequestIsAnnouncedBeforeItIsAnswered()
+void RigServerTest::aRequestIsAnnouncedBeforeItIsAnswered()
 {
     QList<ServedRequest> arrived;
     connect(m_server.get(), &UpdateServer::requestArrived, this,
@@ -393,7 +393,7 @@ void ServerTest::aRequestIsAnnouncedBeforeItIsAnswered()
     QVERIFY(arrived.first().answered.count() < 0);
 }
 
-void ServerTest::nonsenseIsHungUpOn_data()
+void RigServerTest::nonsenseIsHungUpOn_data()
 {
     QTest::addColumn<QByteArray>("sent");
     QTest::newRow("no HTTP") << QByteArray("hello there\r\n\r\n");
@@ -402,7 +402,7 @@ void ServerTest::nonsenseIsHungUpOn_data()
     QTest::newRow("bytes") << QByteArray::fromHex("00ff00ff0d0a0d0a");
 }
 
-void ServerTest::nonsenseIsHungUpOn()
+void RigServerTest::nonsenseIsHungUpOn()
 {
     QFETCH(QByteArray, sent);
     QTcpSocket socket;
@@ -415,14 +415,14 @@ void ServerTest::nonsenseIsHungUpOn()
     QCOMPARE(get(QString::fromLatin1(kPcQuery)).status, 200);
 }
 
-void ServerTest::goingDownWithARequestOpenIsSafe_data()
+void RigServerTest::goingDownWithARequestOpenIsSafe_data()
 {
     QTest::addColumn<Fault>("fault");
     for (const Fault fault : {Fault::ServerSilent, Fault::ServerLate, Fault::ServerDripping})
         QTest::newRow(infoOf(fault).name) << fault;
 }
 
-void ServerTest::goingDownWithARequestOpenIsSafe()
+void RigServerTest::goingDownWithARequestOpenIsSafe()
 {
     QFETCH(Fault, fault);
     m_faults.arm(fault);
@@ -435,5 +435,5 @@ void ServerTest::goingDownWithARequestOpenIsSafe()
     QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 1, kPatience);
 }
 
-QUILLON_TEST_CORE(ServerTest)
+QUILLON_TEST_CORE(RigServerTest)
 #include "tst_rig_server.moc"

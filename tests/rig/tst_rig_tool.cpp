@@ -39,7 +39,7 @@ QList<int> percentages(const QByteArray &progress)
 
 } // namespace
 
-class ToolTest : public QObject {
+class RigToolTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -94,7 +94,7 @@ private:
     QByteArray m_image;
 };
 
-void ToolTest::init()
+void RigToolTest::init()
 {
     m_sandbox = std::make_unique<Sandbox>();
     m_journal = std::make_unique<Journal>();
@@ -107,7 +107,7 @@ void ToolTest::init()
     m_tool->setProgram(QStringLiteral(FLASHING_TOOL));
 }
 
-void ToolTest::cleanup()
+void RigToolTest::cleanup()
 {
     m_tool->kill();
     m_tool->waitForFinished();
@@ -118,7 +118,7 @@ void ToolTest::cleanup()
     m_sandbox.reset();
 }
 
-QString ToolTest::writeImage(const QByteArray &image)
+QString RigToolTest::writeImage(const QByteArray &image)
 {
     m_image = image;
     QFile file(m_sandbox->home() + QStringLiteral("/an image.bin"));
@@ -127,14 +127,14 @@ QString ToolTest::writeImage(const QByteArray &image)
     return file.fileName();
 }
 
-void ToolTest::start(const QStringList &arguments)
+void RigToolTest::start(const QStringList &arguments)
 {
     m_tool->setArguments(arguments);
     m_tool->start();
 }
 
 // Both cables in, so that pulling one leaves the other chip alone.
-void ToolTest::startFlashing(Chip chip)
+void RigToolTest::startFlashing(Chip chip)
 {
     m_device->plug(Chip::Pc);
     m_device->plug(Chip::Otg);
@@ -144,18 +144,18 @@ void ToolTest::startFlashing(Chip chip)
         {image, QStringLiteral("--pid"), chip == Chip::Pc ? QStringLiteral("000e") : QStringLiteral("001f")});
 }
 
-void ToolTest::waitForEnd()
+void RigToolTest::waitForEnd()
 {
     QTRY_COMPARE_WITH_TIMEOUT(m_tool->state(), QProcess::NotRunning, kPatience);
 }
 
-QByteArray ToolTest::progress() const
+QByteArray RigToolTest::progress() const
 {
     QFile file(m_sandbox->progressFile());
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-void ToolTest::aChipIsFlashed_data()
+void RigToolTest::aChipIsFlashed_data()
 {
     QTest::addColumn<Model>("model");
     QTest::addColumn<Chip>("chip");
@@ -177,7 +177,7 @@ void ToolTest::aChipIsFlashed_data()
         << Model::R2 << Chip::Otg << true << QStringLiteral("0065") << true;
 }
 
-void ToolTest::aChipIsFlashed()
+void RigToolTest::aChipIsFlashed()
 {
     QFETCH(Model, model);
     QFETCH(Chip, chip);
@@ -201,7 +201,7 @@ void ToolTest::aChipIsFlashed()
     QTRY_COMPARE_WITH_TIMEOUT(m_device->runningVersion(chip), QVersionNumber(1, 9, 0), kPatience);
 }
 
-void ToolTest::thePercentageRisesSmoothly()
+void RigToolTest::thePercentageRisesSmoothly()
 {
     startFlashing(Chip::Pc);
     const auto started = m_journal->now();
@@ -214,7 +214,7 @@ void ToolTest::thePercentageRisesSmoothly()
     QVERIFY2(took >= std::chrono::seconds(6), qPrintable(QString::number(qint64(took.count()))));
 }
 
-void ToolTest::theRunIsOnRecord()
+void RigToolTest::theRunIsOnRecord()
 {
     int started = 0;
     int ended = 0;
@@ -239,7 +239,7 @@ void ToolTest::theRunIsOnRecord()
     QVERIFY(m_port->runs().isEmpty());
 }
 
-void ToolTest::theWrongCommandLineIsRefused_data()
+void RigToolTest::theWrongCommandLineIsRefused_data()
 {
     QTest::addColumn<QStringList>("arguments");
     const auto image = QStringLiteral("image.bin");
@@ -257,7 +257,7 @@ void ToolTest::theWrongCommandLineIsRefused_data()
     QTest::newRow("another order") << QStringList{option, QStringLiteral("000e"), image};
 }
 
-void ToolTest::theWrongCommandLineIsRefused()
+void RigToolTest::theWrongCommandLineIsRefused()
 {
     QFETCH(QStringList, arguments);
     start(arguments);
@@ -267,7 +267,7 @@ void ToolTest::theWrongCommandLineIsRefused()
     QVERIFY(!QFile::exists(m_sandbox->progressFile()));
 }
 
-void ToolTest::whatCannotBeFlashedIsReported_data()
+void RigToolTest::whatCannotBeFlashedIsReported_data()
 {
     QTest::addColumn<QByteArray>("image");
     QTest::addColumn<QString>("pid");
@@ -281,7 +281,7 @@ void ToolTest::whatCannotBeFlashedIsReported_data()
         << QByteArray(600 * 1024, 'x') << QStringLiteral("000e") << false;
 }
 
-void ToolTest::whatCannotBeFlashedIsReported()
+void RigToolTest::whatCannotBeFlashedIsReported()
 {
     QFETCH(QByteArray, image);
     QFETCH(QString, pid);
@@ -298,7 +298,7 @@ void ToolTest::whatCannotBeFlashedIsReported()
     QVERIFY(!m_port->runs().isEmpty() && !m_port->runs().first().finished);
 }
 
-void ToolTest::theToolWaitsAMomentForTheDevice()
+void RigToolTest::theToolWaitsAMomentForTheDevice()
 {
     start({writeImage(buildImage({Model::R2, Chip::Pc, QVersionNumber(1, 9, 0)})), QStringLiteral("--pid"),
            QStringLiteral("000e")});
@@ -308,7 +308,7 @@ void ToolTest::theToolWaitsAMomentForTheDevice()
     QCOMPARE(lines(progress()).last(), QByteArray(kComplete));
 }
 
-void ToolTest::withoutARigTheToolReportsFailure()
+void RigToolTest::withoutARigTheToolReportsFailure()
 {
     qunsetenv(wire::kSocketVariable);
     start({writeImage("image"), QStringLiteral("--pid"), QStringLiteral("000e")});
@@ -317,7 +317,7 @@ void ToolTest::withoutARigTheToolReportsFailure()
     QCOMPARE(progress(), QByteArray("0%\nsuccess 0\n"));
 }
 
-void ToolTest::aFaultShowsInTheFileAndTheExit_data()
+void RigToolTest::aFaultShowsInTheFileAndTheExit_data()
 {
     QTest::addColumn<Fault>("fault");
     QTest::addColumn<End>("end");
@@ -346,7 +346,7 @@ void ToolTest::aFaultShowsInTheFileAndTheExit_data()
         << Fault::DeviceDamagedTransfer << End::Exits << 1 << QByteArray("success 0") << false;
 }
 
-void ToolTest::aFaultShowsInTheFileAndTheExit()
+void RigToolTest::aFaultShowsInTheFileAndTheExit()
 {
     QFETCH(Fault, fault);
     QFETCH(End, end);
@@ -372,7 +372,7 @@ void ToolTest::aFaultShowsInTheFileAndTheExit()
     QVERIFY(!m_faults->isArmed(fault));
 }
 
-void ToolTest::standingPercentages_data()
+void RigToolTest::standingPercentages_data()
 {
     QTest::addColumn<Fault>("fault");
     QTest::addColumn<int>("percent");
@@ -382,7 +382,7 @@ void ToolTest::standingPercentages_data()
     QTest::newRow("100 %, all written") << Fault::ToolStallsAt100 << 100 << true;
 }
 
-void ToolTest::standingPercentages()
+void RigToolTest::standingPercentages()
 {
     QFETCH(Fault, fault);
     QFETCH(int, percent);
@@ -396,7 +396,7 @@ void ToolTest::standingPercentages()
     QCOMPARE(m_device->flash(Chip::Pc) == m_image, flashed);
 }
 
-void ToolTest::askedToEndItEnds_data()
+void RigToolTest::askedToEndItEnds_data()
 {
     QTest::addColumn<bool>("stubborn");
 #ifndef Q_OS_WIN // there a program without a window cannot be asked
@@ -405,7 +405,7 @@ void ToolTest::askedToEndItEnds_data()
     QTest::newRow("a stubborn tool goes on to the end") << true;
 }
 
-void ToolTest::askedToEndItEnds()
+void RigToolTest::askedToEndItEnds()
 {
     QFETCH(bool, stubborn);
     if (stubborn)
@@ -418,7 +418,7 @@ void ToolTest::askedToEndItEnds()
     QCOMPARE(lines(progress()).last() == kComplete, stubborn);
 }
 
-void ToolTest::aKilledToolLeavesABrick()
+void RigToolTest::aKilledToolLeavesABrick()
 {
     startFlashing(Chip::Pc);
     QTRY_VERIFY_WITH_TIMEOUT(reaches(50), kPatience);
@@ -432,7 +432,7 @@ void ToolTest::aKilledToolLeavesABrick()
     QCOMPARE(m_device->interfaces().first().productId, 0x00FF);
 }
 
-void ToolTest::aStandingToolEndsWithTheRig()
+void RigToolTest::aStandingToolEndsWithTheRig()
 {
     m_faults->arm(Fault::ToolStallsAt42);
     startFlashing(Chip::Pc);
@@ -442,7 +442,7 @@ void ToolTest::aStandingToolEndsWithTheRig()
     QCOMPARE(m_tool->exitStatus(), QProcess::NormalExit);
 }
 
-void ToolTest::theOldLinesOfAHugeFileComeFirst()
+void RigToolTest::theOldLinesOfAHugeFileComeFirst()
 {
     m_faults->arm(Fault::ToolHugeFile);
     startFlashing(Chip::Pc);
@@ -451,7 +451,7 @@ void ToolTest::theOldLinesOfAHugeFileComeFirst()
     QCOMPARE(percentages(progress()).size(), 101);
 }
 
-void ToolTest::chatterGoesToTheOutput()
+void RigToolTest::chatterGoesToTheOutput()
 {
     m_faults->arm(Fault::ToolChatty);
     startFlashing(Chip::Pc);
@@ -459,7 +459,7 @@ void ToolTest::chatterGoesToTheOutput()
     QVERIFY(m_tool->readAllStandardOutput().size() > 1024 * 1024);
 }
 
-void ToolTest::aFaultForOneChipSparesTheOther()
+void RigToolTest::aFaultForOneChipSparesTheOther()
 {
     m_faults->arm(Fault::ToolNoFile, {Chip::Otg, {}, 1});
     startFlashing(Chip::Pc);
@@ -468,7 +468,7 @@ void ToolTest::aFaultForOneChipSparesTheOther()
     QVERIFY(m_faults->isArmed(Fault::ToolNoFile));
 }
 
-void ToolTest::pullingTheCableEndsInFailure_data()
+void RigToolTest::pullingTheCableEndsInFailure_data()
 {
     QTest::addColumn<Fault>("fault");
     QTest::addColumn<int>("productId");
@@ -476,7 +476,7 @@ void ToolTest::pullingTheCableEndsInFailure_data()
     QTest::newRow("at half of the image") << Fault::DevicePulledAtHalf << 0x00FF;
 }
 
-void ToolTest::pullingTheCableEndsInFailure()
+void RigToolTest::pullingTheCableEndsInFailure()
 {
     QFETCH(Fault, fault);
     m_faults->arm(fault, {Chip::Pc, {}, 1});
@@ -489,7 +489,7 @@ void ToolTest::pullingTheCableEndsInFailure()
     QTEST(m_device->interfaces().first().productId, "productId");
 }
 
-void ToolTest::aToolThatShouldUseUsbIsHungUpOn()
+void RigToolTest::aToolThatShouldUseUsbIsHungUpOn()
 {
     m_port->takeGreetingsOnly();
     startFlashing(Chip::Pc);
@@ -499,7 +499,7 @@ void ToolTest::aToolThatShouldUseUsbIsHungUpOn()
     QCOMPARE(m_device->state(Chip::Pc), ChipState::Running);
 }
 
-void ToolTest::nonsenseOnTheSocketIsHungUpOn_data()
+void RigToolTest::nonsenseOnTheSocketIsHungUpOn_data()
 {
     QTest::addColumn<QByteArray>("sent");
     QTest::newRow("an unknown message") << QByteArray("flash everything\n");
@@ -512,7 +512,7 @@ void ToolTest::nonsenseOnTheSocketIsHungUpOn_data()
     QTest::newRow("a line without an end") << QByteArray(100 * 1024, 'x');
 }
 
-void ToolTest::nonsenseOnTheSocketIsHungUpOn()
+void RigToolTest::nonsenseOnTheSocketIsHungUpOn()
 {
     QLocalSocket socket;
     socket.setSocketOptions(QLocalSocket::AbstractNamespaceOption);
@@ -524,5 +524,5 @@ void ToolTest::nonsenseOnTheSocketIsHungUpOn()
     QTRY_COMPARE_WITH_TIMEOUT(disconnected.size(), 1, kPatience);
 }
 
-QUILLON_TEST_CORE(ToolTest)
+QUILLON_TEST_CORE(RigToolTest)
 #include "tst_rig_tool.moc"

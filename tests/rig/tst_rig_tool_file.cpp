@@ -7,7 +7,7 @@
 
 using namespace rig;
 
-class ToolFileTest : public QObject {
+class RigToolFileTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -32,7 +32,7 @@ private:
     QString m_path;
 };
 
-bool ToolFileTest::mayRun() const
+bool RigToolFileTest::mayRun() const
 {
 #ifdef Q_OS_WIN
     return QFile(m_path).open(QIODevice::ReadOnly); // what a program's start needs
@@ -41,7 +41,7 @@ bool ToolFileTest::mayRun() const
 #endif
 }
 
-void ToolFileTest::init()
+void RigToolFileTest::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
     m_path = m_folder->filePath(QStringLiteral("tool.exe"));
@@ -51,14 +51,14 @@ void ToolFileTest::init()
     file.setPermissions(file.permissions() | QFile::ExeOwner | QFile::ExeUser);
 }
 
-void ToolFileTest::aFaultLastsAsLongAsItIsArmed_data()
+void RigToolFileTest::aFaultLastsAsLongAsItIsArmed_data()
 {
     QTest::addColumn<Fault>("fault");
     QTest::newRow("missing") << Fault::ToolMissing;
     QTest::newRow("not executable") << Fault::ToolNotExecutable;
 }
 
-void ToolFileTest::aFaultLastsAsLongAsItIsArmed()
+void RigToolFileTest::aFaultLastsAsLongAsItIsArmed()
 {
     QFETCH(Fault, fault);
     FaultBoard faults;
@@ -74,7 +74,7 @@ void ToolFileTest::aFaultLastsAsLongAsItIsArmed()
     QVERIFY(isThere() && mayRun());
 }
 
-void ToolFileTest::bothFaultsAtATime()
+void RigToolFileTest::bothFaultsAtATime()
 {
     FaultBoard faults;
     {
@@ -89,12 +89,12 @@ void ToolFileTest::bothFaultsAtATime()
     QVERIFY(isThere() && mayRun());
 }
 
-void ToolFileTest::theToolIsPutRightInTheEnd_data()
+void RigToolFileTest::theToolIsPutRightInTheEnd_data()
 {
     aFaultLastsAsLongAsItIsArmed_data();
 }
 
-void ToolFileTest::theToolIsPutRightInTheEnd()
+void RigToolFileTest::theToolIsPutRightInTheEnd()
 {
     QFETCH(Fault, fault);
     FaultBoard faults;
@@ -107,7 +107,7 @@ void ToolFileTest::theToolIsPutRightInTheEnd()
     QVERIFY(isThere() && mayRun());
 }
 
-void ToolFileTest::aFaultFollowsThePath()
+void RigToolFileTest::aFaultFollowsThePath()
 {
     FaultBoard faults;
     faults.arm(Fault::ToolMissing);
@@ -118,7 +118,7 @@ void ToolFileTest::aFaultFollowsThePath()
     QVERIFY(isThere());
 }
 
-void ToolFileTest::whatAKilledProcessLeftIsPutBack()
+void RigToolFileTest::whatAKilledProcessLeftIsPutBack()
 {
     QVERIFY(QFile::rename(m_path, m_path + QStringLiteral(".aside")));
     FaultBoard faults;
@@ -127,7 +127,7 @@ void ToolFileTest::whatAKilledProcessLeftIsPutBack()
     QVERIFY(isThere());
 }
 
-void ToolFileTest::aToolThatWasNeverThereIsLeftAlone()
+void RigToolFileTest::aToolThatWasNeverThereIsLeftAlone()
 {
     QVERIFY(QFile::remove(m_path));
     FaultBoard faults;
@@ -140,7 +140,7 @@ void ToolFileTest::aToolThatWasNeverThereIsLeftAlone()
     QVERIFY(m_journal.entries().isEmpty() || !m_journal.entries().last().text.contains(m_path));
 }
 
-void ToolFileTest::theToolIsLookedForBesideTheExecutable()
+void RigToolFileTest::theToolIsLookedForBesideTheExecutable()
 {
     FaultBoard faults;
     const ToolFile tool(faults, m_journal);
@@ -148,5 +148,5 @@ void ToolFileTest::theToolIsLookedForBesideTheExecutable()
              QCoreApplication::applicationDirPath() + QStringLiteral("/OrvikFirmwareUpdata.exe"));
 }
 
-QUILLON_TEST_CORE(ToolFileTest)
+QUILLON_TEST_CORE(RigToolFileTest)
 #include "tst_rig_tool_file.moc"

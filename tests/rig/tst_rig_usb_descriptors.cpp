@@ -33,7 +33,7 @@ QList<QByteArray> descriptorsIn(const QByteArray &bytes)
 } // namespace
 
 // What a host is told of the device. The kernel refuses a part that does not fit without saying which.
-class UsbDescriptorsTest : public QObject {
+class RigUsbDescriptorsTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -45,7 +45,7 @@ private Q_SLOTS:
     void thereAreNoStrings();
 };
 
-void UsbDescriptorsTest::theHeadCountsWhatFollows()
+void RigUsbDescriptorsTest::theHeadCountsWhatFollows()
 {
     const QByteArray all = usb::interfaceDescriptors();
     QCOMPARE(numberAt<quint32>(all, 0), quint32(FUNCTIONFS_DESCRIPTORS_MAGIC_V2));
@@ -55,7 +55,7 @@ void UsbDescriptorsTest::theHeadCountsWhatFollows()
     QCOMPARE(numberAt<quint32>(all, 12) + numberAt<quint32>(all, 16), quint32(descriptors.size()));
 }
 
-void UsbDescriptorsTest::eachSpeedHasTheSameInterface()
+void RigUsbDescriptorsTest::eachSpeedHasTheSameInterface()
 {
     const QList<QByteArray> all = descriptorsIn(usb::interfaceDescriptors().sliced(kHead));
     QList<int> types;
@@ -69,20 +69,20 @@ void UsbDescriptorsTest::eachSpeedHasTheSameInterface()
         QCOMPARE(numberAt<quint16>(all.at(endpoint), 4), quint16(64));
 }
 
-void UsbDescriptorsTest::theReportDescriptorIsAsLongAsAnnounced()
+void RigUsbDescriptorsTest::theReportDescriptorIsAsLongAsAnnounced()
 {
     const QByteArray hid = descriptorsIn(usb::interfaceDescriptors().sliced(kHead)).at(1);
     QCOMPARE(numberAt<quint16>(hid, 7), quint16(usb::reportDescriptor().size()));
 }
 
-void UsbDescriptorsTest::bothReportsAreDeclared_data()
+void RigUsbDescriptorsTest::bothReportsAreDeclared_data()
 {
     QTest::addColumn<char>("id");
     QTest::newRow("register protocol") << kReportId;
     QTest::newRow("boot loader") << kBootLoaderReportId;
 }
 
-void UsbDescriptorsTest::bothReportsAreDeclared()
+void RigUsbDescriptorsTest::bothReportsAreDeclared()
 {
     QFETCH(char, id);
     const QByteArray descriptor = usb::reportDescriptor();
@@ -93,7 +93,7 @@ void UsbDescriptorsTest::bothReportsAreDeclared()
     QVERIFY(items.contains(QByteArray::fromHex("8102")) && items.contains(QByteArray::fromHex("9102")));
 }
 
-void UsbDescriptorsTest::thereAreNoStrings()
+void RigUsbDescriptorsTest::thereAreNoStrings()
 {
     const QByteArray strings = usb::interfaceStrings();
     QCOMPARE(strings.size(), 16);
@@ -101,5 +101,5 @@ void UsbDescriptorsTest::thereAreNoStrings()
     QCOMPARE(numberAt<quint32>(strings, 4), quint32(16));
 }
 
-QUILLON_TEST_CORE(UsbDescriptorsTest)
+QUILLON_TEST_CORE(RigUsbDescriptorsTest)
 #include "tst_rig_usb_descriptors.moc"
