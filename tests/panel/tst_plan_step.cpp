@@ -68,12 +68,13 @@ void PlanStepTest::planStepNeedsItsVersions()
     QFETCH(QStringList, versions);
     QFETCH(bool, isTaken);
     panel().pretendVersions(versions.at(0), versions.at(1), versions.at(2), versions.at(3));
-    panel().pretendPlan(static_cast<UpgradePlan>(42)); // of an earlier read, and recognisable
+    constexpr auto former = UpgradePlan(42); // of an earlier read, and recognisable
+    panel().pretendPlan(former);
     QSignalSpy announced(&panel(), &FirmwareUpgradeWidget::upgradeDisplayMsg);
 
     panel().receive(kOtherReply);
     QCOMPARE(announced.count(), isTaken ? 1 : 0);
-    QCOMPARE(int(panel().plan()) != 42, isTaken);
+    QCOMPARE(panel().plan() != former, isTaken);
 }
 
 void PlanStepTest::idlePanelTakesThePlan_data()
