@@ -51,7 +51,7 @@ QList<QCommandLineOption> optionTable()
 
 QString helpText(const options::Words &words)
 {
-    QString text = words.helpTextFor(QStringLiteral("quillon-host [options]"));
+    QString text = words.helpTextFor(QStringLiteral("quillon-host"), QStringLiteral("[options]"));
     text += QStringLiteral("\nFaults:\n");
     for (const rig::FaultInfo &fault : rig::faultTable()) {
         text += QStringLiteral("  %1  %2\n")

@@ -75,7 +75,7 @@ QString helpText(const options::Words &words)
             = QStringLiteral("%1 %2").arg(QLatin1String(row.name), QLatin1String(row.arguments));
         commands += QStringLiteral("  %1  %2\n").arg(form, -22).arg(QLatin1String(row.meaning));
     }
-    return words.helpTextFor(QStringLiteral("quillon-probe COMMAND [options]")) + commands
+    return words.helpTextFor(QStringLiteral("quillon-probe"), QStringLiteral("COMMAND [options]")) + commands
         + QStringLiteral(
                "\nExit status: 0 when it was done, 1 when there is no device or none that answers,\n2 for a "
                "bad "

@@ -38,9 +38,11 @@ bool Words::asksForHelp() const
     return m_complaint.isEmpty() && isSet(kHelp);
 }
 
-QString Words::helpTextFor(const QString &usage) const
+QString Words::helpTextFor(const QString &program, const QString &form) const
 {
-    return helpText().replace(QStringLiteral("<executable_name> [options]"), usage);
+    return helpText()
+        .replace(QStringLiteral("<executable_name>"), program)
+        .replace(QStringLiteral("[options]"), form);
 }
 
 } // namespace options

@@ -29,7 +29,8 @@ public:
     QString complaint() const { return m_complaint; }
 
     bool asksForHelp() const;
-    QString helpTextFor(const QString &usage) const; ///< \a usage: the program and what stands behind it
+    /// \a form: what stands behind the program's name.
+    QString helpTextFor(const QString &program, const QString &form) const;
 
 private:
     QString m_complaint;
