@@ -13,8 +13,8 @@ class InstantServer : public QNetworkAccessManager {
 public:
     void setAnswer(const QByteArray &body)
     {
-        m_answer.setUrl(QUrl(QStringLiteral("data:application/json;base64,")
-                             + QString::fromLatin1(body.toBase64())));
+        m_answer.setUrl(
+            QUrl(QStringLiteral("data:application/json;base64,") + QString::fromLatin1(body.toBase64())));
     }
 
 protected:
