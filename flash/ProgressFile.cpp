@@ -53,7 +53,7 @@ Reading read(const QString &path, const QString &leftover)
     if (!SharedFile::openForReading(file)) {
         if (SharedFile::isHeld(path))
             return {Outcome::Held, QString()};
-        // Let go of between the two questions, or not there at all.
+        // Closed by the other program between the two questions, or not there at all.
         if (!SharedFile::openForReading(file))
             return {};
     }

@@ -35,7 +35,7 @@ struct Reading {
     QString line; ///< as lastLine()
 };
 
-/// Reads the file at \a path, whoever else has it open, and lets go of it at once. While its fingerprint is
+/// Reads the file at \a path, whoever else has it open, and closes it at once. While its fingerprint is
 /// \a leftover, as clear() gave it, there is no file yet.
 Reading read(const QString &path, const QString &leftover = QString());
 

@@ -22,7 +22,7 @@ namespace host {
 class FirmwareBox;
 class PanelHolder;
 
-/// What a tester turns: the simulated device, its cables, the server, the faults, and the panel. Every
+/// What a tester can set: the simulated device, its cables, the server, the faults, and the panel. Every
 /// control follows what a scenario or the device itself does.
 class ControlPanel : public QWidget {
     Q_OBJECT

@@ -55,7 +55,7 @@ void EventLog::record(const QString &source, const QString &text)
         line = now() + QStringLiteral("  ") + source.leftJustified(kSourceWidth) + QLatin1Char(' ') + oneLine;
         if (m_file.isOpen()) {
             m_file.write(line.toUtf8() + '\n');
-            // A log is read most eagerly after a crash.
+            // Nothing may wait in a buffer: a log matters most after a crash.
             m_file.flush();
         }
     }
@@ -68,7 +68,7 @@ void EventLog::takeMessage(QtMsgType type, const QMessageLogContext &context, co
         log->record(type == QtDebugMsg || type == QtInfoMsg ? QStringLiteral("panel")
                                                             : QStringLiteral("warning"),
                     text);
-    // The platform without a display says at every turn what it cannot do.
+    // The platform without a display warns about everything that it cannot do.
     const bool isForPeople = type != QtDebugMsg && type != QtInfoMsg
         && !text.startsWith(QLatin1StringView("This plugin does not support"));
     const QtMessageHandler former = terminal;

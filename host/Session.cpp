@@ -101,7 +101,7 @@ void Session::layOutDevice()
 
 void Session::watchRig()
 {
-    // The journal is written by several threads; the log bears that.
+    // Several threads write to the journal, and each of them may call the log.
     connect(
         &m_rig->journal(), &rig::Journal::recorded, this,
         [this](const rig::JournalEntry &entry) { m_log.record(entry.source, entry.text); },
@@ -134,7 +134,7 @@ void Session::watchScreens()
     });
 }
 
-// The panel finds such a device and cannot open it, and has no words for that.
+// The panel finds such a device, cannot open it, and shows nothing about it.
 void Session::watchPermissions()
 {
     if (m_options.simulate && !m_options.usb)

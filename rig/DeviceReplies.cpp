@@ -36,7 +36,7 @@ std::optional<Chip> chipReadBy(const RegisterRequest &request)
     return first == kPcVersionRegister ? Chip::Pc : Chip::Otg;
 }
 
-// What this request is told, which a fault may have bent.
+// What this request is told. A fault may change it.
 Registers shownTo(const RegisterRequest &request, const Registers &registers, FaultBoard &faults)
 {
     Registers shown = registers;

@@ -141,7 +141,7 @@ bool UsbBus::start(QString *error)
     m_thread.runAndWait([&] { started = m_mirror->start(error); });
     if (!started)
         return false;
-    // A signal that was on its way when the mirror went finds none.
+    // A signal may still arrive when the mirror is gone.
     const auto update = [this] {
         if (m_mirror)
             m_mirror->update();

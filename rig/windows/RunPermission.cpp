@@ -30,7 +30,7 @@ void RunPermission::set(bool granted)
         m_held = nullptr;
         return;
     }
-    // Others may rename it all the same: a tool can be missing besides.
+    // Others may still rename it, for a tool can be missing at the same time.
     const QString native = QDir::toNativeSeparators(m_path);
     const HANDLE held
         = CreateFileW(reinterpret_cast<const wchar_t *>(native.utf16()), GENERIC_READ, FILE_SHARE_DELETE,

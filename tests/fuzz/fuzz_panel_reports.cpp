@@ -105,7 +105,7 @@ private:
     QApplication m_application;
     BoxCloser m_boxCloser;
     InstantServer m_server;
-    FirmwareUpgradeWidget *m_panel = nullptr; // the process ends without its leave
+    FirmwareUpgradeWidget *m_panel = nullptr; // never deleted: the process just ends
 };
 
 /// Nothing that a panel writes may reach the real home.

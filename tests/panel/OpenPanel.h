@@ -17,7 +17,7 @@ using QuillonFirmwareUpgrade::UpgradePlan;
 /// The device has two, and nearly everything the panel knows it knows of each.
 enum class Chip { Pc, Otg };
 
-/// What a panel has to bear the loss of.
+/// What a panel can lose without a crash.
 enum class Part { Library, Bar, Poll, Watchdog, Tool, Movie, Animation, DetectingText, CableHint };
 
 /// The panel with its lid off: all that a test may see of its inside or do to it, and the only place where

@@ -269,7 +269,7 @@ void DestructionTest::openDeviceIsClosed()
     QCOMPARE(PanelStage::bus().openConnections(), 1);
 
     deletePanel();
-    QTRY_COMPARE(PanelStage::bus().openConnections(), 0); // the threads may need a moment to let go of it
+    QTRY_COMPARE(PanelStage::bus().openConnections(), 0); // the threads may need a moment to close it
     QVERIFY(!OrvikHIDManager::instance()->getConnected());
 }
 

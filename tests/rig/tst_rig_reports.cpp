@@ -198,9 +198,9 @@ void RigReportsTest::faultsBendTheReplies()
     FaultBoard faults;
     faults.arm(fault, {{}, {}, 1});
     Registers registers{false, QVersionNumber(1, 2, 3), QVersionNumber(4, 5, 6), {}};
-    const QList<QByteArray> bent = repliesTo(request, registers, faults);
+    const QList<QByteArray> changed = repliesTo(request, registers, faults);
     QFETCH(QByteArray, reply);
-    QCOMPARE(bent.value(0).toHex(' '), reply.toHex(' '));
+    QCOMPARE(changed.value(0).toHex(' '), reply.toHex(' '));
     QVERIFY(!faults.isArmed(fault));
     QVERIFY(repliesTo(request, registers, faults).value(0) != reply);
 }

@@ -155,7 +155,7 @@ bool MockDevice::State::takeIoctl(UMockdevIoctlClient *client)
     if (umockdev_ioctl_client_get_request(client) != HIDIOCGRDESCSIZE)
         return false;
     const std::lock_guard lock(mutex);
-    // A device that has left answers all the same: hidapi does not survive one that leaves between its open
+    // A device that has left still answers: hidapi does not survive one that leaves between its open
     // and this call. Those two are microseconds apart on a real system, and as much as milliseconds here.
     if (!ready) {
         umockdev_ioctl_client_complete(client, -1, ENOTTY);
