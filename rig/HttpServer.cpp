@@ -8,7 +8,7 @@
 namespace rig {
 
 namespace {
-constexpr qint64 kChunk = 64 * 1024;
+constexpr qint64 kChunk = qint64(64) * 1024;
 constexpr int kDrops = 40;
 } // namespace
 
