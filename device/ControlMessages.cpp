@@ -1,35 +1,23 @@
 #include "device/ControlMessages.h"
 
+#include "device/RegisterFrame.h"
+
 #include <QDebug>
 #include <QMutexLocker>
 
 #include <algorithm>
 
+using namespace RegisterFrame;
+
 namespace {
 
 constexpr int kReportSize = 65;
 constexpr char kReportId = 0x51;
-constexpr char kStartMark = char(0xC4);
-constexpr int kHeaderSize = 6; // report ID, start mark, length, two zeros, operation
-constexpr int kChecksumSize = 2;
-
-void appendWord(QByteArray &bytes, quint16 word)
-{
-    bytes.append(char(word & 0xFF)).append(char(word >> 8));
-}
-
-/// The two's complement of the sum of everything behind the report ID.
-quint16 checksumOf(const QByteArray &report)
-{
-    quint32 sum = 0;
-    for (auto byte = report.cbegin() + 1; byte != report.cend(); ++byte)
-        sum += quint8(*byte);
-    return quint16(0x10000 - (sum & 0xFFFF));
-}
+constexpr int kIdSize = 1;
 
 QByteArray buildReport(ControlOperation operation, const QList<quint16> &words)
 {
-    const qsizetype used = kHeaderSize + 2 * words.size() + kChecksumSize;
+    const qsizetype used = kIdSize + kPayloadAt + 2 * words.size() + kChecksumSize;
     if (used > kReportSize) {
         qWarning("ControlMessages: %d words do not fit into one report", int(words.size()));
         return {};
@@ -38,13 +26,13 @@ QByteArray buildReport(ControlOperation operation, const QList<quint16> &words)
     report.reserve(kReportSize);
     report.append(kReportId)
         .append(kStartMark)
-        .append(char(used - 1))
+        .append(char(used - kIdSize))
         .append('\0')
         .append('\0')
         .append(char(operation));
     for (const quint16 word : words)
         appendWord(report, word);
-    appendWord(report, checksumOf(report));
+    appendWord(report, checksumOf(QByteArrayView(report).sliced(kIdSize)));
     report.append(kReportSize - report.size(), '\0');
     return report;
 }

@@ -1,62 +1,58 @@
 #include "device/Report.h"
 
+#include "device/RegisterFrame.h"
+
 #include <QStringList>
 
 namespace Report {
 
+using namespace RegisterFrame;
+
 namespace {
-constexpr int kLengthOffset = 1;
-constexpr int kOperationOffset = 4;
-constexpr int kPayloadOffset = 5;
-constexpr int kOverhead = 7; // what the stated length counts besides the payload
+constexpr int kOverhead = kPayloadAt + kChecksumSize; // what the stated length counts besides the payload
 constexpr int kEntrySize = 4;
 constexpr int kVersionOffset = 9;
 constexpr int kVersionParts = 3;
 constexpr char kDroppedMark = 2;
 constexpr int kLoggedBytes = 25;
-
-template <typename Word> Word wordAt(const QByteArray &report, qsizetype offset)
-{
-    return Word(quint8(report.at(offset)) | quint8(report.at(offset + 1)) << 8);
-}
 } // namespace
 
 std::optional<quint8> operation(const QByteArray &report)
 {
-    if (report.size() <= kPayloadOffset)
+    if (report.size() <= kPayloadAt)
         return std::nullopt;
-    return quint8(report.at(kOperationOffset));
+    return quint8(report.at(kOperationAt));
 }
 
 bool isDropped(const QByteArray &report)
 {
-    return report.size() > kPayloadOffset && report.at(kPayloadOffset) == kDroppedMark;
+    return report.size() > kPayloadAt && report.at(kPayloadAt) == kDroppedMark;
 }
 
 QList<RegisterValue> randomReadEntries(const QByteArray &report)
 {
     QList<RegisterValue> entries;
-    if (report.size() <= kLengthOffset)
+    if (report.size() <= kLengthAt)
         return entries;
-    const int stated = (int(quint8(report.at(kLengthOffset))) - kOverhead) / kEntrySize;
+    const int stated = (int(quint8(report.at(kLengthAt))) - kOverhead) / kEntrySize;
     for (int i = 0; i < stated; ++i) {
-        const qsizetype offset = kPayloadOffset + qsizetype(i) * kEntrySize;
+        const qsizetype offset = kPayloadAt + qsizetype(i) * kEntrySize;
         if (offset + kEntrySize > report.size())
             break;
-        entries.append({wordAt<quint16>(report, offset), wordAt<quint16>(report, offset + 2)});
+        entries.append({wordAt(report, offset), wordAt(report, offset + 2)});
     }
     return entries;
 }
 
 std::optional<VersionReply> versionReply(const QByteArray &report)
 {
-    if (report.size() < kPayloadOffset + 2)
+    if (report.size() < kPayloadAt + 2)
         return std::nullopt;
-    VersionReply reply{wordAt<quint16>(report, kPayloadOffset), {}};
+    VersionReply reply{wordAt(report, kPayloadAt), {}};
     if (report.size() >= kVersionOffset + 2 * kVersionParts) {
         QStringList parts;
         for (int i = 0; i < kVersionParts; ++i)
-            parts.append(QString::number(wordAt<qint16>(report, kVersionOffset + 2 * i)));
+            parts.append(QString::number(qint16(wordAt(report, kVersionOffset + 2 * i))));
         reply.version = parts.join(u'.');
     }
     return reply;
@@ -64,7 +60,7 @@ std::optional<VersionReply> versionReply(const QByteArray &report)
 
 std::optional<QString> logText(const QByteArray &report)
 {
-    if (report.size() <= kLengthOffset || report.at(kLengthOffset) == 0)
+    if (report.size() <= kLengthAt || report.at(kLengthAt) == 0)
         return std::nullopt;
     QString text = QStringLiteral("[HID接收] 数据长度:%1 内容:").arg(report.size());
     for (const char byte : report.left(kLoggedBytes))

@@ -2,9 +2,9 @@
 
 #include "device/ControlMessages.h"
 #include "device/ModelTable.h"
+#include "device/RegisterReport.h"
 #include "device/Report.h"
 #include "probe/Products.h"
-#include "probe/RegisterReport.h"
 
 #include <HIDCommunicator/OrvikHIDManager.h>
 

@@ -1,9 +1,9 @@
 #include "probe/ReportWords.h"
 
 #include "device/ControlMessages.h"
+#include "device/RegisterReport.h"
 #include "device/Report.h"
 #include "probe/Products.h"
-#include "probe/RegisterReport.h"
 
 #include <QStringList>
 

@@ -5,9 +5,8 @@
 
 #include <optional>
 
-namespace probe {
-
-/// A report of the register protocol, in either direction, taken apart. Nothing trusts what the report states
+/// A report of the register protocol, in either direction, taken apart to the checksum: for a diagnosis. What
+/// the panel reads is in device/Report.h. Nothing trusts what the report states
 /// about itself: what it does not hold is not there.
 struct RegisterReport {
     bool hasStartMark = false;
@@ -20,5 +19,3 @@ struct RegisterReport {
     /// \a report without its ID; nothing when it ends before the operation.
     static std::optional<RegisterReport> decode(const QByteArray &report);
 };
-
-} // namespace probe

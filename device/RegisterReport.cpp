@@ -1,32 +1,10 @@
-#include "probe/RegisterReport.h"
+#include "device/RegisterReport.h"
+
+#include "device/RegisterFrame.h"
 
 #include <algorithm>
-#include <numeric>
 
-namespace probe {
-
-namespace {
-
-constexpr qsizetype kLengthAt = 1;
-constexpr qsizetype kOperationAt = 4;
-constexpr qsizetype kPayloadAt = 5;
-constexpr int kChecksumSize = 2;
-constexpr char kStartMark = char(0xC4);
-
-quint16 wordAt(const QByteArray &report, qsizetype at)
-{
-    return quint16(quint8(report.at(at)) | quint8(report.at(at + 1)) << 8);
-}
-
-/// What makes the sum of \a covered and itself zero modulo 0x10000.
-quint16 checksumOf(QByteArrayView covered)
-{
-    const unsigned sum = std::accumulate(covered.begin(), covered.end(), 0u,
-                                         [](unsigned sum, char byte) { return sum + quint8(byte); });
-    return quint16(0u - sum);
-}
-
-} // namespace
+using namespace RegisterFrame;
 
 std::optional<RegisterReport> RegisterReport::decode(const QByteArray &report)
 {
@@ -45,5 +23,3 @@ std::optional<RegisterReport> RegisterReport::decode(const QByteArray &report)
         decoded.checksum = wordAt(report, payloadEnd);
     return decoded;
 }
-
-} // namespace probe
