@@ -1,5 +1,5 @@
 # The headers that hosts compile against: FirmwareUpgradeWidget.h, and below its folder what it includes, under the name
-# that has from the root of the tree.
+# that it has from the root of the tree.
 set(QUILLON_PUBLIC_HEADER panel/FirmwareUpgradeWidget.h)
 set(QUILLON_HEADERS_BELOW_IT device/DeviceModel.h)
 

@@ -22,7 +22,7 @@ struct BusInterface {
     enum class Kind { Foreign, PcNormal, PcBootLoader, OtgNormal, OtgBootLoader };
 
     QString path;
-    QString productIdText; ///< the digits as they stand in the path
+    QString productIdText; ///< the digits that the path names, in lower case
     int productId = 0; ///< 0 when they are no number
     Kind kind = Kind::Foreign;
     std::optional<DeviceModel>

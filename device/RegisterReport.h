@@ -6,8 +6,8 @@
 #include <optional>
 
 /// A report of the register protocol, in either direction, taken apart to the checksum: for a diagnosis. What
-/// the panel reads is in device/Report.h. Nothing trusts what the report states
-/// about itself: what it does not hold is not there.
+/// the panel reads is in device/Report.h. Nothing trusts what the report states about itself: what it does
+/// not hold is not there.
 struct RegisterReport {
     bool hasStartMark = false;
     int stated = 0; ///< the length it states: from the start mark to the checksum

@@ -315,7 +315,6 @@ private:
     int m_downloadRetryCount = 0;
     int m_maxDownloadRetry = 3;
     bool isChinese = true;                 // the texts are Chinese                  retranslateUI                retranslateUI
-    Language m_otherLanguage = Language::English; // what they are otherwise         retranslateUI
     bool m_isWaitingForUSB = true;         // the bar asks for the cable             waiting screen               tool start, progress monitor
     DeviceModel m_deviceModel = DeviceModel::R2;
     int lastDetectedOtgPid = 0;            // 0: none seen                           discovery                    click, model change, success
@@ -326,6 +325,7 @@ private:
     int m_zeroVersionCount = 0;            // "0.0.0" in a row in that wait          version reading              version reading, success
     QString m_leftoverReport;              // an old report that cannot be removed   tool start                   tool start
     int m_heldPolls = 0;                   // polls that found the file held         progress monitor             tool start
+    Language m_otherLanguage = Language::English; // the texts' when not Chinese     retranslateUI
     // clang-format on
 };
 

@@ -1,21 +1,19 @@
 #include "panel/LanguageTable.h"
 
-#include "net/networking_class.h"
-
-#include <QList>
+#include <array>
 
 namespace QuillonFirmwareUpgrade {
 
 namespace {
-const QList<LanguageRow> &languageRows()
+const std::array<LanguageRow, kLanguages> &languageRows()
 {
-    static const QList<LanguageRow> rows{
+    static const std::array<LanguageRow, kLanguages> rows{{
         {Language::Chinese, "Chinese", QStringLiteral("Microsoft YaHei"), QString(),
          &networking_class::f_remark, QStringLiteral("关闭")},
         {Language::English, "English", QStringLiteral("Segoe UI"),
          QStringLiteral(":/QUILLON/Translate/QuillonFirmwareUpgrade_en.qm"), &networking_class::f_remark_en,
          QStringLiteral("Close")},
-    };
+    }};
     return rows;
 }
 } // namespace

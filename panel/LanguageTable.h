@@ -1,10 +1,12 @@
 #pragma once
 
+#include "net/networking_class.h"
 #include "panel/FirmwareUpgradeWidget.h"
 
-class networking_class;
-
 namespace QuillonFirmwareUpgrade {
+
+/// How many languages there are: so many rows in the table, and so many columns in panel/Places.h.
+constexpr int kLanguages = 2;
 
 /// Everything that differs between the languages, but for the texts, which are in the catalogue, and for the
 /// places in panel/Places.h.

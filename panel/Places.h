@@ -23,7 +23,7 @@ public:
     const QRect &in(const LanguageRow &row) const { return m_columns.at(std::size_t(row.language)); }
 
 private:
-    std::array<QRect, 2> m_columns;
+    std::array<QRect, kLanguages> m_columns;
 };
 
 /// Every place of the panel's children, for those who create them, show them and change their language.

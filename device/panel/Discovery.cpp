@@ -60,7 +60,8 @@ void FirmwareUpgradeWidget::initHIDCommunicator()
             &FirmwareUpgradeWidget::onHidConnetChanged, Qt::QueuedConnection);
 }
 
-/// Judges the devices that are present right now. Whoever hears of what is found may delete the panel.
+/// Judges the devices that are present right now. A receiver of the signals that this emits may delete the
+/// panel.
 FirmwareUpgradeWidget::PanelIs FirmwareUpgradeWidget::rescan()
 {
     if (!m_hidManager)
