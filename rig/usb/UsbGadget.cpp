@@ -189,7 +189,7 @@ void UsbGadget::answerSetup(const usb_ctrlrequest &setup)
 
 void UsbGadget::serveReports()
 {
-    std::array<char, 2 * kPacketSize> packet{};
+    std::array<char, std::size_t(2) * kPacketSize> packet{};
     while (!m_stopping) {
         const ssize_t size = ::read(m_out.get(), packet.data(), packet.size());
         if (size <= 0) {

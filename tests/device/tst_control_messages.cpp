@@ -67,6 +67,7 @@ void ControlMessagesTest::isOneInstanceForAllThreads()
     std::atomic<int> waiting{kThreads};
     std::vector<ControlMessages *> seen(kThreads);
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (int i = 0; i < kThreads; ++i) {
         threads.emplace_back([&, i] {
             --waiting;
@@ -257,6 +258,7 @@ void ControlMessagesTest::registerValuesAreSharedByThreads()
     constexpr int kThreads = 4;
     constexpr int kRegisters = 500;
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (int i = 0; i < kThreads; ++i) {
         threads.emplace_back([i] {
             for (int n = 0; n < kRegisters; ++n) {
