@@ -61,6 +61,7 @@ struct Outcome {
 Outcome takeTours(const QString &folder, const QList<View> &views)
 {
     std::vector<std::unique_ptr<QProcess>> tours;
+    tours.reserve(std::size_t(views.size()));
     for (const View &view : views) {
         tours.push_back(std::make_unique<QProcess>());
         tours.back()->setProcessChannelMode(QProcess::ForwardedChannels);

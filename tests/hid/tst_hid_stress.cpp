@@ -199,6 +199,7 @@ void HidStressTest::severalThreadsCallEverything()
     bus().setResponder([](const QByteArray &asked) { return QList<QByteArray>{asked}; });
     std::atomic<int> running{kThreads};
     std::vector<std::thread> callers;
+    callers.reserve(kThreads);
     for (unsigned caller = 0; caller < kThreads; ++caller) {
         callers.emplace_back([caller, &running] {
             std::mt19937 random(caller);
