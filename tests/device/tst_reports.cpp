@@ -274,6 +274,9 @@ void ReportsTest::hostileReportsAreSurvived()
     QFETCH(int, operation);
     QFETCH(QString, version);
     constexpr int kLastSize = 18; // all that is said, and one byte more
+    // A slow machine is not done before the question that a new panel asks by itself.
+    QTRY_COMPARE(commands().size(), 1);
+    stage().log.clear();
     const QByteArray full = DeviceReplies::reply(quint8(operation), {0x000B, 0xFFFF, 1, 2, 3});
     for (int size = 0; size <= kLastSize; ++size) {
         for (int length : {0, 1, 6, 7, 11, 127, 128, 255}) {
