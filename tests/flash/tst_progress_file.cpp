@@ -1,6 +1,7 @@
 // The rules of the progress file: which line counts, and what a line says.
 #include "flash/ProgressFile.h"
 #include "tests/support/Sandbox.h"
+#include "tests/support/Sizes.h"
 #include "tests/support/TestProgram.h"
 
 #include <QBuffer>
@@ -168,13 +169,13 @@ void ProgressFileTest::aLargeFileIsReadFromItsEnd()
 {
     QFETCH(QByteArray, end);
     QFETCH(QString, line);
-    QByteArray content = QByteArray(16 * 1024 * 1024, 'x') + end;
+    QByteArray content = QByteArray(16 * kMiB, 'x') + end;
     CountingBuffer file(&content);
     QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Text));
     const auto last = ProgressFile::lastLine(file);
     QVERIFY(last.has_value());
     QCOMPARE(*last, line);
-    QVERIFY2(file.bytesRead <= 1024 * 1024, qPrintable(QString::number(file.bytesRead)));
+    QVERIFY2(file.bytesRead <= kMiB, qPrintable(QString::number(file.bytesRead)));
 }
 
 QUILLON_TEST_CORE(ProgressFileTest)

@@ -1,5 +1,6 @@
 // Progress files that no flashing tool would write. The panel neither stops nor takes them for a success.
 #include "tests/flash/FlashingTest.h"
+#include "tests/support/Sizes.h"
 #include "tests/support/TestProgram.h"
 
 #include <QDir>
@@ -33,7 +34,7 @@ private:
 };
 
 namespace {
-constexpr qint64 kHuge = 1024 * 1024 * 1024;
+constexpr qint64 kHuge = 1024 * kMiB;
 
 /// The most memory that this process ever held, in KiB; -1 where the system does not tell.
 qint64 peakMemory()
@@ -84,7 +85,7 @@ void ProgressHostileTest::aHugeFileCostsNothing()
     panel().pollProgress();
     QVERIFY2(time.elapsed() < 500, qPrintable(QString::number(time.elapsed())));
     const qint64 grown = peakMemory() - before;
-    QVERIFY2(grown < 32 * 1024, qPrintable(QString::number(grown)));
+    QVERIFY2(grown < 32 * kKiB, qPrintable(QString::number(grown)));
     QTEST(stage().percentText(), "text");
     QVERIFY(panel().pollTimer()->isActive());
 }

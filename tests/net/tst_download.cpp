@@ -1,4 +1,5 @@
 #include "tests/net/ClientTest.h"
+#include "tests/support/Sizes.h"
 #include "tests/support/TestProgram.h"
 
 #include <QCryptographicHash>
@@ -168,9 +169,9 @@ void DownloadTest::survivesAFullDisk()
 
 void DownloadTest::holdsLittleOfALargeImageInMemory()
 {
-    constexpr qint64 kImageSize = 96 * 1024 * 1024;
+    constexpr qint64 kImageSize = 96 * kMiB;
     // What this process and the kernel's socket buffers may hold of it while nobody writes it to disk.
-    constexpr qint64 kHeldAtMost = 24 * 1024 * 1024;
+    constexpr qint64 kHeldAtMost = 24 * kMiB;
     QByteArray piece(kImageSize / 1024, '\0');
     for (qsizetype i = 0; i < piece.size(); ++i)
         piece[i] = char(i * 31 + i / 509);

@@ -1,5 +1,6 @@
 // The text of a trace: what is read, what is refused, and that what is written is read again.
 #include "probe/trace/Trace.h"
+#include "tests/support/Sizes.h"
 #include "tests/support/TestProgram.h"
 
 #include <QTemporaryDir>
@@ -160,19 +161,19 @@ void TraceFileTest::whatIsNoTraceIsRefusedWithItsLine_data()
     row("a run beyond all", kPlugged + "1.000 in 1 00*4097\n",
         "x:3: no byte of two hexadecimal digits: \"00*4097\"");
     row("a report too long", kPlugged + "1.000 in 1 51 00*4096\n", "x:3: a report of more than 4096 bytes");
-    row("a line too long", kPlugged + QByteArray(16 * 1024 + 1, ' ') + "\n", "x:3: longer than 16384 bytes");
+    row("a line too long", kPlugged + QByteArray(16 * kKiB + 1, ' ') + "\n", "x:3: longer than 16384 bytes");
     row("bytes of a terminal", kPlugged + "1.000 in 1 \x1b[2J\xff\n",
         "x:3: no byte of two hexadecimal digits: \"?[2J?\"");
     row("a null byte", kPlugged + QByteArray("1.000 in 1 \0\n", 13),
         "x:3: no byte of two hexadecimal digits: \"?\"");
     row("a word as long as a page", kPlugged + "1.000 " + QByteArray(3000, 'a') + " 1\n",
         "x:3: no such event: \"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa...\"");
-    row("more reports than fit", kPlugged + QByteArray("1.000 in 1 00*4096\n").repeated(16 * 1024 + 1),
+    row("more reports than fit", kPlugged + QByteArray("1.000 in 1 00*4096\n").repeated(16 * kKiB + 1),
         "x:16387: more than 64 MiB of reports");
     row("more events than fit", kPlugged + QByteArray("1.000 in 1 51\n").repeated(1'000'000),
         "x:1000002: more than 1000000 events");
     row("more devices than fit", kFirst + plugs(1001), "x:1002: more than 1000 devices");
-    row("a file too large", kFirst + QByteArray(16 * 1024 * 1024, '\n'), "x: larger than 16 MiB");
+    row("a file too large", kFirst + QByteArray(16 * kMiB, '\n'), "x: larger than 16 MiB");
 }
 
 void TraceFileTest::whatIsNoTraceIsRefusedWithItsLine()

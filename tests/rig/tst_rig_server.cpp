@@ -1,5 +1,6 @@
 #include "rig/FirmwareImage.h"
 #include "rig/UpdateServer.h"
+#include "tests/support/Sizes.h"
 #include "tests/support/TestProgram.h"
 
 #include <QElapsedTimer>
@@ -256,7 +257,7 @@ void RigServerTest::faultsSpoilTheAnswer_data()
                                           return info && info->chip == Chip::Otg;
                                       });
     QTest::newRow("huge image") << Fault::ServerHugeImage << download << fine << 200
-                                << Check([](const QByteArray &b) { return b.size() > 512 * 1024; });
+                                << Check([](const QByteArray &b) { return b.size() > 512 * kKiB; });
 }
 
 void RigServerTest::faultsSpoilTheAnswer()
@@ -398,7 +399,7 @@ void RigServerTest::nonsenseIsHungUpOn_data()
     QTest::addColumn<QByteArray>("sent");
     QTest::newRow("no HTTP") << QByteArray("hello there\r\n\r\n");
     QTest::newRow("a relative target") << QByteArray("GET upinfo_test.aspx HTTP/1.1\r\n\r\n");
-    QTest::newRow("a head without an end") << QByteArray(70 * 1024, 'x');
+    QTest::newRow("a head without an end") << QByteArray(70 * kKiB, 'x');
     QTest::newRow("bytes") << QByteArray::fromHex("00ff00ff0d0a0d0a");
 }
 

@@ -3,6 +3,7 @@
 #include "rig/FirmwareImage.h"
 #include "rig/ToolWire.h"
 #include "tests/support/Sandbox.h"
+#include "tests/support/Sizes.h"
 #include "tests/support/TestProgram.h"
 
 #include <QLocalSocket>
@@ -278,7 +279,7 @@ void RigToolTest::whatCannotBeFlashedIsReported_data()
     QTest::newRow("a running chip said to be in its boot loader") << image << QStringLiteral("000e") << true;
     QTest::newRow("an empty image") << QByteArray() << QStringLiteral("000e") << false;
     QTest::newRow("an image larger than the flash")
-        << QByteArray(600 * 1024, 'x') << QStringLiteral("000e") << false;
+        << QByteArray(600 * kKiB, 'x') << QStringLiteral("000e") << false;
 }
 
 void RigToolTest::whatCannotBeFlashedIsReported()
@@ -447,7 +448,7 @@ void RigToolTest::theOldLinesOfAHugeFileComeFirst()
     m_faults->arm(Fault::ToolHugeFile);
     startFlashing(Chip::Pc);
     waitForEnd();
-    QVERIFY(progress().size() > 4 * 1024 * 1024);
+    QVERIFY(progress().size() > 4 * kMiB);
     QCOMPARE(percentages(progress()).size(), 101);
 }
 
@@ -456,7 +457,7 @@ void RigToolTest::chatterGoesToTheOutput()
     m_faults->arm(Fault::ToolChatty);
     startFlashing(Chip::Pc);
     waitForEnd();
-    QVERIFY(m_tool->readAllStandardOutput().size() > 1024 * 1024);
+    QVERIFY(m_tool->readAllStandardOutput().size() > kMiB);
 }
 
 void RigToolTest::aFaultForOneChipSparesTheOther()
@@ -509,7 +510,7 @@ void RigToolTest::nonsenseOnTheSocketIsHungUpOn_data()
     QTest::newRow("a report before the greeting") << QByteArray("report " + report + '\n');
     QTest::newRow("a report one byte short") << QByteArray("hello 1\nreport " + report.chopped(2) + '\n');
     QTest::newRow("a report that is no number") << QByteArray("hello 1\nreport block\n");
-    QTest::newRow("a line without an end") << QByteArray(100 * 1024, 'x');
+    QTest::newRow("a line without an end") << QByteArray(100 * kKiB, 'x');
 }
 
 void RigToolTest::nonsenseOnTheSocketIsHungUpOn()
