@@ -119,7 +119,7 @@ void ReportsTest::logLine_data()
     QTest::newRow("byte 1 is 0") << hex("c400000000ff07") << QStringList();
     QTest::newRow("all zeros") << QByteArray(64, '\0') << QStringList();
     QTest::newRow("two bytes") << hex("0001") << line(2, u" 00 01"_s);
-    QTest::newRow("24 bytes") << counted.left(24) << line(24, first25.left(24 * 3));
+    QTest::newRow("24 bytes") << counted.left(24) << line(24, first25.left(qsizetype(24) * 3));
     QTest::newRow("25 bytes are shown whole") << counted.left(25) << line(25, first25);
     QTest::newRow("26 bytes are cut") << counted.left(26) << line(26, first25 + u"..."_s);
     QTest::newRow("30 bytes are cut") << counted.left(30) << line(30, first25 + u"..."_s);

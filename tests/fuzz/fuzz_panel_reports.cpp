@@ -120,6 +120,7 @@ void moveHome()
 } // namespace
 
 // Fonts that were loaded stay, and are not the panel's.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the sanitizer looks for this name.
 extern "C" Q_DECL_EXPORT const char *__lsan_default_suppressions()
 {
     return "leak:libfontconfig";

@@ -245,7 +245,7 @@ QList<WidgetFacts> readFacts(const QString &path)
         return {};
     QList<WidgetFacts> facts;
     const QJsonArray array = QJsonDocument::fromJson(file.readAll()).array();
-    for (const QJsonValue &widget : array)
+    for (const QJsonValueConstRef widget : array)
         facts.append(WidgetFacts::fromJson(widget.toObject()));
     return facts;
 }

@@ -129,7 +129,7 @@ void DeletionInLoopsTest::deletedWhileItWaits()
 void DeletionInLoopsTest::deletedByAReceiver_data()
 {
     QTest::addColumn<Step>("step");
-    const auto deleteAt = [](auto signal, Step step) -> Step {
+    const auto deleteAt = [](auto signal, const Step &step) -> Step {
         return [signal, step](OpenPanel &panel) {
             connect(&panel, signal, qApp, [panel = &panel] { delete panel; });
             step(panel);

@@ -132,7 +132,7 @@ void RefreshTest::triesAgainUntilNothingIsLeft()
     clock.start();
     stage.panel->refreshVersions(3);
     QTRY_VERIFY(stage.log.contains(kExhausted));
-    QVERIFY2(clock.elapsed() >= 3 * 490, "half a second between two attempts");
+    QVERIFY2(clock.elapsed() >= qint64(3) * 490, "half a second between two attempts");
     const QString seen = u"pc=1.2.0/1.2.3otg=1.0.4/1.0.4"_s;
     QCOMPARE(stage.log.startingWith(u"[Refresh]"_s),
              (QStringList{u"[Refresh] not ready yet, retry left:2"_s + seen,
