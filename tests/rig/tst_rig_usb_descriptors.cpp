@@ -85,7 +85,7 @@ void RigUsbDescriptorsTest::bothReportsAreDeclared_data()
 void RigUsbDescriptorsTest::bothReportsAreDeclared()
 {
     QFETCH(char, id);
-    const QByteArray descriptor = usb::reportDescriptor();
+    const QByteArray &descriptor = usb::reportDescriptor();
     QVERIFY(descriptor.contains(QByteArray::fromHex("75089540"))); // 64 bytes
     const qsizetype at = descriptor.indexOf(QByteArray("\x85").append(id));
     QVERIFY(at >= 0);

@@ -10,7 +10,7 @@ public:
 
     /// The file has to exist.
     HeldFile(const QString &path, Share share);
-    ~HeldFile();
+    ~HeldFile(); // NOLINT(performance-trivially-destructible): on Windows it closes the file
     HeldFile(const HeldFile &) = delete;
     HeldFile &operator=(const HeldFile &) = delete;
 

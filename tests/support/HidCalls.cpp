@@ -121,9 +121,9 @@ QString shown(const QByteArray &report)
 
 } // namespace
 
-void HidCalls::after(const QString &function, std::function<void()> action)
+void HidCalls::after(const QString &function, const std::function<void()> &action)
 {
-    pendingActions.insert(function, std::move(action));
+    pendingActions.insert(function, action);
 }
 
 namespace HIDCommunicator {

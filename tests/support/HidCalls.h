@@ -15,6 +15,6 @@
 namespace HidCalls {
 
 /// Runs \a action right after the panel's next call of \a function ("release") has been carried out, once.
-void after(const QString &function, std::function<void()> action);
+void after(const QString &function, const std::function<void()> &action);
 
 } // namespace HidCalls
