@@ -242,7 +242,8 @@ void RigBusTest::anInterruptionHidesNoPlug()
     plug(Chip::Pc);
     m_bus->interruptHotplugWait();
     QVERIFY(!m_bus->waitForHotplug(0ms));
-    QVERIFY(m_bus->waitForHotplug(0ms));
+    // The device is on the bus a moment before that is announced.
+    QVERIFY(m_bus->waitForHotplug(std::chrono::hours(1)));
     QVERIFY(!m_bus->waitForHotplug(0ms));
 }
 
