@@ -62,7 +62,7 @@ std::optional<QString> logText(const QByteArray &report)
 {
     if (report.size() <= kLengthAt || report.at(kLengthAt) == 0)
         return std::nullopt;
-    QString text = QStringLiteral("[HID接收] 数据长度:%1 内容:").arg(report.size());
+    QString text = QStringLiteral("[HID接收] 数据长度: %1  内容:").arg(report.size());
     for (const char byte : report.left(kLoggedBytes))
         text += QStringLiteral(" %1").arg(quint8(byte), 2, 16, QLatin1Char('0'));
     if (report.size() > kLoggedBytes)

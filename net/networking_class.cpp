@@ -1,9 +1,9 @@
 #include "net/networking_class.h"
 
+#include "system/Log.h"
 #include "system/SharedFile.h"
 
 #include <QCoreApplication>
-#include <QDebug>
 #include <QEventLoop>
 #include <QFile>
 #include <QJsonArray>
@@ -32,17 +32,12 @@ constexpr int kHeldFileTries = 30;
 /// Far more than release notes need. A server that sends on and on stalls here until the time limit.
 constexpr qint64 kLargestAnswer = qint64(4) * 1024 * 1024;
 
-QDebug logLine()
-{
-    return qDebug().noquote().nospace();
-}
-
 void logFailedQuery(const QNetworkReply &reply)
 {
-    logLine() << "request protobufHttp handle errors here";
-    logLine() << "request protobufHttp found error ....code: %d %d\n"
-              << reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() << int(reply.error())
-              << reply.errorString();
+    Log::net() << "request protobufHttp handle errors here";
+    Log::net() << "request protobufHttp found error ....code: %d %d\n"
+               << reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() << int(reply.error())
+               << reply.errorString();
 }
 } // namespace
 
@@ -106,7 +101,7 @@ QString networking_class::getVersion(QString url)
 void networking_class::downloadFile(QUrl url, QString fileName)
 {
     this->fileName = fileName;
-    logLine() << "ggxxxxxxxxx" << fileName;
+    Log::net() << "ggxxxxxxxxx" << fileName;
     heldFileTimer->disconnect(this);
     heldFileTimer->stop();
     if (reply) {
@@ -164,5 +159,5 @@ void networking_class::httpFinished()
 
 void networking_class::updateDataReadProgress(qlonglong bytesRead, qlonglong totalBytes)
 {
-    logLine() << "22222xxxxxxxxx" << bytesRead << totalBytes;
+    Log::net() << "22222xxxxxxxxx" << bytesRead << totalBytes;
 }

@@ -55,6 +55,10 @@ QUILLON_FIRMWARE_UPGRADE_EXPORT Language getCurrentLanguage();
 /// Everything runs on the GUI thread; every function is to be called there. A server query blocks the caller
 /// for at most 2 s in a nested event loop, a start of the flashing tool for at most 3 s. The panel may be
 /// deleted at any moment, also from inside such a loop; a running flashing tool is then ended within 1 s.
+///
+/// Its log lines carry Qt's logging categories quillon.panel, quillon.hid, quillon.net and quillon.flash. All
+/// are on; a host filters them as any other, for example with
+/// QLoggingCategory::setFilterRules("quillon.net.debug=false").
 class QUILLON_FIRMWARE_UPGRADE_EXPORT FirmwareUpgradeWidget : public QWidget {
     Q_OBJECT
 

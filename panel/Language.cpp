@@ -6,10 +6,10 @@
 #include "net/networking_class.h"
 #include "panel/FirmwareUpgradeWidget.h"
 #include "panel/LanguageTable.h"
-#include "panel/Log.h"
 #include "panel/Places.h"
 #include "panel/Styles.h"
 #include "panel/Texts.h"
+#include "system/Log.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -44,7 +44,7 @@ void installTranslator(const LanguageRow &language)
     }
     installedTranslator = translator;
     QCoreApplication::installTranslator(translator);
-    logLine() << "QuillonCustomLibrary: " << language.name << " translation loaded";
+    Log::panel() << "QuillonCustomLibrary:" << language.name << "translation loaded";
 }
 
 void announceLanguageChange()
@@ -68,7 +68,7 @@ void setLanguage(Language lang)
     currentLanguage = lang;
     QApplication::setFont(QFont(language.family));
     if (language.catalogue.isEmpty())
-        logLine() << "QuillonCustomLibrary: Using " << language.name << " (source language)";
+        Log::panel() << "QuillonCustomLibrary: Using" << language.name << "(source language)";
     else
         installTranslator(language);
     announceLanguageChange();
@@ -91,12 +91,12 @@ void FirmwareUpgradeWidget::retranslateUI()
     isChinese = currentLanguage == Language::Chinese;
     if (!isChinese)
         m_otherLanguage = currentLanguage;
-    logLine() << "Detected language switch. The language after switching is: " << shownLanguage().name;
+    Log::panel() << "Detected language switch. The language after switching is: " << shownLanguage().name;
     m_titleLabel->setText(tr(Texts::kTitle));
     m_tooOldLb->setText(tr(Texts::kTooOld));
     m_tooOldLb->setStyleSheet(Styles::label(Styles::kTooOld, fontFamily()));
     retranslateOfflineTool();
-    logLine() << " ####retranslateUI isNeedUpgrade is: " << isUpgradePlanned();
+    Log::panel() << " ####retranslateUI isNeedUpgrade is: " << isUpgradePlanned();
     retranslateLabels();
     retranslateNotes();
     const Port port = isOtgPhase() ? Port::Otg : Port::Pc;

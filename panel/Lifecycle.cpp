@@ -5,7 +5,7 @@
 #include "net/networking_class.h"
 #include "panel/Delays.h"
 #include "panel/FirmwareUpgradeWidget.h"
-#include "panel/Log.h"
+#include "system/Log.h"
 #include "system/ToolProcess.h"
 #include "widgets/ClickableProgressBar.h"
 
@@ -55,11 +55,11 @@ void drainEvents(const QObject *panel)
 FirmwareUpgradeWidget::FirmwareUpgradeWidget(QWidget *parent)
     : QWidget(parent)
 {
-    logLine() << "========================================";
-    logLine() << "[Constructor] FirmwareUpgradeWidget CREATED!";
-    logLine() << "[Constructor] Initial state: m_isUpgrading=" << m_isUpgrading
-              << " m_autoRecoverRunning=" << m_autoRecoverRunning;
-    logLine() << "========================================";
+    Log::panel() << "========================================";
+    Log::panel() << "[Constructor] FirmwareUpgradeWidget CREATED!";
+    Log::panel() << "[Constructor] Initial state: m_isUpgrading=" << m_isUpgrading
+                 << " m_autoRecoverRunning=" << m_autoRecoverRunning;
+    Log::panel() << "========================================";
 
     removeStaleProgressFile();
     setUpWindow();
@@ -71,13 +71,13 @@ FirmwareUpgradeWidget::FirmwareUpgradeWidget(QWidget *parent)
     createToolAndTimers();
     runAfter(kFirstQueryDelay, this, [this] { queryDeviceMode(); });
 
-    logLine() << "[Constructor] Finished. m_isUpgrading=" << m_isUpgrading
-              << " m_autoRecoverRunning=" << m_autoRecoverRunning;
+    Log::panel() << "[Constructor] Finished. m_isUpgrading=" << m_isUpgrading
+                 << " m_autoRecoverRunning=" << m_autoRecoverRunning;
 }
 
 FirmwareUpgradeWidget::~FirmwareUpgradeWidget()
 {
-    logLine() << "[Destructor] Starting cleanup...";
+    Log::panel() << "[Destructor] Starting cleanup...";
     disconnectEverything();
     drainEvents(this);
     for (QTimer *timer : {m_progressTimer, m_dfuTimeoutTimer}) {
@@ -90,7 +90,7 @@ FirmwareUpgradeWidget::~FirmwareUpgradeWidget()
         m_hidManager = nullptr;
     }
     drainEvents(this);
-    logLine() << "[Destructor] Cleanup completed";
+    Log::panel() << "[Destructor] Cleanup completed";
 }
 
 /// A result that an earlier run of the host left behind would be read as this run's.
@@ -100,7 +100,7 @@ void FirmwareUpgradeWidget::removeStaleProgressFile()
     if (!QFile::exists(path))
         return;
     QFile::remove(path);
-    logLine() << "[Init] Removed stale progress file:" << path;
+    Log::panel() << "[Init] Removed stale progress file:" << path;
 }
 
 void FirmwareUpgradeWidget::setUpWindow()
@@ -167,9 +167,9 @@ void FirmwareUpgradeWidget::setDeviceModel(DeviceModel model)
     if (model == m_deviceModel)
         return;
     m_deviceModel = model;
-    logLine() << "setDeviceModel:" << firmwareFilePrefix();
+    Log::panel() << "setDeviceModel:" << firmwareFilePrefix();
     if (m_isUpgrading) {
-        logLine() << "[setDeviceModel] 升级进行中，跳过UI更新";
+        Log::panel() << "[setDeviceModel] 升级进行中，跳过UI更新";
         return;
     }
     refreshConnectionHint();
@@ -208,7 +208,7 @@ void FirmwareUpgradeWidget::connectToModel()
     m_hidManager->getOrvikHIDListPath(paths, productIds);
     const bool isPresent = productIds.contains(pcNormalPid()) || productIds.contains(pcDfuPid());
     if (isPresent && m_hidManager->getConnected()) {
-        logLine() << "[setDeviceModel] target device already connected, skip disconnect/reconnect";
+        Log::panel() << "[setDeviceModel] target device already connected, skip disconnect/reconnect";
         queryDeviceMode();
     } else {
         m_hidManager->closeOrvikSendDataThread();
@@ -216,14 +216,14 @@ void FirmwareUpgradeWidget::connectToModel()
         m_hidManager->disconnectDevice(0);
         const QPointer<FirmwareUpgradeWidget> alive(this);
         ConnectingR2(paths, productIds);
-        logLine() << "1@####";
+        Log::panel() << "1@####";
         if (!alive)
             return;
     }
     runAfter(kModelChangeQueryDelay, this, [this] {
         if (!m_hidManager || !m_hidManager->getConnected())
             return;
-        logLine() << "2000 singleShot";
+        Log::panel() << "2000 singleShot";
         queryDeviceMode();
     });
 }

@@ -4,8 +4,8 @@
 
 #include "net/networking_class.h"
 #include "panel/FirmwareUpgradeWidget.h"
-#include "panel/Log.h"
 #include "panel/VersionRules.h"
+#include "system/Log.h"
 
 #include <QPointer>
 
@@ -65,14 +65,14 @@ void FirmwareUpgradeWidget::takeFreshVersions(bool silent)
         return;
 
     if (m_postUpgradeWaiting) {
-        logLine() << "[VersionRead] 升级后等待期，跳过UI刷新"
-                  << " PC:" << m_devicePcVersion << " OTG:" << m_deviceOtgVersion;
+        Log::panel() << "[VersionRead] 升级后等待期，跳过UI刷新"
+                     << " PC:" << m_devicePcVersion << " OTG:" << m_deviceOtgVersion;
         m_postUpgradeWaiting = false;
         m_zeroVersionCount = 0;
         std::ignore = storeFreshPlan();
     } else if (m_isUpgrading) {
-        logLine() << "[Upgrade] 升级进行中，保持当前升级计划: " << VersionRules::planLogName(m_upgradePlan)
-                  << " PC版本:" << m_devicePcVersion << " OTG版本:" << m_deviceOtgVersion;
+        Log::panel() << "[Upgrade] 升级进行中，保持当前升级计划: " << VersionRules::planLogName(m_upgradePlan)
+                     << " PC版本:" << m_devicePcVersion << " OTG版本:" << m_deviceOtgVersion;
     } else if (silent) {
         std::ignore = storeFreshPlan();
     } else if (refreshPlanAndScreen() == PanelIs::Alive) {
@@ -84,17 +84,17 @@ void FirmwareUpgradeWidget::logPlan() const
 {
     switch (m_upgradePlan) {
     case UpgradePlan::None:
-        logLine() << "[Upgrade] 不需要升级";
+        Log::panel() << "[Upgrade] 不需要升级";
         break;
     case UpgradePlan::PcOnly:
-        logLine() << "[Upgrade] 需要升级 PC 固件。device=" << m_devicePcVersion
-                  << "remote=" << m_remotePcVersion;
+        Log::panel() << "[Upgrade] 需要升级 PC 固件。device=" << m_devicePcVersion
+                     << "remote=" << m_remotePcVersion;
         break;
     case UpgradePlan::OtgOnly:
-        logLine() << "[Upgrade] 需要升级 OTG 固件";
+        Log::panel() << "[Upgrade] 需要升级 OTG 固件";
         break;
     case UpgradePlan::Both:
-        logLine() << "[Upgrade] PC + OTG 都需要升级 （先升级PC再升级OTG）";
+        Log::panel() << "[Upgrade] PC + OTG 都需要升级 （先升级PC再升级OTG）";
         break;
     }
 }

@@ -6,9 +6,9 @@
 #include "panel/Colours.h"
 #include "panel/Delays.h"
 #include "panel/FirmwareUpgradeWidget.h"
-#include "panel/Log.h"
 #include "panel/VersionRules.h"
 #include "panel/Visibility.h"
+#include "system/Log.h"
 
 #include <QLabel>
 #include <QPointer>
@@ -28,12 +28,12 @@ void FirmwareUpgradeWidget::startAutoRecoverUpgrade()
     show();
     raise();
     activateWindow();
-    logLine() << "[AutoRecover] start auto recover upgrade flow.";
+    Log::panel() << "[AutoRecover] start auto recover upgrade flow.";
     m_upgradePlan = UpgradePlan::Both;
     if (m_remotePcVersion.isEmpty()) {
         if (queryServer(pcVersionUrl(), &FirmwareUpgradeWidget::m_remotePcVersion) == PanelIs::Gone)
             return;
-        logLine() << "[AutoRecover] fetch remote PC firmware version:" << m_remotePcVersion;
+        Log::panel() << "[AutoRecover] fetch remote PC firmware version:" << m_remotePcVersion;
     }
     const QPointer<FirmwareUpgradeWidget> alive(this);
     updateUIByUpgradeState();
@@ -54,7 +54,7 @@ void FirmwareUpgradeWidget::startAutoRecoverUpgrade()
 void FirmwareUpgradeWidget::requestVersionRefreshWithRetry(int retriesLeft)
 {
     if (retriesLeft < 1) {
-        logLine() << "[Refresh] version refresh retries exhausted";
+        Log::panel() << "[Refresh] version refresh retries exhausted";
         std::ignore = refreshPlanAndScreen();
         return;
     }
@@ -68,12 +68,12 @@ void FirmwareUpgradeWidget::judgeVersionRefresh(int retriesLeft)
 {
     if (VersionRules::isUpToDate(m_devicePcVersion, m_remotePcVersion)
         && VersionRules::isUpToDate(m_deviceOtgVersion, m_remoteOtgVersion)) {
-        logLine() << "[Refresh] versions are up-to-date, refresh UI";
+        Log::panel() << "[Refresh] versions are up-to-date, refresh UI";
         std::ignore = refreshPlanAndScreen();
         return;
     }
-    logLine() << "[Refresh] not ready yet, retry left:" << retriesLeft - 1 << "pc=" << m_devicePcVersion
-              << "/" << m_remotePcVersion << "otg=" << m_deviceOtgVersion << "/" << m_remoteOtgVersion;
+    Log::panel() << "[Refresh] not ready yet, retry left:" << retriesLeft - 1 << "pc=" << m_devicePcVersion
+                 << "/" << m_remotePcVersion << "otg=" << m_deviceOtgVersion << "/" << m_remoteOtgVersion;
     requestVersionRefreshWithRetry(retriesLeft - 1);
 }
 

@@ -10,8 +10,8 @@
 #include "panel/Colours.h"
 #include "panel/Delays.h"
 #include "panel/FirmwareUpgradeWidget.h"
-#include "panel/Log.h"
 #include "panel/Visibility.h"
+#include "system/Log.h"
 
 #include <QDir>
 #include <QFile>
@@ -48,7 +48,7 @@ bool holdsData(const QString &path)
 
 void FirmwareUpgradeWidget::onUpgradeClicked()
 {
-    logLine() << "clicked upgrade process, start upgrade...";
+    Log::panel() << "clicked upgrade process, start upgrade...";
     if (m_progressBar) {
         m_progressBar->setClickable(false);
         hideAll({m_failIconLb, m_failTextLb});
@@ -85,10 +85,10 @@ FirmwareUpgradeWidget::PanelIs FirmwareUpgradeWidget::fetchRemoteVersions()
         return PanelIs::Alive;
     if (queryServer(pcVersionUrl(), &FirmwareUpgradeWidget::m_remotePcVersion) == PanelIs::Gone)
         return PanelIs::Gone;
-    logLine() << "[Upgrade] fetch remote PC firmware version:" << m_remotePcVersion;
+    Log::panel() << "[Upgrade] fetch remote PC firmware version:" << m_remotePcVersion;
     if (queryServer(otgVersionUrl(), &FirmwareUpgradeWidget::m_remoteOtgVersion) == PanelIs::Gone)
         return PanelIs::Gone;
-    logLine() << "[Upgrade] fetch remote OTG firmware version:" << m_remoteOtgVersion;
+    Log::panel() << "[Upgrade] fetch remote OTG firmware version:" << m_remoteOtgVersion;
     return PanelIs::Alive;
 }
 
@@ -110,25 +110,25 @@ void FirmwareUpgradeWidget::prepareDownloads()
 
 void FirmwareUpgradeWidget::onFirmwareDownloaded()
 {
-    logLine() << "========####enter onFirmwareDownloaded";
+    Log::panel() << "========####enter onFirmwareDownloaded";
     if (!m_pcFirmwareDownloaded && holdsData(m_pcFirmwarePath)) {
         m_pcFirmwareDownloaded = true;
-        logLine() << "PC firmware download well, this path is: " << m_pcFirmwarePath;
-        logLine() << "Starting OTG firmware download...";
+        Log::panel() << "PC firmware download well, this path is: " << m_pcFirmwarePath;
+        Log::panel() << "Starting OTG firmware download...";
         networking_class::getInstance()->downloadFile(QUrl(m_otgDownloadUrl), m_otgFirmwarePath);
         return;
     }
     if (!m_otgFirmwareDownloaded && holdsData(m_otgFirmwarePath)) {
         m_otgFirmwareDownloaded = true;
-        logLine() << "OTG firmware download well, this path is: " << m_otgFirmwarePath;
+        Log::panel() << "OTG firmware download well, this path is: " << m_otgFirmwarePath;
     }
     if (!m_pcFirmwareDownloaded || !m_otgFirmwareDownloaded) {
-        logLine() << "waitting for all firmware download well.";
+        Log::panel() << "waitting for all firmware download well.";
         return;
     }
     disconnect(networking_class::getInstance(), &networking_class::network_finish_download, this,
                &FirmwareUpgradeWidget::onFirmwareDownloaded);
-    logLine() << "all firmware has downlaod well, start upgrade...";
+    Log::panel() << "all firmware has downlaod well, start upgrade...";
     startPhaseOfPlan();
 }
 
@@ -136,7 +136,7 @@ void FirmwareUpgradeWidget::startPhaseOfPlan()
 {
     switch (m_upgradePlan) {
     case UpgradePlan::None:
-        logLine() << "[Upgrade] 当前无需升级";
+        Log::panel() << "[Upgrade] 当前无需升级";
         break;
     case UpgradePlan::PcOnly:
         startPcPhase();
@@ -152,7 +152,7 @@ void FirmwareUpgradeWidget::startPhaseOfPlan()
 
 void FirmwareUpgradeWidget::startPcPhase()
 {
-    logLine() << "[Upgrade] 开始执行 PC 固件升级流程";
+    Log::panel() << "[Upgrade] 开始执行 PC 固件升级流程";
     showWaitingScreen(Port::Pc);
     if (m_progressBar)
         m_progressBar->setValue(0);
@@ -161,7 +161,7 @@ void FirmwareUpgradeWidget::startPcPhase()
 
 void FirmwareUpgradeWidget::startOtgPhase()
 {
-    logLine() << "[Upgrade] 开始执行 OTG 固件升级流程";
+    Log::panel() << "[Upgrade] 开始执行 OTG 固件升级流程";
     showWaitingScreen(Port::Otg);
     connect(
         this, &FirmwareUpgradeWidget::r2otgConnected, this, [this] { startOtgFlashingAtOnce(); },
@@ -171,7 +171,7 @@ void FirmwareUpgradeWidget::startOtgPhase()
 
 void FirmwareUpgradeWidget::startBothPhases()
 {
-    logLine() << "[Upgrade] 先升 PC 再升 OTG";
+    Log::panel() << "[Upgrade] 先升 PC 再升 OTG";
     disconnect(this, &FirmwareUpgradeWidget::r2otgConnected, nullptr, nullptr);
     connect(
         this, &FirmwareUpgradeWidget::r2otgConnected, this, [this] { scheduleOtgFlashing(); }, kOnceQueued);
@@ -191,7 +191,7 @@ void FirmwareUpgradeWidget::startPcFlashing()
 void FirmwareUpgradeWidget::scheduleOtgFlashing()
 {
     disconnect(this, &FirmwareUpgradeWidget::r2otgConnected, nullptr, nullptr);
-    logLine() << "[OTG] OTG设备已就绪，延迟后启动OTG升级";
+    Log::panel() << "[OTG] OTG设备已就绪，延迟后启动OTG升级";
     runAfter(rowOf(m_deviceModel).otg.flashDelay, this, [this] { startOtgFlashingIfStillWanted(); });
 }
 
@@ -199,14 +199,14 @@ void FirmwareUpgradeWidget::startOtgFlashingIfStillWanted()
 {
     if (!m_isUpgrading || !pcUpgradeCompleted)
         return;
-    logLine() << "Detect the OTG connected to R2, start upgrade OTG firmware...";
+    Log::panel() << "Detect the OTG connected to R2, start upgrade OTG firmware...";
     startUpgradeWithExternalTool(m_otgFirmwarePath, resolveOtgTargetPid());
 }
 
 void FirmwareUpgradeWidget::startOtgFlashingAtOnce()
 {
     disconnect(this, &FirmwareUpgradeWidget::r2otgConnected, nullptr, nullptr);
-    logLine() << "Detect the OTG connected to R2, start upgrade otg firmware...";
+    Log::panel() << "Detect the OTG connected to R2, start upgrade otg firmware...";
     hideConnectionHint();
     showCardAndNotes(true);
     startUpgradeWithExternalTool(m_otgFirmwarePath, resolveOtgTargetPid());
@@ -217,7 +217,7 @@ void FirmwareUpgradeWidget::startOtgFlashingAtOnce()
 FirmwareUpgradeWidget::PanelIs FirmwareUpgradeWidget::handOverToOtg()
 {
     pcUpgradeCompleted = true;
-    logLine() << "PC upgrade completed, waiting for OTG device...";
+    Log::panel() << "PC upgrade completed, waiting for OTG device...";
     showProgress(ProgressScale::kPcHalfDone);
     if (m_progressBar)
         m_progressBar->setProgressColor(Colours::kProgressWaitingForOtg);
@@ -230,7 +230,7 @@ void FirmwareUpgradeWidget::completeUpgrade()
     m_autoRecoverRunning = false;
     lastDetectedOtgPid = 0;
     m_isUpgrading = false;
-    logLine() << "[VersionRead] 清空版本号，准备重新读取";
+    Log::panel() << "[VersionRead] 清空版本号，准备重新读取";
     m_devicePcVersion.clear();
     m_deviceOtgVersion.clear();
     m_postUpgradeWaiting = true;

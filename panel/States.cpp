@@ -8,11 +8,11 @@
 #include "net/networking_class.h"
 #include "panel/Colours.h"
 #include "panel/FirmwareUpgradeWidget.h"
-#include "panel/Log.h"
 #include "panel/Places.h"
 #include "panel/Styles.h"
 #include "panel/Texts.h"
 #include "panel/Visibility.h"
+#include "system/Log.h"
 
 #include <QLabel>
 #include <QMovie>
@@ -33,7 +33,7 @@ QString versionText(const QString &version)
 void FirmwareUpgradeWidget::updateUIByUpgradeState()
 {
     if (m_inFailureRetry && m_autoRecoverRunning) {
-        logLine() << "[updateUIByUpgradeState] 当前处于失败重试状态，跳过UI更新";
+        Log::panel() << "[updateUIByUpgradeState] 当前处于失败重试状态，跳过UI更新";
         return;
     }
     if (!m_remotePcVersion.isEmpty())
@@ -67,8 +67,8 @@ void FirmwareUpgradeWidget::showTooOldScreen()
     if (fetchReleaseNotes() == PanelIs::Gone)
         return;
     showReleaseNotes();
-    logLine() << "[VersionCheck] firmware too old, upgrade blocked. PC:" << m_devicePcVersion
-              << " OTG:" << m_deviceOtgVersion;
+    Log::panel() << "[VersionCheck] firmware too old, upgrade blocked. PC:" << m_devicePcVersion
+                 << " OTG:" << m_deviceOtgVersion;
 }
 
 void FirmwareUpgradeWidget::showUpgradeAvailableScreen()
@@ -91,7 +91,8 @@ void FirmwareUpgradeWidget::showUpgradeAvailableScreen()
     showServerVersion();
     if (fetchReleaseNotes() == PanelIs::Gone)
         return;
-    logLine() << "######22222 isChinese is: " << isChinese << " current notes is: " << currentReleaseNotes();
+    Log::panel() << "######22222 isChinese is: " << isChinese
+                 << " current notes is: " << currentReleaseNotes();
     showReleaseNotes();
 }
 

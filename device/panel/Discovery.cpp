@@ -8,7 +8,7 @@
 #include "device/ControlMessages.h"
 #include "device/ModelTable.h"
 #include "panel/FirmwareUpgradeWidget.h"
-#include "panel/Log.h"
+#include "system/Log.h"
 
 #include <HIDCommunicator/OrvikHIDManager.h>
 
@@ -21,23 +21,23 @@ namespace {
 void logInterface(const BusInterface &found)
 {
     using Kind = BusInterface::Kind;
-    logLine() << "2pid is: " << found.productIdText;
+    Log::hid() << "2pid is: " << found.productIdText;
     switch (found.kind) {
     case Kind::PcNormal:
-        logLine() << "find R2 device";
+        Log::hid() << "find R2 device";
         break;
     case Kind::PcBootLoader:
         if (found.newModel) {
             const QLatin1String code = rowOf(*found.newModel).code;
-            logLine() << "[ConnectingR2] 检测到" << code << " DFU PID，自动切换 model 为 " << code;
+            Log::hid() << QStringLiteral("[ConnectingR2] 检测到%1 DFU PID，自动切换 model 为 %1").arg(code);
         }
-        logLine() << "find DFU device, pid=" << QString::number(found.productId, 16);
+        Log::hid() << "find DFU device, pid=" << QString::number(found.productId, 16);
         break;
     case Kind::OtgNormal:
-        logLine() << "find R2 OTG device";
+        Log::hid() << "find R2 OTG device";
         break;
     case Kind::OtgBootLoader:
-        logLine() << "find R2 OTG DFU device";
+        Log::hid() << "find R2 OTG DFU device";
         break;
     case Kind::Foreign:
         break;
@@ -84,9 +84,9 @@ void FirmwareUpgradeWidget::queryDeviceMode()
 
 void FirmwareUpgradeWidget::ConnectingR2(const QStringList &devices, const QList<int> &)
 {
-    logLine() << "[ConnectingR2] START - m_isUpgrading=" << m_isUpgrading
-              << " m_autoRecoverRunning=" << m_autoRecoverRunning;
-    logLine() << "[FirmwareUpgradeWidget定时器扫描] 发现 " << devices.size() << " 个设备";
+    Log::hid() << "[ConnectingR2] START - m_isUpgrading=" << m_isUpgrading
+               << " m_autoRecoverRunning=" << m_autoRecoverRunning;
+    Log::hid() << "[FirmwareUpgradeWidget定时器扫描] 发现 " << devices.size() << " 个设备";
 
     using Kind = BusInterface::Kind;
     const BusScan scan = scanBus(devices, {m_deviceModel, lastDetectedPcPid, lastDetectedOtgPid});
@@ -99,24 +99,24 @@ void FirmwareUpgradeWidget::ConnectingR2(const QStringList &devices, const QList
     const bool otgSeen = scan.found(Kind::OtgNormal) || scan.found(Kind::OtgBootLoader);
     if (m_isUpgrading && isOtgPhase()) {
         if (!otgSeen) {
-            logLine() << "OTG ready phase, but OTG device not found yet";
+            Log::hid() << "OTG ready phase, but OTG device not found yet";
             return;
         }
-        logLine() << "OTG already present, trigger OTG upgrade directly";
+        Log::hid() << "OTG already present, trigger OTG upgrade directly";
         Q_EMIT r2otgConnected();
         return;
     }
 
-    logLine() << "[ConnectingR2] foundR2=" << scan.found(Kind::PcNormal)
-              << " foundR2DFU=" << scan.found(Kind::PcBootLoader)
-              << " foundR2OTG=" << scan.found(Kind::OtgNormal)
-              << " foundR2OTGDFU=" << scan.found(Kind::OtgBootLoader);
+    Log::hid() << "[ConnectingR2] foundR2=" << scan.found(Kind::PcNormal)
+               << " foundR2DFU=" << scan.found(Kind::PcBootLoader)
+               << " foundR2OTG=" << scan.found(Kind::OtgNormal)
+               << " foundR2OTGDFU=" << scan.found(Kind::OtgBootLoader);
     if (scan.found(Kind::PcNormal))
         connectToDevice(scan.pathOf(Kind::PcNormal));
     else if (scan.found(Kind::PcBootLoader))
         recoverBrickedDevice();
     else if (otgSeen && m_isUpgrading)
-        logLine() << "find r2 otg device, but not ready for OTG upgrade yet";
+        Log::hid() << "find r2 otg device, but not ready for OTG upgrade yet";
 }
 
 void FirmwareUpgradeWidget::connectToDevice(const QString &path)
@@ -128,19 +128,19 @@ void FirmwareUpgradeWidget::connectToDevice(const QString &path)
         return;
     m_hidManager->createOrvikSendDataThread();
     m_hidManager->createOrvikReceiveDataThread();
-    logLine() << "connected R2 successfully!!!";
+    Log::hid() << "connected R2 successfully!!!";
 }
 
 void FirmwareUpgradeWidget::recoverBrickedDevice()
 {
-    logLine() << "$$#####----=-=== m_isUpgrading is : " << m_isUpgrading
-              << " m_autoRecoverRunning is: " << m_autoRecoverRunning;
+    Log::hid() << "$$#####----=-=== m_isUpgrading is : " << m_isUpgrading
+               << " m_autoRecoverRunning is: " << m_autoRecoverRunning;
     if (m_isUpgrading || m_autoRecoverRunning)
         return;
     m_isUpgrading = true;
     m_autoRecoverRunning = true;
     Q_EMIT onDeviceBrickedDetected();
-    logLine() << "find DFU PID and trigger auto recover.";
+    Log::hid() << "find DFU PID and trigger auto recover.";
 }
 
 void FirmwareUpgradeWidget::onHidConnetChanged(int remove)
@@ -148,13 +148,13 @@ void FirmwareUpgradeWidget::onHidConnetChanged(int remove)
     constexpr int kConnected = 0;
     constexpr int kRemoved = 1;
     if (remove == kRemoved) {
-        logLine() << "\n[状态] 设备已断开！定时器应该切换到1秒快速扫描";
+        Log::hid() << "\n[状态] 设备已断开！定时器应该切换到1秒快速扫描";
         if (m_hidManager) {
             m_hidManager->closeOrvikSendDataThread();
             m_hidManager->closeOrvikReceiveDataThread();
         }
     } else if (remove == kConnected) {
-        logLine() << "[状态] 设备连接信号";
+        Log::hid() << "[状态] 设备连接信号";
     }
 }
 

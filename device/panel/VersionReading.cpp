@@ -7,8 +7,8 @@
 #include "device/Report.h"
 #include "net/networking_class.h"
 #include "panel/FirmwareUpgradeWidget.h"
-#include "panel/Log.h"
 #include "panel/Styles.h"
+#include "system/Log.h"
 
 #include <HIDCommunicator/OrvikHIDManager.h>
 
@@ -44,7 +44,7 @@ struct FirmwareUpgradeWidget::VersionChannel {
 void FirmwareUpgradeWidget::onReceiveHIDdata(QByteArray receiveData)
 {
     if (const auto text = Report::logText(receiveData))
-        logLine() << *text;
+        Log::hid() << *text;
     const auto operation = Report::operation(receiveData);
     if (!operation || Report::isDropped(receiveData) || nestedReplies >= kNestedReplyLimit)
         return;
@@ -75,7 +75,7 @@ void FirmwareUpgradeWidget::handle_Randow_RD(QByteArray receiveData)
 
 void FirmwareUpgradeWidget::answerDeviceMode(bool upgradeMode)
 {
-    logLine() << " receive dfu mode is: " << (upgradeMode ? "on" : "off");
+    Log::hid() << " receive dfu mode is: " << (upgradeMode ? "on" : "off");
     if (upgradeMode) {
         if (findChild<QMessageBox *>())
             return; // the user has not answered the box about the same thing yet
@@ -129,12 +129,12 @@ void FirmwareUpgradeWidget::handle_Continue_RD(QByteArray receiveData)
 bool FirmwareUpgradeWidget::isTooEarly(const VersionChannel &channel, const QString &version)
 {
     if (version == kNotReadyVersion && m_postUpgradeWaiting) {
-        logLine() << channel.notReadyLog << ++m_zeroVersionCount;
+        Log::hid() << channel.notReadyLog << ++m_zeroVersionCount;
         if (m_zeroVersionCount < kNotReadyLimit) {
-            logLine() << "[handle_Continue_RD] 暂时忽略 0.0.0，等待设备准备好";
+            Log::hid() << "[handle_Continue_RD] 暂时忽略 0.0.0，等待设备准备好";
             return true;
         }
-        logLine() << "[handle_Continue_RD] 连续5次收到 0.0.0，判定为设备变砖，接受此版本号";
+        Log::hid() << "[handle_Continue_RD] 连续5次收到 0.0.0，判定为设备变砖，接受此版本号";
         m_zeroVersionCount = 0;
     } else if (version != kNotReadyVersion) {
         m_zeroVersionCount = 0;
@@ -147,10 +147,10 @@ FirmwareUpgradeWidget::PanelIs FirmwareUpgradeWidget::takeDeviceVersion(const Ve
                                                                         const QString &version)
 {
     this->*channel.deviceVersion = version;
-    logLine() << channel.deviceLog << version;
+    Log::hid() << channel.deviceLog << version;
     if (queryServer((this->*channel.url)(), channel.remoteVersion) == PanelIs::Gone)
         return PanelIs::Gone;
-    logLine() << channel.remoteLog << this->*channel.remoteVersion;
+    Log::hid() << channel.remoteLog << this->*channel.remoteVersion;
     return PanelIs::Alive;
 }
 

@@ -7,8 +7,8 @@
 #include "flash/ProgressScale.h"
 #include "panel/Colours.h"
 #include "panel/FirmwareUpgradeWidget.h"
-#include "panel/Log.h"
 #include "panel/Visibility.h"
+#include "system/Log.h"
 #include "system/ToolProcess.h"
 
 #include <QCoreApplication>
@@ -35,10 +35,10 @@ QString toolPath()
 
 void FirmwareUpgradeWidget::startUpgradeWithExternalTool(const QString &binPath, int pid)
 {
-    logLine() << "startUpgradeWithExternalTool pid=" << QString::number(pid, 16)
-              << " lastDetectedPcPid=" << QString::number(lastDetectedPcPid, 16)
-              << " lastDetectedOtgPid=" << QString::number(lastDetectedOtgPid, 16)
-              << " autoRecover=" << m_autoRecoverRunning;
+    Log::flash() << "startUpgradeWithExternalTool pid=" << QString::number(pid, 16)
+                 << " lastDetectedPcPid=" << QString::number(lastDetectedPcPid, 16)
+                 << " lastDetectedOtgPid=" << QString::number(lastDetectedOtgPid, 16)
+                 << " autoRecover=" << m_autoRecoverRunning;
     resetStallDetector();
     m_leftoverReport = ProgressFile::clear(firmwareTxtPath());
     m_heldPolls = 0;
@@ -53,18 +53,18 @@ void FirmwareUpgradeWidget::startUpgradeWithExternalTool(const QString &binPath,
 bool FirmwareUpgradeWidget::startTool(const QString &binPath, int pid)
 {
     const QString tool = toolPath();
-    logLine() << "##222 exePath is: " << tool;
+    Log::flash() << "##222 exePath is: " << tool;
     if (!QFile::exists(tool)) {
-        logLine() << "OrvikFirmwareUpdata.exe isn't exit.";
+        Log::flash() << "OrvikFirmwareUpdata.exe isn't exit.";
         return false;
     }
     if (binPath.isEmpty() || !QFile::exists(binPath)) {
-        logLine() << "Firmware upgrade bin file isn't exit.";
+        Log::flash() << "Firmware upgrade bin file isn't exit.";
         return false;
     }
     m_dfuProcess->start(tool, buildDfuArgs(binPath, pid), QIODevice::ReadWrite);
     if (!m_dfuProcess->waitForStarted(int(kToolStartLimit.count()))) {
-        logLine() << "Start OrvikFirmwareUpdata.exe failed.";
+        Log::flash() << "Start OrvikFirmwareUpdata.exe failed.";
         return false;
     }
     return true;
@@ -85,8 +85,8 @@ void FirmwareUpgradeWidget::showFlashingStarted()
     const bool isOtgHalf = m_upgradePlan == UpgradePlan::Both && pcUpgradeCompleted;
     showProgress(isOtgHalf ? ProgressScale::kPcHalfDone : 0);
     const bool keepWaitingUI = isOtgHalf && isWaitingForOtg();
-    logLine() << "[startUpgrade] keepWaitingUI=" << keepWaitingUI << " progressColor=red?"
-              << isWaitingForOtg() << " pcUpgradeCompleted=" << pcUpgradeCompleted;
+    Log::flash() << "[startUpgrade] keepWaitingUI=" << keepWaitingUI << " progressColor=red?"
+                 << isWaitingForOtg() << " pcUpgradeCompleted=" << pcUpgradeCompleted;
     if (keepWaitingUI)
         return;
     hideAll({m_rocketLb, m_upgradeTextLb});
@@ -97,7 +97,7 @@ void FirmwareUpgradeWidget::showFlashingStarted()
 
 void FirmwareUpgradeWidget::onDfuProcessFinished(int exitCode, QProcess::ExitStatus)
 {
-    logLine() << "OrvikFirmwareUpdata.exe process exit, exitCode=" << exitCode;
+    Log::flash() << "OrvikFirmwareUpdata.exe process exit, exitCode=" << exitCode;
     if (m_dfuTimeoutTimer->isActive())
         m_dfuTimeoutTimer->stop();
 }

@@ -9,7 +9,7 @@
 #include "flash/StallRule.h"
 #include "panel/Colours.h"
 #include "panel/FirmwareUpgradeWidget.h"
-#include "panel/Log.h"
+#include "system/Log.h"
 
 #include <QLabel>
 #include <QTimer>
@@ -63,7 +63,7 @@ void FirmwareUpgradeWidget::takeLine(const QString &line)
 {
     using ProgressFile::Report;
     if (line == kAllWrittenLine && !isToolRunning()) {
-        logLine() << "[状态] 进度100%且进程已退出，视为升级成功";
+        Log::flash() << "[状态] 进度100%且进程已退出，视为升级成功";
         return takeResult(ProgressFile::kSuccess);
     }
     const Report report = ProgressFile::judge(line);
@@ -78,7 +78,7 @@ void FirmwareUpgradeWidget::failWhenToolEnded(const QString &reason)
 {
     if (!m_isUpgrading || isToolRunning())
         return;
-    logLine() << reason;
+    Log::flash() << reason;
     m_progressTimer->stop();
     showUpgradeFailureUI();
 }
@@ -88,14 +88,14 @@ void FirmwareUpgradeWidget::takeResult(int status)
     m_progressTimer->stop();
     m_dfuTimeoutTimer->stop();
     if (status != ProgressFile::kSuccess) {
-        logLine() << "[状态] 升级失败(status=" << status << ")，显示失败重试 UI";
+        Log::flash() << "[状态] 升级失败(status=" << status << ")，显示失败重试 UI";
         showUpgradeFailureUI();
     } else {
-        logLine() << "Successfully upgrade !!!";
-        logLine() << "[onReadFirmwareTxt] success! verCompLb visible=" << verCompLb->isVisible()
-                  << " tipMoiveLb visible=" << tipMoiveLb->isVisible() << " progressColor=red?"
-                  << isWaitingForOtg() << " upgradeProgDisPlay visible=" << upgradeProgDisPlay->isVisible()
-                  << " m_isWaitingForUSB=" << m_isWaitingForUSB;
+        Log::flash() << "Successfully upgrade !!!";
+        Log::flash() << "[onReadFirmwareTxt] success! verCompLb visible=" << verCompLb->isVisible()
+                     << " tipMoiveLb visible=" << tipMoiveLb->isVisible() << " progressColor=red?"
+                     << isWaitingForOtg() << " upgradeProgDisPlay visible=" << upgradeProgDisPlay->isVisible()
+                     << " m_isWaitingForUSB=" << m_isWaitingForUSB;
         const bool pcHalfDone = m_upgradePlan == UpgradePlan::Both && !pcUpgradeCompleted;
         if (!pcHalfDone)
             completeUpgrade();
@@ -115,8 +115,9 @@ void FirmwareUpgradeWidget::takePercentage(int percent)
     const Part half = pcUpgradeCompleted ? Part::OtgHalf : Part::PcHalf;
     const int displayed
         = ProgressScale::shown(percent, m_upgradePlan == UpgradePlan::Both ? half : Part::WholeRun);
-    logLine() << "[onReadFirmwareTxt] percent=" << percent << " displayPercent=" << displayed
-              << " progressColor=red?" << isWaitingForOtg() << " pcUpgradeCompleted=" << pcUpgradeCompleted;
+    Log::flash() << "[onReadFirmwareTxt] percent=" << percent << " displayPercent=" << displayed
+                 << " progressColor=red?" << isWaitingForOtg()
+                 << " pcUpgradeCompleted=" << pcUpgradeCompleted;
     switchToOtgProgress(percent);
     showProgress(displayed);
 }
@@ -139,11 +140,11 @@ void FirmwareUpgradeWidget::endStalledRun(int percent)
     if (percent >= ProgressScale::kAllDone) {
         // Everything is written and the tool merely does not quit: the next poll finds it ended and counts a
         // success.
-        logLine() << "[状态] 进度100%停滞3秒，主动终止外部工具";
+        Log::flash() << "[状态] 进度100%停滞3秒，主动终止外部工具";
         killTool();
         return;
     }
-    logLine() << "[状态] 升级进度停滞3秒，判定为失败";
+    Log::flash() << "[状态] 升级进度停滞3秒，判定为失败";
     m_progressTimer->stop();
     killTool();
     showUpgradeFailureUI();
@@ -153,10 +154,10 @@ void FirmwareUpgradeWidget::switchToOtgProgress(int percent)
 {
     const bool switches = m_upgradePlan == UpgradePlan::Both && pcUpgradeCompleted && isWaitingForOtg()
         && percent >= kOtgProgressShownFrom;
-    logLine() << "[onReadFirmwareTxt] 界面切换条件=" << switches;
+    Log::flash() << "[onReadFirmwareTxt] 界面切换条件=" << switches;
     if (!switches)
         return;
-    logLine() << "[onReadFirmwareTxt] 执行界面切换：隐藏动图，恢复版本号";
+    Log::flash() << "[onReadFirmwareTxt] 执行界面切换：隐藏动图，恢复版本号";
     hideConnectionHint();
     showCardAndNotes(true);
     upgradeProgDisPlay->show();

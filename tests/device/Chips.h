@@ -31,12 +31,12 @@ inline QString versionPath(Chip chip, DeviceModel model)
 
 inline QString deviceLine(Chip chip, const QString &version)
 {
-    return QStringLiteral("DEVICE %1 VERSION : %2").arg(nameOf(chip), version);
+    return QStringLiteral("DEVICE %1 VERSION :  %2").arg(nameOf(chip), version);
 }
 
 inline QString remoteLine(Chip chip, const QString &version)
 {
-    return QStringLiteral("Remote %1 Firmware Version is: %2").arg(nameOf(chip), version);
+    return QStringLiteral("Remote %1 Firmware Version is:  %2").arg(nameOf(chip), version);
 }
 
 /// The lines of a log but for those of the bus scans, which come whenever the event loop turns.

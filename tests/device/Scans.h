@@ -28,7 +28,7 @@ inline QString word(bool flag)
 /// mode and in its boot loader, O and o for the OTG chip.
 inline QString foundLine(const QString &found)
 {
-    return QStringLiteral("[ConnectingR2] foundR2=%1 foundR2DFU=%2 foundR2OTG=%3 foundR2OTGDFU=%4")
+    return QStringLiteral("[ConnectingR2] foundR2= %1  foundR2DFU= %2  foundR2OTG= %3  foundR2OTGDFU= %4")
         .arg(word(found.contains(u'P')), word(found.contains(u'p')), word(found.contains(u'O')),
              word(found.contains(u'o')));
 }

@@ -49,9 +49,9 @@ void ConnectionTest::deviceIsOpenedWithBothThreads()
     panel().seeDevices({own});
     QCOMPARE(lines(),
              QStringList({
-                 u"[ConnectingR2] START - m_isUpgrading=false m_autoRecoverRunning=false"_s,
-                 u"[FirmwareUpgradeWidget定时器扫描] 发现 1 个设备"_s,
-                 u"2pid is: 000e"_s,
+                 u"[ConnectingR2] START - m_isUpgrading= false  m_autoRecoverRunning= false"_s,
+                 u"[FirmwareUpgradeWidget定时器扫描] 发现  1  个设备"_s,
+                 u"2pid is:  000e"_s,
                  u"find R2 device"_s,
                  foundLine(u"P"_s),
                  u"hid? getConnected() = false"_s,
@@ -160,10 +160,10 @@ void ConnectionTest::signalsOfTheLibraryWaitForTheEventLoop_data()
     OrvikHIDManager *library = OrvikHIDManager::instance();
     QTest::newRow("devices on the bus")
         << Action([library] { Q_EMIT library->deviceListChanged({path(u"4321"_s)}, {}); })
-        << u"2pid is: 4321"_s;
+        << u"2pid is:  4321"_s;
     QTest::newRow("a report") << Action([library] {
         Q_EMIT library->blockReceiveData(DeviceReplies::mode(0));
-    }) << u" receive dfu mode is: off"_s;
+    }) << u" receive dfu mode is:  off"_s;
     QTest::newRow("a connection") << Action([library] { Q_EMIT library->blockHidConnetStatus(0); })
                                   << u"[状态] 设备连接信号"_s;
 }
@@ -191,7 +191,7 @@ void ConnectionTest::deviceOfTheOtherModelIsLeftAlone()
 {
     PanelStage::bus().plug(0x0001);
 
-    QTRY_VERIFY(stage().log.contains(u"2pid is: 0001"_s));
+    QTRY_VERIFY(stage().log.contains(u"2pid is:  0001"_s));
     QCOMPARE(commands(), QStringList());
     QCOMPARE(panel().model(), DeviceModel::R2);
 }

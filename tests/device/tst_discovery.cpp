@@ -48,9 +48,9 @@ void DiscoveryTest::logBegins()
 
     panel().seeDevices(devices);
     QCOMPARE(lines().mid(0, 2),
-             QStringList({u"[ConnectingR2] START - m_isUpgrading=%1 m_autoRecoverRunning=%2"_s.arg(
+             QStringList({u"[ConnectingR2] START - m_isUpgrading= %1  m_autoRecoverRunning= %2"_s.arg(
                               word(isUpgrading), word(isRecovering)),
-                          u"[FirmwareUpgradeWidget定时器扫描] 发现 %1 个设备"_s.arg(devices.size())}));
+                          u"[FirmwareUpgradeWidget定时器扫描] 发现  %1  个设备"_s.arg(devices.size())}));
 }
 
 void DiscoveryTest::pathsAreClassified_data()
@@ -79,32 +79,32 @@ void DiscoveryTest::pathsAreClassified_data()
     row("2 is served as R2: the PC chip", DeviceModel(2), {0, 0}, {u"000e"_s}, u"P"_s, {14, 0}, normal);
     row("upper case", DeviceModel::R2, {0, 0}, {u"000E"_s}, u"P"_s, {14, 0}, normal);
     row("R2: its boot loader", DeviceModel::R2, {0, 0}, {u"00ff"_s}, u"p"_s, {255, 0},
-        u"find DFU device, pid=ff"_s);
+        u"find DFU device, pid= ff"_s);
     row("R2: its boot loader in upper case", DeviceModel::R2, {0, 0}, {u"00FF"_s}, u"p"_s, {255, 0},
-        u"find DFU device, pid=ff"_s);
+        u"find DFU device, pid= ff"_s);
     row("R1: its boot loader", DeviceModel::R1, {0, 0}, {u"0010"_s}, u"p"_s, {16, 0},
-        u"find DFU device, pid=10"_s);
+        u"find DFU device, pid= 10"_s);
     row("R2: the OTG chip", DeviceModel::R2, {0, 0}, {u"001f"_s}, u"O"_s, {0, 31}, otg);
     row("R2: the OTG chip's boot loader", DeviceModel::R2, {0, 0}, {u"0065"_s}, u"o"_s, {0, 101}, otgDfu);
     row("R1: 0x0012 is always the normal OTG chip", DeviceModel::R1, {0, 0}, {u"0012"_s}, u"O"_s, {0, 18},
         otg);
-    row("R2: 0x0012 is nothing", DeviceModel::R2, {0, 0}, {u"0012"_s}, u""_s, {0, 0}, u"2pid is: 0012"_s);
+    row("R2: 0x0012 is nothing", DeviceModel::R2, {0, 0}, {u"0012"_s}, u""_s, {0, 0}, u"2pid is:  0012"_s);
     row("R2: an R1 in normal mode is nothing", DeviceModel::R2, {0, 0}, {u"0001"_s}, u""_s, {0, 0},
-        u"2pid is: 0001"_s);
+        u"2pid is:  0001"_s);
     row("R1: an R2 in normal mode is nothing", DeviceModel::R1, {0, 0}, {u"000e"_s}, u""_s, {0, 0},
-        u"2pid is: 000e"_s);
+        u"2pid is:  000e"_s);
     row("R1: an R2's OTG chip is nothing", DeviceModel::R1, {0, 0}, {u"001f"_s}, u""_s, {0, 0},
-        u"2pid is: 001f"_s);
+        u"2pid is:  001f"_s);
     row("R1: an R2's OTG boot loader is nothing", DeviceModel::R1, {0, 0}, {u"0065"_s}, u""_s, {0, 0},
-        u"2pid is: 0065"_s);
+        u"2pid is:  0065"_s);
     row("another device of the family", DeviceModel::R2, {14, 31}, {u"1234"_s}, u""_s, {14, 31},
-        u"2pid is: 1234"_s);
+        u"2pid is:  1234"_s);
 
     row("both chips", DeviceModel::R2, {0, 0}, {u"000e"_s, u"001f"_s}, u"PO"_s, {14, 31}, otg);
     row("both chips the other way round", DeviceModel::R2, {0, 0}, {u"001f"_s, u"000e"_s}, u"PO"_s, {14, 31},
         normal);
     row("the later PC match is remembered: boot loader", DeviceModel::R2, {0, 0}, {u"000e"_s, u"00ff"_s},
-        u"Pp"_s, {255, 0}, u"find DFU device, pid=ff"_s);
+        u"Pp"_s, {255, 0}, u"find DFU device, pid= ff"_s);
     row("the later PC match is remembered: normal", DeviceModel::R2, {0, 0}, {u"00ff"_s, u"000e"_s}, u"Pp"_s,
         {14, 0}, normal);
     row("a PC chip overwrites what was seen before", DeviceModel::R2, {255, 0}, {u"000e"_s}, u"P"_s, {14, 0},
@@ -121,7 +121,7 @@ void DiscoveryTest::pathsAreClassified_data()
     row("another model's OTG sighting is overwritten", DeviceModel::R2, {0, 18}, {u"0065"_s}, u"o"_s,
         {0, 101}, otgDfu);
     row("everything at once", DeviceModel::R2, {0, 0},
-        {u"0065"_s, u"001f"_s, u"00ff"_s, u"000e"_s, u"1234"_s}, u"PpOo"_s, {14, 31}, u"2pid is: 1234"_s);
+        {u"0065"_s, u"001f"_s, u"00ff"_s, u"000e"_s, u"1234"_s}, u"PpOo"_s, {14, 31}, u"2pid is:  1234"_s);
 }
 
 void DiscoveryTest::pathsAreClassified()
@@ -144,7 +144,7 @@ void DiscoveryTest::pathsAreClassified()
     QVERIFY2(foundAt > 0, qPrintable(lines().join(u'\n')));
     if (!lastLine.isEmpty())
         QCOMPARE(lines().at(foundAt - 1), lastLine);
-    QCOMPARE(stage().log.startingWith(u"2pid is: "_s).size(), productIds.size());
+    QCOMPARE(stage().log.startingWith(u"2pid is:  "_s).size(), productIds.size());
 }
 
 void DiscoveryTest::oddPaths_data()
@@ -156,23 +156,23 @@ void DiscoveryTest::oddPaths_data()
     QTest::newRow("no product ID") << u"/dev/hidraw3"_s << QStringList() << u""_s;
     QTest::newRow("the vendor's is no product ID") << u"hid#vid_000e"_s << QStringList() << u""_s;
     QTest::newRow("upper-case mark and digits")
-        << u"HID#VID_352F&PID_000E"_s << QStringList(u"2pid is: 000e"_s) << u"P"_s;
-    QTest::newRow("not hexadecimal") << u"hid#vid_352f&pid_00ge"_s << QStringList(u"2pid is: 00ge"_s)
+        << u"HID#VID_352F&PID_000E"_s << QStringList(u"2pid is:  000e"_s) << u"P"_s;
+    QTest::newRow("not hexadecimal") << u"hid#vid_352f&pid_00ge"_s << QStringList(u"2pid is:  00ge"_s)
                                      << u""_s;
     QTest::newRow("four characters, whatever follows")
-        << u"hid#vid_352f&pid_000e55zz"_s << QStringList(u"2pid is: 000e"_s) << u"P"_s;
+        << u"hid#vid_352f&pid_000e55zz"_s << QStringList(u"2pid is:  000e"_s) << u"P"_s;
     QTest::newRow("junk within the four characters")
-        << u"hid#vid_352f&pid_e&mi_00"_s << QStringList(u"2pid is: e&mi"_s) << u""_s;
+        << u"hid#vid_352f&pid_e&mi_00"_s << QStringList(u"2pid is:  e&mi"_s) << u""_s;
     QTest::newRow("fewer than four at the end")
-        << u"hid#vid_352f&pid_1f"_s << QStringList(u"2pid is: 1f"_s) << u"O"_s;
+        << u"hid#vid_352f&pid_1f"_s << QStringList(u"2pid is:  1f"_s) << u"O"_s;
     QTest::newRow("nothing behind the mark")
-        << u"hid#vid_352f&pid_"_s << QStringList(u"2pid is: "_s) << u""_s;
+        << u"hid#vid_352f&pid_"_s << QStringList(u"2pid is:  "_s) << u""_s;
     QTest::newRow("the first mark counts")
-        << u"hid#vid_352f&pid_001f&pid_000e"_s << QStringList(u"2pid is: 001f"_s) << u"O"_s;
-    QTest::newRow("only a mark") << u"pid_000e"_s << QStringList(u"2pid is: 000e"_s) << u"P"_s;
-    QTest::newRow("not ASCII") << u"设备#pid_０００ｅ"_s << QStringList(u"2pid is: ０００ｅ"_s) << u""_s;
+        << u"hid#vid_352f&pid_001f&pid_000e"_s << QStringList(u"2pid is:  001f"_s) << u"O"_s;
+    QTest::newRow("only a mark") << u"pid_000e"_s << QStringList(u"2pid is:  000e"_s) << u"P"_s;
+    QTest::newRow("not ASCII") << u"设备#pid_０００ｅ"_s << QStringList(u"2pid is:  ０００ｅ"_s) << u""_s;
     QTest::newRow("very long") << QString(100'000, u'x') + u"pid_000e" + QString(100'000, u'y')
-                               << QStringList(u"2pid is: 000e"_s) << u"P"_s;
+                               << QStringList(u"2pid is:  000e"_s) << u"P"_s;
 }
 
 void DiscoveryTest::oddPaths()
@@ -181,7 +181,7 @@ void DiscoveryTest::oddPaths()
     QFETCH(QString, found);
 
     panel().seeDevices({oddPath});
-    QTEST(stage().log.startingWith(u"2pid is: "_s), "pidLines");
+    QTEST(stage().log.startingWith(u"2pid is:  "_s), "pidLines");
     QVERIFY(stage().log.contains(foundLine(found)));
 }
 

@@ -13,7 +13,7 @@ const QString kAccepted = u"[handle_Continue_RD] 连续5次收到 0.0.0，判定
 
 QString countLine(Chip chip, int count)
 {
-    return u"[handle_Continue_RD] %1版本号为 0.0.0，重试计数:%2"_s.arg(nameOf(chip)).arg(count);
+    return u"[handle_Continue_RD] %1版本号为 0.0.0，重试计数: %2"_s.arg(nameOf(chip)).arg(count);
 }
 } // namespace
 
@@ -153,7 +153,7 @@ void NotReadyTest::acceptedNotReadyEndsTheWait()
 
     QVERIFY(!panel().awaitsNewVersions());
     QCOMPARE(panel().plan(), UpgradePlan::OtgOnly);
-    QCOMPARE(stage().log.count(u"[VersionRead] 升级后等待期，跳过UI刷新 PC:1.2.3 OTG:0.0.0"_s), 1);
+    QCOMPARE(stage().log.count(u"[VersionRead] 升级后等待期，跳过UI刷新  PC: 1.2.3  OTG: 0.0.0"_s), 1);
 }
 
 QUILLON_TEST(NotReadyTest)

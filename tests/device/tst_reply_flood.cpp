@@ -36,7 +36,7 @@ void ReplyFloodTest::repliesOfASilentServersQueriesNestToALimit()
     int deepest = 0;
     QTimer watch;
     connect(&watch, &QTimer::timeout, this,
-            [&] { deepest = std::max(deepest, int(stage.log.count(u"DEVICE PC VERSION : 1.2.3"_s))); });
+            [&] { deepest = std::max(deepest, int(stage.log.count(u"DEVICE PC VERSION :  1.2.3"_s))); });
     watch.start(20ms);
 
     flood(*stage.panel, reply(Chip::Pc, {1, 2, 3}), kFlood);

@@ -112,7 +112,7 @@ void ReportsTest::logLine_data()
     const QByteArray counted = hex("c440000000000708090a0b0c0d0e0f101112131415161718191a1b1c1d1e1f20");
     const QString first25 = u" c4 40 00 00 00 00 07 08 09 0a 0b 0c 0d 0e 0f 10 11 12 13 14 15 16 17 18 19"_s;
     const auto line = [](int size, const QString &content) {
-        return QStringList(u"[HID接收] 数据长度:%1 内容:%2"_s.arg(QString::number(size), content));
+        return QStringList(u"[HID接收] 数据长度: %1  内容:%2"_s.arg(QString::number(size), content));
     };
     QTest::newRow("empty") << QByteArray() << QStringList();
     QTest::newRow("one byte has no byte 1") << hex("c4") << QStringList();
@@ -171,11 +171,11 @@ void ReportsTest::dispatch_data()
     QByteArray wrongMarks = DeviceReplies::mode(0);
     wrongMarks[0] = 0x11; // start mark
     wrongMarks[9] = 0x22; // checksum
-    QTest::newRow("4 is a random read") << DeviceReplies::mode(0) << u" receive dfu mode is: off"_s;
+    QTest::newRow("4 is a random read") << DeviceReplies::mode(0) << u" receive dfu mode is:  off"_s;
     QTest::newRow("6 is a continuous read; another start still takes the plan step")
         << DeviceReplies::version(0x0033, {1, 2, 3}) << kPlanStep;
     QTest::newRow("start mark and checksum are not looked at")
-        << wrongMarks << u" receive dfu mode is: off"_s;
+        << wrongMarks << u" receive dfu mode is:  off"_s;
     QTest::newRow("the log does not decide: length 0 is dispatched")
         << randomRead({kMode, 0}, 0) << QString();
 }
@@ -197,15 +197,15 @@ void ReportsTest::normalModeAsksForBothVersions()
 {
     panel().receive(DeviceReplies::mode(0));
 
-    QCOMPARE(stage().log.lines().mid(1), QStringList({u" receive dfu mode is: off"_s, kPcRead, kOtgRead}));
+    QCOMPARE(stage().log.lines().mid(1), QStringList({u" receive dfu mode is:  off"_s, kPcRead, kOtgRead}));
 }
 
 void ReportsTest::modeEntries_data()
 {
     QTest::addColumn<QByteArray>("report");
     QTest::addColumn<QStringList>("modes");
-    const QStringList off{u" receive dfu mode is: off"_s};
-    const QStringList on{u" receive dfu mode is: on"_s};
+    const QStringList off{u" receive dfu mode is:  off"_s};
+    const QStringList on{u" receive dfu mode is:  on"_s};
     QTest::newRow("off") << DeviceReplies::mode(0) << off;
     QTest::newRow("on") << DeviceReplies::mode(1) << on;
     QTest::newRow("any value but 0 is on") << DeviceReplies::mode(0xFFFF) << on;
@@ -231,8 +231,8 @@ void ReportsTest::modeEntries()
 
     panel().receive(report);
     QCOMPARE(stage().log.startingWith(u" receive dfu mode is: "_s), modes);
-    QCOMPARE(commands().count(kPcRead), modes.count(u" receive dfu mode is: off"_s));
-    QCOMPARE(m_boxes.count, int(modes.count(u" receive dfu mode is: on"_s)));
+    QCOMPARE(commands().count(kPcRead), modes.count(u" receive dfu mode is:  off"_s));
+    QCOMPARE(m_boxes.count, int(modes.count(u" receive dfu mode is:  on"_s)));
 }
 
 void ReportsTest::upgradeModeShowsAWarning_data()

@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 using namespace Scans;
 
 namespace {
-const QString kRecoveryFlags = u"$$#####----=-=== m_isUpgrading is : %1 m_autoRecoverRunning is: %2"_s;
+const QString kRecoveryFlags = u"$$#####----=-=== m_isUpgrading is :  %1  m_autoRecoverRunning is:  %2"_s;
 const QString kRecoveryStarted = u"find DFU PID and trigger auto recover."_s;
 const QString kOtgTrigger = u"OTG already present, trigger OTG upgrade directly"_s;
 const QString kOtgMissing = u"OTG ready phase, but OTG device not found yet"_s;

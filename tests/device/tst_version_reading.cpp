@@ -152,11 +152,11 @@ void VersionReadingTest::wholeExchangeLeadsToAPlan()
     PanelStage::bus().setResponder(DeviceReplies::device({1, 2, 3}, {1, 2, 4}));
     PanelStage::bus().plug(0x000E);
 
-    QTRY_COMPARE(stage().log.count(u"[Upgrade] 需要升级 PC 固件。device=1.2.3remote=1.3.0"_s), 1);
+    QTRY_COMPARE(stage().log.count(u"[Upgrade] 需要升级 PC 固件。device= 1.2.3 remote= 1.3.0"_s), 1);
     QCOMPARE(panel().plan(), UpgradePlan::PcOnly);
     // The OTG version may come in while the server is still busy with the PC version.
     for (const QStringList &order :
-         {QStringList{u" receive dfu mode is: off"_s, deviceLine(Chip::Pc, u"1.2.3"_s),
+         {QStringList{u" receive dfu mode is:  off"_s, deviceLine(Chip::Pc, u"1.2.3"_s),
                       deviceLine(Chip::Otg, u"1.2.4"_s)},
           QStringList{deviceLine(Chip::Pc, u"1.2.3"_s), remoteLine(Chip::Pc, u"1.3.0"_s)},
           QStringList{deviceLine(Chip::Otg, u"1.2.4"_s), remoteLine(Chip::Otg, u"1.2.4"_s)}})

@@ -26,7 +26,7 @@ void FlashingRunsTest::aRunEnds_data()
     const QString noFile = u"[状态] 进程已退出但无进度文件，判定为失败"_s;
     const QString emptyFile = u"[状态] 进程已退出但进度文件为空，判定为失败"_s;
     const QString stall = u"[状态] 升级进度停滞3秒，判定为失败"_s;
-    const QString badStatus = u"[状态] 升级失败(status=0)，显示失败重试 UI"_s;
+    const QString badStatus = u"[状态] 升级失败(status= 0 )，显示失败重试 UI"_s;
 
     QTest::newRow("a tool that rewrites its report")
         << "write 10%\npause 300\nwrite 55%\npause 300\nwrite success 1"_ba << true << success << 500 << 3000;

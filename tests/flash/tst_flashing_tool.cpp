@@ -89,16 +89,16 @@ void FlashingToolTest::theStartIsLogged_data()
     QTest::addColumn<QString>("line");
     QTest::newRow("an upgrade")
         << 14 << 14 << 0 << false
-        << u"startUpgradeWithExternalTool pid=e lastDetectedPcPid=e lastDetectedOtgPid=0 "
-           "autoRecover=false"_s;
+        << u"startUpgradeWithExternalTool pid= e  lastDetectedPcPid= e  lastDetectedOtgPid= 0 "
+           " autoRecover= false"_s;
     QTest::newRow("a recovery")
         << 255 << 255 << 31 << true
-        << u"startUpgradeWithExternalTool pid=ff lastDetectedPcPid=ff lastDetectedOtgPid=1f "
-           "autoRecover=true"_s;
+        << u"startUpgradeWithExternalTool pid= ff  lastDetectedPcPid= ff  lastDetectedOtgPid= 1f "
+           " autoRecover= true"_s;
     QTest::newRow("the OTG half")
         << 101 << 14 << 101 << false
-        << u"startUpgradeWithExternalTool pid=65 lastDetectedPcPid=e lastDetectedOtgPid=65 "
-           "autoRecover=false"_s;
+        << u"startUpgradeWithExternalTool pid= 65  lastDetectedPcPid= e  lastDetectedOtgPid= 65 "
+           " autoRecover= false"_s;
 }
 
 void FlashingToolTest::theStartIsLogged()
@@ -113,10 +113,11 @@ void FlashingToolTest::theStartIsLogged()
     panel().pretendRecovering(recovers);
     stage().log.clear();
     start(pid);
-    QCOMPARE(stage().log.lines(),
-             (QStringList{
-                 line, u"##222 exePath is: "_s + FakeFlashingTool::path(),
-                 u"[startUpgrade] keepWaitingUI=false progressColor=red?false pcUpgradeCompleted=false"_s}));
+    QCOMPARE(
+        stage().log.lines(),
+        (QStringList{
+            line, u"##222 exePath is:  "_s + FakeFlashingTool::path(),
+            u"[startUpgrade] keepWaitingUI= false  progressColor=red? false  pcUpgradeCompleted= false"_s}));
 }
 
 void FlashingToolTest::formerResultsAreForgotten()
@@ -210,7 +211,7 @@ void FlashingToolTest::theWaitingScreenStays()
     QVERIFY(panel().isWaitingForCable());
     QCOMPARE(panel().waitingText()->text(), bar);
     QVERIFY(stage().log.contains(
-        u"[startUpgrade] keepWaitingUI=true progressColor=red?true pcUpgradeCompleted=true"_s));
+        u"[startUpgrade] keepWaitingUI= true  progressColor=red? true  pcUpgradeCompleted= true"_s));
 }
 
 void FlashingToolTest::startsWithoutABar()

@@ -84,7 +84,7 @@ void FlashingToolEndTest::nothingChangesWhenItCannotStart()
     panel().flash(imageName.isEmpty() ? QString() : stage().sandbox.home() + u'/' + imageName, 14);
     QVERIFY(time.elapsed() < 3500);
     QCOMPARE(stage().log.lines().size(), 3);
-    QCOMPARE(stage().log.lines().at(1), u"##222 exePath is: "_s + FakeFlashingTool::path());
+    QCOMPARE(stage().log.lines().at(1), u"##222 exePath is:  "_s + FakeFlashingTool::path());
     QCOMPARE(stage().log.lines().at(2), line);
     QCOMPARE(panel().tool()->state(), QProcess::NotRunning);
     QVERIFY(!panel().watchdog()->isActive());
@@ -104,7 +104,7 @@ void FlashingToolEndTest::itsEndDecidesNothing_data()
 {
     QTest::addColumn<QByteArray>("script");
     QTest::addColumn<QString>("line");
-    const QString exit = u"OrvikFirmwareUpdata.exe process exit, exitCode="_s;
+    const QString exit = u"OrvikFirmwareUpdata.exe process exit, exitCode= "_s;
     QTest::newRow("exit code 0") << "await go\nexit 0"_ba << QString(exit + u"0");
     QTest::newRow("exit code 3") << "await go\nexit 3"_ba << QString(exit + u"3");
     QTest::newRow("a crash") << "await go\ncrash"_ba << exit;
@@ -135,7 +135,7 @@ void FlashingToolEndTest::itsEndIsHeardWithoutAWatchdog()
 {
     stage().log.clear();
     panel().endTool(7, QProcess::NormalExit);
-    QCOMPARE(stage().log.lines(), QStringList(u"OrvikFirmwareUpdata.exe process exit, exitCode=7"_s));
+    QCOMPARE(stage().log.lines(), QStringList(u"OrvikFirmwareUpdata.exe process exit, exitCode= 7"_s));
 }
 
 void FlashingToolEndTest::theTimeLimitKills()

@@ -154,11 +154,11 @@ void ProgressMonitorTest::percentagesAreShown()
     QCOMPARE(stage().percentText(), QString::number(displayed) + u'%');
     const QString flag = pcCompleted ? u"true"_s : u"false"_s;
     QCOMPARE(stage().log.lines(),
-             (QStringList{u"[onReadFirmwareTxt] percent=%1 displayPercent=%2 progressColor=red?false "
-                          "pcUpgradeCompleted=%3"_s.arg(percent)
+             (QStringList{u"[onReadFirmwareTxt] percent= %1  displayPercent= %2  progressColor=red? false  "
+                          "pcUpgradeCompleted= %3"_s.arg(percent)
                               .arg(displayed)
                               .arg(flag),
-                          u"[onReadFirmwareTxt] 界面切换条件=false"_s}));
+                          u"[onReadFirmwareTxt] 界面切换条件= false"_s}));
     QVERIFY(panel().pollTimer()->isActive());
     QVERIFY(panel().watchdog()->isActive());
 }

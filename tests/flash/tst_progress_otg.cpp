@@ -105,7 +105,7 @@ void ProgressOtgTest::handOverLooksForTheChipAtOnce()
     QCOMPARE(
         missingInOrder(stage().log.lines(),
                        {u"Successfully upgrade !!!"_s, u"PC upgrade completed, waiting for OTG device..."_s,
-                        u"[ConnectingR2] START - m_isUpgrading=true m_autoRecoverRunning=false"_s,
+                        u"[ConnectingR2] START - m_isUpgrading= true  m_autoRecoverRunning= false"_s,
                         u"OTG already present, trigger OTG upgrade directly"_s}),
         QString());
     QCOMPARE(panel().lastSeenId(Chip::Otg), 31);
@@ -167,9 +167,9 @@ void ProgressOtgTest::theOtgHalfSwitchesAtThreePercent()
     stage().poll(QByteArray::number(percent) + '%');
     const QStringList lines = stage().log.startingWith(u"[onReadFirmwareTxt]"_s);
     QVERIFY(lines.value(0).contains(progressColor == FlashingStage::kWaitingRed
-                                        ? u" progressColor=red?true "_s
-                                        : u" progressColor=red?false "_s));
-    QStringList expected{u"[onReadFirmwareTxt] 界面切换条件="_s + (switches ? u"true"_s : u"false"_s)};
+                                        ? u" progressColor=red? true "_s
+                                        : u" progressColor=red? false "_s));
+    QStringList expected{u"[onReadFirmwareTxt] 界面切换条件= "_s + (switches ? u"true"_s : u"false"_s)};
     if (switches)
         expected.append(u"[onReadFirmwareTxt] 执行界面切换：隐藏动图，恢复版本号"_s);
     QCOMPARE(lines.mid(1), expected);
@@ -204,7 +204,7 @@ void ProgressOtgTest::theSwitchHappensOnce()
     panel().animation()->show();
     stage().log.clear();
     stage().poll("4%");
-    QVERIFY(stage().log.contains(u"[onReadFirmwareTxt] 界面切换条件=false"_s));
+    QVERIFY(stage().log.contains(u"[onReadFirmwareTxt] 界面切换条件= false"_s));
     QVERIFY(!panel().animation()->isHidden());
 }
 

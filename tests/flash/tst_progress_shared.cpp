@@ -59,7 +59,7 @@ void ProgressSharedTest::everyPollReadsIt()
         panel().pretendLastPercentSince(QDateTime::currentDateTime());
         panel().pollProgress();
     }
-    QCOMPARE(stage().log.startingWith(u"[onReadFirmwareTxt] percent=30 "_s).size(), kPolls);
+    QCOMPARE(stage().log.startingWith(u"[onReadFirmwareTxt] percent= 30 "_s).size(), kPolls);
     QVERIFY(stage().isToolRunning());
 }
 

@@ -53,7 +53,7 @@ void ProgressVerdictsTest::aBadResultFails()
     stage().log.clear();
     stage().poll(content);
     QCOMPARE(stage().log.lines().mid(0, 1),
-             QStringList(u"[状态] 升级失败(status=%1)，显示失败重试 UI"_s.arg(status)));
+             QStringList(u"[状态] 升级失败(status= %1 )，显示失败重试 UI"_s.arg(status)));
     QVERIFY(!stage().log.contains(u"Successfully upgrade !!!"_s));
     QVERIFY(stage().showsFailure());
     QVERIFY(!panel().isUpgrading());
@@ -77,7 +77,7 @@ void ProgressVerdictsTest::aResultKillsTheToolLast_data()
     QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<QString>("lineBefore");
     QTest::newRow("failure") << "success 0"_ba << UpgradePlan::PcOnly
-                             << u"[状态] 升级失败(status=0)，显示失败重试 UI"_s;
+                             << u"[状态] 升级失败(status= 0 )，显示失败重试 UI"_s;
     QTest::newRow("complete") << "success 1"_ba << UpgradePlan::PcOnly
                               << u"[VersionRead] 清空版本号，准备重新读取"_s;
     QTest::newRow("PC half") << "success 1"_ba << UpgradePlan::Both
@@ -112,14 +112,14 @@ void ProgressVerdictsTest::successIsLogged_data()
     QTest::addColumn<QString>("line");
     QTest::newRow("card and percentage")
         << QStringList{u"verCompLb"_s, u"upgradeProgDisPlay"_s} << false << false
-        << u"[onReadFirmwareTxt] success! verCompLb visible=true tipMoiveLb "
-           "visible=false progressColor=red?false upgradeProgDisPlay visible=true "
-           "m_isWaitingForUSB=false"_s;
+        << u"[onReadFirmwareTxt] success! verCompLb visible= true  tipMoiveLb "
+           "visible= false  progressColor=red? false  upgradeProgDisPlay visible= true  "
+           "m_isWaitingForUSB= false"_s;
     QTest::newRow("the hint of the OTG half")
         << QStringList{u"tipMoiveLb"_s} << true << true
-        << u"[onReadFirmwareTxt] success! verCompLb visible=false tipMoiveLb "
-           "visible=true progressColor=red?true upgradeProgDisPlay "
-           "visible=false m_isWaitingForUSB=true"_s;
+        << u"[onReadFirmwareTxt] success! verCompLb visible= false  tipMoiveLb "
+           "visible= true  progressColor=red? true  upgradeProgDisPlay "
+           "visible= false  m_isWaitingForUSB= true"_s;
 }
 
 void ProgressVerdictsTest::successIsLogged()
@@ -215,8 +215,8 @@ void ProgressVerdictsTest::completionReadsTheNewVersions()
     QVERIFY2(waited >= 2250 && waited < 3000, qPrintable(QString::number(waited)));
     QCOMPARE(stage().bus().written().first(), ControlMessages::getInstance()->randomRead(0x1008));
     QCOMPARE(stage().log.lines().mid(0, 2),
-             (QStringList{u"[ConnectingR2] START - m_isUpgrading=false m_autoRecoverRunning=false"_s,
-                          u"[FirmwareUpgradeWidget定时器扫描] 发现 1 个设备"_s}));
+             (QStringList{u"[ConnectingR2] START - m_isUpgrading= false  m_autoRecoverRunning= false"_s,
+                          u"[FirmwareUpgradeWidget定时器扫描] 发现  1  个设备"_s}));
     QCOMPARE(stage().log.startingWith(u"[ConnectingR2] START"_s).size(), 1);
 }
 

@@ -77,13 +77,14 @@ void NetworkingTest::logsAFailedQuery_data()
     QTest::addColumn<QString>("error");
 
     const QString address = stage().address(stage().kVersionPath);
-    QTest::newRow("status 404") << ScriptedHttpServer::page("no"_ba, 404) << u"404203"_s
+    QTest::newRow("status 404") << ScriptedHttpServer::page("no"_ba, 404) << u"404 203 "_s
                                 << u"Error transferring "_s + address + u" - server replied: Scripted"_s;
     QTest::newRow("status 500 with a list")
-        << ScriptedHttpServer::page("[{}]"_ba, 500) << u"500401"_s
+        << ScriptedHttpServer::page("[{}]"_ba, 500) << u"500 401 "_s
         << u"Error transferring "_s + address + u" - server replied: Scripted"_s;
-    QTest::newRow("no answer at all") << ScriptedHttpServer::silence() << u"05"_s << u"Operation canceled"_s;
-    QTest::newRow("closed unanswered") << ScriptedHttpServer::hangUp() << u"02"_s << u"Connection closed"_s;
+    QTest::newRow("no answer at all")
+        << ScriptedHttpServer::silence() << u"0 5 "_s << u"Operation canceled"_s;
+    QTest::newRow("closed unanswered") << ScriptedHttpServer::hangUp() << u"0 2 "_s << u"Connection closed"_s;
 }
 
 void NetworkingTest::logsAFailedQuery()
@@ -95,7 +96,7 @@ void NetworkingTest::logsAFailedQuery()
     stage().query();
     QCOMPARE(stage().log.startingWith(u"request"_s),
              (QStringList{u"request protobufHttp handle errors here"_s,
-                          u"request protobufHttp found error ....code: %d %d\n"_s + codes + error}));
+                          u"request protobufHttp found error ....code: %d %d\n "_s + codes + error}));
 }
 
 void NetworkingTest::logsNothingOfAnAnsweredQuery()

@@ -20,12 +20,12 @@ struct PhaseStage : ReadyToUpgrade {
 
     void finishDownloads() { panel->endDownload(); }
 
-    /// One line per start of the flashing tool, up to the product ID: "startUpgradeWithExternalTool pid=1f".
+    /// One line per start of the flashing tool, up to the product ID: "startUpgradeWithExternalTool pid= 1f".
     QStringList toolStarts() const
     {
         QStringList starts;
         for (const QString &line : log.startingWith(QStringLiteral("startUpgradeWithExternalTool")))
-            starts.append(line.section(u' ', 0, 1));
+            starts.append(line.section(u' ', 0, 2));
         return starts;
     }
 
@@ -33,11 +33,11 @@ struct PhaseStage : ReadyToUpgrade {
 };
 
 namespace ToolStarts {
-inline const QString kR1PcNormal = QStringLiteral("startUpgradeWithExternalTool pid=1");
-inline const QString kR1PcBootLoader = QStringLiteral("startUpgradeWithExternalTool pid=10");
-inline const QString kR2PcNormal = QStringLiteral("startUpgradeWithExternalTool pid=e");
-inline const QString kR2PcBootLoader = QStringLiteral("startUpgradeWithExternalTool pid=ff");
-inline const QString kR1Otg = QStringLiteral("startUpgradeWithExternalTool pid=12");
-inline const QString kR2OtgNormal = QStringLiteral("startUpgradeWithExternalTool pid=1f");
-inline const QString kR2OtgBootLoader = QStringLiteral("startUpgradeWithExternalTool pid=65");
+inline const QString kR1PcNormal = QStringLiteral("startUpgradeWithExternalTool pid= 1");
+inline const QString kR1PcBootLoader = QStringLiteral("startUpgradeWithExternalTool pid= 10");
+inline const QString kR2PcNormal = QStringLiteral("startUpgradeWithExternalTool pid= e");
+inline const QString kR2PcBootLoader = QStringLiteral("startUpgradeWithExternalTool pid= ff");
+inline const QString kR1Otg = QStringLiteral("startUpgradeWithExternalTool pid= 12");
+inline const QString kR2OtgNormal = QStringLiteral("startUpgradeWithExternalTool pid= 1f");
+inline const QString kR2OtgBootLoader = QStringLiteral("startUpgradeWithExternalTool pid= 65");
 } // namespace ToolStarts

@@ -263,7 +263,7 @@ void LanguageTest::saysWhichLanguageThePanelSwitchedTo()
     const QStringList lines = stage.log.startingWith(u"Detected language switch."_s);
     QVERIFY(!lines.isEmpty());
     for (const QString &line : lines)
-        QCOMPARE(line, u"Detected language switch. The language after switching is: "_s + name);
+        QCOMPARE(line, u"Detected language switch. The language after switching is:  "_s + name);
 }
 
 void LanguageTest::keepsChineseTextsWithoutACatalogue()

@@ -84,7 +84,7 @@ void LifecycleTest::logBeginsWithFourLines()
 
     QCOMPARE(m_log->lines().mid(0, 4),
              QStringList({kRule, u"[Constructor] FirmwareUpgradeWidget CREATED!"_s,
-                          u"[Constructor] Initial state: m_isUpgrading=false m_autoRecoverRunning=false"_s,
+                          u"[Constructor] Initial state: m_isUpgrading= false  m_autoRecoverRunning= false"_s,
                           kRule}));
 }
 
@@ -93,7 +93,7 @@ void LifecycleTest::logEndsWithFinished()
     const OpenPanel panel;
 
     QCOMPARE(m_log->lines().constLast(),
-             u"[Constructor] Finished. m_isUpgrading=false m_autoRecoverRunning=false"_s);
+             u"[Constructor] Finished. m_isUpgrading= false  m_autoRecoverRunning= false"_s);
 }
 
 void LifecycleTest::stepsRunInOrder()
@@ -103,10 +103,10 @@ void LifecycleTest::stepsRunInOrder()
 
     QCOMPARE(missingInOrder(m_log->lines(),
                             {u"[Constructor] FirmwareUpgradeWidget CREATED!"_s,
-                             u"[Init] Removed stale progress file:"_s + m_sandbox->progressFile(),
-                             u"Detected language switch. The language after switching is: Chinese"_s,
+                             u"[Init] Removed stale progress file: "_s + m_sandbox->progressFile(),
+                             u"Detected language switch. The language after switching is:  Chinese"_s,
                              u"hid: acquire()"_s,
-                             u"[Constructor] Finished. m_isUpgrading=false m_autoRecoverRunning=false"_s}),
+                             u"[Constructor] Finished. m_isUpgrading= false  m_autoRecoverRunning= false"_s}),
              QString());
 }
 
@@ -130,7 +130,7 @@ void LifecycleTest::staleProgressFileGoes()
     const OpenPanel panel;
     QVERIFY(!QFileInfo::exists(m_sandbox->progressFile()));
     QCOMPARE(m_log->startingWith(u"[Init] "_s),
-             isThere ? QStringList(u"[Init] Removed stale progress file:"_s + m_sandbox->progressFile())
+             isThere ? QStringList(u"[Init] Removed stale progress file: "_s + m_sandbox->progressFile())
                      : QStringList());
 }
 
@@ -207,7 +207,7 @@ void LifecycleTest::endOfTheToolIsHeard()
     OpenPanel panel;
 
     panel.tool()->start(FakeFlashingTool::path(), {});
-    QTRY_COMPARE(m_log->count(u"OrvikFirmwareUpdata.exe process exit, exitCode=7"_s), 1);
+    QTRY_COMPARE(m_log->count(u"OrvikFirmwareUpdata.exe process exit, exitCode= 7"_s), 1);
 }
 
 void LifecycleTest::watchdogIsHeard()

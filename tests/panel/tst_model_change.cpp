@@ -142,9 +142,9 @@ void ModelChangeTest::logNamesTheModel_data()
     QTest::addColumn<DeviceModel>("from");
     QTest::addColumn<DeviceModel>("to");
     QTest::addColumn<QString>("line");
-    QTest::newRow("R2 to R1") << DeviceModel::R2 << DeviceModel::R1 << u"setDeviceModel:R1"_s;
-    QTest::newRow("R1 to R2") << DeviceModel::R1 << DeviceModel::R2 << u"setDeviceModel:R2"_s;
-    QTest::newRow("R1 to 2, served as R2") << DeviceModel::R1 << DeviceModel(2) << u"setDeviceModel:R2"_s;
+    QTest::newRow("R2 to R1") << DeviceModel::R2 << DeviceModel::R1 << u"setDeviceModel: R1"_s;
+    QTest::newRow("R1 to R2") << DeviceModel::R1 << DeviceModel::R2 << u"setDeviceModel: R2"_s;
+    QTest::newRow("R1 to 2, served as R2") << DeviceModel::R1 << DeviceModel(2) << u"setDeviceModel: R2"_s;
 }
 
 void ModelChangeTest::logNamesTheModel()
@@ -194,7 +194,7 @@ void ModelChangeTest::duringAnUpgradeOnlyTheModelChanges()
 
     panel().setDeviceModel(DeviceModel::R1);
     QCOMPARE(stage().log.lines(),
-             QStringList({u"setDeviceModel:R1"_s, u"[setDeviceModel] 升级进行中，跳过UI更新"_s}));
+             QStringList({u"setDeviceModel: R1"_s, u"[setDeviceModel] 升级进行中，跳过UI更新"_s}));
     QCOMPARE(changedState(before, panel().state()), QStringList(u"m_deviceModel=0"_s));
     QCOMPARE(panel().movie(), movie);
     QCOMPARE(movie->state(), QMovie::Running);
@@ -301,7 +301,7 @@ void ModelChangeTest::connectedDeviceIsKeptOrLeft()
     panel().setDeviceModel(DeviceModel::R1);
     if (isKept) {
         QCOMPARE(hidLines(), QStringList(kModeQuery));
-        QCOMPARE(missingInOrder(stage().log.lines(), {u"setDeviceModel:R1"_s, kSkipLine, kModeQuery}),
+        QCOMPARE(missingInOrder(stage().log.lines(), {u"setDeviceModel: R1"_s, kSkipLine, kModeQuery}),
                  QString());
         QVERIFY(!stage().log.contains(u"1@####"_s));
         QVERIFY(panel().isDeviceOpen());
@@ -323,8 +323,8 @@ void ModelChangeTest::reconnectScansTheListTakenBefore()
 
     panel().setDeviceModel(DeviceModel::R1);
     const QStringList steps = kReconnect
-        + QStringList{u"[ConnectingR2] START - m_isUpgrading=false m_autoRecoverRunning=false"_s,
-                      u"[FirmwareUpgradeWidget定时器扫描] 发现 2 个设备"_s, u"1@####"_s};
+        + QStringList{u"[ConnectingR2] START - m_isUpgrading= false  m_autoRecoverRunning= false"_s,
+                      u"[FirmwareUpgradeWidget定时器扫描] 发现  2  个设备"_s, u"1@####"_s};
     QCOMPARE(missingInOrder(stage().log.lines(), steps), QString());
     QCOMPARE(stage().log.startingWith(u"hid? getOrvikHIDListPath"_s).size(), 1);
 }
@@ -431,7 +431,7 @@ void ModelChangeTest::withoutALibraryNothingIsAsked()
 
     panel().setDeviceModel(DeviceModel::R1);
     QCOMPARE(panel().plan(), UpgradePlan::None);
-    QCOMPARE(stage().log.lines(), QStringList(u"setDeviceModel:R1"_s));
+    QCOMPARE(stage().log.lines(), QStringList(u"setDeviceModel: R1"_s));
 }
 
 QUILLON_TEST(ModelChangeTest)

@@ -9,7 +9,7 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-const QString kTooOldLine = u"[VersionCheck] firmware too old, upgrade blocked. PC:%1 OTG:%2"_s;
+const QString kTooOldLine = u"[VersionCheck] firmware too old, upgrade blocked. PC: %1  OTG: %2"_s;
 constexpr QColor kFailureRed{248, 74, 75};
 } // namespace
 

@@ -13,8 +13,8 @@ namespace {
 /// Reads nothing and asks nothing, but is followed by the plan step.
 const QByteArray kOtherReply = DeviceReplies::version(0x0033, {1, 1, 1});
 
-const QString kWaitingLine = u"[VersionRead] 升级后等待期，跳过UI刷新 PC:%1 OTG:%2"_s;
-const QString kKeptLine = u"[Upgrade] 升级进行中，保持当前升级计划: %1 PC版本:%2 OTG版本:%3"_s;
+const QString kWaitingLine = u"[VersionRead] 升级后等待期，跳过UI刷新  PC: %1  OTG: %2"_s;
+const QString kKeptLine = u"[Upgrade] 升级进行中，保持当前升级计划:  %1  PC版本: %2  OTG版本: %3"_s;
 } // namespace
 
 class PlanStepTest : public PanelTest {
@@ -85,7 +85,7 @@ void PlanStepTest::idlePanelTakesThePlan_data()
     QTest::addColumn<QString>("line");
     QTest::newRow("None") << u"1.3.0"_s << u"1.3.0"_s << UpgradePlan::None << u"[Upgrade] 不需要升级"_s;
     QTest::newRow("PcOnly") << u"1.2.0"_s << u"1.3.0"_s << UpgradePlan::PcOnly
-                            << u"[Upgrade] 需要升级 PC 固件。device=1.2.0remote=1.3.0"_s;
+                            << u"[Upgrade] 需要升级 PC 固件。device= 1.2.0 remote= 1.3.0"_s;
     QTest::newRow("OtgOnly") << u"1.3.0"_s << u"1.2.0"_s << UpgradePlan::OtgOnly
                              << u"[Upgrade] 需要升级 OTG 固件"_s;
     QTest::newRow("Both") << u"1.2.0"_s << u"1.2.0"_s << UpgradePlan::Both
@@ -112,7 +112,7 @@ void PlanStepTest::screenIsRefreshedBeforeThePlanIsLogged()
     panel().receive(kOtherReply);
     const QString notesLine = stage().log.startingWith(u"######22222 isChinese is: "_s).value(0);
     QVERIFY(!notesLine.isEmpty());
-    QCOMPARE(stage().log.lines().constLast(), u"[Upgrade] 需要升级 PC 固件。device=1.2.0remote=1.3.0"_s);
+    QCOMPARE(stage().log.lines().constLast(), u"[Upgrade] 需要升级 PC 固件。device= 1.2.0 remote= 1.3.0"_s);
 }
 
 void PlanStepTest::runningUpgradeKeepsThePlan_data()

@@ -148,7 +148,7 @@ void RecoveryTest::logsThePcVersion_data()
     QTest::addColumn<QStringList>("lines");
     QTest::newRow("unknown") << QString()
                              << QStringList{kStarted,
-                                            u"[AutoRecover] fetch remote PC firmware version:1.2.3"_s};
+                                            u"[AutoRecover] fetch remote PC firmware version: 1.2.3"_s};
     QTest::newRow("known") << u"1.2.3"_s << QStringList{kStarted};
 }
 
@@ -167,7 +167,7 @@ void RecoveryTest::goesOnWithoutAnAnswer()
     Bricked stage;
     stage.server.answer(ServerPaths::kR2PcVersion, Server::page("no", 500));
     stage.recover();
-    QVERIFY(stage.log.contains(u"[AutoRecover] fetch remote PC firmware version:104"_s));
+    QVERIFY(stage.log.contains(u"[AutoRecover] fetch remote PC firmware version: 104"_s));
     QCOMPARE(stage.panel->serverVersion(Chip::Pc), u"104"_s);
     QTRY_COMPARE(stage.server.paths().last(), ServerPaths::kR2PcImage);
     QVERIFY(stage.panel->imagePath(Chip::Pc).endsWith(u"/R2_PC104.bin"_s));

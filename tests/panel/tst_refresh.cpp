@@ -133,11 +133,11 @@ void RefreshTest::triesAgainUntilNothingIsLeft()
     stage.panel->refreshVersions(3);
     QTRY_VERIFY(stage.log.contains(kExhausted));
     QVERIFY2(clock.elapsed() >= qint64(3) * 490, "half a second between two attempts");
-    const QString seen = u"pc=1.2.0/1.2.3otg=1.0.4/1.0.4"_s;
+    const QString seen = u"pc= 1.2.0 / 1.2.3 otg= 1.0.4 / 1.0.4"_s;
     QCOMPARE(stage.log.startingWith(u"[Refresh]"_s),
-             (QStringList{u"[Refresh] not ready yet, retry left:2"_s + seen,
-                          u"[Refresh] not ready yet, retry left:1"_s + seen,
-                          u"[Refresh] not ready yet, retry left:0"_s + seen, kExhausted}));
+             (QStringList{u"[Refresh] not ready yet, retry left: 2 "_s + seen,
+                          u"[Refresh] not ready yet, retry left: 1 "_s + seen,
+                          u"[Refresh] not ready yet, retry left: 0 "_s + seen, kExhausted}));
     QCOMPARE(stage.queries(), 3);
     QCOMPARE(stage.panel->plan(), UpgradePlan::PcOnly);
     QVERIFY(stage.isRepainted());
@@ -147,7 +147,8 @@ void RefreshTest::logsWhatItSees()
 {
     const Known stage({u"1.2.0"_s, QString(), u"0.0.0"_s, u"104"_s});
     stage.panel->refreshVersions(1);
-    QTRY_VERIFY(stage.log.contains(u"[Refresh] not ready yet, retry left:0pc=1.2.0/otg=0.0.0/104"_s));
+    QTRY_VERIFY(
+        stage.log.contains(u"[Refresh] not ready yet, retry left: 0 pc= 1.2.0 /  otg= 0.0.0 / 104"_s));
 }
 
 void RefreshTest::seesWhatHasArrivedMeanwhile()

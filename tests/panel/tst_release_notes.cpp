@@ -169,10 +169,10 @@ void ReleaseNotesTest::areLoggedBeforeTheyAreShown_data()
     QTest::addColumn<Language>("language");
     QTest::addColumn<QString>("line");
     QTest::newRow("Chinese") << Language::Chinese
-                             << u"######22222 isChinese is: true current notes is: "_s
+                             << u"######22222 isChinese is:  true  current notes is:  "_s
             + QString::fromUtf8(kChineseNotes);
     QTest::newRow("English") << Language::English
-                             << u"######22222 isChinese is: false current notes is: "_s
+                             << u"######22222 isChinese is:  false  current notes is:  "_s
             + QString::fromUtf8(kEnglishNotes);
 }
 

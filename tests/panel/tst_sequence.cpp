@@ -170,8 +170,8 @@ void SequenceTest::fetchesTheVersions()
     QCOMPARE(stage.server.paths().mid(0, asked.size()), asked);
     QCOMPARE(panel.serverVersion(Chip::Pc), asked.isEmpty() ? pc : u"1.2.3"_s);
     QCOMPARE(panel.serverVersion(Chip::Otg), asked.isEmpty() ? otg : u"1.0.4"_s);
-    const QStringList lines{u"[Upgrade] fetch remote PC firmware version:1.2.3"_s,
-                            u"[Upgrade] fetch remote OTG firmware version:1.0.4"_s};
+    const QStringList lines{u"[Upgrade] fetch remote PC firmware version: 1.2.3"_s,
+                            u"[Upgrade] fetch remote OTG firmware version: 1.0.4"_s};
     QCOMPARE(stage.log.startingWith(u"[Upgrade] fetch"_s), asked.isEmpty() ? QStringList() : lines);
 }
 

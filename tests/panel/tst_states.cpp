@@ -231,7 +231,7 @@ void StatesTest::choosesTheScreen()
     panel.updateScreen();
     QCOMPARE(shownScreen(panel), screen);
     const QString blocked
-        = u"[VersionCheck] firmware too old, upgrade blocked. PC:"_s + pc + u" OTG:"_s + otg;
+        = u"[VersionCheck] firmware too old, upgrade blocked. PC: "_s + pc + u"  OTG: "_s + otg;
     QCOMPARE(stage.log.startingWith(u"[VersionCheck]"_s),
              screen == Shown::TooOld ? QStringList{blocked} : QStringList());
 }

@@ -44,11 +44,11 @@ void TextsByStateTest::saysWhetherAnUpgradeIsPlanned_data()
 {
     QTest::addColumn<UpgradePlan>("plan");
     QTest::addColumn<QString>("line");
-    QTest::newRow("None") << UpgradePlan::None << u" ####retranslateUI isNeedUpgrade is: false"_s;
-    QTest::newRow("PcOnly") << UpgradePlan::PcOnly << u" ####retranslateUI isNeedUpgrade is: true"_s;
-    QTest::newRow("OtgOnly") << UpgradePlan::OtgOnly << u" ####retranslateUI isNeedUpgrade is: true"_s;
-    QTest::newRow("Both") << UpgradePlan::Both << u" ####retranslateUI isNeedUpgrade is: true"_s;
-    QTest::newRow("no plan of ours") << UpgradePlan(4) << u" ####retranslateUI isNeedUpgrade is: false"_s;
+    QTest::newRow("None") << UpgradePlan::None << u" ####retranslateUI isNeedUpgrade is:  false"_s;
+    QTest::newRow("PcOnly") << UpgradePlan::PcOnly << u" ####retranslateUI isNeedUpgrade is:  true"_s;
+    QTest::newRow("OtgOnly") << UpgradePlan::OtgOnly << u" ####retranslateUI isNeedUpgrade is:  true"_s;
+    QTest::newRow("Both") << UpgradePlan::Both << u" ####retranslateUI isNeedUpgrade is:  true"_s;
+    QTest::newRow("no plan of ours") << UpgradePlan(4) << u" ####retranslateUI isNeedUpgrade is:  false"_s;
 }
 
 void TextsByStateTest::saysWhetherAnUpgradeIsPlanned()
@@ -60,7 +60,7 @@ void TextsByStateTest::saysWhetherAnUpgradeIsPlanned()
     stage.log.clear();
     stage.panel->retranslate();
     QCOMPARE(stage.log.lines(),
-             (QStringList{u"Detected language switch. The language after switching is: Chinese"_s, line}));
+             (QStringList{u"Detected language switch. The language after switching is:  Chinese"_s, line}));
 }
 
 void TextsByStateTest::placesTheUpgradeText_data()

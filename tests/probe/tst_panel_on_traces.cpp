@@ -76,7 +76,7 @@ void PanelOnTracesTest::aDevicePulledInTheMiddleLeavesNoVersion()
     OpenPanel panel;
 
     QTRY_COMPARE(log.count(u"\n[状态] 设备已断开！定时器应该切换到1秒快速扫描"_s), 1);
-    QCOMPARE(log.count(u" receive dfu mode is: off"_s), 1);
+    QCOMPARE(log.count(u" receive dfu mode is:  off"_s), 1);
     QCOMPARE(panel.deviceVersion(Chip::Pc), QString());
     QCOMPARE(panel.deviceVersion(Chip::Otg), QString());
 }
