@@ -1,22 +1,22 @@
 #include "net/networking_class.h"
 
+#include "net/VersionAnswer.h"
 #include "system/Log.h"
 #include "system/SharedFile.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QMutex>
 #include <QMutexLocker>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
+#include <QThread>
 #include <QTimer>
 
 #include <atomic>
 #include <chrono>
+#include <optional>
 
 using namespace std::chrono_literals;
 
@@ -31,6 +31,23 @@ constexpr auto kHeldFilePause = 100ms;
 constexpr int kHeldFileTries = 30;
 /// Far more than release notes need. A server that sends on and on stalls here until the time limit.
 constexpr qint64 kLargestAnswer = qint64(4) * 1024 * 1024;
+/// What is read at once. A larger answer can be made to take a fifth of a second.
+constexpr qsizetype kReadAtOnce = qsizetype(64) * 1024;
+
+/// Reads \a body without keeping the calling thread from its events.
+std::optional<VersionAnswer> readBeside(const QByteArray &body)
+{
+    std::optional<VersionAnswer> answer;
+    const std::unique_ptr<QThread> reader(
+        QThread::create([&answer, &body] { answer = VersionAnswer::read(body); }));
+    QEventLoop loop;
+    QObject::connect(reader.get(), &QThread::finished, &loop, &QEventLoop::quit);
+    reader->start();
+    if (reader->isRunning())
+        loop.exec();
+    reader->wait(); // an application that quits leaves the loop at once
+    return answer;
+}
 
 void logFailedQuery(const QNetworkReply &reply)
 {
@@ -77,7 +94,8 @@ QString networking_class::getVersion(QString url)
 {
     QNetworkReply *query = manager->get(QNetworkRequest(QUrl(url)));
     query->setReadBufferSize(kLargestAnswer);
-    QTimer::singleShot(kQueryLimit, query, [query] {
+    // A coarse timer would give a slow server up to a twentieth less.
+    QTimer::singleShot(kQueryLimit, Qt::PreciseTimer, query, [query] {
         if (query->isRunning())
             query->abort();
     });
@@ -88,30 +106,37 @@ QString networking_class::getVersion(QString url)
     query->deleteLater();
     if (query->error() != QNetworkReply::NoError)
         logFailedQuery(*query);
-    QJsonParseError parseError;
-    const QJsonArray versions = QJsonDocument::fromJson(query->readAll(), &parseError).array();
-    if (parseError.error != QJsonParseError::NoError || versions.isEmpty())
+    const QByteArray body = query->readAll();
+    const auto answer = body.size() > kReadAtOnce ? readBeside(body) : VersionAnswer::read(body);
+    if (!answer)
         return failedQuery();
-    const QJsonObject newest = versions.first().toObject();
-    f_remark = newest.value(u"f_remark").toString();
-    f_remark_en = newest.value(u"f_remark_en").toString();
-    return newest.value(u"f_ver").toString();
+    f_remark = answer->notes;
+    f_remark_en = answer->notesInEnglish;
+    return answer->version;
 }
 
 void networking_class::downloadFile(QUrl url, QString fileName)
 {
+    giveUpDownload();
     this->fileName = fileName;
     Log::net() << "ggxxxxxxxxx" << fileName;
+    openFileAndRequest(url, kHeldFileTries);
+}
+
+/// Two downloads at a time would close each other's file and pass half an image on as a whole one.
+void networking_class::giveUpDownload()
+{
     heldFileTimer->disconnect(this);
     heldFileTimer->stop();
-    if (reply) {
-        // Two downloads at a time would close each other's file and pass half an image on as a whole one.
-        reply->disconnect(this);
-        reply->abort();
-        reply->deleteLater();
-        reply = nullptr;
-    }
-    openFileAndRequest(url, kHeldFileTries);
+    if (!reply)
+        return;
+    reply->disconnect(this);
+    reply->abort();
+    reply->deleteLater();
+    reply = nullptr;
+    if (file)
+        file->remove();
+    file.reset();
 }
 
 void networking_class::waitForFile(const QUrl &url, int triesLeft)

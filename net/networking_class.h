@@ -26,15 +26,16 @@ public:
 
     /// Asks for the newest version of one project and keeps the release notes that come with it. Blocks in a
     /// nested event loop for at most about 2 s; slots, timers and input of the application run meanwhile.
-    /// Returns failedQuery() for anything but a JSON list with an element; the notes then stay as they were.
-    /// An element that names no version gives an empty string and empties the notes.
+    /// Returns failedQuery() for anything but a JSON list with an element, for a version of more than 100
+    /// characters and for an answer of more than 4 MiB; the notes then stay as they were. An element that
+    /// names no version gives an empty string and empties the notes.
     QString getVersion(QString url);
 
     /// Starts to download \a url into the file \a fileName, which is emptied first, and returns at once. A
-    /// download that still runs is given up for the new one. When the file cannot be opened nothing is sent
-    /// and nothing is ever emitted; one that another program holds, as virus scanners do, is tried again for
-    /// some seconds. Whether what arrived is an image is for the caller to judge: an error page is stored
-    /// like one.
+    /// download that still runs is given up for the new one, and what it had written is removed. When the
+    /// file cannot be opened nothing is sent and nothing is ever emitted; one that another program holds, as
+    /// virus scanners do, is tried again for some seconds. Whether what arrived is an image is for the caller
+    /// to judge: an error page is stored like one.
     void downloadFile(QUrl url, QString fileName);
 
 Q_SIGNALS:
@@ -49,6 +50,7 @@ private Q_SLOTS:
 private:
     networking_class();
     ~networking_class() override;
+    void giveUpDownload();
     void openFileAndRequest(const QUrl &url, int triesLeft);
     void waitForFile(const QUrl &url, int triesLeft);
 

@@ -101,7 +101,7 @@ void DownloadOverlapTest::neverMixesTwoDownloads()
     QTRY_COMPARE(stage().ended.size(), 1);
     QCOMPARE(contentOf(second), secondImage);
     if (second != stage().image())
-        QVERIFY(!contentOf(stage().image()).contains('2'));
+        QVERIFY2(!QFile::exists(stage().image()), "half an image stays behind");
     QTRY_COMPARE(stage().repliesKept(), 0);
     QCOMPARE(stage().ended.size(), 1);
 }
@@ -114,7 +114,7 @@ void DownloadOverlapTest::anUnwritablePathEndsNoOtherFile()
     stage().download(stage().image(QStringLiteral("missing/image.bin")));
     stage().server.release(stage().kImagePath);
     stage().query();
-    QVERIFY(!contentOf(stage().image()).contains('2'));
+    QVERIFY(!QFile::exists(stage().image()));
     QVERIFY(!QFile::exists(stage().image(QStringLiteral("missing/image.bin"))));
 
     stage().server.answer(QStringLiteral("/second"), ScriptedHttpServer::page("second"_ba));

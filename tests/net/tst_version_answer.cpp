@@ -58,6 +58,14 @@ void VersionAnswerTest::answersEveryKindOfBody_data()
         << R"([{"f_ver":"1.2.3"},{"f_ver":"9.9.9","f_remark":"新"}])"_ba << u"1.2.3"_s << none << none;
     QTest::newRow("a version in any wording")
         << R"([{"f_ver":" v1.2-β "}])"_ba << u" v1.2-β "_s << none << none;
+    QTest::newRow("the longest version")
+        << "[{\"f_ver\":\""_ba + QByteArray(100, '1') + "\"}]" << QString(100, u'1') << none << none;
+    QTest::newRow("a version that is too long to be one")
+        << "[{\"f_ver\":\""_ba + QByteArray(101, '1') + "\",\"f_remark\":\"x\"}]" << failed << oldNotes
+        << oldEnglish;
+    QTest::newRow("notes of a million characters")
+        << "[{\"f_ver\":\"1.2.3\",\"f_remark\":\""_ba + QByteArray(1'000'000, 'W') + "\"}]" << u"1.2.3"_s
+        << QString(1'000'000, u'W') << none;
     QTest::newRow("an empty object") << "[{}]"_ba << none << none << none;
     QTest::newRow("a first element that is a string") << R"(["1.2.3"])"_ba << none << none << none;
     QTest::newRow("a first element that is a number") << "[104]"_ba << none << none << none;

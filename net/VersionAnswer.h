@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+
+/// What the update server answers to a version query: a JSON list whose first element describes the newest
+/// firmware of a project. The other elements, and names that are not listed here, do not matter.
+struct VersionAnswer {
+    QString version; ///< "f_ver"
+    QString notes; ///< "f_remark", release notes in Chinese
+    QString notesInEnglish; ///< "f_remark_en"
+
+    /// Longer than any version: a text that exceeds it is none.
+    static constexpr qsizetype kLongestVersion = 100;
+
+    /// Reads \a body; none for anything but a list with an element, and for a version that is too long. What
+    /// the element does not hold as a text is empty. Any thread: a few megabytes made to be slow take a
+    /// fraction of a second.
+    static std::optional<VersionAnswer> read(const QByteArray &body);
+};
