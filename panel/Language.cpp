@@ -5,6 +5,7 @@
 #include "device/ModelTable.h"
 #include "net/networking_class.h"
 #include "panel/FirmwareUpgradeWidget.h"
+#include "panel/ForeignText.h"
 #include "panel/LanguageTable.h"
 #include "panel/Places.h"
 #include "panel/Styles.h"
@@ -185,7 +186,7 @@ QString FirmwareUpgradeWidget::fontFamily() const
 
 QString FirmwareUpgradeWidget::currentReleaseNotes() const
 {
-    return networking_class::getInstance()->*shownLanguage().notes;
+    return ForeignText::shownNotes(networking_class::getInstance()->*shownLanguage().notes);
 }
 
 QString FirmwareUpgradeWidget::detectingText(Port port) const

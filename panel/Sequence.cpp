@@ -10,6 +10,7 @@
 #include "panel/Colours.h"
 #include "panel/Delays.h"
 #include "panel/FirmwareUpgradeWidget.h"
+#include "panel/ForeignText.h"
 #include "panel/Visibility.h"
 #include "system/Log.h"
 
@@ -97,7 +98,8 @@ void FirmwareUpgradeWidget::prepareDownloads()
     const QString folder = downloadFolder();
     QDir().mkpath(folder);
     const auto imagePath = [&](QLatin1String chip, const QString &version) -> QString {
-        return folder + u'/' + firmwareFilePrefix() + chip + version + QStringLiteral(".bin");
+        return folder + u'/' + firmwareFilePrefix() + chip + ForeignText::inFileName(version)
+            + QStringLiteral(".bin");
     };
     m_pcDownloadUrl = pcFirmwareDownloadUrl();
     m_pcFirmwarePath = imagePath(QLatin1String("_PC"), m_remotePcVersion);

@@ -8,6 +8,7 @@
 #include "net/networking_class.h"
 #include "panel/Colours.h"
 #include "panel/FirmwareUpgradeWidget.h"
+#include "panel/ForeignText.h"
 #include "panel/Places.h"
 #include "panel/Styles.h"
 #include "panel/Texts.h"
@@ -26,7 +27,7 @@ constexpr double kRetryBorderWidth = 2.0;
 
 QString versionText(const QString &version)
 {
-    return u'V' + version;
+    return u'V' + ForeignText::shownVersion(version);
 }
 } // namespace
 

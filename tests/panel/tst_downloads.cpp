@@ -31,6 +31,8 @@ class DownloadsTest : public QObject {
 private Q_SLOTS:
     void choosesNamesAndAddresses_data();
     void choosesNamesAndAddresses();
+    void aVersionNamesNoOtherFolder_data();
+    void aVersionNamesNoOtherFolder();
     void downloadsBothImagesOneAfterTheOther_data();
     void downloadsBothImagesOneAfterTheOther();
     void deletesStaleImagesFirst();
@@ -77,6 +79,35 @@ void DownloadsTest::choosesNamesAndAddresses()
     const QString host = QLatin1String(QUILLON_UPDATE_SERVER);
     QCOMPARE(panel.imageAddress(Chip::Pc), host + addresses.first());
     QCOMPARE(panel.imageAddress(Chip::Otg), host + addresses.last());
+}
+
+void DownloadsTest::aVersionNamesNoOtherFolder_data()
+{
+    QTest::addColumn<QString>("version");
+    QTest::addColumn<QString>("file");
+    QTest::newRow("a plain one") << u"1.2.3"_s << u"R2_PC1.2.3.bin"_s;
+    QTest::newRow("words") << u"1.2.3 测试-β_2"_s << u"R2_PC1.2.3 测试-β_2.bin"_s;
+    QTest::newRow("up and down again") << u"/../../victim"_s << u"R2_PC_.._.._victim.bin"_s;
+    QTest::newRow("the same on Windows") << u"\\..\\..\\victim"_s << u"R2_PC_.._.._victim.bin"_s;
+    QTest::newRow("a stream of Windows") << u"1:2"_s << u"R2_PC1_2.bin"_s;
+    QTest::newRow("no name") << u"*?\"<>|\n"_s << u"R2_PC_______.bin"_s;
+    QTest::newRow("an end of the name") << u"1"_s + QChar(0) + u"2"_s << u"R2_PC1_2.bin"_s;
+}
+
+void DownloadsTest::aVersionNamesNoOtherFolder()
+{
+    QFETCH(QString, version);
+    QFETCH(QString, file);
+    ReadyToUpgrade stage;
+    stage.server.answer(ServerPaths::kR2PcImage, Server::silence());
+    stage.panel->pretendServerVersion(Chip::Pc, version);
+    const QString victim = QDir(stage.sandbox.downloadFolder()).filePath(u"../../victim.bin"_s);
+    QDir().mkpath(QFileInfo(victim).path());
+    writeFile(victim, "somebody's");
+    stage.click();
+    QCOMPARE(QFileInfo(stage.panel->imagePath(Chip::Pc)).fileName(), file);
+    QCOMPARE(QDir(stage.sandbox.downloadFolder()).entryList(QDir::Files), QStringList{file});
+    QCOMPARE(contentOf(victim), "somebody's"_ba);
 }
 
 void DownloadsTest::downloadsBothImagesOneAfterTheOther_data()
