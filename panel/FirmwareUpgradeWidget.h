@@ -5,6 +5,7 @@
 #include <QDateTime>
 #include <QList>
 #include <QPoint>
+#include <QPointer>
 #include <QProcess>
 #include <QString>
 #include <QStringList>
@@ -12,6 +13,7 @@
 
 class ClickableProgressBar;
 class QLabel;
+class QMessageBox;
 class QMovie;
 class QPushButton;
 class QTextEdit;
@@ -73,12 +75,13 @@ public:
 
     /// Serves \a model from now on. While idle the panel forgets what it knew of the former device and looks
     /// for the new one; while an upgrade runs only the model changes. The model already served: nothing
-    /// happens.
+    /// happens. Where a device in its boot loader is attached this starts its recovery, and blocks as long as
+    /// startAutoRecoverUpgrade().
     void setDeviceModel(DeviceModel model);
 
     /// Shows the panel and starts the recovery of a device in its boot loader: both firmwares, no version
     /// check. While the failure screen is up it offers the retry instead. Discovery calls it by itself; a
-    /// host may as well. May block for two server queries.
+    /// host may as well. May block for four server queries, 8 s in all, in nested event loops.
     void startAutoRecoverUpgrade();
 
 Q_SIGNALS:
@@ -179,6 +182,7 @@ private:
     void handle_Randow_RD(QByteArray receiveData);
     void handle_Randow_WR(QByteArray receiveData);
     void answerDeviceMode(bool upgradeMode);
+    void warnOfUpgradeMode();
     struct VersionChannel;
     bool isTooEarly(const VersionChannel &channel, const QString &version);
     PanelIs takeDeviceVersion(const VersionChannel &channel, const QString &version);
@@ -330,6 +334,8 @@ private:
     QString m_leftoverReport;              // an old report that cannot be removed   tool start                   tool start
     int m_heldPolls = 0;                   // polls that found the file held         progress monitor             tool start
     Language m_otherLanguage = Language::English; // the texts' when not Chinese     retranslateUI
+    QPointer<QMessageBox> m_warningBox;    // the user has to answer it              version reading
+    int m_nestedReplies = 0;               // versions that wait for the server      version reading              version reading
     // clang-format on
 };
 

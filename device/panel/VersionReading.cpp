@@ -1,7 +1,7 @@
 // Members of the panel (panel/FirmwareUpgradeWidget.h).
 // From the device's answers to a decision: mode, both versions, the server's newest versions, the plan.
 // Counts in m_zeroVersionCount the "0.0.0" answers of a device that restarts after an upgrade. Called for
-// every received report.
+// every received report, also while an earlier one waits for the server or for the user.
 
 #include "device/ControlMessages.h"
 #include "device/Report.h"
@@ -24,10 +24,9 @@ const QString kNotReadyVersion = QStringLiteral("0.0.0");
 /// So many in a row after an upgrade, and the device is taken to be bricked.
 constexpr int kNotReadyLimit = 5;
 
-/// A reply that waits for the server lets the next ones in. Both chips' replies and a repeated query fit; a
-/// device that floods the bus must not nest without end.
+/// A version that waits for the server lets the next reply in. Both chips' replies and a repeated query fit;
+/// a device that floods the bus must not nest without end.
 constexpr int kNestedReplyLimit = 8;
-int nestedReplies = 0;
 } // namespace
 
 /// The two version reads differ in these names only.
@@ -46,10 +45,8 @@ void FirmwareUpgradeWidget::onReceiveHIDdata(QByteArray receiveData)
     if (const auto text = Report::logText(receiveData))
         Log::hid() << *text;
     const auto operation = Report::operation(receiveData);
-    if (!operation || Report::isDropped(receiveData) || nestedReplies >= kNestedReplyLimit)
+    if (!operation || Report::isDropped(receiveData))
         return;
-    ++nestedReplies;
-    const auto leave = qScopeGuard([] { --nestedReplies; });
     switch (ControlOperation(*operation)) {
     case ControlOperation::RandomWrite:
         return handle_Randow_WR(receiveData);
@@ -77,14 +74,7 @@ void FirmwareUpgradeWidget::answerDeviceMode(bool upgradeMode)
 {
     Log::hid() << " receive dfu mode is: " << (upgradeMode ? "on" : "off");
     if (upgradeMode) {
-        if (findChild<QMessageBox *>())
-            return; // the user has not answered the box about the same thing yet
-        // Not on the stack: the panel may be deleted while the box is open, and its children with it.
-        const QPointer<QMessageBox> box = new QMessageBox(
-            QMessageBox::Warning, tr("提示"), tr("当前设备是固件升级模式"), QMessageBox::Ok, this);
-        box->setStyleSheet(Styles::kWarningBox);
-        box->exec();
-        delete box;
+        warnOfUpgradeMode();
         return;
     }
     if (!m_hidManager)
@@ -94,6 +84,20 @@ void FirmwareUpgradeWidget::answerDeviceMode(bool upgradeMode)
         messages->continuousRead(DeviceRegister::kPcVersion, DeviceRegister::kVersionLength));
     m_hidManager->DC_AddSendData(
         messages->continuousRead(DeviceRegister::kOtgVersion, DeviceRegister::kVersionLength));
+}
+
+/// Returns once the user has answered.
+void FirmwareUpgradeWidget::warnOfUpgradeMode()
+{
+    if (m_warningBox)
+        return; // the user has not answered the box about the same thing yet
+    // Not on the stack: the panel may be deleted while the box is open, and its children with it.
+    const QPointer<QMessageBox> box = new QMessageBox(QMessageBox::Warning, tr("提示"),
+                                                      tr("当前设备是固件升级模式"), QMessageBox::Ok, this);
+    m_warningBox = box;
+    box->setStyleSheet(Styles::kWarningBox);
+    box->exec();
+    delete box;
 }
 
 void FirmwareUpgradeWidget::handle_Continue_RD(QByteArray receiveData)
@@ -109,8 +113,14 @@ void FirmwareUpgradeWidget::handle_Continue_RD(QByteArray receiveData)
     };
 
     const auto reply = Report::versionReply(receiveData);
-    if (!reply)
+    if (!reply || m_nestedReplies >= kNestedReplyLimit)
         return;
+    ++m_nestedReplies;
+    const QPointer<FirmwareUpgradeWidget> alive(this);
+    const auto leave = qScopeGuard([&alive] {
+        if (alive)
+            --alive->m_nestedReplies;
+    });
     // While one chip's reply waits for the server, the other chip's comes in and may end the waiting period;
     // the completed screen must outlast both.
     const bool silent = m_postUpgradeWaiting;

@@ -14,7 +14,10 @@ class ReplyFloodTest : public QObject {
 
 private slots:
     void repliesOfASilentServersQueriesNestToALimit();
+    void anotherPanelsWaitingDoesNotCount();
+    void anOpenWarningBoxDoesNotCount();
     void oneWarningBoxAtATime();
+    void aBoxOfTheHostsSilencesNoWarning();
     void nextReplyAfterAFloodIsRead();
 };
 
@@ -48,6 +51,33 @@ void ReplyFloodTest::repliesOfASilentServersQueriesNestToALimit()
     QVERIFY2(deepest > 1 && deepest <= 8, qPrintable(QString::number(deepest)));
 }
 
+void ReplyFloodTest::anotherPanelsWaitingDoesNotCount()
+{
+    PanelStage stage;
+    stage.server.answer(ServerPaths::kR2PcVersion, ScriptedHttpServer::silence());
+    OpenPanel other;
+    flood(*stage.panel, reply(Chip::Pc, {1, 2, 3}), kFlood);
+    QTimer::singleShot(300ms, &other, [&] { other.receive(reply(Chip::Pc, {1, 2, 4})); });
+    stage.panel->receive(reply(Chip::Pc, {1, 2, 3}));
+    QCOMPARE(other.deviceVersion(Chip::Pc), u"1.2.4"_s);
+}
+
+void ReplyFloodTest::anOpenWarningBoxDoesNotCount()
+{
+    PanelStage stage;
+    stage.server.answer(ServerPaths::kR2PcVersion, ScriptedHttpServer::silence());
+    int deepest = 0;
+    QTimer::singleShot(50ms, stage.panel.get(), [&] {
+        flood(*stage.panel, reply(Chip::Pc, {1, 2, 3}), kFlood);
+        QCoreApplication::sendPostedEvents(stage.panel.get());
+        deepest = stage.log.count(u"DEVICE PC VERSION :  1.2.3"_s);
+        for (QMessageBox *box : stage.panel->findChildren<QMessageBox *>())
+            box->accept();
+    });
+    stage.panel->receive(DeviceReplies::mode(1));
+    QCOMPARE(deepest, 8);
+}
+
 void ReplyFloodTest::oneWarningBoxAtATime()
 {
     PanelStage stage;
@@ -62,6 +92,21 @@ void ReplyFloodTest::oneWarningBoxAtATime()
     stage.panel->receive(DeviceReplies::mode(1));
     QCOMPARE(boxes, 1);
     QVERIFY(stage.panel->findChildren<QMessageBox *>().isEmpty());
+}
+
+void ReplyFloodTest::aBoxOfTheHostsSilencesNoWarning()
+{
+    PanelStage stage;
+    QMessageBox hosts(stage.panel.get()); // kept for later, not shown
+    int warnings = 0;
+    QTimer::singleShot(50ms, stage.panel.get(), [&] {
+        for (QMessageBox *box : stage.panel->findChildren<QMessageBox *>()) {
+            warnings += box == &hosts ? 0 : 1;
+            box->accept();
+        }
+    });
+    stage.panel->receive(DeviceReplies::mode(1));
+    QCOMPARE(warnings, 1);
 }
 
 void ReplyFloodTest::nextReplyAfterAFloodIsRead()
