@@ -56,6 +56,9 @@ struct Report {
 
 constexpr int kSuccess = 1;
 
+/// The last line of a tool that has written everything, but has not told its verdict.
+const inline QString kAllWritten = QStringLiteral("100%");
+
 /// What a trimmed line says. A result without a number has the status 0, which is a failure.
 Report judge(const QString &line);
 

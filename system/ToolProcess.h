@@ -10,8 +10,8 @@ namespace ToolProcess {
 /// Prepares \a process for its runs to come. To be called once.
 void prepare(QProcess &process);
 
-/// Ends \a process, which cannot refuse, and on Windows everything that its runs have started and left
-/// behind. Does not wait. Without a run nothing happens.
+/// Ends \a process, which cannot refuse, and on Windows everything that its last run has started and left
+/// behind; what earlier runs left is not touched. Does not wait. Without a run nothing happens.
 void kill(QProcess &process);
 
 } // namespace ToolProcess

@@ -102,9 +102,11 @@ void FirmwareUpgradeWidget::onDfuProcessFinished(int exitCode, QProcess::ExitSta
         m_dfuTimeoutTimer->stop();
 }
 
+/// A tool that has written all and merely does not quit has succeeded, as the next poll will find.
 void FirmwareUpgradeWidget::onDfuTimeout()
 {
-    killTool();
+    const QString line = ProgressFile::read(firmwareTxtPath(), m_leftoverReport).line;
+    killTool(line == ProgressFile::kAllWritten ? ToolHelpers::Stay : ToolHelpers::End);
 }
 
 void FirmwareUpgradeWidget::killTool(ToolHelpers helpers)

@@ -19,7 +19,6 @@ namespace QuillonFirmwareUpgrade {
 namespace {
 /// The waiting screen stays up until the OTG chip demonstrably takes its image.
 constexpr int kOtgProgressShownFrom = 3;
-const QString kAllWrittenLine = QStringLiteral("100%");
 /// How many polls a file may keep everyone out after the tool has ended: 2 s, longer than a virus scanner
 /// looks at it.
 constexpr int kHeldPollLimit = 20;
@@ -62,7 +61,7 @@ void FirmwareUpgradeWidget::onReadFirmwareTxt()
 void FirmwareUpgradeWidget::takeLine(const QString &line)
 {
     using ProgressFile::Report;
-    if (line == kAllWrittenLine && !isToolRunning()) {
+    if (line == ProgressFile::kAllWritten && !isToolRunning()) {
         Log::flash() << "[状态] 进度100%且进程已退出，视为升级成功";
         return takeResult(ProgressFile::kSuccess);
     }
@@ -139,9 +138,9 @@ void FirmwareUpgradeWidget::endStalledRun(int percent)
 {
     if (percent >= ProgressScale::kAllDone) {
         // Everything is written and the tool merely does not quit: the next poll finds it ended and counts a
-        // success.
+        // success, so that what it has started is left alone as after any other.
         Log::flash() << "[状态] 进度100%停滞3秒，主动终止外部工具";
-        killTool();
+        killTool(ToolHelpers::Stay);
         return;
     }
     Log::flash() << "[状态] 升级进度停滞3秒，判定为失败";

@@ -10,20 +10,16 @@ namespace {
 /// What QProcess::kill() leaves as exit code, by which it tells a killed program from one that has ended.
 constexpr UINT kKilled = 0xf291;
 
-/// The processes of a tool: a job takes in whatever its members start. Lives as long as the QProcess it
-/// belongs to. It is deliberately not one that ends with its last handle.
+/// The processes of a tool's last run: a job takes in whatever its members start. Each run has a job of its
+/// own, so that what an earlier one was allowed to leave behind does not end with the next. It is
+/// deliberately not one that ends with its last handle.
 class Family : public QObject {
     Q_OBJECT
 
 public:
     explicit Family(QProcess *tool)
         : QObject(tool)
-        , m_job(CreateJobObjectW(nullptr, nullptr))
     {
-        JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
-        // For tools that insist on leaving a job.
-        limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_BREAKAWAY_OK;
-        SetInformationJobObject(m_job, JobObjectExtendedLimitInformation, &limits, sizeof limits);
         // What the tool starts before this runs is not taken in, and has to end by itself.
         connect(tool, &QProcess::stateChanged, this, [this, tool](QProcess::ProcessState state) {
             if (state == QProcess::Running)
@@ -31,17 +27,30 @@ public:
         });
     }
 
-    ~Family() override
+    ~Family() override { forget(); }
+
+    void end()
+    {
+        if (m_job)
+            TerminateJobObject(m_job, kKilled);
+    }
+
+private:
+    void forget()
     {
         if (m_job)
             CloseHandle(m_job);
+        m_job = nullptr;
     }
 
-    void end() { TerminateJobObject(m_job, kKilled); }
-
-private:
     void takeIn(DWORD processId)
     {
+        forget();
+        m_job = CreateJobObjectW(nullptr, nullptr);
+        JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
+        // For tools that insist on leaving a job.
+        limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_BREAKAWAY_OK;
+        SetInformationJobObject(m_job, JobObjectExtendedLimitInformation, &limits, sizeof limits);
         const HANDLE process = OpenProcess(PROCESS_SET_QUOTA | PROCESS_TERMINATE, FALSE, processId);
         if (!process)
             return;
@@ -49,7 +58,7 @@ private:
         CloseHandle(process);
     }
 
-    HANDLE m_job;
+    HANDLE m_job = nullptr; // of the last run
 };
 } // namespace
 

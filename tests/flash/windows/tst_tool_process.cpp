@@ -27,6 +27,8 @@ private Q_SLOTS:
     void helpersEndWithThePanel_data();
     void helpersEndWithThePanel();
     void helpersEndWithATooLongRun();
+    void helpersOutliveATooLongRunThatHasWrittenAll();
+    void helpersOfTheFirstHalfOutliveTheEndOfTheSecond();
     void helpersOutliveASuccessAlone_data();
     void helpersOutliveASuccessAlone();
     void aToolThatEndsByItselfLeavesItsHelpersInPeace();
@@ -101,11 +103,36 @@ void ToolProcessTest::helpersEndWithATooLongRun()
     QTRY_VERIFY_WITH_TIMEOUT(!isProcessAlive(helper), kPatience);
 }
 
+void ToolProcessTest::helpersOutliveATooLongRunThatHasWrittenAll()
+{
+    QVERIFY(!panel().progressFile().isEmpty()); // its folder is there from now on
+    const qint64 helper = startWithHelper("write 100%\nhelper\nhang");
+    QVERIFY(helper && isProcessAlive(helper));
+    panel().fireWatchdog();
+    QVERIFY(!stage().isToolRunning());
+    QTest::qWait(200);
+    QVERIFY(isProcessAlive(helper));
+}
+
+void ToolProcessTest::helpersOfTheFirstHalfOutliveTheEndOfTheSecond()
+{
+    const qint64 kept = startWithHelper("helper\nexit 0");
+    QVERIFY(kept);
+    QTRY_VERIFY_WITH_TIMEOUT(!stage().isToolRunning(), kPatience);
+    const qint64 ended = startWithHelper("helper\nhang");
+    QVERIFY(ended);
+    panel().fireWatchdog();
+    QTRY_VERIFY_WITH_TIMEOUT(!isProcessAlive(ended), kPatience);
+    QVERIFY(isProcessAlive(kept));
+    m_helper = kept;
+}
+
 void ToolProcessTest::helpersOutliveASuccessAlone_data()
 {
     QTest::addColumn<QByteArray>("script");
     QTest::addColumn<bool>("outlive");
     QTest::newRow("a success") << "helper\nwrite success 1\nhang"_ba << true;
+    QTest::newRow("all written, and then nothing") << "helper\nwrite 100%\nhang"_ba << true;
     QTest::newRow("a failure") << "helper\nwrite success 0\nhang"_ba << false;
 }
 
