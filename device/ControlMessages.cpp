@@ -2,7 +2,7 @@
 
 #include "device/RegisterFrame.h"
 
-#include <QDebug>
+#include <QLoggingCategory>
 #include <QMutexLocker>
 
 #include <algorithm>
@@ -10,6 +10,8 @@
 using namespace RegisterFrame;
 
 namespace {
+
+Q_LOGGING_CATEGORY(hidCategory, "quillon.hid")
 
 constexpr int kReportSize = 65;
 constexpr char kReportId = 0x51;
@@ -19,7 +21,7 @@ QByteArray buildReport(ControlOperation operation, const QList<quint16> &words)
 {
     const qsizetype used = kIdSize + kPayloadAt + 2 * words.size() + kChecksumSize;
     if (used > kReportSize) {
-        qWarning("ControlMessages: %d words do not fit into one report", int(words.size()));
+        qCWarning(hidCategory, "ControlMessages: %d words do not fit into one report", int(words.size()));
         return {};
     }
     QByteArray report;

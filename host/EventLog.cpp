@@ -11,6 +11,16 @@ std::atomic<EventLog *> current{nullptr};
 std::atomic<QtMessageHandler> terminal{nullptr};
 constexpr int kTimeWidth = 9;
 constexpr int kSourceWidth = 12;
+
+/// The concern that a line of the product's belongs to, by its category.
+QString sourceOf(QtMsgType type, const QMessageLogContext &context)
+{
+    if (type != QtDebugMsg && type != QtInfoMsg)
+        return QStringLiteral("warning");
+    static const QLatin1StringView product("quillon.");
+    const QString category = QLatin1StringView(context.category);
+    return category.startsWith(product) ? category.sliced(product.size()) : QStringLiteral("panel");
+}
 } // namespace
 
 EventLog::EventLog()
@@ -65,9 +75,7 @@ void EventLog::record(const QString &source, const QString &text)
 void EventLog::takeMessage(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
     if (EventLog *log = current)
-        log->record(type == QtDebugMsg || type == QtInfoMsg ? QStringLiteral("panel")
-                                                            : QStringLiteral("warning"),
-                    text);
+        log->record(sourceOf(type, context), text);
     // The platform without a display warns about everything that it cannot do.
     const bool isForPeople = type != QtDebugMsg && type != QtInfoMsg
         && !text.startsWith(QLatin1StringView("This plugin does not support"));

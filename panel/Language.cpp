@@ -39,7 +39,7 @@ void installTranslator(const LanguageRow &language)
 {
     auto *translator = new QTranslator;
     if (!translator->load(language.catalogue)) {
-        qWarning().noquote() << "QuillonCustomLibrary: Failed to load" << language.name << "translation";
+        Log::panelWarning() << "QuillonCustomLibrary: Failed to load" << language.name << "translation";
         delete translator;
         return;
     }

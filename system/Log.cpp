@@ -21,6 +21,11 @@ QDebug panel()
     return lineOf(panelCategory());
 }
 
+QDebug panelWarning()
+{
+    return QMessageLogger().warning(panelCategory()).noquote();
+}
+
 QDebug hid()
 {
     return lineOf(hidCategory());

@@ -8,6 +8,7 @@
 namespace Log {
 
 QDebug panel(); ///< quillon.panel: screens, plan, sequence
+QDebug panelWarning(); ///< the same, for what should not happen
 QDebug hid(); ///< quillon.hid: the bus, and what the device says
 QDebug net(); ///< quillon.net: the update server
 QDebug flash(); ///< quillon.flash: the flashing tool

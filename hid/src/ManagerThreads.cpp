@@ -4,12 +4,12 @@
 #include "ManagerCore.h"
 
 #include "FamilyConstants.h"
+#include "LoggingCategory.h"
 #include "ReportFraming.h"
 
 #include <HIDCommunicator/OrvikHIDManager.h>
 
 #include <QAbstractEventDispatcher>
-#include <QDebug>
 #include <QThread>
 
 #include <algorithm>
@@ -56,7 +56,7 @@ void ManagerCore::send(const QByteArray &report)
     if (const auto whole = outputReport(report))
         m_queue.push(*whole);
     else
-        qWarning("[HID] not a report of the device, not queued: %d bytes", int(report.size()));
+        qCWarning(hidCategory, "[HID] not a report of the device, not queued: %d bytes", int(report.size()));
 }
 
 void ManagerCore::sendReports(const Stopped &stopped, DeviceLink &link)

@@ -1,6 +1,6 @@
 #include "SendQueue.h"
 
-#include <QDebug>
+#include "LoggingCategory.h"
 
 namespace HIDCommunicator {
 
@@ -18,7 +18,7 @@ void SendQueue::push(const QByteArray &report)
     m_changed.notify_one();
     // Outside the lock: a message handler may do anything, sending included.
     if (dropped)
-        qWarning("[HID] send queue full, oldest report dropped");
+        qCWarning(hidCategory, "[HID] send queue full, oldest report dropped");
 }
 
 std::optional<QByteArray> SendQueue::take(const std::atomic<bool> &stopped)

@@ -1,6 +1,6 @@
 #include "StoppableThread.h"
 
-#include <QDebug>
+#include "LoggingCategory.h"
 
 #include <system_error>
 #include <thread>
@@ -57,7 +57,7 @@ void StoppableThread::start(Body body)
         const std::lock_guard threadLock(run->threadMutex);
         run->thread = std::thread(std::move(work));
     } catch (const std::system_error &error) {
-        qWarning("[HID] no thread: %s", error.what());
+        qCWarning(hidCategory, "[HID] no thread: %s", error.what());
         return;
     }
     m_run = std::move(run);

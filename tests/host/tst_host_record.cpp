@@ -97,7 +97,7 @@ void HostRecordTest::theLogTellsWhatHappenedInOrder_data()
         u"screen       waiting-pc"_s,        u"scenario     passed"_s};
     // The OTG version alone can bring the bar, before or after the PC version is compared.
     QTest::newRow("versions") << QStringList{
-        u"device       PC interface appeared"_s, u"panel        DEVICE PC VERSION"_s,
+        u"device       PC interface appeared"_s, u"hid          DEVICE PC VERSION"_s,
         u"host         compared: 1.2.0, upgrade needed"_s, u"scenario     here we go"_s};
 }
 

@@ -1,6 +1,6 @@
 #include "BusMonitor.h"
 
-#include <QDebug>
+#include "LoggingCategory.h"
 
 #include <iterator>
 
@@ -19,7 +19,7 @@ UdevPointer<udev_monitor> listen(udev *context)
     UdevPointer<udev_monitor> monitor(context ? udev_monitor_new_from_netlink(context, group) : nullptr);
     if (!monitor || udev_monitor_filter_add_match_subsystem_devtype(monitor.get(), "hidraw", nullptr) < 0
         || udev_monitor_enable_receiving(monitor.get()) < 0) {
-        qWarning("[HID] no hotplug events from the system, scanning periodically only");
+        qCWarning(hidCategory, "[HID] no hotplug events from the system, scanning periodically only");
         return nullptr;
     }
     return monitor;

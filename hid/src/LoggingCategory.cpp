@@ -1,0 +1,7 @@
+#include "LoggingCategory.h"
+
+namespace HIDCommunicator {
+
+Q_LOGGING_CATEGORY(hidCategory, "quillon.hid")
+
+} // namespace HIDCommunicator

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QLoggingCategory>
+
+namespace HIDCommunicator {
+
+/// "quillon.hid", which hosts filter by; any thread.
+Q_DECLARE_LOGGING_CATEGORY(hidCategory)
+
+} // namespace HIDCommunicator
