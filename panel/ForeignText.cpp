@@ -29,12 +29,19 @@ constexpr Range kLeftOut[] = {
     {0xe0000, 0xe007f}, // tags
 };
 
+/// A line may end before or behind each of them: ideographs, their punctuation, syllables.
+constexpr Range kFarEast[] = {{0x2e80, 0xa4cf}, {0xac00, 0xd7a3}, {0xf900, 0xfaff}, {0xff00, 0xffef}};
+
+template <std::size_t size> bool isIn(const Range (&ranges)[size], char32_t character)
+{
+    return std::any_of(std::begin(ranges), std::end(ranges), [character](const Range &range) {
+        return character >= range.first && character <= range.last;
+    });
+}
+
 bool isLeftOut(char32_t character)
 {
-    return QChar::isNonCharacter(character)
-        || std::any_of(std::begin(kLeftOut), std::end(kLeftOut), [character](const Range &range) {
-               return character >= range.first && character <= range.last;
-           });
+    return QChar::isNonCharacter(character) || isIn(kLeftOut, character);
 }
 
 /// Every way to end a line becomes a line feed.
@@ -77,13 +84,6 @@ qsizetype endOfWord(QStringView text, qsizetype limit)
     return end;
 }
 
-/// A line may end before or behind \a character whatever stands before it.
-bool breaksWords(QChar character)
-{
-    constexpr char16_t kFirstOfTheFarEast = 0x2e80;
-    return character.isSpace() || (character >= kFirstOfTheFarEast && !character.isSurrogate());
-}
-
 /// Words wider than the box can be broken at any letter, but searching them for the best one takes quadratic
 /// time.
 QString withBreaksInLongWords(const QString &text)
@@ -92,7 +92,8 @@ QString withBreaksInLongWords(const QString &text)
     breakable.reserve(text.size() + text.size() / kLongestWord);
     qsizetype wordLength = 0;
     for (const QChar character : text) {
-        wordLength = breaksWords(character) ? 0 : wordLength + 1;
+        const bool endsAWord = character.isSpace() || isIn(kFarEast, character.unicode());
+        wordLength = endsAWord ? 0 : wordLength + 1;
         if (wordLength > kLongestWord && character.isLetterOrNumber()) {
             breakable += kInvisibleBreak;
             wordLength = 1;

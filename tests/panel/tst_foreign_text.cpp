@@ -165,6 +165,7 @@ void ForeignTextTest::nothingThatIsShownHoldsTheGuiThread_data()
     row("an Arabic word", u"م"_s);
     row("Arabic words", u"مرحبا "_s);
     row("directions in turn", u"aم"_s);
+    row("directions in turn, in ready-made shapes", u"aﻡ"_s);
     row("Chinese", u"固"_s);
     row("pictures", u"😀"_s);
     row("joined pictures", u"👩\u200d"_s);
