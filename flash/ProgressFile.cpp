@@ -90,4 +90,10 @@ Report judge(const QString &line)
     return isNumber ? Report{Report::Kind::Percentage, percentage} : Report{};
 }
 
+bool hasDoneItsWork(const QString &line)
+{
+    const Report report = judge(line);
+    return line == kAllWritten || (report.kind == Report::Kind::Result && report.value == kSuccess);
+}
+
 } // namespace ProgressFile

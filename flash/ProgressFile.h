@@ -62,4 +62,8 @@ const inline QString kAllWritten = QStringLiteral("100%");
 /// What a trimmed line says. A result without a number has the status 0, which is a failure.
 Report judge(const QString &line);
 
+/// Whether a tool whose last line this is has done its work, be it that it says so or that it merely stands
+/// there.
+bool hasDoneItsWork(const QString &line);
+
 } // namespace ProgressFile

@@ -19,7 +19,7 @@ QString sourceOf(QtMsgType type, const QMessageLogContext &context)
         return QStringLiteral("warning");
     static const QLatin1StringView product("quillon.");
     const QString category = QLatin1StringView(context.category);
-    return category.startsWith(product) ? category.sliced(product.size()) : QStringLiteral("panel");
+    return category.startsWith(product) ? category.sliced(product.size()) : category;
 }
 } // namespace
 

@@ -3,6 +3,20 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QList>
+
+#include <algorithm>
+
+namespace {
+/// It is compared, shown, logged, told to the host and made a part of a file's name.
+bool isVersion(const QString &text)
+{
+    const auto characters = QStringView(text).toUcs4();
+    return text.size() <= VersionAnswer::kLongestVersion
+        && std::all_of(characters.cbegin(), characters.cend(),
+                       [](uint character) { return QChar::isPrint(character); });
+}
+} // namespace
 
 std::optional<VersionAnswer> VersionAnswer::read(const QByteArray &body)
 {
@@ -12,7 +26,7 @@ std::optional<VersionAnswer> VersionAnswer::read(const QByteArray &body)
     const QJsonObject newest = versions.first().toObject();
     VersionAnswer answer{newest.value(u"f_ver").toString(), newest.value(u"f_remark").toString(),
                          newest.value(u"f_remark_en").toString()};
-    if (answer.version.size() > kLongestVersion)
+    if (!isVersion(answer.version))
         return std::nullopt;
     return answer;
 }

@@ -12,10 +12,11 @@ struct VersionAnswer {
     QString notes; ///< "f_remark", release notes in Chinese
     QString notesInEnglish; ///< "f_remark_en"
 
-    /// Longer than any version: a text that exceeds it is none.
-    static constexpr qsizetype kLongestVersion = 100;
+    /// Longer than any version, and short enough for a part of a file's name in every script.
+    static constexpr qsizetype kLongestVersion = 40;
 
-    /// Reads \a body; none for anything but a list with an element, and for a version that is too long. What
+    /// Reads \a body; none for anything but a list with an element, and for a version that is longer than
+    /// that or holds what cannot be printed, such as a line feed or a mark that turns the text around. What
     /// the element does not hold as a text is empty. Any thread: a few megabytes made to be slow take a
     /// fraction of a second.
     static std::optional<VersionAnswer> read(const QByteArray &body);

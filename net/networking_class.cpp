@@ -23,13 +23,15 @@ using namespace std::chrono_literals;
 namespace {
 /// The only time limit of a version query.
 constexpr auto kQueryLimit = 2000ms;
-/// Bounds what a fast server can make the process hold while the disk is slow.
-constexpr qint64 kDownloadBuffer = qint64(1024) * 1024;
+/// Bounds what a fast server can make the process hold while the disk is slow, and what is written at a time:
+/// a compressed image may hold a hundred times what has arrived of it.
+constexpr qint64 kDownloadPiece = qint64(1024) * 1024;
 /// How often, and how many times, a file that another program holds is tried: for 3 s in all, longer than a
 /// virus scanner looks at one.
 constexpr auto kHeldFilePause = 100ms;
 constexpr int kHeldFileTries = 30;
-/// Far more than release notes need. A server that sends on and on stalls here until the time limit.
+/// Far more than release notes need. A server that sends on and on stalls here until the time limit, and what
+/// a compressed answer holds beyond it is not unpacked.
 constexpr qint64 kLargestAnswer = qint64(4) * 1024 * 1024;
 /// What is read at once. A larger answer can be made to take a fifth of a second.
 constexpr qsizetype kReadAtOnce = qsizetype(64) * 1024;
@@ -49,12 +51,20 @@ std::optional<VersionAnswer> readBeside(const QByteArray &body)
     return answer;
 }
 
+/// The server chooses a part of it.
+QString withoutExcess(QString errorText)
+{
+    errorText.truncate(200);
+    errorText.removeIf([](QChar character) { return !character.isPrint(); });
+    return errorText;
+}
+
 void logFailedQuery(const QNetworkReply &reply)
 {
     Log::net() << "request protobufHttp handle errors here";
     Log::net() << "request protobufHttp found error ....code: %d %d\n"
                << reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() << int(reply.error())
-               << reply.errorString();
+               << withoutExcess(reply.errorString());
 }
 } // namespace
 
@@ -106,7 +116,9 @@ QString networking_class::getVersion(QString url)
     query->deleteLater();
     if (query->error() != QNetworkReply::NoError)
         logFailedQuery(*query);
-    const QByteArray body = query->readAll();
+    const QByteArray body = query->read(kLargestAnswer + 1);
+    if (body.size() > kLargestAnswer)
+        return failedQuery();
     const auto answer = body.size() > kReadAtOnce ? readBeside(body) : VersionAnswer::read(body);
     if (!answer)
         return failedQuery();
@@ -117,14 +129,14 @@ QString networking_class::getVersion(QString url)
 
 void networking_class::downloadFile(QUrl url, QString fileName)
 {
-    giveUpDownload();
+    giveUpDownload(fileName);
     this->fileName = fileName;
     Log::net() << "ggxxxxxxxxx" << fileName;
     openFileAndRequest(url, kHeldFileTries);
 }
 
 /// Two downloads at a time would close each other's file and pass half an image on as a whole one.
-void networking_class::giveUpDownload()
+void networking_class::giveUpDownload(const QString &nextFile)
 {
     heldFileTimer->disconnect(this);
     heldFileTimer->stop();
@@ -134,9 +146,10 @@ void networking_class::giveUpDownload()
     reply->abort();
     reply->deleteLater();
     reply = nullptr;
-    if (file)
-        file->remove();
     file.reset();
+    // The same file is emptied; on Windows one that is removed may be in the way for a while.
+    if (fileName != nextFile)
+        QFile::remove(fileName);
 }
 
 void networking_class::waitForFile(const QUrl &url, int triesLeft)
@@ -160,7 +173,7 @@ void networking_class::openFileAndRequest(const QUrl &url, int triesLeft)
             return file.reset();
     }
     reply = manager->get(QNetworkRequest(url));
-    reply->setReadBufferSize(kDownloadBuffer);
+    reply->setReadBufferSize(kDownloadPiece);
     connect(reply, &QNetworkReply::readyRead, this, &networking_class::httpReadyRead);
     connect(reply, &QNetworkReply::downloadProgress, this, &networking_class::updateDataReadProgress);
     connect(reply, &QNetworkReply::finished, this, &networking_class::httpFinished);
@@ -168,14 +181,29 @@ void networking_class::openFileAndRequest(const QUrl &url, int triesLeft)
 
 void networking_class::httpReadyRead()
 {
+    writePiece();
+}
+
+/// Whether there may be more to write.
+bool networking_class::writePiece()
+{
+    const QByteArray piece = reply->read(kDownloadPiece);
     if (file)
-        file->write(reply->readAll());
+        file->write(piece);
+    return piece.size() == kDownloadPiece;
 }
 
 void networking_class::httpFinished()
 {
-    // With a bounded read buffer the last bytes may not have been announced by a readyRead of their own.
-    httpReadyRead();
+    // The last bytes may not have been announced by a readyRead of their own.
+    if (writePiece()) {
+        // Everything else has its turn between two pieces, a next download included.
+        QTimer::singleShot(0, reply, [this, finished = reply] {
+            if (reply == finished)
+                httpFinished();
+        });
+        return;
+    }
     file.reset();
     reply->deleteLater();
     reply = nullptr;

@@ -26,9 +26,9 @@ public:
 
     /// Asks for the newest version of one project and keeps the release notes that come with it. Blocks in a
     /// nested event loop for at most about 2 s; slots, timers and input of the application run meanwhile.
-    /// Returns failedQuery() for anything but a JSON list with an element, for a version of more than 100
-    /// characters and for an answer of more than 4 MiB; the notes then stay as they were. An element that
-    /// names no version gives an empty string and empties the notes.
+    /// Returns failedQuery() for anything but a JSON list with an element, for a text that cannot be a
+    /// version (VersionAnswer) and for an answer of more than 4 MiB; the notes then stay as they were. An
+    /// element that names no version gives an empty string and empties the notes.
     QString getVersion(QString url);
 
     /// Starts to download \a url into the file \a fileName, which is emptied first, and returns at once. A
@@ -50,7 +50,8 @@ private Q_SLOTS:
 private:
     networking_class();
     ~networking_class() override;
-    void giveUpDownload();
+    void giveUpDownload(const QString &nextFile);
+    bool writePiece();
     void openFileAndRequest(const QUrl &url, int triesLeft);
     void waitForFile(const QUrl &url, int triesLeft);
 

@@ -81,11 +81,13 @@ public:
 
     /// Shows the panel and starts the recovery of a device in its boot loader: both firmwares, no version
     /// check. While the failure screen is up it offers the retry instead. Discovery calls it by itself; a
-    /// host may as well. May block for four server queries, 8 s in all, in nested event loops.
+    /// host may as well. May block for four server queries, about 8 s in all, in nested event
+    /// loops, and longer while the device's replies ask the server, too.
     void startAutoRecoverUpgrade();
 
 Q_SIGNALS:
-    /// The versions were compared: the version to show, and whether any firmware has to be upgraded.
+    /// The versions were compared: the version to show, and whether any firmware has to be upgraded. The
+    /// server names the version: a host shows it as plain text.
     void upgradeDisplayMsg(QString disPlayVer, bool isUpgradeNeeded);
     /// A device in its boot loader was found while nothing ran; the recovery starts.
     void onDeviceBrickedDetected();
@@ -194,6 +196,7 @@ private:
     bool startTool(const QString &binPath, int pid);
     void showFlashingStarted();
     enum class ToolHelpers { End, Stay };
+    ToolHelpers helpersOfTheTool() const;
     void killTool(ToolHelpers helpers = ToolHelpers::End);
 
     // ---- Progress of the tool: flash/panel/ProgressMonitor.cpp ----

@@ -1,5 +1,7 @@
 #include "panel/ForeignText.h"
 
+#include <QList>
+
 #include <algorithm>
 
 namespace QuillonFirmwareUpgrade::ForeignText {
@@ -29,19 +31,22 @@ constexpr Range kLeftOut[] = {
     {0xe0000, 0xe007f}, // tags
 };
 
-/// A line may end before or behind each of them: ideographs, their punctuation, syllables.
-constexpr Range kFarEast[] = {{0x2e80, 0xa4cf}, {0xac00, 0xd7a3}, {0xf900, 0xfaff}, {0xff00, 0xffef}};
-
-template <std::size_t size> bool isIn(const Range (&ranges)[size], char32_t character)
+bool isIn(const Range &range, char32_t character)
 {
-    return std::any_of(std::begin(ranges), std::end(ranges), [character](const Range &range) {
-        return character >= range.first && character <= range.last;
-    });
+    return character >= range.first && character <= range.last;
 }
 
 bool isLeftOut(char32_t character)
 {
-    return QChar::isNonCharacter(character) || isIn(kLeftOut, character);
+    return QChar::isNonCharacter(character)
+        || std::any_of(std::begin(kLeftOut), std::end(kLeftOut),
+                       [character](const Range &range) { return isIn(range, character); });
+}
+
+/// Joiners and their like, which belong to the letters around them.
+bool isInvisible(char32_t character)
+{
+    return QChar::category(character) == QChar::Other_Format;
 }
 
 /// Every way to end a line becomes a line feed.
@@ -63,7 +68,11 @@ QString withoutTricks(const QString &text)
     for (const char32_t character : QStringView(lines).toUcs4()) {
         if (isLeftOut(character))
             continue;
-        marks = QChar::isMark(character) ? marks + 1 : 0;
+        // A joiner between two marks would not part them from their letter.
+        if (QChar::isMark(character))
+            ++marks;
+        else if (!isInvisible(character))
+            marks = 0;
         if (marks <= kMarksOnALetter)
             plain += QChar::fromUcs4(character);
     }
@@ -84,6 +93,12 @@ qsizetype endOfWord(QStringView text, qsizetype limit)
     return end;
 }
 
+/// Whether a line may begin with \a character without looking odd, more or less.
+bool mayBeginALine(char32_t character)
+{
+    return !QChar::isMark(character) && !isInvisible(character) && !QChar::isPunct(character);
+}
+
 /// Words wider than the box can be broken at any letter, but searching them for the best one takes quadratic
 /// time.
 QString withBreaksInLongWords(const QString &text)
@@ -91,14 +106,13 @@ QString withBreaksInLongWords(const QString &text)
     QString breakable;
     breakable.reserve(text.size() + text.size() / kLongestWord);
     qsizetype wordLength = 0;
-    for (const QChar character : text) {
-        const bool endsAWord = character.isSpace() || isIn(kFarEast, character.unicode());
-        wordLength = endsAWord ? 0 : wordLength + 1;
-        if (wordLength > kLongestWord && character.isLetterOrNumber()) {
+    for (const char32_t character : QStringView(text).toUcs4()) {
+        wordLength = QChar::isSpace(character) ? 0 : wordLength + 1;
+        if ((wordLength > kLongestWord && mayBeginALine(character)) || wordLength > 2 * kLongestWord) {
             breakable += kInvisibleBreak;
             wordLength = 1;
         }
-        breakable += character;
+        breakable += QChar::fromUcs4(character);
     }
     return breakable;
 }
@@ -106,7 +120,10 @@ QString withBreaksInLongWords(const QString &text)
 /// Looks at no more of \a text than can be shown of it, however long it is.
 QString shown(const QString &text, qsizetype limit)
 {
-    const QString plain = withoutTricks(text.left(limit));
+    QString beginning = text.left(limit);
+    if (text.size() > limit && beginning.back().isHighSurrogate())
+        beginning.chop(1);
+    const QString plain = withoutTricks(beginning);
     if (text.size() <= limit)
         return plain;
     if (plain.isEmpty())

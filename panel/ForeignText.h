@@ -7,8 +7,9 @@
 /// what stands beside them.
 namespace QuillonFirmwareUpgrade::ForeignText {
 
-/// Longer than any release notes; laying out so much takes some milliseconds, whatever it is made of.
-constexpr qsizetype kLongestNotes = 4000;
+/// Longer than any release notes; laying out so much takes a twentieth of a second at most,
+/// whatever it is made of.
+constexpr qsizetype kLongestNotes = 2000;
 /// Longer than any version, and short enough for the line it stands on.
 constexpr qsizetype kLongestVersion = 24;
 

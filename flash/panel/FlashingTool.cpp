@@ -102,11 +102,16 @@ void FirmwareUpgradeWidget::onDfuProcessFinished(int exitCode, QProcess::ExitSta
         m_dfuTimeoutTimer->stop();
 }
 
-/// A tool that has written all and merely does not quit has succeeded, as the next poll will find.
 void FirmwareUpgradeWidget::onDfuTimeout()
 {
+    killTool(helpersOfTheTool());
+}
+
+/// What a tool that has done its work has started may still have the new firmware to start.
+FirmwareUpgradeWidget::ToolHelpers FirmwareUpgradeWidget::helpersOfTheTool() const
+{
     const QString line = ProgressFile::read(firmwareTxtPath(), m_leftoverReport).line;
-    killTool(line == ProgressFile::kAllWritten ? ToolHelpers::Stay : ToolHelpers::End);
+    return ProgressFile::hasDoneItsWork(line) ? ToolHelpers::Stay : ToolHelpers::End;
 }
 
 void FirmwareUpgradeWidget::killTool(ToolHelpers helpers)

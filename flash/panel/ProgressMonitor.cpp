@@ -101,7 +101,6 @@ void FirmwareUpgradeWidget::takeResult(int status)
         else if (handOverToOtg() == PanelIs::Gone)
             return;
     }
-    // What a tool has started may still have the new firmware to start.
     killTool(status == ProgressFile::kSuccess ? ToolHelpers::Stay : ToolHelpers::End);
 }
 
@@ -138,9 +137,9 @@ void FirmwareUpgradeWidget::endStalledRun(int percent)
 {
     if (percent >= ProgressScale::kAllDone) {
         // Everything is written and the tool merely does not quit: the next poll finds it ended and counts a
-        // success, so that what it has started is left alone as after any other.
+        // success.
         Log::flash() << "[状态] 进度100%停滞3秒，主动终止外部工具";
-        killTool(ToolHelpers::Stay);
+        killTool(helpersOfTheTool());
         return;
     }
     Log::flash() << "[状态] 升级进度停滞3秒，判定为失败";

@@ -5,6 +5,7 @@
 #include <QCryptographicHash>
 #include <QDeadlineTimer>
 #include <QDir>
+#include <QFileInfo>
 #include <QThread>
 #include <QtTest>
 
@@ -25,6 +26,7 @@ private Q_SLOTS:
     void endsWithWhatArrived_data();
     void endsWithWhatArrived();
     void writesWhileItReceives();
+    void unpacksACompressedImagePieceByPiece();
     void asksNothingWhenTheFileCannotBeOpened_data();
     void asksNothingWhenTheFileCannotBeOpened();
     void survivesAFullDisk();
@@ -121,6 +123,26 @@ void DownloadTest::writesWhileItReceives()
     stage().server.release(stage().kImagePath);
     QTRY_COMPARE(stage().ended.size(), 1);
     QCOMPARE(QFile(stage().image()).size(), 400'000);
+}
+
+/// A thousand bytes of an image may come in one.
+void DownloadTest::unpacksACompressedImagePieceByPiece()
+{
+    const QByteArray image(9 * kMiB, 'i');
+    stage().server.answer(stage().kImagePath, ScriptedHttpServer::compressedPage(image));
+    qint64 written = 0;
+    qint64 largest = 0;
+    QTimer eachTurn;
+    connect(&eachTurn, &QTimer::timeout, this, [&] {
+        const qint64 now = QFileInfo(stage().image()).size();
+        largest = std::max(largest, now - written);
+        written = now;
+    });
+    eachTurn.start(0);
+    stage().download(stage().image());
+    QTRY_COMPARE(stage().ended.size(), 1);
+    QCOMPARE(contentOf(stage().image()), image);
+    QVERIFY2(largest <= 2 * kMiB, qPrintable(QString::number(largest)));
 }
 
 void DownloadTest::asksNothingWhenTheFileCannotBeOpened_data()

@@ -82,6 +82,12 @@ void NetworkingTest::logsAFailedQuery_data()
     QTest::newRow("status 500 with a list")
         << ScriptedHttpServer::page("[{}]"_ba, 500) << u"500 401 "_s
         << u"Error transferring "_s + address + u" - server replied: Scripted"_s;
+    auto wordy = ScriptedHttpServer::page("no"_ba, 404);
+    wordy.reason = "\x1b[31m"_ba + QByteArray(100'000, 'r');
+    QTest::newRow("a reason of the server's without end")
+        << wordy << u"404 203 "_s
+        << QString(u"Error transferring "_s + address + u" - server replied: [31m"_s)
+               .leftJustified(199, u'r');
     QTest::newRow("no answer at all")
         << ScriptedHttpServer::silence() << u"0 5 "_s << u"Operation canceled"_s;
     QTest::newRow("closed unanswered") << ScriptedHttpServer::hangUp() << u"0 2 "_s << u"Connection closed"_s;

@@ -1,4 +1,5 @@
 #include "tests/net/ClientTest.h"
+#include "tests/support/Sizes.h"
 #include "tests/support/TestProgram.h"
 
 #include <QtTest>
@@ -59,10 +60,14 @@ void VersionAnswerTest::answersEveryKindOfBody_data()
     QTest::newRow("a version in any wording")
         << R"([{"f_ver":" v1.2-β "}])"_ba << u" v1.2-β "_s << none << none;
     QTest::newRow("the longest version")
-        << "[{\"f_ver\":\""_ba + QByteArray(100, '1') + "\"}]" << QString(100, u'1') << none << none;
+        << "[{\"f_ver\":\""_ba + QByteArray(40, '1') + "\"}]" << QString(40, u'1') << none << none;
     QTest::newRow("a version that is too long to be one")
-        << "[{\"f_ver\":\""_ba + QByteArray(101, '1') + "\",\"f_remark\":\"x\"}]" << failed << oldNotes
+        << "[{\"f_ver\":\""_ba + QByteArray(41, '1') + "\",\"f_remark\":\"x\"}]" << failed << oldNotes
         << oldEnglish;
+    QTest::newRow("a version of two lines")
+        << R"([{"f_ver":"1.2.3\n[Upgrade]"}])"_ba << failed << oldNotes << oldEnglish;
+    QTest::newRow("a version that turns the text around")
+        << R"([{"f_ver":"1.2.3\u202e"}])"_ba << failed << oldNotes << oldEnglish;
     QTest::newRow("notes of a million characters")
         << "[{\"f_ver\":\"1.2.3\",\"f_remark\":\""_ba + QByteArray(1'000'000, 'W') + "\"}]" << u"1.2.3"_s
         << QString(1'000'000, u'W') << none;
@@ -128,6 +133,9 @@ void VersionAnswerTest::readsTheBodyWhateverTheStatus_data()
     QTest::newRow("cut short within the list") << cut << u"104"_s;
     cut.cutAfter = list.size();
     QTest::newRow("cut short behind the list") << cut << u"1.2.3"_s;
+    QTest::newRow("compressed") << ScriptedHttpServer::compressedPage(list) << u"1.2.3"_s;
+    QTest::newRow("compressed, and huge when unpacked")
+        << ScriptedHttpServer::compressedPage(list + QByteArray(9 * kMiB, ' ')) << u"104"_s;
 }
 
 void VersionAnswerTest::readsTheBodyWhateverTheStatus()

@@ -101,8 +101,10 @@ void DownloadsTest::aVersionNamesNoOtherFolder()
     ReadyToUpgrade stage;
     stage.server.answer(ServerPaths::kR2PcImage, Server::silence());
     stage.panel->pretendServerVersion(Chip::Pc, version);
-    const QString victim = QDir(stage.sandbox.downloadFolder()).filePath(u"../../victim.bin"_s);
-    QDir().mkpath(QFileInfo(victim).path());
+    // A folder through which a name that is taken as it is would lead out of the one for images.
+    const QDir folder(stage.sandbox.downloadFolder());
+    QVERIFY(folder.mkpath(u"R2_PC"_s));
+    const QString victim = folder.filePath(u"../victim.bin"_s);
     writeFile(victim, "somebody's");
     stage.click();
     QCOMPARE(QFileInfo(stage.panel->imagePath(Chip::Pc)).fileName(), file);

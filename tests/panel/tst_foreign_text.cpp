@@ -33,6 +33,8 @@ private Q_SLOTS:
 
 namespace {
 constexpr int kMillion = 1'000'000;
+/// In both languages together that makes a million.
+constexpr int kHugeNotes = kMillion / 2;
 constexpr int kLongestAnswer = 4'000'000;
 
 QString mostOf(const QString &piece, qsizetype length)
@@ -51,7 +53,7 @@ QString toTheLimit(const QString &inside, const QString &outside)
 
 QByteArray listOfNotes(const QString &notes)
 {
-    const QJsonObject newest{{u"f_ver"_s, u"2.0.0"_s}, {u"f_remark"_s, notes}};
+    const QJsonObject newest{{u"f_ver"_s, u"2.0.0"_s}, {u"f_remark"_s, notes}, {u"f_remark_en"_s, notes}};
     return QJsonDocument(QJsonArray{newest}).toJson(QJsonDocument::Compact);
 }
 
@@ -82,9 +84,11 @@ void ForeignTextTest::notesAreShown_data()
     asTheyAre("pictures", u"👩\u200d👩\u200d👧 🇨🇳 ☺\ufe0f"_s);
     asTheyAre("Vietnamese in pieces", u"e\u0302\u0323\u0301"_s);
     asTheyAre("the longest word", QString(100, u'x'));
-    asTheyAre("the longest notes", u"固"_s.repeated(ForeignText::kLongestNotes));
+    asTheyAre("the longest notes", mostOf(QString(99, u'x') + u' ', ForeignText::kLongestNotes));
 
     QTest::newRow("a longer word") << QString(102, u'x') << QString(100, u'x') + u"\u200bxx"_s;
+    QTest::newRow("a longer one that no line should begin behind")
+        << QString(100, u'固') + u"。b"_s << QString(100, u'固') + u"。\u200bb"_s;
     QTest::newRow("lines of Windows") << u"a\r\nb\r\n"_s << u"a\nb\n"_s;
     QTest::newRow("other ends of a line") << u"a\rb\u2028c\u2029d\fe\vf\u0085g"_s << u"a\nb\nc\nd\ne\nf\ng"_s;
     QTest::newRow("controls") << u"a\u0000b\u0007c\u001bd\u007fe\u009cf"_s << u"abcdef"_s;
@@ -95,6 +99,8 @@ void ForeignTextTest::notesAreShown_data()
     QTest::newRow("half a character") << u"a"_s + QChar(0xd83d) + u"b"_s << u"a\ufffdb"_s;
     QTest::newRow("marks heaped on a letter") << u"a"_s + QString(500, QChar(0x0301)) + u"b\u0301"_s
                                               << u"a"_s + QString(4, QChar(0x0301)) + u"b\u0301"_s;
+    QTest::newRow("marks heaped by means of joiners")
+        << u"a"_s + mostOf(u"\u0301\u200d"_s, 20) << u"a"_s + mostOf(u"\u0301\u200d"_s, 8);
 }
 
 void ForeignTextTest::notesAreShown()
@@ -112,6 +118,8 @@ void ForeignTextTest::longNotesAreCut_data()
     QTest::newRow("behind a line") << toTheLimit(u" one\n\n  two"_s, u"three"_s) << u" one…"_s;
     QTest::newRow("behind a whole character")
         << u"x"_s + mostOf(u"\U0001f600"_s, kMillion) << u"\U0001f600…"_s;
+    QTest::newRow("behind a whole character, the line end being shorter")
+        << u"\r\nx"_s + mostOf(u"\U0001f600"_s, kMillion) << u"\U0001f600…"_s;
     QTest::newRow("where nothing can be seen") << QString(kMillion, QChar(0x202e)) << u"…"_s;
     QTest::newRow("where there are line ends only") << u"x"_s + QString(kMillion, u'\n') << u"x…"_s;
 }
@@ -157,7 +165,7 @@ void ForeignTextTest::nothingThatIsShownHoldsTheGuiThread_data()
 {
     QTest::addColumn<QString>("notes");
     const auto row
-        = [](const char *name, const QString &piece) { QTest::newRow(name) << mostOf(piece, kMillion); };
+        = [](const char *name, const QString &piece) { QTest::newRow(name) << mostOf(piece, kHugeNotes); };
     row("one word", u"W"_s);
     row("words", u"word "_s);
     row("line ends", u"\n"_s);
@@ -166,6 +174,11 @@ void ForeignTextTest::nothingThatIsShownHoldsTheGuiThread_data()
     row("Arabic words", u"مرحبا "_s);
     row("directions in turn", u"aم"_s);
     row("directions in turn, in ready-made shapes", u"aﻡ"_s);
+    row("directions in turn, of old scripts", u"𝐚𐤀"_s);
+    row("directions in turn, of marks alone", u"_\u200e_\u200f"_s);
+    row("directions in turn, of full stops", u"。\u200f。\u200e"_s);
+    row("underlines", u"_"_s);
+    row("small kana", u"っ"_s);
     row("Chinese", u"固"_s);
     row("pictures", u"😀"_s);
     row("joined pictures", u"👩\u200d"_s);
@@ -185,7 +198,6 @@ void ForeignTextTest::nothingThatIsShownHoldsTheGuiThread()
     stage.panel->notes()->setPlainText(notes.left(10));
     stage.panel->grab();
     stage.server.answer(ServerPaths::kR2PcVersion, ScriptedHttpServer::page(listOfNotes(notes)));
-    networking_class::getInstance()->f_remark_en = notes;
 
     GuiHold hold;
     stage.panel->updateScreen();
@@ -194,20 +206,23 @@ void ForeignTextTest::nothingThatIsShownHoldsTheGuiThread()
     QCoreApplication::processEvents();
     QVERIFY2(hold.longest() <= kLongestHold, qPrintable(QString::number(hold.longest().count())));
     QCOMPARE(networking_class::getInstance()->f_remark.size(), notes.size());
+    QCOMPARE(networking_class::getInstance()->f_remark_en.size(), notes.size());
 }
 
 void ForeignTextTest::noAnswerHoldsTheGuiThread_data()
 {
     QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<QString>("notes");
     const auto row
         = [](const char *name, const QByteArray &begin, const QByteArray &piece, const QByteArray &end) {
-              QTest::newRow(name) << begin + piece.repeated(kLongestAnswer / piece.size()) + end;
+              QTest::newRow(name) << begin + piece.repeated(kLongestAnswer / piece.size()) + end << QString();
           };
     row("numbers", "[", "0,", "0]");
     row("lists", "[", "[],", "0]");
     row("objects", "[", "{},", "0]");
     row("names", "[{", "\"k\":0,", "\"k\":0}]");
-    row("notes", "[{\"f_remark\":\"", "W", "\"}]");
+    const QString notes(kLongestAnswer, u'W');
+    QTest::newRow("notes") << "[{\"f_remark\":\"" + notes.toLatin1() + "\"}]" << notes;
     row("a version", "[{\"f_ver\":\"", "1.", "\"}]");
     row("lists in lists", "[", "[", "]");
 }
@@ -220,6 +235,8 @@ void ForeignTextTest::noAnswerHoldsTheGuiThread()
     GuiHold hold;
     stage.panel->updateScreen();
     QVERIFY2(hold.longest() <= kLongestHold, qPrintable(QString::number(hold.longest().count())));
+    QCOMPARE(stage.log.startingWith(u"request"_s), QStringList());
+    QTEST(networking_class::getInstance()->f_remark, "notes");
 }
 
 void ForeignTextTest::endlessVersionsAreNotShown()

@@ -38,7 +38,7 @@ class LogTest : public QObject {
 private Q_SLOTS:
     void eachLineHasItsCategory_data();
     void eachLineHasItsCategory();
-    void everyLineOfTheProductHasOne();
+    void everyLineOfAPlayHasOne();
     void aHostCanFilter();
     void piecesAreSeparatedByOneBlank();
 };
@@ -76,7 +76,7 @@ void LogTest::eachLineHasItsCategory()
     QTEST(linesByCategory.key(line), "category");
 }
 
-void LogTest::everyLineOfTheProductHasOne()
+void LogTest::everyLineOfAPlayHasOne()
 {
     const Sorter sorter;
     playALittle();

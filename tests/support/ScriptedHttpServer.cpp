@@ -106,6 +106,14 @@ Answer ScriptedHttpServer::page(const QByteArray &body, int status)
     return answer;
 }
 
+Answer ScriptedHttpServer::compressedPage(const QByteArray &body)
+{
+    constexpr int kLengthOfQt = 4; // stands before what others know as zlib's format
+    Answer answer = page(qCompress(body).sliced(kLengthOfQt));
+    answer.moreHead = QByteArrayLiteral("Content-Encoding: deflate\r\n");
+    return answer;
+}
+
 Answer ScriptedHttpServer::silence()
 {
     Answer answer;

@@ -32,6 +32,7 @@ public:
     static Answer version(const QByteArray &number, const QByteArray &notes = {},
                           const QByteArray &englishNotes = {});
     static Answer page(const QByteArray &body, int status = 200);
+    static Answer compressedPage(const QByteArray &body);
     static Answer silence();
     static Answer hangUp();
 
