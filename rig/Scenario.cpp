@@ -82,8 +82,13 @@ QString complaint(const QStringList &words, qsizetype agreed, QStringList expect
 }
 
 // Fills statement from words; returns what is wrong with them otherwise.
-QString understand(const QStringList &words, Statement &statement)
+QString understand(QStringList words, Statement &statement)
 {
+    statement.attempt = words.first() == u"try";
+    if (statement.attempt)
+        words.removeFirst();
+    if (words.isEmpty())
+        return QStringLiteral("expected a statement, found the end of the line");
     qsizetype furthest = 0;
     QStringList expected;
     for (int form = 0; form < grammar().size(); ++form) {
@@ -123,7 +128,7 @@ std::optional<Scenario> Scenario::parse(const QString &text, const QString &file
         LineWords split = splitLine(line);
         if (split.words.isEmpty() && split.error.isEmpty())
             continue;
-        Statement statement{number, 0, {}, line};
+        Statement statement{number, 0, {}, line, false};
         if (split.error.isEmpty())
             split.error = understand(split.words, statement);
         if (!split.error.isEmpty()) {

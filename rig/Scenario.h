@@ -14,6 +14,7 @@ struct Statement {
     int form = 0; ///< index into grammar()
     QStringList words; ///< the words that fill the form's gaps, in order; an omitted optional one is empty
     QString text; ///< the line as it stands, trimmed
+    bool attempt = false; ///< begins with "try": what cannot be done is passed over
 };
 
 /// A scenario as read from a file: what to do with the device, the server and the panel, and what to expect.

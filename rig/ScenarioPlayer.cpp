@@ -49,6 +49,20 @@ void ScenarioPlayer::begin(int index)
     Q_EMIT progressed(placeOf(m_scenario.statements.at(index)));
 }
 
+// What came of the statement, whose time may be up.
+Outcome ScenarioPlayer::tried(const Statement &statement)
+{
+    Outcome outcome = (m_stage.get()->*grammar().at(statement.form).act)(statement.words);
+    if (const QString remark = m_stage->takeRemark(); !remark.isEmpty())
+        Q_EMIT progressed(remark);
+    if (outcome.kind == Outcome::NotYet && m_stage->sinceStatement() >= outcome.limit)
+        outcome = Outcome::failed(outcome.seen);
+    if (outcome.kind != Outcome::Failed || !statement.attempt)
+        return outcome;
+    Q_EMIT progressed(placeOf(statement) + QStringLiteral(": passed over: ") + outcome.seen);
+    return Outcome::done();
+}
+
 // One statement a step. A statement may call into the application, which may run an event loop; a timer whose
 // slot is still running does not fire in there.
 void ScenarioPlayer::step()
@@ -56,13 +70,9 @@ void ScenarioPlayer::step()
     if (m_index < 0)
         begin(0);
     const Statement &statement = m_scenario.statements.at(m_index);
-    const Outcome outcome = (m_stage.get()->*grammar().at(statement.form).act)(statement.words);
-    if (const QString remark = m_stage->takeRemark(); !remark.isEmpty())
-        Q_EMIT progressed(remark);
-
-    const bool late = outcome.kind == Outcome::NotYet && m_stage->sinceStatement() >= outcome.limit;
+    const Outcome outcome = tried(statement);
     const bool overtime = std::chrono::milliseconds(m_sinceStart.elapsed()) >= m_stage->scenarioLimit();
-    if (outcome.kind == Outcome::Failed || late)
+    if (outcome.kind == Outcome::Failed)
         end(false, placeOf(statement) + QStringLiteral(": ") + outcome.seen);
     else if (overtime)
         end(false, placeOf(statement) + QStringLiteral(": the scenario takes too long"));

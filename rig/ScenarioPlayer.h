@@ -15,6 +15,7 @@ class QWidget;
 namespace rig {
 
 class ScenarioStage;
+struct Outcome;
 
 /// Plays a scenario against a rig and a panel that it knows only as a widget with named children. Driven by
 /// timers: no call waits, so it goes on while the panel blocks in an event loop of its own. One statement at
@@ -38,6 +39,7 @@ Q_SIGNALS:
 
 private:
     void step();
+    Outcome tried(const Statement &statement);
     void begin(int index);
     void end(bool passed, const QString &verdict);
     QString placeOf(const Statement &statement) const;

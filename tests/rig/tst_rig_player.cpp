@@ -1,6 +1,6 @@
 #include "rig/FirmwareImage.h"
-#include "rig/ScenarioPlayer.h"
 #include "tests/rig/FakePanel.h"
+#include "tests/rig/PlayedText.h"
 #include "tests/support/TestProgram.h"
 
 #include <QElapsedTimer>
@@ -17,17 +17,6 @@ using namespace rig;
 using namespace std::chrono_literals;
 
 namespace {
-
-constexpr int kPatience = 120000; // of the sped-up clock
-
-Scenario scenario(const QString &text)
-{
-    QString error;
-    const auto parsed = Scenario::parse(text, QStringLiteral("/a/b/x.scn"), &error);
-    if (!parsed)
-        qFatal("%s", qPrintable(error));
-    return *parsed;
-}
 
 // Notes which widget gets a press, and passes it on.
 class PressWatch : public QObject {
@@ -57,6 +46,7 @@ private Q_SLOTS:
     void aPauseTakesItsTime();
     void aHeldScreenMustStay();
     void theWholeScenarioHasALimit();
+    void whatIsOnlyTriedFailsNothing();
     void progressNamesEachStatement();
     void theDeviceAndTheServerDoAsTold();
     void aFaultIsArmedAsWritten();
@@ -117,12 +107,7 @@ void RigPlayerTest::startPlaying(const QString &text)
 QString RigPlayerTest::play(const QString &text)
 {
     startPlaying(text);
-    if (!m_finished->wait(kPatience))
-        return QStringLiteral("it did not end");
-    const QString verdict = m_finished->first().at(1).toString();
-    return m_finished->first().at(0).toBool() == verdict.isEmpty()
-        ? verdict
-        : QStringLiteral("verdict and result differ");
+    return verdictOf(*m_finished);
 }
 
 void RigPlayerTest::aScenarioEndsInAVerdict_data()
@@ -221,6 +206,27 @@ void RigPlayerTest::theWholeScenarioHasALimit()
 {
     QCOMPARE(play(QStringLiteral("timeout 2s\npause 1s\npause 50s\nexpect screen failure")),
              QStringLiteral("x.scn:3: pause 50s: the scenario takes too long"));
+    QCOMPARE(play(QStringLiteral("timeout 2s\ntry pause 50s\nexpect screen failure")),
+             QStringLiteral("x.scn:2: try pause 50s: the scenario takes too long"));
+}
+
+void RigPlayerTest::whatIsOnlyTriedFailsNothing()
+{
+    QElapsedTimer time;
+    time.start();
+    startPlaying(QStringLiteral(
+        "try expect screen failure\ntry wait screen failure 3s\ntry expect bar 27\nexpect bar 28"));
+    QSignalSpy progress(m_player.get(), &ScenarioPlayer::progressed);
+    QCOMPARE(verdictOf(*m_finished), QStringLiteral("x.scn:4: expect bar 28: 27"));
+    QVERIFY2(time.elapsed() >= 3000, qPrintable(QString::number(time.elapsed())));
+    QStringList passedOver;
+    for (const QList<QVariant> &line : progress) {
+        if (line.first().toString().contains(QStringLiteral("passed over")))
+            passedOver.append(line.first().toString());
+    }
+    QCOMPARE(passedOver,
+             (QStringList{QStringLiteral("x.scn:1: try expect screen failure: passed over: up-to-date"),
+                          QStringLiteral("x.scn:2: try wait screen failure 3s: passed over: up-to-date")}));
 }
 
 void RigPlayerTest::progressNamesEachStatement()

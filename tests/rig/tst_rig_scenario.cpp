@@ -27,6 +27,7 @@ private Q_SLOTS:
     void theGrammarHoldsTogether();
     void aStatementIsUnderstood_data();
     void aStatementIsUnderstood();
+    void aStatementMayBeOnlyTried();
     void linesAreCountedThroughCommentsAndBlanks();
     void aMistakeIsNamedWithItsPlace_data();
     void aMistakeIsNamedWithItsPlace();
@@ -178,6 +179,19 @@ void RigScenarioTest::aStatementIsUnderstood()
     QCOMPARE(statement.text, line);
 }
 
+void RigScenarioTest::aStatementMayBeOnlyTried()
+{
+    QString error;
+    const auto scenario = Scenario::parse(QStringLiteral("wait bar 10 5s\ntry wait bar 10 5s"),
+                                          QStringLiteral("x.scn"), &error);
+    QVERIFY2(scenario, qPrintable(error));
+    const Statement &plain = scenario->statements.at(0);
+    const Statement &tried = scenario->statements.at(1);
+    QCOMPARE(tried.form, plain.form);
+    QCOMPARE(tried.words, plain.words);
+    QVERIFY(tried.attempt && !plain.attempt);
+}
+
 void RigScenarioTest::linesAreCountedThroughCommentsAndBlanks()
 {
     QString error;
@@ -234,6 +248,9 @@ void RigScenarioTest::aMistakeIsNamedWithItsPlace_data()
         "waiting-otg, starting, flashing, completed, failure), found \"welcome\"");
     row("a picture outside its folder", "picture ../x",
         "x.scn:1: expected a name of letters, digits, \"-\" and \"_\", found \"../x\"");
+    row("nothing tried", "try", "x.scn:1: expected a statement, found the end of the line");
+    row("a try of no statement", "try try plug pc", "x.scn:1: no such statement: \"try\"");
+    row("a mistake in what is tried", "try plug usb", "x.scn:1: expected \"pc\" or \"otg\", found \"usb\"");
     row("an open quote", "say \"hello", "x.scn:1: a quote is not closed");
     row("nothing at all", "", "x.scn: holds no statement");
     row("only comments", "# a\n# b\n", "x.scn: holds no statement");
