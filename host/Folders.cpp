@@ -26,6 +26,9 @@ Folders::Folders(Kind kind)
         pointTo("HOME", m_temporary->filePath(QStringLiteral("home")));
         pointTo("USERPROFILE", m_temporary->filePath(QStringLiteral("home")));
         pointTo(kAllUsers, m_temporary->filePath(QStringLiteral("all-users")));
+        // Scenarios look at what is left in there, and other programs are to have no part in it.
+        for (const char *variable : {"TMPDIR", "TMP", "TEMP"})
+            pointTo(variable, m_temporary->filePath(QStringLiteral("temporary")));
     } else if (qEnvironmentVariableIsEmpty(kAllUsers)) {
         // Windows always has it; elsewhere the panel would download into the root folder.
         pointTo(kAllUsers, QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation));

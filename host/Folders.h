@@ -6,9 +6,9 @@
 
 namespace host {
 
-/// The folders that the panel and the flashing tool write to. A simulation gets fresh ones that vanish with
-/// this object, so that it never meets the files of a real device. Make it after the application object: the
-/// window system looks into the real home as it starts.
+/// The folders that the panel, the flashing tool and Qt write to. A simulation gets fresh ones that vanish
+/// with this object, so that it never meets the files of a real device. Make it after the application object:
+/// the window system looks into the real home as it starts.
 class Folders {
 public:
     enum class Kind { OfTheUser, ForSimulation };

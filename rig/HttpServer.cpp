@@ -10,6 +10,8 @@ namespace rig {
 namespace {
 constexpr qint64 kChunk = qint64(64) * 1024;
 constexpr int kDrops = 40;
+/// Clients open connections that they may need, and keep those that they did not.
+constexpr std::chrono::seconds kRequestLimit{10};
 } // namespace
 
 HttpConversation::HttpConversation(QTcpSocket *socket, const Answerer &answerer)
@@ -21,6 +23,10 @@ HttpConversation::HttpConversation(QTcpSocket *socket, const Answerer &answerer)
     connect(socket, &QTcpSocket::bytesWritten, this, &HttpConversation::taken);
     connect(socket, &QTcpSocket::bytesWritten, this, &HttpConversation::goOn);
     connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+    QTimer::singleShot(kRequestLimit, this, [this] {
+        if (request().method.isEmpty())
+            m_socket->abort();
+    });
 }
 
 void HttpConversation::receive()

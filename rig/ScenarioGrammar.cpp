@@ -56,6 +56,9 @@ const QList<StatementForm> &grammar()
         {"expect tool pid <pid> already-in-dfu", "the same with --already-in-dfu", &Stage::expectToolInDfu},
         {"expect tools <count>", "how often the tool was started", &Stage::expectToolCount},
         {"expect <event> <duration> after <event> within <duration>", "the time between two events: image answered, tool started or ended, interface appeared, version read", &Stage::expectDelay},
+
+        {"mark", "note the threads, handles, child processes and files that are there, once they stand still", &Stage::mark},
+        {"expect nothing left [<duration>]", "no more of them than at the mark; what is still ending has so long (40s unless stated)", &Stage::expectNothingLeft},
     };
     // clang-format on
     return forms;

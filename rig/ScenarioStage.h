@@ -1,14 +1,17 @@
 #pragma once
 
+#include "rig/Belongings.h"
 #include "rig/PanelControls.h"
 #include "rig/Rig.h"
 
 #include <QElapsedTimer>
 #include <QPointer>
+#include <QSet>
 #include <QStringList>
 #include <QWidget>
 
 #include <chrono>
+#include <optional>
 
 namespace rig {
 
@@ -97,6 +100,10 @@ public:
     Outcome expectNoQueries(Words words);
     Outcome expectDelay(Words words);
 
+    // StageBelongings.cpp
+    Outcome mark(Words words);
+    Outcome expectNothingLeft(Words words);
+
 private:
     Outcome control(const std::function<void()> &function, const char *name);
     QWidget *child(const QString &name) const; ///< of the panel; null when there is none
@@ -109,6 +116,8 @@ private:
     QString lastToolCommand() const;
     QList<std::chrono::milliseconds>
     timesOf(const QString &event) const; ///< every time it happened, in order
+    void rememberSent(); ///< what the server sent for images, before its list is dropped
+    bool maySpare(const QString &file) const; ///< it stays by design
 
     Rig &m_rig;
     PanelControls m_controls;
@@ -116,6 +125,9 @@ private:
     QElapsedTimer m_sinceStatement;
     std::chrono::milliseconds m_scenarioLimit;
     QString m_remark;
+    std::optional<Belongings> m_mark;
+    std::chrono::milliseconds m_markedAt{0}; // since the statement began, when they were last seen to change
+    QSet<QByteArray> m_sent; // digests of what downloads brought
 };
 
 using StageAct = Outcome (ScenarioStage::*)(ScenarioStage::Words words);

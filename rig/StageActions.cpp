@@ -194,6 +194,7 @@ Outcome ScenarioStage::picture(Words words)
 
 Outcome ScenarioStage::forget(Words)
 {
+    rememberSent();
     m_rig.server().forgetRequests();
     m_rig.bootLoader().forgetRuns();
     return Outcome::done();

@@ -241,7 +241,7 @@ void RigScenarioTest::aMistakeIsNamedWithItsPlace_data()
         "\"flash\" or "
         "\"downloads\" or \"queries\" or \"flashed\" or \"tool\" or \"tools\" or an event (pc- or otg- and "
         "image, tool, "
-        "ended, appeared or read), found \"pc-click\"");
+        "ended, appeared or read) or \"nothing\", found \"pc-click\"");
     row("an unknown screen", "expect screen welcome",
         "x.scn:1: expected a screen (searching, up-to-date, upgrade-available, too-old, recovering, "
         "waiting-pc, "

@@ -401,6 +401,8 @@ void RigServerTest::nonsenseIsHungUpOn_data()
     QTest::newRow("a relative target") << QByteArray("GET upinfo_test.aspx HTTP/1.1\r\n\r\n");
     QTest::newRow("a head without an end") << QByteArray(70 * kKiB, 'x');
     QTest::newRow("bytes") << QByteArray::fromHex("00ff00ff0d0a0d0a");
+    QTest::newRow("half a head") << QByteArray("GET /upinfo_test.aspx HTTP/1.1\r\n");
+    QTest::newRow("nothing") << QByteArray();
 }
 
 void RigServerTest::nonsenseIsHungUpOn()
