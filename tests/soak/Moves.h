@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QString>
+
+namespace soak {
+
+class Dice;
+
+/// One statement of whatever may happen to a device, a server and a panel at any time. None of them can fail.
+QString randomMove(Dice &dice);
+
+} // namespace soak
