@@ -2,6 +2,7 @@
 
 #include "hid/access/DenialWatch.h"
 #include "hid/access/DeviceAccess.h"
+#include "host/FreezeReport.h"
 #include "host/HostWindow.h"
 #include "host/PictureFolder.h"
 #include "host/Terminal.h"
@@ -160,6 +161,7 @@ void Session::play()
     m_player = std::make_unique<rig::ScenarioPlayer>(*m_rig, panelControls());
     connect(m_player.get(), &rig::ScenarioPlayer::progressed, this, &Session::tell);
     connect(m_player.get(), &rig::ScenarioPlayer::finished, this, &Session::end);
+    reportFreezes(m_player->guiWatch(), m_log);
     m_player->setPanel(m_holder.panel());
     m_player->play(*m_scenario);
 }

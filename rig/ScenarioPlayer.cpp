@@ -9,6 +9,12 @@ namespace rig {
 
 namespace {
 constexpr std::chrono::milliseconds kStepInterval{20};
+
+QString complaintAbout(const Freeze &freeze)
+{
+    const QString place = freeze.culprit.isEmpty() ? QString() : QStringLiteral(" in ") + freeze.culprit;
+    return QStringLiteral("the GUI thread stood still for %1 ms%2").arg(freeze.time.count()).arg(place);
+}
 } // namespace
 
 ScenarioPlayer::ScenarioPlayer(Rig &rig, const PanelControls &controls, QObject *parent)
@@ -32,6 +38,7 @@ void ScenarioPlayer::play(const Scenario &scenario)
     m_index = -1;
     m_sinceStart.start();
     m_timer.start();
+    m_guiWatch.start();
 }
 
 QString ScenarioPlayer::placeOf(const Statement &statement) const
@@ -67,8 +74,12 @@ Outcome ScenarioPlayer::tried(const Statement &statement)
 // slot is still running does not fire in there.
 void ScenarioPlayer::step()
 {
+    if (!m_guiWatch.isWatching())
+        return;
     if (m_index < 0)
         begin(0);
+    if (m_guiWatch.worst())
+        return end(false, QString());
     const Statement &statement = m_scenario.statements.at(m_index);
     const Outcome outcome = tried(statement);
     const bool overtime = std::chrono::milliseconds(m_sinceStart.elapsed()) >= m_stage->scenarioLimit();
@@ -85,7 +96,13 @@ void ScenarioPlayer::step()
 void ScenarioPlayer::end(bool passed, const QString &verdict)
 {
     m_timer.stop();
-    Q_EMIT finished(passed, verdict);
+    m_guiWatch.stop();
+    const auto freeze = m_guiWatch.worst();
+    if (!freeze)
+        return Q_EMIT finished(passed, verdict);
+    // Whatever else is amiss came after it.
+    Q_EMIT finished(
+        false, placeOf(m_scenario.statements.at(m_index)) + QStringLiteral(": ") + complaintAbout(*freeze));
 }
 
 } // namespace rig

@@ -3,6 +3,7 @@
 #include "rig/PanelControls.h"
 #include "rig/Rig.h"
 #include "rig/Scenario.h"
+#include "rig/watch/GuiWatch.h"
 
 #include <QElapsedTimer>
 #include <QObject>
@@ -19,7 +20,7 @@ struct Outcome;
 
 /// Plays a scenario against a rig and a panel that it knows only as a widget with named children. Driven by
 /// timers: no call waits, so it goes on while the panel blocks in an event loop of its own. One statement at
-/// a time. GUI thread.
+/// a time. A GUI thread that stands still fails every scenario. GUI thread.
 class ScenarioPlayer : public QObject {
     Q_OBJECT
 
@@ -31,6 +32,7 @@ public:
     /// Starts \a scenario once the event loop runs. One scenario per player.
     void play(const Scenario &scenario);
     bool isPlaying() const { return m_timer.isActive(); }
+    const GuiWatch &guiWatch() const { return m_guiWatch; } ///< its signals tell of a freeze while it lasts
 
 Q_SIGNALS:
     void progressed(const QString &line); ///< "FILE:LINE: statement" as each one begins, and what "say" says
@@ -45,6 +47,7 @@ private:
     QString placeOf(const Statement &statement) const;
 
     std::unique_ptr<ScenarioStage> m_stage;
+    GuiWatch m_guiWatch;
     Scenario m_scenario;
     QTimer m_timer;
     QElapsedTimer m_sinceStart;

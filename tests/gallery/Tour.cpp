@@ -1,5 +1,6 @@
 #include "tests/gallery/Tour.h"
 
+#include "host/FreezeReport.h"
 #include "host/Terminal.h"
 
 #include <QCoreApplication>
@@ -39,6 +40,7 @@ bool Tour::start(const QString &scenario, QString *error)
     connect(m_player.get(), &rig::ScenarioPlayer::progressed, this,
             [this](const QString &line) { m_log.record(u"scenario"_s, line); });
     connect(m_player.get(), &rig::ScenarioPlayer::finished, this, &Tour::end);
+    host::reportFreezes(m_player->guiWatch(), m_log);
     m_player->setPanel(m_holder.create());
     m_player->play(*loaded);
     return true;
