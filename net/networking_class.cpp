@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QFile>
+#include <QMetaMethod>
 #include <QMutex>
 #include <QMutexLocker>
 #include <QNetworkAccessManager>
@@ -150,6 +151,13 @@ void networking_class::giveUpDownload(const QString &nextFile)
     // The same file is emptied; on Windows one that is removed may be in the way for a while.
     if (fileName != nextFile)
         QFile::remove(fileName);
+}
+
+void networking_class::giveUpUnheardDownload()
+{
+    static const QMetaMethod end = QMetaMethod::fromSignal(&networking_class::network_finish_download);
+    if (!isSignalConnected(end))
+        giveUpDownload(QString());
 }
 
 void networking_class::waitForFile(const QUrl &url, int triesLeft)

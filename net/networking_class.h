@@ -38,6 +38,10 @@ public:
     /// to judge: an error page is stored like one.
     void downloadFile(QUrl url, QString fileName);
 
+    /// Gives up a download whose end nobody listens for any more, and removes what it had written. A server
+    /// that never ends would keep the file open for as long as the process lives.
+    void giveUpUnheardDownload();
+
 Q_SIGNALS:
     /// The download has ended, well or not, and its file is closed.
     void network_finish_download();

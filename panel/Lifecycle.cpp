@@ -146,6 +146,7 @@ void FirmwareUpgradeWidget::disconnectEverything()
     }
     for (QTimer *timer : findChildren<QTimer *>(QString(), Qt::FindDirectChildrenOnly))
         disconnect(timer, nullptr, this, nullptr);
+    networking_class::getInstance()->giveUpUnheardDownload();
     QCoreApplication::removePostedEvents(this, QEvent::MetaCall);
     QCoreApplication::removePostedEvents(this, QEvent::DeferredDelete);
 }

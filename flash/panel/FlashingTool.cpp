@@ -62,8 +62,7 @@ bool FirmwareUpgradeWidget::startTool(const QString &binPath, int pid)
         Log::flash() << "Firmware upgrade bin file isn't exit.";
         return false;
     }
-    m_dfuProcess->start(tool, buildDfuArgs(binPath, pid), QIODevice::ReadWrite);
-    if (!m_dfuProcess->waitForStarted(int(kToolStartLimit.count()))) {
+    if (!ToolProcess::start(*m_dfuProcess, tool, buildDfuArgs(binPath, pid), kToolStartLimit)) {
         Log::flash() << "Start OrvikFirmwareUpdata.exe failed.";
         return false;
     }

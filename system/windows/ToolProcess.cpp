@@ -69,6 +69,13 @@ void prepare(QProcess &process)
     new Family(&process);
 }
 
+bool start(QProcess &process, const QString &program, const QStringList &arguments,
+           std::chrono::milliseconds limit)
+{
+    process.start(program, arguments, QIODevice::ReadWrite);
+    return process.waitForStarted(int(limit.count()));
+}
+
 void kill(QProcess &process)
 {
     process.kill();

@@ -17,6 +17,9 @@ class FlashingToolEndTest : public FlashingTest {
 private Q_SLOTS:
     void nothingChangesWhenItCannotStart_data();
     void nothingChangesWhenItCannotStart();
+#ifdef Q_OS_LINUX
+    void aForbiddenStartLeavesNoDescriptor();
+#endif
     void itsEndDecidesNothing_data();
     void itsEndDecidesNothing();
     void itsEndIsHeardWithoutAWatchdog();
@@ -27,7 +30,10 @@ private Q_SLOTS:
     void endsWithThePanel();
 
 private:
-    void start(int pid = 14) { panel().flash(stage().image, pid); }
+    void start(int pid = 14)
+    {
+        panel().flash(stage().image, pid);
+    }
 };
 
 void FlashingToolEndTest::nothingChangesWhenItCannotStart_data()
@@ -99,6 +105,20 @@ void FlashingToolEndTest::nothingChangesWhenItCannotStart()
     QCOMPARE(panel().state(), state);
     QVERIFY(stage().tool.runs().isEmpty());
 }
+
+#ifdef Q_OS_LINUX
+void FlashingToolEndTest::aForbiddenStartLeavesNoDescriptor()
+{
+    const auto descriptors
+        = [] { return QDir(u"/proc/self/fd"_s).entryList(QDir::AllEntries | QDir::System).size(); };
+    stage().tool.forbid();
+    start();
+    const auto before = descriptors();
+    for (int i = 0; i < 10; ++i)
+        start();
+    QCOMPARE(descriptors(), before);
+}
+#endif
 
 void FlashingToolEndTest::itsEndDecidesNothing_data()
 {

@@ -20,6 +20,7 @@ private Q_SLOTS:
     void neverMixesTwoDownloads();
     void anUnwritablePathEndsNoOtherFile();
     void outlivesItsReceiver();
+    void isGivenUpWhenNobodyListens();
 
 private:
 };
@@ -138,6 +139,21 @@ void DownloadOverlapTest::outlivesItsReceiver()
     QTRY_COMPARE(stage().ended.size(), 1);
     QCOMPARE(heard, 0);
     QCOMPARE(contentOf(stage().image()), QByteArray(100'000, 'i'));
+}
+
+void DownloadOverlapTest::isGivenUpWhenNobodyListens()
+{
+    stage().answerHeld(stage().kImagePath, QByteArray(100'000, 'i'), 40'000);
+    stage().download(stage().image());
+    QTRY_VERIFY(QFile(stage().image()).size() > 0);
+    stage().client->giveUpUnheardDownload();
+    QVERIFY2(QFile::exists(stage().image()), "somebody listens");
+
+    stage().client->disconnect(&stage().ended);
+    stage().client->giveUpUnheardDownload();
+    QVERIFY(!QFile::exists(stage().image()));
+    QTRY_COMPARE(stage().repliesKept(), 0);
+    stage().client->giveUpUnheardDownload(); // there is none
 }
 
 QUILLON_TEST_CORE(DownloadOverlapTest)

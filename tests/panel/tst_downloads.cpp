@@ -334,7 +334,6 @@ void DownloadsTest::survivesItsEnd()
     timer.start(5);
     stage.click();
     QTRY_VERIFY(!stage.panel);
-    QTRY_VERIFY(stage.server.bytesSent(path) > 0);
     const auto replies = [] { return ClientInside::manager()->findChildren<QNetworkReply *>().size(); };
     QTRY_COMPARE(replies(), 0);
 }
