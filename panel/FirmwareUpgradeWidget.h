@@ -82,7 +82,8 @@ public:
     /// Shows the panel and starts the recovery of a device in its boot loader: both firmwares, no version
     /// check. While the failure screen is up it offers the retry instead. Discovery calls it by itself; a
     /// host may as well. May block for four server queries, about 8 s in all, in nested event
-    /// loops, and longer while the device's replies ask the server, too.
+    /// loops, longer while the device's replies ask the server, too, and until a warning box that comes up
+    /// meanwhile is answered.
     void startAutoRecoverUpgrade();
 
 Q_SIGNALS:

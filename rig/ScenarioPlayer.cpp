@@ -9,6 +9,9 @@ namespace rig {
 
 namespace {
 constexpr std::chrono::milliseconds kStepInterval{20};
+/// Longer than the panel blocks a caller by itself. A call that does not return after that waits for the
+/// user, for example because a box has come up.
+constexpr std::chrono::seconds kCallLimit{15};
 
 QString complaintAbout(const Freeze &freeze)
 {
@@ -71,7 +74,7 @@ Outcome ScenarioPlayer::tried(const Statement &statement)
 }
 
 // One statement a step. A statement may call into the application, which may run an event loop; a timer whose
-// slot is still running does not fire in there.
+// slot is still running does not fire in there, so each step has one of its own for that time.
 void ScenarioPlayer::step()
 {
     if (!m_guiWatch.isWatching())
@@ -80,8 +83,15 @@ void ScenarioPlayer::step()
         begin(0);
     if (m_guiWatch.worst())
         return end(false, QString());
-    const Statement &statement = m_scenario.statements.at(m_index);
+    const int index = m_index;
+    const Statement &statement = m_scenario.statements.at(index);
+    QTimer meanwhile;
+    connect(&meanwhile, &QTimer::timeout, this, [this, index] { stepInside(index); });
+    meanwhile.start(kStepInterval);
     const Outcome outcome = tried(statement);
+    meanwhile.stop();
+    if (m_index != index || !m_timer.isActive())
+        return; // it was given up in there
     const bool overtime = std::chrono::milliseconds(m_sinceStart.elapsed()) >= m_stage->scenarioLimit();
     if (outcome.kind == Outcome::Failed)
         end(false, placeOf(statement) + QStringLiteral(": ") + outcome.seen);
@@ -90,6 +100,21 @@ void ScenarioPlayer::step()
     else if (outcome.kind == Outcome::Done && m_index + 1 < m_scenario.statements.size())
         begin(m_index + 1);
     else if (outcome.kind == Outcome::Done)
+        end(true, QString());
+}
+
+// While the call of the statement at \a caller has not returned.
+void ScenarioPlayer::stepInside(int caller)
+{
+    if (!m_timer.isActive())
+        return;
+    if (m_index != caller)
+        return step();
+    if (m_stage->sinceStatement() < kCallLimit)
+        return;
+    if (caller + 1 < m_scenario.statements.size())
+        begin(caller + 1);
+    else
         end(true, QString());
 }
 

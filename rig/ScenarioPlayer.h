@@ -41,6 +41,7 @@ Q_SIGNALS:
 
 private:
     void step();
+    void stepInside(int caller);
     Outcome tried(const Statement &statement);
     void begin(int index);
     void end(bool passed, const QString &verdict);

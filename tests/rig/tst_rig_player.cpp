@@ -58,6 +58,7 @@ private Q_SLOTS:
     void anApplicationThatCannotIsNamed();
     void aDestroyedPanelIsMissed();
     void aStatementThatRunsAnEventLoopIsNotEnteredAgain();
+    void aStatementThatWaitsForTheUserIsPassedBy();
     void theScenarioGoesOnWhileAClickBlocks();
     void aWarningIsSeenAndDismissed();
     void downloadsAndTheFlashAreCompared();
@@ -373,6 +374,25 @@ void RigPlayerTest::aStatementThatRunsAnEventLoopIsNotEnteredAgain()
     m_controls.takePicture = [this](const QString &name) { m_asked.append(name); };
     QCOMPARE(play(QStringLiteral("recover\npicture x")), QString());
     QCOMPARE(m_asked.join(u' '), QStringLiteral("in out x"));
+}
+
+void RigPlayerTest::aStatementThatWaitsForTheUserIsPassedBy()
+{
+    QEventLoop box;
+    m_controls.recover = [this, &box] {
+        m_asked.append(QStringLiteral("in"));
+        box.exec();
+        m_asked.append(QStringLiteral("out"));
+    };
+    m_controls.takePicture = [this, &box](const QString &name) {
+        m_asked.append(name);
+        box.quit();
+    };
+    QElapsedTimer clock;
+    clock.start();
+    QCOMPARE(play(QStringLiteral("recover\npicture x\npicture y")), QString());
+    QCOMPARE(m_asked.join(u' '), QStringLiteral("in x out y"));
+    QVERIFY2(clock.elapsed() >= 15'000, "the panel blocks for some seconds by itself");
 }
 
 void RigPlayerTest::theScenarioGoesOnWhileAClickBlocks()
