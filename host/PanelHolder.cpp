@@ -2,6 +2,8 @@
 
 #include <QuillonFirmwareUpgrade/FirmwareUpgradeWidget.h>
 
+#include <QTimer>
+
 using QuillonFirmwareUpgrade::DeviceModel;
 using QuillonFirmwareUpgrade::FirmwareUpgradeWidget;
 using QuillonFirmwareUpgrade::Language;
@@ -53,7 +55,15 @@ void PanelHolder::destroy()
     if (!m_panel)
         return;
     Q_EMIT panelChanged(nullptr);
-    delete m_panel;
+    // The panel's destructor lets the application handle events, and one of them may come here again.
+    FirmwareUpgradeWidget *going = m_panel;
+    m_panel = nullptr;
+    delete going;
+}
+
+void PanelHolder::destroyAfter(std::chrono::milliseconds time)
+{
+    QTimer::singleShot(time, Qt::PreciseTimer, this, &PanelHolder::destroy);
 }
 
 void PanelHolder::setModel(rig::Model model)

@@ -6,6 +6,8 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <chrono>
+
 namespace QuillonFirmwareUpgrade {
 class FirmwareUpgradeWidget;
 }
@@ -27,6 +29,7 @@ public:
     QWidget *panel() const; ///< null when there is none
     QWidget *create(); ///< makes and shows a panel in place of the one there may be
     void destroy();
+    void destroyAfter(std::chrono::milliseconds time); ///< whichever panel there is by then
 
     rig::Model model() const { return m_model; }
     void setModel(rig::Model model); ///< also for panels to come

@@ -25,6 +25,7 @@ Session::Session(const Options &options, std::optional<rig::Scenario> scenario)
     , m_scenario(std::move(scenario))
     , m_folders(options.simulate ? Folders::Kind::ForSimulation : Folders::Kind::OfTheUser)
     , m_holder(options.model)
+    , m_panels(m_holder, options.model)
 {
 }
 
@@ -33,7 +34,7 @@ Session::~Session()
     // The window would take the panel with it without the holder's knowledge, and the rig must be there to
     // the last.
     m_player.reset();
-    m_holder.destroy();
+    m_panels.destroyAll();
     m_window.reset();
 }
 
@@ -129,6 +130,9 @@ void Session::watchScreens()
         if (m_pictures)
             m_pictures->screenShown(screen);
     });
+    connect(&m_panels, &PanelSet::screenShown, this, [this](const QString &name, const QString &screen) {
+        m_log.record(QStringLiteral("screen"), name + QStringLiteral(": ") + screen);
+    });
     connect(&m_screens, &ScreenWatch::percentShown, this, [this](int percent) {
         if (percent % kPercentStep == 0)
             tellStep(QStringLiteral("%1 %").arg(percent));
@@ -169,15 +173,22 @@ void Session::play()
 rig::PanelControls Session::panelControls()
 {
     rig::PanelControls controls;
-    controls.createPanel = [this] { return m_holder.create(); };
-    controls.destroyPanel = [this] { m_holder.destroy(); };
-    controls.setModel = [this](rig::Model model) { m_holder.setModel(model); };
+    controls.createPanel = [this] { return m_panels.chosen().create(); };
+    controls.destroyPanel = [this] { m_panels.chosen().destroy(); };
+    controls.setModel = [this](rig::Model model) { m_panels.chosen().setModel(model); };
     controls.setLanguage = [this](bool english) { setEnglish(english); };
-    controls.recover = [this] { m_holder.startRecovery(); };
+    controls.recover = [this] { m_panels.chosen().startRecovery(); };
     controls.takePicture = [this](const QString &name) {
         if (m_pictures)
             m_pictures->save(name);
     };
+    controls.choosePanel = [this](const QString &name) {
+        m_panels.choose(name);
+        return m_panels.chosen().panel();
+    };
+    controls.destroyPanels = [this] { m_panels.destroyAll(); };
+    controls.destroyPanelLater
+        = [this](std::chrono::milliseconds time) { m_panels.chosen().destroyAfter(time); };
     return controls;
 }
 

@@ -4,6 +4,7 @@
 #include "host/EventLog.h"
 #include "host/Folders.h"
 #include "host/PanelHolder.h"
+#include "host/PanelSet.h"
 #include "host/ScreenWatch.h"
 #include "rig/Scenario.h"
 
@@ -67,6 +68,7 @@ private:
     std::unique_ptr<PictureFolder> m_pictures;
     std::unique_ptr<rig::Rig> m_rig; // outlives the panel
     PanelHolder m_holder;
+    PanelSet m_panels; // beside that one, for scenarios
     ScreenWatch m_screens;
     std::unique_ptr<HostWindow> m_window;
     std::unique_ptr<DenialWatch> m_denials;

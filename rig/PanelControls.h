@@ -2,6 +2,7 @@
 
 #include "rig/Identity.h"
 
+#include <chrono>
 #include <functional>
 
 class QWidget;
@@ -17,6 +18,11 @@ struct PanelControls {
     std::function<void(bool english)> setLanguage;
     std::function<void()> recover; ///< the panel's public recovery entry
     std::function<void(const QString &name)> takePicture;
+    /// From now on the functions above are about the panel of this name; null when there is none of it. It is
+    /// the one called "main" at first.
+    std::function<QWidget *(const QString &name)> choosePanel;
+    std::function<void()> destroyPanels; ///< all of them
+    std::function<void(std::chrono::milliseconds)> destroyPanelLater; ///< returns at once
 };
 
 } // namespace rig

@@ -57,6 +57,10 @@ const QList<StatementForm> &grammar()
         {"expect tools <count>", "how often the tool was started", &Stage::expectToolCount},
         {"expect <event> <duration> after <event> within <duration>", "the time between two events: image answered, tool started or ended, interface appeared, version read", &Stage::expectDelay},
 
+        {"panel <name>", "what follows is about the panel of this name; the first one is called main", &Stage::choosePanel},
+        {"destroy panels", "delete every panel; what follows is about main", &Stage::destroyPanels},
+        {"destroy panel after <duration>", "delete the panel so long from now, whatever it is doing then", &Stage::destroyPanelLater},
+
         {"mark", "note the threads, handles, child processes and files that are there, once they stand still", &Stage::mark},
         {"expect nothing left [<duration>]", "no more of them than at the mark; what is still ending has so long (40s unless stated)", &Stage::expectNothingLeft},
     };

@@ -100,6 +100,11 @@ public:
     Outcome expectNoQueries(Words words);
     Outcome expectDelay(Words words);
 
+    // StagePanels.cpp
+    Outcome choosePanel(Words words);
+    Outcome destroyPanels(Words words);
+    Outcome destroyPanelLater(Words words);
+
     // StageBelongings.cpp
     Outcome mark(Words words);
     Outcome expectNothingLeft(Words words);

@@ -75,6 +75,18 @@ void HostScenariosTest::theEndOfAScenarioGivesTheStatus_data()
     QTest::newRow("all is as expected") << QByteArray("expect screen searching\n") << 0 << QString();
     QTest::newRow("the panel may be deleted")
         << QByteArray("destroy panel\npause 1s\ncreate panel\n") << 0 << QString();
+    QTest::newRow("there may be a second panel")
+        << QByteArray("panel second\ncreate panel\nexpect screen searching\npanel main\ndestroy panel\n"
+                      "panel second\nexpect screen searching\n")
+        << 0 << QString();
+    QTest::newRow("a name is no panel yet") << QByteArray("panel second\nexpect screen searching\n") << 1
+                                            << u"x.scn:2: expect screen searching: no panel"_s;
+    QTest::newRow("all panels go") << QByteArray(
+        "panel second\ncreate panel\ndestroy panels\nexpect screen searching\n")
+                                   << 1 << u"x.scn:4: expect screen searching: no panel"_s;
+    QTest::newRow("a panel goes by itself") << QByteArray(
+        "destroy panel after 300ms\nexpect screen searching\npause 1s\nexpect screen searching\n")
+                                            << 1 << u"x.scn:4: expect screen searching: no panel"_s;
     QTest::newRow("the panel may be closed") << QByteArray("click close\npause 1s\n") << 0 << QString();
     QTest::newRow("something else is seen") << QByteArray("pause 1s\nexpect screen completed\n") << 1
                                             << u"x.scn:2: expect screen completed: searching"_s;

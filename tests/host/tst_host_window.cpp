@@ -47,6 +47,7 @@ private Q_SLOTS:
     void aFaultThatIsArmedElsewhereIsShown();
     void everyTextIsThereInBothLanguages();
     void thePanelIsDeletedAndMadeAnew();
+    void aPanelThatIsGoingIsLeftAlone();
     void theLogIsShown();
     void everyControlIsReachedByKeyboard();
 
@@ -261,6 +262,18 @@ void HostWindowTest::thePanelIsDeletedAndMadeAnew()
     find<QPushButton>(u"newPanel"_s)->click();
     QVERIFY(m_holder->panel());
     QVERIFY(m_holder->panel()->isVisible());
+}
+
+// A panel handles events while it goes down.
+void HostWindowTest::aPanelThatIsGoingIsLeftAlone()
+{
+    QSignalSpy changed(m_holder.get(), &PanelHolder::panelChanged);
+    m_holder->destroyAfter(std::chrono::milliseconds(0));
+    m_holder->destroy();
+    QCoreApplication::processEvents();
+    QVERIFY(!m_holder->panel());
+    QCOMPARE(changed.size(), 1);
+    QVERIFY(m_holder->create());
 }
 
 void HostWindowTest::theLogIsShown()

@@ -54,6 +54,7 @@ private Q_SLOTS:
     void aClickMeetsTheWidgetUnderThePointer();
     void aClickOnWhatCannotBeSeenFails();
     void theApplicationIsAskedForTheRest();
+    void severalPanelsAreToldApart();
     void anApplicationThatCannotIsNamed_data();
     void anApplicationThatCannotIsNamed();
     void aDestroyedPanelIsMissed();
@@ -337,11 +338,36 @@ void RigPlayerTest::theApplicationIsAskedForTheRest()
     QCOMPARE(m_asked.join(u' '), QStringLiteral("R1 R2 en zh recover 01-start destroy create"));
 }
 
+void RigPlayerTest::severalPanelsAreToldApart()
+{
+    FakePanel second;
+    second.show();
+    second.showScreen(QStringLiteral("failure"));
+    m_controls.choosePanel = [&](const QString &name) -> QWidget * {
+        m_asked.append(name);
+        if (name == u"second")
+            return &second;
+        return name == u"main" ? m_panel.get() : nullptr;
+    };
+    m_controls.destroyPanelLater = [this](std::chrono::milliseconds time) {
+        m_asked.append(QStringLiteral("destroy after %1").arg(time.count()));
+    };
+    m_controls.destroyPanels = [this] {
+        m_asked.append(QStringLiteral("destroy all"));
+        m_panel.reset();
+    };
+    QCOMPARE(play(QStringLiteral("expect screen up-to-date\npanel second\nexpect screen failure\n"
+                                 "destroy panel after 2s\npanel main\nexpect screen up-to-date\npanel third\n"
+                                 "destroy panels\nexpect screen failure")),
+             QStringLiteral("x.scn:9: expect screen failure: no panel"));
+    QCOMPARE(m_asked.join(u' '), QStringLiteral("second destroy after 2000 main third destroy all main"));
+}
+
 void RigPlayerTest::anApplicationThatCannotIsNamed_data()
 {
     QTest::addColumn<QString>("text");
-    for (const char *text :
-         {"model R1", "language en", "recover", "picture x", "destroy panel", "create panel"})
+    for (const char *text : {"model R1", "language en", "recover", "picture x", "destroy panel",
+                             "create panel", "panel second", "destroy panels", "destroy panel after 1s"})
         QTest::newRow(text) << QString::fromLatin1(text);
 }
 

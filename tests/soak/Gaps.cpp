@@ -24,6 +24,7 @@ constexpr std::array kVersions{
 constexpr std::array kScreens{"searching",  "up-to-date",  "upgrade-available", "too-old",  "recovering",
                               "waiting-pc", "waiting-otg", "starting",          "flashing", "completed",
                               "failure"};
+constexpr std::array kPanels{"main", "second", "third"};
 constexpr std::array kProductIds{"0001", "0010", "0012", "000e", "00ff", "001f", "0065"};
 constexpr std::array kEvents{"image", "tool", "ended", "appeared", "read"};
 constexpr std::array kLabels{"m_newVerLb", "m_notesEdit", "m_progressBar", "m_upgradeTextLb", "m_doneLb"};
@@ -64,6 +65,7 @@ constexpr Gap kGaps[]{
     {"<fault>", [](Dice &dice) { return rig::nameOf(dice.oneOf(rig::faultTable()).fault); }},
     {"<pid>", wordOf<kProductIds>},
     {"<name>", wordOf<kLabels>},
+    {"<panel>", wordOf<kPanels>},
     {"<percent>", [](Dice &dice) { return QString::number(dice.below(101)); }},
     {"<count>", [](Dice &dice) { return QString::number(dice.below(5)); }},
     {"<time>", shortTime},

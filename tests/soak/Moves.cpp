@@ -9,6 +9,8 @@ namespace soak {
 
 namespace {
 
+constexpr int kBetweenPanels = 25; // per cent
+
 struct Move {
     int weight;
     const char *pattern;
@@ -32,6 +34,7 @@ constexpr Move kMoves[]{
     {12, "recover"},
     {20, "create panel"},
     {10, "destroy panel"},
+    {15, "destroy panel after <time>"},
     {10, "try dismiss warning"},
     {1, "picture storm"},
     {1, "say \"a storm\""},
@@ -66,17 +69,31 @@ constexpr Move kMoves[]{
     {1, "try expect <event> 1s after <event> within 1s"},
 };
 
-} // namespace
+// Where an application has more than one panel.
+constexpr Move kMovesBetweenPanels[]{
+    {60, "panel <panel>"},
+    {30, "create panel"},
+    {10, "destroy panel after <time>"},
+    {1, "destroy panels"},
+};
 
-QString randomMove(Dice &dice)
+template <std::size_t count> QString oneOf(const Move (&moves)[count], Dice &dice)
 {
-    static const int sum = std::accumulate(std::begin(kMoves), std::end(kMoves), 0,
-                                           [](int before, const Move &move) { return before + move.weight; });
+    const int sum = std::accumulate(std::begin(moves), std::end(moves), 0,
+                                    [](int before, const Move &move) { return before + move.weight; });
     int mark = dice.below(sum);
-    const Move *move = kMoves;
+    const Move *move = moves;
     while (mark >= move->weight)
         mark -= move++->weight;
     return filled(move->pattern, dice);
+}
+
+} // namespace
+
+QString randomMove(Dice &dice, Panels panels)
+{
+    const bool between = panels == Panels::Several && dice.happens(kBetweenPanels);
+    return between ? oneOf(kMovesBetweenPanels, dice) : oneOf(kMoves, dice);
 }
 
 } // namespace soak

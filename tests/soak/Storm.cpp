@@ -27,7 +27,7 @@ mark
 create panel
 )";
 
-constexpr char kAfter[] = R"(destroy panel
+constexpr char kAfter[] = R"(destroy panels
 unplug pc
 unplug otg
 clear faults
@@ -89,6 +89,8 @@ try dismiss warning
 )";
 constexpr char kFault[] = "fault <fault> [<chip>] [<requests>] [<times>]\n";
 
+constexpr int kSeveralPanels = 40; // per cent of all storms
+
 // One model is meant by every "<same>" of an act; the panel may serve the other one by then.
 struct Act {
     const char *device;
@@ -122,6 +124,7 @@ public:
 
     QString write()
     {
+        m_panels = m_dice.happens(kSeveralPanels) ? Panels::Several : Panels::One;
         const int count = m_dice.between(1, 3);
         for (int number = 0; number < count; ++number)
             write(m_dice.oneOf(acts()));
@@ -132,6 +135,8 @@ private:
     void write(const Act &act)
     {
         m_model = m_dice.oneOf(rig::modelNames());
+        if (m_panels == Panels::Several)
+            put("panel <panel>");
         if (m_dice.happens(50))
             put("create panel");
         put(act.device);
@@ -148,7 +153,7 @@ private:
     void put(const char *pattern)
     {
         while (m_dice.happens(30))
-            add(randomMove(m_dice));
+            add(randomMove(m_dice, m_panels));
         if (!m_dice.happens(7))
             add(filled(pattern, m_dice));
     }
@@ -156,6 +161,7 @@ private:
     void add(QString line) { m_text += line.replace(QStringLiteral("<same>"), m_model) + QLatin1Char('\n'); }
 
     Dice m_dice;
+    Panels m_panels = Panels::One;
     QString m_model;
     QString m_text;
 };
