@@ -63,7 +63,8 @@ void PanelHolder::destroy()
 
 void PanelHolder::destroyAfter(std::chrono::milliseconds time)
 {
-    QTimer::singleShot(time, Qt::PreciseTimer, this, &PanelHolder::destroy);
+    if (m_panel)
+        QTimer::singleShot(time, Qt::PreciseTimer, m_panel, [this] { destroy(); });
 }
 
 void PanelHolder::setModel(rig::Model model)

@@ -29,7 +29,7 @@ public:
     QWidget *panel() const; ///< null when there is none
     QWidget *create(); ///< makes and shows a panel in place of the one there may be
     void destroy();
-    void destroyAfter(std::chrono::milliseconds time); ///< whichever panel there is by then
+    void destroyAfter(std::chrono::milliseconds time); ///< the panel that is there now
 
     rig::Model model() const { return m_model; }
     void setModel(rig::Model model); ///< also for panels to come

@@ -62,7 +62,7 @@ const QList<StatementForm> &grammar()
         {"destroy panel after <duration>", "delete the panel so long from now, whatever it is doing then", &Stage::destroyPanelLater},
 
         {"mark", "note the threads, handles, child processes and files that are there, once they stand still", &Stage::mark},
-        {"expect nothing left [<duration>]", "no more of them than at the mark; what is still ending has so long (40s unless stated)", &Stage::expectNothingLeft},
+        {"expect nothing left [<duration>]", "no more of them than at the mark; what is still ending has so long (130s unless stated)", &Stage::expectNothingLeft},
     };
     // clang-format on
     return forms;

@@ -18,7 +18,8 @@ namespace {
 /// What ends by itself, such as the threads of the HID library, has ended when nothing changes for so long.
 constexpr milliseconds kSettled = 1s;
 constexpr milliseconds kSettlingLimit = 60s;
-constexpr milliseconds kLeavingLimit = 40s; // a pooled thread waits 30 s for more work
+/// Qt keeps what belongs to a connection for two minutes, and a pooled thread waits 30 s for more work.
+constexpr milliseconds kLeavingLimit = 130s;
 const QString kProgressFile = QStringLiteral("Firmware_bin.txt");
 
 Belongings belongings()
