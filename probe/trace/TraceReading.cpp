@@ -122,8 +122,7 @@ private:
             return QStringLiteral("a trace begins with \"%1 %2\"").arg(QLatin1String(kMark)).arg(kVersion);
         if (decimal(words.at(1), kLargestDevice) != kVersion)
             return QStringLiteral("a trace of version %1; this program reads version %2")
-                .arg(shown(words.at(1)))
-                .arg(kVersion);
+                .arg(shown(words.at(1)), QString::number(kVersion));
         m_begun = true;
         return {};
     }
@@ -259,7 +258,7 @@ std::optional<Trace> Trace::parse(const QByteArray &text, const QString &file, Q
     for (int number = 1; !rest.isEmpty(); ++number) {
         const QString complaint = reader.take(takeLine(rest));
         if (!complaint.isNull())
-            return fail(error, QStringLiteral("%1:%2").arg(file).arg(number), complaint);
+            return fail(error, QStringLiteral("%1:%2").arg(file, QString::number(number)), complaint);
     }
     if (!reader.begun())
         return fail(error, file, QStringLiteral("empty"));

@@ -1,29 +1,19 @@
 // Hostile trace files: reading one must end in a trace or in a message, and a trace must survive being
-// written and read again, put into words, and played to somebody who asks all its questions.
+// written and read again, put into words, and played to somebody who asks all its questions. An input without
+// a byte is a file that is not there, and one that begins with an empty line is read from a file: the reader
+// makes room for a large one, which takes time.
 #include "probe/ReportWords.h"
 #include "probe/trace/ReplayTransport.h"
-
-#include <cstdint>
-#include <cstdlib>
+#include "tests/fuzz/Files.h"
 
 using namespace probe;
 using namespace std::chrono_literals;
+using fuzz::require;
 
 namespace {
 
-const QString kName = QStringLiteral("input");
-
-void require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
-
-bool isPrintable(const QString &text)
-{
-    return std::all_of(text.begin(), text.end(),
-                       [](QChar character) { return character >= u' ' && character <= u'~'; });
-}
+// A name that is a pattern to those who put messages together.
+constexpr char kName[] = "input%1%2%3.trace";
 
 QByteArray textOf(const Trace &trace)
 {
@@ -39,8 +29,8 @@ void readAgain(const Trace &trace)
     if (text.size() > Trace::kLargestFile)
         return; // runs are written shorter than they may be read, times and IDs longer
     QString error;
-    const auto again = Trace::parse(text, kName, &error);
-    require(again && textOf(*again) == text);
+    const auto again = Trace::parse(text, QString(), &error);
+    require(again && textOf(*again) == text, "a trace that is written can be read");
 }
 
 void play(const Trace &trace)
@@ -62,21 +52,34 @@ void play(const Trace &trace)
     }
 }
 
+std::optional<Trace> read(const QByteArray &text, const QString &path, QString *error)
+{
+    if (text.startsWith('\n'))
+        fuzz::write(path, text);
+    else if (!text.isEmpty())
+        return Trace::parse(text, path, error);
+    const auto trace = Trace::load(path, error);
+    QFile::remove(path);
+    return trace;
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    const QByteArray text(reinterpret_cast<const char *>(data), qsizetype(size));
+    static const QString path = fuzz::fileNamed(kName);
     QString error;
-    const auto trace = Trace::parse(text, kName, &error);
+    const auto trace = read(fuzz::bytesOf(data, size), path, &error);
     if (!trace) {
-        require(error.startsWith(kName + u':') && isPrintable(error));
+        require(error.startsWith(path + u':'), "a mistake is told with its file");
+        require(fuzz::isPlain(error.mid(path.size())), "a message can be printed");
         return 0;
     }
     readAgain(*trace);
     for (const TraceEvent &event : trace->events) {
-        require(isPrintable(wordsOf(event.report, Direction::In)));
-        require(isPrintable(wordsOf(event.report, Direction::Out)));
+        require(fuzz::isPlain(wordsOf(event.report, Direction::In)), "a reply is put into words");
+        require(fuzz::isPlain(wordsOf(event.report, Direction::Out)), "and so is a request");
+        require(fuzz::isPlain(bytesText(event.report)), "and so are their bytes");
     }
     play(*trace);
     return 0;

@@ -35,6 +35,7 @@ private Q_SLOTS:
     void whatIsNoTraceIsRefusedWithItsLine_data();
     void whatIsNoTraceIsRefusedWithItsLine();
     void aWrittenTraceIsReadAgain();
+    void aFileMayBeCalledAnything();
     void filesThatCannotBeRead_data();
     void filesThatCannotBeRead();
     void aFileAsLargeAsAllowedIsRead();
@@ -114,6 +115,8 @@ void TraceFileTest::whatIsNoTraceIsRefusedWithItsLine_data()
     row("no first line", "0.000 plug 1 352f 000e\n", "x:1: a trace begins with \"quillon-trace 1\"");
     row("a newer version", "quillon-trace 2\n",
         "x:1: a trace of version \"2\"; this program reads version 1");
+    row("a version that looks like a gap", "quillon-trace %1\n",
+        "x:1: a trace of version \"%1\"; this program reads version 1");
     row("no time", kFirst + "plug 1 352f 000e\n", "x:2: no time in seconds with three decimals: \"plug\"");
     row("a time of whole seconds", kFirst + "1 plug 1 352f 000e\n",
         "x:2: no time in seconds with three decimals: \"1\"");
@@ -213,6 +216,13 @@ void TraceFileTest::aWrittenTraceIsReadAgain()
         QCOMPARE(read.productId, written.productId);
         QCOMPARE(read.report, written.report);
     }
+}
+
+void TraceFileTest::aFileMayBeCalledAnything()
+{
+    QString error;
+    QVERIFY(!Trace::parse("quillon-trace 2\n", u"%1%2%3.trace"_s, &error));
+    QVERIFY2(error.startsWith(u"%1%2%3.trace:1: "_s), qPrintable(error));
 }
 
 void TraceFileTest::filesThatCannotBeRead_data()
