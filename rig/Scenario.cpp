@@ -9,6 +9,19 @@ namespace rig {
 
 namespace {
 
+// The parts of every form, in the order of the grammar: each line is held against all of them.
+const QList<QList<FormPart>> &formParts()
+{
+    static const QList<QList<FormPart>> all = [] {
+        QList<QList<FormPart>> parts;
+        parts.reserve(grammar().size());
+        for (const StatementForm &form : grammar())
+            parts.append(partsOf(form));
+        return parts;
+    }();
+    return all;
+}
+
 // How far a line agreed with a form, and what would have let it go on.
 struct Match {
     bool whole = false;
@@ -24,11 +37,11 @@ public:
     {
     }
 
-    Match match(const StatementForm &form)
+    Match match(const QList<FormPart> &form)
     {
         m_match = {};
         bool fits = true;
-        for (const FormPart &part : partsOf(form)) {
+        for (const FormPart &part : form) {
             fits = take(part);
             if (!fits)
                 break;
@@ -71,13 +84,28 @@ private:
     Match m_match;
 };
 
+// A word of the file as a message may show it: what it holds is not to steer the terminal.
+QString shown(const QString &word)
+{
+    constexpr qsizetype kShownCharacters = 40;
+    QString text = word.left(kShownCharacters);
+    if (!text.isValidUtf16())
+        text.chop(1); // the first half of a character
+    for (QChar &character : text) {
+        if (!character.isPrint() && !character.isSurrogate())
+            character = u'?';
+    }
+    const QString rest = word.size() > kShownCharacters ? QStringLiteral("...") : QString();
+    return QLatin1Char('"') + text + rest + QLatin1Char('"');
+}
+
 QString complaint(const QStringList &words, qsizetype agreed, QStringList expected)
 {
     if (agreed == 0)
-        return QStringLiteral("no such statement: \"%1\"").arg(words.first());
+        return QStringLiteral("no such statement: ") + shown(words.first());
     expected.removeDuplicates();
-    const QString found = agreed < words.size() ? QStringLiteral("\"%1\"").arg(words.at(agreed))
-                                                : QStringLiteral("the end of the line");
+    const QString found
+        = agreed < words.size() ? shown(words.at(agreed)) : QStringLiteral("the end of the line");
     return QStringLiteral("expected %1, found %2").arg(expected.join(QStringLiteral(" or ")), found);
 }
 
@@ -91,8 +119,8 @@ QString understand(QStringList words, Statement &statement)
         return QStringLiteral("expected a statement, found the end of the line");
     qsizetype furthest = 0;
     QStringList expected;
-    for (int form = 0; form < grammar().size(); ++form) {
-        const Match match = Matcher(words).match(grammar().at(form));
+    for (int form = 0; form < formParts().size(); ++form) {
+        const Match match = Matcher(words).match(formParts().at(form));
         if (match.whole) {
             statement.form = form;
             statement.words = match.fillers;
@@ -132,7 +160,7 @@ std::optional<Scenario> Scenario::parse(const QString &text, const QString &file
         if (split.error.isEmpty())
             split.error = understand(split.words, statement);
         if (!split.error.isEmpty()) {
-            *error = QStringLiteral("%1:%2: %3").arg(file).arg(number).arg(split.error);
+            *error = QStringLiteral("%1:%2: %3").arg(file, QString::number(number), split.error);
             return {};
         }
         scenario.statements.append(statement);

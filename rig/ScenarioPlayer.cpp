@@ -47,9 +47,7 @@ void ScenarioPlayer::play(const Scenario &scenario)
 QString ScenarioPlayer::placeOf(const Statement &statement) const
 {
     return QStringLiteral("%1:%2: %3")
-        .arg(QFileInfo(m_scenario.file).fileName())
-        .arg(statement.line)
-        .arg(statement.text);
+        .arg(QFileInfo(m_scenario.file).fileName(), QString::number(statement.line), statement.text);
 }
 
 void ScenarioPlayer::begin(int index)

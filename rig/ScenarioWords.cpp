@@ -18,19 +18,46 @@ namespace {
 constexpr char kBricked[] = "bricked";
 constexpr int kMaxVersionPart = 0xFFFF;
 
-bool matches(const QString &word, const char *pattern)
-{
-    return QRegularExpression(QRegularExpression::anchoredPattern(QString::fromLatin1(pattern)))
-        .match(word)
-        .hasMatch();
-}
+// A shape that a whole word has.
+class Shape {
+public:
+    explicit Shape(const char *pattern)
+        : m_expression(QRegularExpression::anchoredPattern(QLatin1StringView(pattern)))
+    {
+    }
+
+    bool fits(const QString &word) const { return match(word).hasMatch(); }
+    QRegularExpressionMatch match(const QString &word) const { return m_expression.match(word); }
+
+private:
+    QRegularExpression m_expression;
+};
 
 bool isVersion(const QString &word)
 {
-    const QVersionNumber version = QVersionNumber::fromString(word);
-    const QList<int> parts = version.segments();
-    return matches(word, "\\d{1,5}\\.\\d{1,5}\\.\\d{1,5}")
-        && std::all_of(parts.begin(), parts.end(), [](int part) { return part <= kMaxVersionPart; });
+    static const Shape shape("\\d{1,5}\\.\\d{1,5}\\.\\d{1,5}");
+    if (!shape.fits(word))
+        return false;
+    const QList<int> parts = QVersionNumber::fromString(word).segments();
+    return std::all_of(parts.begin(), parts.end(), [](int part) { return part <= kMaxVersionPart; });
+}
+
+bool isProductId(const QString &word)
+{
+    static const Shape shape("[0-9a-f]{4}");
+    return shape.fits(word);
+}
+
+bool isEvent(const QString &word)
+{
+    static const Shape shape("(pc|otg)-(image|tool|ended|appeared|read)");
+    return shape.fits(word);
+}
+
+bool isName(const QString &word)
+{
+    static const Shape shape("[A-Za-z0-9_-]+");
+    return shape.fits(word);
 }
 
 bool isFirmware(const QString &word)
@@ -95,12 +122,11 @@ const QList<WordKind> &kinds()
          [] { return QStringLiteral("a duration such as 10s or 500ms"); }},
         {"percent", isNumber<0, 100>, [] { return QStringLiteral("a number from 0 to 100"); }},
         {"count", isNumber<0, 1000000>, [] { return QStringLiteral("a count"); }},
-        {"pid", [](const QString &w) { return matches(w, "[0-9a-f]{4}"); },
+        {"pid", isProductId,
          [] { return QStringLiteral("a product ID of four hexadecimal digits such as 000e"); }},
-        {"event", [](const QString &w) { return matches(w, "(pc|otg)-(image|tool|ended|appeared|read)"); },
+        {"event", isEvent,
          [] { return QStringLiteral("an event (pc- or otg- and image, tool, ended, appeared or read)"); }},
-        {"name", [](const QString &w) { return matches(w, "[A-Za-z0-9_-]+"); },
-         [] { return QStringLiteral("a name of letters, digits, \"-\" and \"_\""); }},
+        {"name", isName, [] { return QStringLiteral("a name of letters, digits, \"-\" and \"_\""); }},
         {"text", [](const QString &) { return true; }, [] { return QStringLiteral("a text"); }},
     };
     return table;
@@ -150,8 +176,8 @@ const WordKind *wordKind(const QString &name)
 
 std::optional<milliseconds> durationFrom(const QString &word)
 {
-    static const QRegularExpression form(QStringLiteral("^(\\d{1,6})(ms|s|m)$"));
-    const QRegularExpressionMatch match = form.match(word);
+    static const Shape shape("(\\d{1,6})(ms|s|m)");
+    const QRegularExpressionMatch match = shape.match(word);
     if (!match.hasMatch())
         return {};
     const int number = match.captured(1).toInt();
@@ -165,8 +191,8 @@ std::optional<int> timesFrom(const QString &word)
 {
     if (word == u"once")
         return 1;
-    const int times = matches(word, "[1-9]\\d{0,4}x") ? word.chopped(1).toInt() : 0;
-    return times > 0 ? std::optional(times) : std::nullopt;
+    static const Shape shape("[1-9]\\d{0,4}x");
+    return shape.fits(word) ? std::optional(word.chopped(1).toInt()) : std::nullopt;
 }
 
 LineWords splitLine(const QString &line)

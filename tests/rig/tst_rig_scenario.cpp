@@ -31,6 +31,7 @@ private Q_SLOTS:
     void linesAreCountedThroughCommentsAndBlanks();
     void aMistakeIsNamedWithItsPlace_data();
     void aMistakeIsNamedWithItsPlace();
+    void aFileMayBeCalledAnything();
     void aFileThatCannotBeReadIsNamed();
     void windowsLineEndsAreFine();
     void everyShippedScenarioIsSound_data();
@@ -252,6 +253,12 @@ void RigScenarioTest::aMistakeIsNamedWithItsPlace_data()
     row("a try of no statement", "try try plug pc", "x.scn:1: no such statement: \"try\"");
     row("a mistake in what is tried", "try plug usb", "x.scn:1: expected \"pc\" or \"otg\", found \"usb\"");
     row("an open quote", "say \"hello", "x.scn:1: a quote is not closed");
+    row("characters of a terminal", "plug \x1b[2J\xe2\x80\xae",
+        "x.scn:1: expected \"pc\" or \"otg\", found \"?[2J?\"");
+    row("a word as long as a page", qPrintable(QString(3000, u'a')),
+        "x.scn:1: no such statement: \"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa...\"");
+    row("a line feed behind a duration", "pause \"2s\\n\"",
+        "x.scn:1: expected a duration such as 10s or 500ms, found \"2s?\"");
     row("nothing at all", "", "x.scn: holds no statement");
     row("only comments", "# a\n# b\n", "x.scn: holds no statement");
 }
@@ -262,6 +269,13 @@ void RigScenarioTest::aMistakeIsNamedWithItsPlace()
     QString error;
     QVERIFY(!Scenario::parse(text, QStringLiteral("x.scn"), &error));
     QTEST(error, "message");
+}
+
+void RigScenarioTest::aFileMayBeCalledAnything()
+{
+    QString error;
+    QVERIFY(!Scenario::parse(QStringLiteral("plugg"), QStringLiteral("%1%2%3.scn"), &error));
+    QCOMPARE(error, QStringLiteral("%1%2%3.scn:1: no such statement: \"plugg\""));
 }
 
 void RigScenarioTest::aFileThatCannotBeReadIsNamed()
