@@ -81,8 +81,11 @@ void BootLoaderSession::close()
     deleteLater();
 }
 
+// A connection is one run: a second greeting would leave the first one running for ever.
 bool BootLoaderSession::hello(const QStringList &words)
 {
+    if (m_responder)
+        return false;
     m_run.started = m_journal.now();
     m_run.processId = words.at(1).toLongLong();
     m_run.arguments = words.sliced(2);

@@ -14,8 +14,10 @@ QByteArray encode(const QStringList &words)
 
 QStringList decode(const QByteArray &line)
 {
+    // The line feed alone: a blank in front of it means that the last word is empty.
+    const qsizetype end = line.endsWith('\n') ? line.size() - 1 : line.size();
     QStringList words;
-    for (const QByteArray &part : line.trimmed().split(' '))
+    for (const QByteArray &part : line.first(end).split(' '))
         words.append(QUrl::fromPercentEncoding(part));
     return words;
 }

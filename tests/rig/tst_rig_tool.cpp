@@ -510,6 +510,7 @@ void RigToolTest::nonsenseOnTheSocketIsHungUpOn_data()
     QTest::newRow("a report before the greeting") << QByteArray("report " + report + '\n');
     QTest::newRow("a report one byte short") << QByteArray("hello 1\nreport " + report.chopped(2) + '\n');
     QTest::newRow("a report that is no number") << QByteArray("hello 1\nreport block\n");
+    QTest::newRow("a second greeting") << QByteArray("hello 1\nhello 2\n");
     QTest::newRow("a line without an end") << QByteArray(100 * kKiB, 'x');
 }
 
