@@ -13,9 +13,9 @@ packages=(build-essential cmake ninja-build pkg-config
     # Tests run on a faster clock, and draw the pictures again from their sources.
     faketime librsvg2-bin imagemagick gifsicle python3)
 
-# What the fuzz targets are built with.
+# What the fuzz targets are built with, and what counts the branches that they take.
 # shellcheck disable=SC2034
-fuzz_packages=(clang libclang-rt-dev)
+fuzz_packages=(clang libclang-rt-dev llvm)
 
 # What looks at the sources. Only version 14 of clang's tools counts, and of the Debians only 12 has it.
 # shellcheck disable=SC2034
