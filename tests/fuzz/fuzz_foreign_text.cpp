@@ -49,10 +49,16 @@ bool isTrick(QChar character)
     return (control && code != u'\n' && code != u'\t') || override || code == 0x2028 || code == 0x2029;
 }
 
+bool isWhole(const QString &text)
+{
+    return text.isValidUtf16() && !text.contains(QChar::ReplacementCharacter);
+}
+
 void checkShown(const QString &text, const QString &shown, qsizetype limit)
 {
     require(std::none_of(shown.begin(), shown.end(), isTrick), "what is shown steers nothing");
     require(shown.isValidUtf16(), "what is shown is made of whole characters");
+    require(!isWhole(text) || isWhole(shown), "no character is cut in two");
     require(text.size() <= limit || shown.endsWith(u'…'), "what was cut says so");
     require(text.size() > limit || !isPlain(text) || shown == text, "a short text of letters stays as it is");
 }
@@ -74,7 +80,10 @@ void checkNotes(const QString &text)
             "no more is shown than fits");
     int marks = 0;
     for (const QChar character : notes) {
-        marks = character.isMark() ? marks + 1 : 0;
+        if (character.isMark())
+            ++marks;
+        else if (character.category() != QChar::Other_Format) // a joiner does not part a mark from its letter
+            marks = 0;
         require(marks <= 4, "marks are not heaped upon a letter");
     }
     QString unbroken = notes;

@@ -17,8 +17,10 @@ using fuzz::require;
 namespace {
 
 constexpr quint8 kDownload = 0x01;
-constexpr quint8 kTwice = 0x02; ///< the download is given up for another one
+constexpr quint8 kTwice = 0x02; ///< the download is given up for another one, at once
 constexpr quint8 kNoFolder = 0x04; ///< its file is to lie where no folder is
+constexpr quint8 kAtTheEnd = 0x08; ///< it is given up while the last of it is written
+constexpr quint8 kUnheard = 0x10; ///< nobody waits for it any more
 /// An answer may be packed; what a small one can be unpacked to.
 constexpr qint64 kMostContent = qint64(16) * 1024 * 1024;
 
@@ -29,10 +31,6 @@ public:
         : m_client(*networking_class::getInstance())
     {
         m_client.manager->setProxy(m_server.proxy());
-        QObject::connect(&m_client, &networking_class::network_finish_download, &m_end, [this] {
-            ++m_downloads;
-            m_end.quit();
-        });
     }
 
     void play(quint8 request, const QByteArray &answer)
@@ -61,25 +59,43 @@ private:
     void download(quint8 manner)
     {
         static const QString file = fuzz::fileNamed("image.bin");
-        const QUrl address(QStringLiteral("http://update.quillon.example/image"));
-        m_downloads = 0;
-        if (manner & kNoFolder) {
-            m_client.downloadFile(address, file + QStringLiteral("/image.bin"));
-            return require(!m_client.reply && !m_client.file, "without a file nothing is asked for");
-        }
-        m_client.downloadFile(address, file);
+        static const QUrl address(QStringLiteral("http://update.quillon.example/image"));
+        m_client.downloadFile(address, manner & kNoFolder ? file + QStringLiteral("/image.bin") : file);
+        if (manner & kUnheard)
+            m_client.giveUpUnheardDownload();
+        if (manner & (kNoFolder | kUnheard))
+            return require(!m_client.reply && !m_client.file, "a download without an end is none");
         if (manner & kTwice)
-            m_client.downloadFile(address, file);
-        m_end.exec();
-        require(m_downloads == 1, "a download ends once");
-        require(QFileInfo(file).size() < kMostContent, "an image has a limit");
+            m_client.downloadFile(address, file + u'2');
+        if (manner & kAtTheEnd) {
+            QObject::connect(m_client.reply, &QNetworkReply::finished, m_client.reply, [this] {
+                if (m_client.reply)
+                    m_client.downloadFile(address, m_client.fileName);
+            });
+        }
+        awaitEnd();
+        require(QFileInfo(m_client.fileName).size() < kMostContent, "an image has a limit");
         require(!m_client.file && !m_client.reply, "and is let go of");
+        require(!(manner & kTwice) || !QFile::exists(file), "what was given up is removed");
+        QFile::remove(m_client.fileName);
+    }
+
+    void awaitEnd()
+    {
+        int ends = 0;
+        QEventLoop loop;
+        QObject::connect(&m_client, &networking_class::network_finish_download, &loop, [&] {
+            ++ends;
+            loop.quit();
+        });
+        m_client.giveUpUnheardDownload(); // which it is not
+        loop.exec();
+        QCoreApplication::processEvents();
+        require(ends == 1, "a download ends once");
     }
 
     networking_class &m_client;
     OneAnswer m_server;
-    QEventLoop m_end;
-    int m_downloads = 0;
 };
 
 } // namespace

@@ -75,6 +75,9 @@ public:
         const ProgressFile::Report report = ProgressFile::judge(line);
         m_now = m_now.addMSecs(100 * line.size());
         using Kind = ProgressFile::Report::Kind;
+        const bool succeeded = report.kind == Kind::Result && report.value == ProgressFile::kSuccess;
+        require(ProgressFile::hasDoneItsWork(line) == (succeeded || line == u"100%"),
+                "who has written everything has done its work");
         if (report.kind == Kind::Percentage)
             takePercentage(line, report.value);
         else if (report.kind == Kind::Result)

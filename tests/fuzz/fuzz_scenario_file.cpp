@@ -40,6 +40,8 @@ QString quoted(QString word)
 QString lineOf(const Statement &statement)
 {
     QStringList words;
+    if (statement.attempt)
+        words.append(QStringLiteral("try"));
     qsizetype filler = 0;
     for (const FormPart &part : partsOf(grammar().at(statement.form))) {
         if (!part.gap) {
@@ -64,8 +66,8 @@ void checkStatement(const Statement &statement, qsizetype lines)
     QString error;
     const auto again = Scenario::parse(lineOf(statement), QString(), &error);
     require(again && again->statements.size() == 1, "a statement that is written can be read");
-    require(again->statements.first().form == statement.form
-                && again->statements.first().words == statement.words,
+    const Statement &same = again->statements.first();
+    require(same.form == statement.form && same.words == statement.words && same.attempt == statement.attempt,
             "and says the same");
 }
 

@@ -68,6 +68,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     if (!answer)
         return 0;
     require(version.size() <= VersionAnswer::kLongestVersion, "a version has a limit");
+    require(fuzz::isPrintable(version), "a version can be printed");
     require(answer->notes.size() + answer->notesInEnglish.size() + version.size() <= body.size(),
             "nothing is in an answer that was not in the body");
     checkRoundTrip(*answer);
