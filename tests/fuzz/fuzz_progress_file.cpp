@@ -7,6 +7,8 @@
 #include "tests/fuzz/Files.h"
 
 #include <QBuffer>
+#include <QDateTime>
+#include <QTimeZone>
 
 using namespace QuillonFirmwareUpgrade;
 using fuzz::require;
@@ -119,7 +121,7 @@ private:
     }
 
     StallRule::Memory m_last;
-    QDateTime m_now = QDateTime::fromMSecsSinceEpoch(0, Qt::UTC);
+    QDateTime m_now = QDateTime::fromMSecsSinceEpoch(0, QTimeZone::utc());
 };
 
 } // namespace
