@@ -227,12 +227,16 @@ void FirmwareUpgradeWidget::showCardAndNotes(bool visible)
 }
 
 /// Puts the animation of the port and the model on its label, not yet running. The movie before it stays the
-/// label's.
+/// label's; those before that one go, for each that was played keeps two megabytes of its last frame.
 void FirmwareUpgradeWidget::loadTipMovie(Port port)
 {
     const ModelRow &model = rowOf(m_deviceModel);
     if (m_tipMovie)
         m_tipMovie->stop();
+    for (QMovie *movie : tipMoiveLb->findChildren<QMovie *>(Qt::FindDirectChildrenOnly)) {
+        if (movie != m_tipMovie)
+            delete movie;
+    }
     m_tipMovie = new QMovie(QStringLiteral(":/new/prefix1/image/")
                                 + (port == Port::Otg ? model.otg.movie : model.pc.movie),
                             QByteArray(), tipMoiveLb);

@@ -85,6 +85,7 @@ private slots:
     void hintFollowsTheModel_data();
     void hintFollowsTheModel();
     void formerMovieStopsAndStays();
+    void moviesDoNotHeapUp();
     void missingHintWidgetsAreNoProblem();
     void receiversOfTheOtgSignalAreGone();
     void connectedDeviceIsKeptOrLeft_data();
@@ -251,6 +252,17 @@ void ModelChangeTest::formerMovieStopsAndStays()
     QVERIFY(former);
     QCOMPARE(former->state(), QMovie::NotRunning);
     QCOMPARE(panel().movie()->state(), QMovie::NotRunning);
+}
+
+void ModelChangeTest::moviesDoNotHeapUp()
+{
+    for (int changes = 0; changes < 5; ++changes) {
+        for (const DeviceModel model : {DeviceModel::R1, DeviceModel::R2}) {
+            panel().movie()->start();
+            panel().setDeviceModel(model);
+        }
+    }
+    QCOMPARE(panel().animation()->findChildren<QMovie *>().size(), 2); // the one that is shown and the former
 }
 
 void ModelChangeTest::missingHintWidgetsAreNoProblem()
