@@ -39,6 +39,10 @@ foreach(file IN LISTS font_files)
     file(CREATE_LINK "${file}" "${QUILLON_TEST_FONT_FILES}/${name}" SYMBOLIC)
 endforeach()
 
+# What faketime makes of waits is too coarse: see tests/support/finer_waits.cpp.
+set(QUILLON_FINER_WAITS_FOLDER "${PROJECT_BINARY_DIR}/tests/support")
+set(finer_waits "${QUILLON_FINER_WAITS_FOLDER}/libquillon_finer_waits.so")
+
 # The address sanitizer has to be loaded before every other library, or it finds no leak.
 function(quillon_preload result library)
     execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=libasan.so
@@ -73,9 +77,10 @@ function(quillon_run_prefix result)
     elseif(arg_SPEED AND QUILLON_SANITIZE MATCHES "address")
         execute_process(COMMAND ${QUILLON_FAKETIME} -f +0 printenv LD_PRELOAD
             OUTPUT_VARIABLE clock OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
-        quillon_preload(preload "${clock}")
+        quillon_preload(preload "${finer_waits}:${clock}")
         list(APPEND arg_ENVIRONMENT "${preload}" "FAKETIME=+0 x${arg_SPEED}")
     elseif(arg_SPEED AND NOT WIN32)
+        list(APPEND arg_ENVIRONMENT "LD_PRELOAD=${finer_waits}")
         set(wrapper ${QUILLON_FAKETIME} -f "+0 x${arg_SPEED}")
     endif()
     set(${result} "${PROJECT_SOURCE_DIR}/tests/support/surroundings" "${QUILLON_TEST_FONTS}" "${QUILLON_TEST_SCREEN}"
