@@ -105,6 +105,13 @@ std::optional<ImageInfo> readImage(const QByteArray &flash, QString *why)
                      QVersionNumber(part(0), part(1), part(2))};
 }
 
+qint64 imageSize(const QByteArray &flash)
+{
+    if (flash.size() < kImageHeaderSize || !flash.startsWith(kMark))
+        return 0;
+    return kImageHeaderSize + qint64(numberAt<quint32>(flash, kLengthAt));
+}
+
 QByteArray sha256(const QByteArray &bytes)
 {
     return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex();

@@ -31,6 +31,10 @@ QByteArray buildImage(const ImageInfo &info, int bodySize = -1);
 /// complete, undamaged image; \a why, when given, then says what is wrong.
 std::optional<ImageInfo> readImage(const QByteArray &flash, QString *why = nullptr);
 
+/// How long the image is whose header stands at the start of \a flash, whether or not all of it is there; 0
+/// without a header.
+qint64 imageSize(const QByteArray &flash);
+
 QByteArray sha256(const QByteArray &bytes); ///< lower-case hexadecimal
 
 } // namespace rig

@@ -46,7 +46,7 @@ const QList<StatementForm> &grammar()
         {"expect visible <name>", "the widget with this object name can be seen", &Stage::expectVisible},
         {"expect hidden <name>", "it cannot", &Stage::expectHidden},
         {"expect device <chip> <firmware>", "what the chip runs", &Stage::expectDevice},
-        {"expect flash <chip> served", "the chip's flash holds what the server served last (SHA-256)", &Stage::expectFlashServed},
+        {"expect flash <chip> <contents>", "the chip's flash holds what the server served last (SHA-256), an intact image of this version, a partial one, something damaged, or nothing", &Stage::expectFlash},
         {"expect downloads none", "no image was asked for", &Stage::expectNoDownloads},
         {"expect downloads <chip>...", "the images that were asked for, in order", &Stage::expectDownloads},
         {"expect queries none", "no version was asked for", &Stage::expectNoQueries},

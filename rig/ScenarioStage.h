@@ -89,7 +89,7 @@ public:
     Outcome expectVisible(Words words);
     Outcome expectHidden(Words words);
     Outcome expectDevice(Words words);
-    Outcome expectFlashServed(Words words);
+    Outcome expectFlash(Words words);
     Outcome expectNoDownloads(Words words);
     Outcome expectDownloads(Words words);
     Outcome expectNothingFlashed(Words words);
@@ -119,6 +119,7 @@ private:
     QStringList downloads() const;
     QStringList flashed() const;
     QString lastToolCommand() const;
+    QByteArray lastServed(Chip chip) const; ///< the digest of its image; empty: none was asked for
     QList<std::chrono::milliseconds>
     timesOf(const QString &event) const; ///< every time it happened, in order
     void rememberSent(); ///< what the server sent for images, before its list is dropped

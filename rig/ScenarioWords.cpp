@@ -1,6 +1,7 @@
 #include "rig/ScenarioWords.h"
 
 #include "rig/Fault.h"
+#include "rig/FlashContents.h"
 #include "rig/Identity.h"
 #include "rig/ScreenRecognizer.h"
 
@@ -65,6 +66,16 @@ bool isFirmware(const QString &word)
     return word == QLatin1StringView(kBricked) || isVersion(word);
 }
 
+QStringList contentsWords()
+{
+    return QStringList{QLatin1StringView(kServed)} + contentsNames();
+}
+
+bool isContents(const QString &word)
+{
+    return contentsWords().contains(word) || isVersion(word);
+}
+
 template <int Low, int High> bool isNumber(const QString &word)
 {
     bool ok = false;
@@ -90,6 +101,11 @@ QString quoted(std::initializer_list<const char *> words)
     return quoted(list);
 }
 
+QString contents()
+{
+    return QStringLiteral("a version such as 1.2.0 or ") + quoted(contentsWords());
+}
+
 const QList<WordKind> &kinds()
 {
     static const QList<WordKind> table{
@@ -113,6 +129,7 @@ const QList<WordKind> &kinds()
          }},
         {"version", isVersion, [] { return QStringLiteral("a version such as 1.2.0"); }},
         {"firmware", isFirmware, [] { return QStringLiteral("a version such as 1.2.0 or \"bricked\""); }},
+        {"contents", isContents, contents},
         {"screen", [](const QString &w) { return screenNames().contains(w); }, screens},
         {"fault", [](const QString &w) { return faultNamed(w).has_value(); },
          [] { return QStringLiteral("the name of a fault"); }},

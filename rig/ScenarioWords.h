@@ -15,6 +15,9 @@ struct WordKind {
     QString (*expectation)(); ///< "a duration such as 10s or 500ms", for messages
 };
 
+/// What a flash holds that is just what the server sent, whatever that was.
+constexpr char kServed[] = "served";
+
 /// Nothing when no kind has that name: a mistake in the grammar.
 const WordKind *wordKind(const QString &name);
 

@@ -63,6 +63,8 @@ private Q_SLOTS:
     void theScenarioGoesOnWhileAClickBlocks();
     void aWarningIsSeenAndDismissed();
     void downloadsAndTheFlashAreCompared();
+    void whatTheFlashHoldsIsTold_data();
+    void whatTheFlashHoldsIsTold();
     void delaysAreMeasured();
 
 private:
@@ -463,6 +465,33 @@ void RigPlayerTest::downloadsAndTheFlashAreCompared()
     m_rig.device().write(Chip::Pc, 0, buildImage({Model::R2, Chip::Pc, QVersionNumber(1, 5, 0)}));
     QCOMPARE(play(QStringLiteral("expect flash pc served\nforget\nexpect downloads none")), QString());
     QVERIFY(play(QStringLiteral("expect flash pc served")).contains(QStringLiteral(": served , flash ")));
+}
+
+void RigPlayerTest::whatTheFlashHoldsIsTold_data()
+{
+    QTest::addColumn<QByteArray>("flash");
+    QTest::addColumn<QString>("contents");
+    const QByteArray image = buildImage({Model::R2, Chip::Pc, QVersionNumber(1, 5, 0)});
+    QTest::newRow("nothing") << QByteArray() << QStringLiteral("empty");
+    QTest::newRow("an image of this chip") << image << QStringLiteral("1.5.0");
+    QTest::newRow("most of it") << image.chopped(1) << QStringLiteral("partial");
+    QTest::newRow("less than its header") << image.left(kImageHeaderSize - 1) << QStringLiteral("damaged");
+    QTest::newRow("one with an error")
+        << QByteArray(image.chopped(1) + char(image.back() ^ 1)) << QStringLiteral("damaged");
+    QTest::newRow("the other chip's image")
+        << buildImage({Model::R2, Chip::Otg, QVersionNumber(1, 5, 0)}) << QStringLiteral("damaged");
+    QTest::newRow("the other model's image")
+        << buildImage({Model::R1, Chip::Pc, QVersionNumber(1, 5, 0)}) << QStringLiteral("damaged");
+}
+
+void RigPlayerTest::whatTheFlashHoldsIsTold()
+{
+    QFETCH(QByteArray, flash);
+    QFETCH(QString, contents);
+    QCOMPARE(play(QStringLiteral("device R2 pc bricked otg 1.1.1\nplug pc\nwait interface 00ff")), QString());
+    m_rig.device().write(Chip::Pc, 0, flash);
+    QCOMPARE(play(QStringLiteral("expect flash pc ") + contents), QString());
+    QVERIFY(play(QStringLiteral("expect flash pc 1.9.9")).endsWith(QStringLiteral(": ") + contents));
 }
 
 void RigPlayerTest::delaysAreMeasured()

@@ -159,6 +159,8 @@ void RigScenarioTest::aStatementIsUnderstood_data()
     row("wait tool ended", "wait tool ended [<duration>]", "");
     row("say \"hello there\"", "say <text>", "hello there");
     row("expect text m_doneLb 升级完成", "expect text <name> <text>", "m_doneLb|升级完成");
+    row("expect flash pc served", "expect flash <chip> <contents>", "pc|served");
+    row("expect flash otg 1.2.0", "expect flash <chip> <contents>", "otg|1.2.0");
     row("expect downloads none", "expect downloads none", "");
     row("expect downloads pc otg pc", "expect downloads <chip>...", "pc otg pc");
     row("expect tool pid 000e", "expect tool pid <pid>", "000e");
@@ -235,6 +237,9 @@ void RigScenarioTest::aMistakeIsNamedWithItsPlace_data()
     row("a negative percentage", "expect bar -1", "x.scn:1: expected a number from 0 to 100, found \"-1\"");
     row("a product ID in capitals", "expect tool pid 00FF",
         "x.scn:1: expected a product ID of four hexadecimal digits such as 000e, found \"00FF\"");
+    row("a flash that cannot be", "expect flash pc full",
+        "x.scn:1: expected a version such as 1.2.0 or \"served\" or \"empty\" or \"partial\" or \"damaged\", "
+        "found \"full\"");
     row("none of several forms", "expect flashed all",
         "x.scn:1: expected \"none\" or \"pc\" or \"otg\", found \"all\"");
     row("an unknown event", "expect pc-click 6s after otg-image within 1s",
