@@ -82,12 +82,12 @@ play_all() {
     done
 }
 
-# Beside the others a program may not get the processor for so long that a wait is over or a tool is taken for stalled. What
-# failed so has another try by itself, and is counted apart if it passes.
+# Beside the others a program may not get the processor for so long that a wait is over, a tool is taken for stalled, or the
+# server's answer is too late to be shown. What failed so has another try by itself, and is counted apart if it passes.
 judge_again() {
     local name symptom
     for name in "${!failed_with[@]}"; do
-        [[ ${failed_with[$name]} =~ ^(wait|hold)\  ]] || continue
+        [[ ${failed_with[$name]} =~ ^(wait|hold|expect\ text)\  ]] || continue
         if symptom=$("$player" "$speed" "$build" "$out/$name/$kind.scn" "$kind-0"); then
             echo "${kind^} $name passed by itself."
             unset "failed_with[$name]"
