@@ -16,6 +16,8 @@ void Journal::record(const QString &source, const QString &text)
     {
         const QMutexLocker lock(&m_mutex);
         entry = {now(), source, text};
+        if (m_entries.size() == kKept)
+            m_entries.removeFirst();
         m_entries.append(entry);
     }
     Q_EMIT recorded(entry);

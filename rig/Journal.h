@@ -17,12 +17,15 @@ struct JournalEntry {
     QString text; ///< one line of English for people
 };
 
-/// What happened in the rig, in order and with times. Every function is thread-safe.
+/// What happened in the rig, in order and with times. Only the last kKept things are kept: a rig may run for
+/// days. Every function is thread-safe.
 class Journal : public QObject {
     Q_OBJECT
 
 public:
     explicit Journal(QObject *parent = nullptr);
+
+    static constexpr qsizetype kKept = 1000;
 
     void record(const QString &source, const QString &text);
     QList<JournalEntry> entries() const;

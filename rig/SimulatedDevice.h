@@ -66,7 +66,7 @@ public:
     QVersionNumber runningVersion(Chip chip) const; ///< null unless the chip is running
     QByteArray flash(Chip chip) const; ///< what was written since the last erase
     QList<BusInterface> interfaces() const; ///< what is on the bus; PC first
-    QList<BusInterface> appearances() const; ///< every interface there ever was, oldest first
+    QList<BusInterface> appearances() const; ///< the last interfaces there were, oldest first
     std::optional<VersionRead> lastRead(Chip chip) const;
 
     /// \name What the device does with a report, and what a flashing tool can reach over USB

@@ -42,7 +42,9 @@ void SimulatedDevice::Body::leave(SimulatedChip &chip)
 
 void SimulatedDevice::Body::appear(SimulatedChip &chip)
 {
-    chip.appear(int(appearances.size()), journal.now());
+    chip.appear(appeared++, journal.now());
+    if (appearances.size() == kAppearancesKept)
+        appearances.removeFirst();
     appearances.append(chip.face());
     busChanges.append({chip.identity().chip, chip.face().productId, true});
 }

@@ -39,7 +39,8 @@ struct SimulatedDevice::Body : std::enable_shared_from_this<Body> {
                                        SimulatedChip(identityOf(Model::R2, Chip::Otg))};
     QList<BusChange> busChanges; // to be announced when the mutex is released
     QHash<quint16, quint16> written; // registers that a host has set
-    QList<BusInterface> appearances;
+    QList<BusInterface> appearances; // no more than the last kAppearancesKept
+    int appeared = 0; // so many in all
     std::array<std::optional<VersionRead>, 2> reads;
     int steps = 0;
 
@@ -48,6 +49,8 @@ struct SimulatedDevice::Body : std::enable_shared_from_this<Body> {
 
     template <typename Act> auto change(Act act);
     void announce(const QList<BusChange> &changes);
+
+    static constexpr qsizetype kAppearancesKept = 100;
 
     void leave(SimulatedChip &chip);
     void appear(SimulatedChip &chip);

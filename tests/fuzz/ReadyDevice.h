@@ -25,6 +25,7 @@ public:
         m_journal.m_entries.clear();
         const QMutexLocker lock(&body().mutex);
         body().appearances.clear();
+        body().appeared = 0;
         body().model = model;
         setUp(rig::Chip::Pc, pcRuns);
         setUp(rig::Chip::Otg, otgRuns);

@@ -2,6 +2,7 @@
 #include "rig/SimulatedDevice.h"
 #include "tests/support/TestProgram.h"
 
+#include <QSet>
 #include <QTest>
 
 using namespace rig;
@@ -46,6 +47,7 @@ private Q_SLOTS:
     void theFirstCableStartsTheChipBehindTheOtherPortToo();
     void aCableThatLeavesAtOnceWasNeverThere();
     void aNewPlugIsANewPath();
+    void onlyTheLastInterfacesAreRemembered();
     void theOtherModelIsAnotherDevice();
     void settingAVersionTakesEffectWithoutLeavingTheBus();
     void aBrickedChipIsOnlyInItsBootLoader();
@@ -226,6 +228,21 @@ void RigDeviceTest::aNewPlugIsANewPath()
     plugAndWait(Chip::Pc);
     QVERIFY(m_device->interfaces().first().path != path);
     QVERIFY(!m_device->isOnBus(path));
+}
+
+// A device that is plugged all day is not to grow, but it never shows a path again.
+void RigDeviceTest::onlyTheLastInterfacesAreRemembered()
+{
+    constexpr int kPlugs = 110;
+    QSet<QString> paths;
+    for (int plug = 0; plug < kPlugs; ++plug) {
+        plugAndWait(Chip::Pc);
+        paths.insert(m_device->interfaces().first().path);
+        m_device->unplug(Chip::Pc);
+    }
+    QCOMPARE(paths.size(), kPlugs);
+    QCOMPARE(m_device->appearances().size(), 100);
+    QVERIFY(paths.contains(m_device->appearances().last().path));
 }
 
 void RigDeviceTest::theOtherModelIsAnotherDevice()
