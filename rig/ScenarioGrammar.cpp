@@ -63,6 +63,9 @@ const QList<StatementForm> &grammar()
 
         {"mark", "note the threads, handles, child processes and files that are there, once they stand still", &Stage::mark},
         {"expect nothing left [<duration>]", "no more of them than at the mark; what is still ending has so long (130s unless stated)", &Stage::expectNothingLeft},
+
+        {"weigh <name>", "note and print the process's memory, handles and threads and the objects below the panel, once all but memory stands still", &Stage::weigh},
+        {"expect growth since <name> resident <size> heap <size> handles <count> threads <count> objects <count>", "what was weighed last is no more than that above what was noted under this name", &Stage::expectGrowth},
     };
     // clang-format on
     return forms;

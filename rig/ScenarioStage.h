@@ -3,8 +3,10 @@
 #include "rig/Belongings.h"
 #include "rig/PanelControls.h"
 #include "rig/Rig.h"
+#include "rig/Weights.h"
 
 #include <QElapsedTimer>
+#include <QMap>
 #include <QPointer>
 #include <QSet>
 #include <QStringList>
@@ -109,6 +111,10 @@ public:
     Outcome mark(Words words);
     Outcome expectNothingLeft(Words words);
 
+    // StageWeights.cpp
+    Outcome weigh(Words words);
+    Outcome expectGrowth(Words words);
+
 private:
     Outcome control(const std::function<void()> &function, const char *name);
     QWidget *child(const QString &name) const; ///< of the panel; null when there is none
@@ -134,6 +140,9 @@ private:
     std::optional<Belongings> m_mark;
     std::chrono::milliseconds m_markedAt{0}; // since the statement began, when they were last seen to change
     QSet<QByteArray> m_sent; // digests of what downloads brought
+    QMap<QString, Weights> m_weights; // by the name they were noted under
+    Weights m_lastWeights;
+    std::chrono::milliseconds m_weighedAt{0}; // since the statement began, when they were last seen to change
 };
 
 using StageAct = Outcome (ScenarioStage::*)(ScenarioStage::Words words);

@@ -137,6 +137,8 @@ const QList<WordKind> &kinds()
          [] { return QStringLiteral("\"once\" or a count such as 3x"); }},
         {"duration", [](const QString &w) { return durationFrom(w).has_value(); },
          [] { return QStringLiteral("a duration such as 10s or 500ms"); }},
+        {"size", [](const QString &w) { return sizeFrom(w).has_value(); },
+         [] { return QStringLiteral("a size such as 512KiB or 2MiB"); }},
         {"percent", isNumber<0, 100>, [] { return QStringLiteral("a number from 0 to 100"); }},
         {"count", isNumber<0, 1000000>, [] { return QStringLiteral("a count"); }},
         {"pid", isProductId,
@@ -210,6 +212,17 @@ std::optional<int> timesFrom(const QString &word)
         return 1;
     static const Shape shape("[1-9]\\d{0,4}x");
     return shape.fits(word) ? std::optional(word.chopped(1).toInt()) : std::nullopt;
+}
+
+std::optional<qint64> sizeFrom(const QString &word)
+{
+    static const Shape shape("(\\d{1,6})(KiB|MiB)");
+    const QRegularExpressionMatch match = shape.match(word);
+    if (!match.hasMatch())
+        return {};
+    constexpr qint64 kKibibyte = 1024;
+    const qint64 unit = match.captured(2) == u"MiB" ? kKibibyte * kKibibyte : kKibibyte;
+    return match.captured(1).toLongLong() * unit;
 }
 
 LineWords splitLine(const QString &line)

@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QString>
+#include <QtGlobal>
 
 #include <chrono>
 #include <optional>
@@ -23,6 +24,7 @@ const WordKind *wordKind(const QString &name);
 
 std::optional<std::chrono::milliseconds> durationFrom(const QString &word); ///< "500ms", "10s", "2m"
 std::optional<int> timesFrom(const QString &word); ///< "once", "3x"
+std::optional<qint64> sizeFrom(const QString &word); ///< "512KiB", "2MiB", in bytes
 
 /// The words of a line: parts between blanks, or in double quotes, where a backslash stands before a quote, a
 /// backslash or an "n" for a line feed. Everything from a "#" that begins a word is a comment. \a error says

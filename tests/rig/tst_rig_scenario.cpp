@@ -23,6 +23,8 @@ private Q_SLOTS:
     void durations();
     void times_data();
     void times();
+    void sizes_data();
+    void sizes();
     void theGrammarHoldsTogether_data();
     void theGrammarHoldsTogether();
     void aStatementIsUnderstood_data();
@@ -115,6 +117,24 @@ void RigScenarioTest::times()
     QTEST(timesFrom(word).value_or(-1), "count");
 }
 
+void RigScenarioTest::sizes_data()
+{
+    QTest::addColumn<QString>("word");
+    QTest::addColumn<qint64>("bytes");
+    QTest::newRow("kibibytes") << QStringLiteral("512KiB") << qint64(524288);
+    QTest::newRow("mebibytes") << QStringLiteral("3MiB") << qint64(3145728);
+    QTest::newRow("none") << QStringLiteral("0KiB") << qint64(0);
+    QTest::newRow("more than a number of 32 bits") << QStringLiteral("4096MiB") << qint64(4294967296);
+    for (const char *wrong : {"", "8", "MiB", "1.5MiB", "-1MiB", "8 MiB", "8GiB", "8mib", "9999999KiB"})
+        QTest::newRow(wrong) << QString::fromLatin1(wrong) << qint64(-1);
+}
+
+void RigScenarioTest::sizes()
+{
+    QFETCH(QString, word);
+    QTEST(sizeFrom(word).value_or(-1), "bytes");
+}
+
 void RigScenarioTest::theGrammarHoldsTogether_data()
 {
     QTest::addColumn<int>("form");
@@ -167,6 +187,11 @@ void RigScenarioTest::aStatementIsUnderstood_data()
     row("expect tool pid 00ff already-in-dfu", "expect tool pid <pid> already-in-dfu", "00ff");
     row("expect pc-tool 6s after otg-image within 150ms",
         "expect <event> <duration> after <event> within <duration>", "pc-tool|6s|otg-image|150ms");
+    row("weigh 100", "weigh <name>", "100");
+    row("expect growth since 100 resident 8MiB heap 512KiB handles 2 threads 1 objects 0",
+        "expect growth since <name> resident <size> heap <size> handles <count> threads <count> objects "
+        "<count>",
+        "100|8MiB|512KiB|2|1|0");
 }
 
 void RigScenarioTest::aStatementIsUnderstood()
@@ -232,6 +257,8 @@ void RigScenarioTest::aMistakeIsNamedWithItsPlace_data()
         "x.scn:1: expected the end of the line, found \"otg\"");
     row("a duration without its unit", "pause 2",
         "x.scn:1: expected a duration such as 10s or 500ms, found \"2\"");
+    row("a size without its unit", "expect growth since 1 resident 8 heap 1MiB handles 0 threads 0 objects 0",
+        "x.scn:1: expected a size such as 512KiB or 2MiB, found \"8\"");
     row("a percentage too large", "expect bar 101",
         "x.scn:1: expected a number from 0 to 100, found \"101\"");
     row("a negative percentage", "expect bar -1", "x.scn:1: expected a number from 0 to 100, found \"-1\"");
@@ -247,7 +274,7 @@ void RigScenarioTest::aMistakeIsNamedWithItsPlace_data()
         "\"flash\" or "
         "\"downloads\" or \"queries\" or \"flashed\" or \"tool\" or \"tools\" or an event (pc- or otg- and "
         "image, tool, "
-        "ended, appeared or read) or \"nothing\", found \"pc-click\"");
+        "ended, appeared or read) or \"nothing\" or \"growth\", found \"pc-click\"");
     row("an unknown screen", "expect screen welcome",
         "x.scn:1: expected a screen (searching, up-to-date, upgrade-available, too-old, recovering, "
         "waiting-pc, "

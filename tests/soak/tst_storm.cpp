@@ -99,9 +99,12 @@ void StormTest::nothingInAStormCanFailByItself()
 
 void StormTest::everyStatementComesUp()
 {
-    // These judge the whole storm.
-    QSet<QString> seen{QStringLiteral("timeout <duration>"), QStringLiteral("mark"),
-                       QStringLiteral("expect nothing left [<duration>]")};
+    // These judge the whole storm, or a whole day.
+    QSet<QString> seen{
+        QStringLiteral("timeout <duration>"), QStringLiteral("mark"),
+        QStringLiteral("expect nothing left [<duration>]"), QStringLiteral("weigh <name>"),
+        QStringLiteral("expect growth since <name> resident <size> heap <size> handles <count> "
+                       "threads <count> objects <count>")};
     for (const QList<Statement> &midst : std::as_const(m_midsts)) {
         for (const Statement &statement : midst)
             seen.insert(patternOf(statement));
