@@ -31,9 +31,10 @@ constexpr char kJudgement[]
     = "expect growth since <first> resident 8MiB heap 1MiB handles 2 threads 2 objects 0\n";
 
 // "<new>" is what the server has, "<old>" is older. "<language>" may be another one each time.
-// A panel that is told to serve another model asks the device that is there for its versions.
+// A panel that is told to serve another model asks the device for its versions, if it is there by then.
 constexpr char kOffer[] = R"(model <other>
 plug pc
+wait interface <pid>
 model <model>
 wait screen upgrade-available 1m
 hold screen upgrade-available 1s
@@ -76,6 +77,7 @@ model R1
 server pc 1.2.0 otg 1.2.0
 device R2 pc 1.2.0 otg 1.2.0
 plug pc
+wait interface 000e
 model R2
 wait screen up-to-date 1m
 pause 12s
@@ -108,6 +110,7 @@ unplug <chip>
 constexpr char kWarning[] = R"(fault device-says-dfu
 model <other>
 plug pc
+wait interface <pid>
 model <model>
 wait warning
 pause 300ms
@@ -177,18 +180,22 @@ private:
 
     void write(int number, const Errand &errand)
     {
-        const QStringList models = rig::modelNames();
-        const int model = m_dice.below(int(models.size()));
+        const QList<rig::ModelIdentity> &models = rig::modelTable();
+        const int place = m_dice.below(int(models.size()));
+        const rig::ModelIdentity &model = models.at(place);
+        const rig::ModelIdentity &other = models.at((place + 1) % models.size());
         const QString newest = QLatin1StringView(m_dice.oneOf(kNewest));
-        const Fillers fillers{{"<number>", QString::number(number)},
-                              {"<name>", QLatin1StringView(errand.name)},
-                              {"<model>", models.at(model)},
-                              {"<other>", models.at((model + 1) % models.size())},
-                              {"<new>", newest},
-                              {"<old>", QLatin1StringView(kOld)},
-                              {"<mishap>", QLatin1StringView(m_dice.oneOf(kMishaps))},
-                              {"<chip>", QLatin1StringView(errand.chip)},
-                              {"<tools>", QString::number(errand.tools)}};
+        const Fillers fillers{
+            {"<number>", QString::number(number)},
+            {"<name>", QLatin1StringView(errand.name)},
+            {"<model>", QLatin1StringView(model.name)},
+            {"<other>", QLatin1StringView(other.name)},
+            {"<pid>", QStringLiteral("%1").arg(model.pc.normalPid, 4, 16, QLatin1Char('0'))},
+            {"<new>", newest},
+            {"<old>", QLatin1StringView(kOld)},
+            {"<mishap>", QLatin1StringView(m_dice.oneOf(kMishaps))},
+            {"<chip>", QLatin1StringView(errand.chip)},
+            {"<tools>", QString::number(errand.tools)}};
         put("say \"upgrade <number>: <name>\"\nlanguage <language>\nserver pc <new> otg <new>\n", fillers);
         put(errand.device, fillers);
         for (const char *piece : errand.pieces)
