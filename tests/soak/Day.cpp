@@ -102,8 +102,12 @@ constexpr char kBricked[] = "device <model> pc bricked otg <old>\n";
 
 constexpr char kPlug[] = "plug <chip>\n";
 constexpr char kMishap[] = "fault <mishap> <chip> once\n";
-// The tool writes it, the chip cannot run it, and the panel recovers the device by itself.
-constexpr char kNoImage[] = "fault server-404 <chip> downloads once\n";
+// The tool writes it, the chip cannot run it, and the panel recovers the device by itself. It still waits for
+// the versions after that success: a device that is back before its PC half is known to be done tells them,
+// and the plan is made anew. With the OTG cable in, the second half is under way by then.
+constexpr char kNoImage[] = R"(fault server-404 pc downloads once
+plug otg
+)";
 constexpr char kPull[] = R"(wait bar 20 2m
 unplug <chip>
 )";
@@ -130,7 +134,7 @@ const QList<Errand> &errands()
         {1, "after a warning", kPcOld, {kWarning, kOffer, kEnd}, 1},
         {1, "retry of the PC half", kBothOld, {kMishap, kOffer, kReplugAndRetry, kOtgHalf, kEnd}, 2, "pc"},
         {1, "retry of the OTG half", kBothOld, {kMishap, kOffer, kOtgHalf, kReplugAndRetry, kEnd}, 1, "otg"},
-        {1, "an error page for an image", kPcOld, {kNoImage, kOffer, kOtgHalf, kEnd}, 3, "pc"},
+        {1, "an error page for an image", kPcOld, {kNoImage, kOffer, kEnd}, 3},
         {1, "pulled", kPcOld, {kOffer, kPull, kReplugAndRetry, kEnd}, 1, "pc"},
     };
     return table;
