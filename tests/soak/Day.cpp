@@ -108,6 +108,10 @@ constexpr char kMishap[] = "fault <mishap> <chip> once\n";
 constexpr char kNoImage[] = R"(fault server-404 pc downloads once
 plug otg
 )";
+constexpr char kFalseSuccess[] = R"(wait flashing pc 1m
+wait tool ended 1m
+wait flashing pc 1m
+)";
 constexpr char kPull[] = R"(wait bar 20 2m
 unplug <chip>
 )";
@@ -134,7 +138,7 @@ const QList<Errand> &errands()
         {1, "after a warning", kPcOld, {kWarning, kOffer, kEnd}, 1},
         {1, "retry of the PC half", kBothOld, {kMishap, kOffer, kReplugAndRetry, kOtgHalf, kEnd}, 2, "pc"},
         {1, "retry of the OTG half", kBothOld, {kMishap, kOffer, kOtgHalf, kReplugAndRetry, kEnd}, 1, "otg"},
-        {1, "an error page for an image", kPcOld, {kNoImage, kOffer, kEnd}, 3},
+        {1, "an error page for an image", kPcOld, {kNoImage, kOffer, kFalseSuccess, kEnd}, 3},
         {1, "pulled", kPcOld, {kOffer, kPull, kReplugAndRetry, kEnd}, 1, "pc"},
     };
     return table;
