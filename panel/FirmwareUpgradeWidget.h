@@ -124,6 +124,7 @@ private:
     void createToolAndTimers();
     void disconnectEverything();
     void endRunningTool();
+    void leaveTool();
     void refreshConnectionHint();
     void resetRunState();
     void connectToModel();

@@ -159,8 +159,17 @@ void FirmwareUpgradeWidget::endRunningTool()
     const bool hasEnded = m_dfuProcess->waitForFinished(int(kTerminateLimit.count()));
     // Also for what a tool that was asked to end has left behind.
     ToolProcess::kill(*m_dfuProcess);
-    if (!hasEnded)
-        m_dfuProcess->waitForFinished(int(kKillLimit.count()));
+    if (!hasEnded && !m_dfuProcess->waitForFinished(int(kKillLimit.count())))
+        leaveTool();
+}
+
+/// What the system cannot end at once, because a driver still holds it, would keep the destructor of QProcess
+/// for half a minute, and the host with it.
+void FirmwareUpgradeWidget::leaveTool()
+{
+    m_dfuProcess->setParent(nullptr);
+    connect(m_dfuProcess, &QProcess::finished, m_dfuProcess, &QObject::deleteLater);
+    m_dfuProcess = nullptr;
 }
 
 void FirmwareUpgradeWidget::setDeviceModel(DeviceModel model)

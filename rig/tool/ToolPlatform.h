@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -22,6 +23,9 @@ void pauseFor(long milliseconds);
 void ignoreTerminate();
 
 [[noreturn]] void crash(); ///< ends as a program does that made a mistake
+
+/// Holds so much memory that the system takes its time to end this program; not on Windows.
+void holdMemory(std::size_t mebibytes);
 
 /// Starts this program once more, without arguments, to hang. Its process ID; on Windows only, elsewhere 0.
 long startHelper();

@@ -13,6 +13,7 @@
 //   helper           a copy of the tool runs that hangs; "helper.txt" in the home folder then holds its
 //                    process ID. On Windows only
 //   ignore-terminate a polite request to end is not heard from here on
+//   hold-memory MIB  so much memory is given back when it ends, which takes its time; not on Windows
 //   chatter BYTES    so many bytes on the standard output and as many on the standard error
 //   hang             nothing until it is killed
 //   crash            ends by a signal
@@ -91,6 +92,8 @@ void obey(const std::string &instruction, const std::string &rest)
         std::ofstream(home() / "helper.txt") << ToolPlatform::startHelper() << std::flush;
     else if (instruction == "ignore-terminate")
         ToolPlatform::ignoreTerminate();
+    else if (instruction == "hold-memory")
+        ToolPlatform::holdMemory(std::stoul(rest));
     else if (instruction == "chatter")
         chatter(std::stol(rest));
     else if (instruction == "hang")

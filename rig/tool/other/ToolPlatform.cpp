@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <thread>
 
+#include <sys/mman.h>
+
 namespace ToolPlatform {
 
 std::filesystem::path home()
@@ -31,6 +33,20 @@ void ignoreTerminate()
 void crash()
 {
     std::abort();
+}
+
+void holdMemory(std::size_t mebibytes)
+{
+    constexpr std::size_t kMebibyte = 1024UL * 1024;
+    constexpr std::size_t kPage = 4096;
+    const std::size_t size = mebibytes * kMebibyte;
+    void *memory = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED)
+        crash();
+    // Large pages would be given back too fast.
+    madvise(memory, size, MADV_NOHUGEPAGE);
+    for (std::size_t at = 0; at < size; at += kPage)
+        static_cast<volatile char *>(memory)[at] = 1;
 }
 
 long startHelper()
