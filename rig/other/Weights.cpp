@@ -19,7 +19,7 @@ qint64 heapInUse()
 #ifdef __GLIBC__
     malloc_trim(0);
     const struct mallinfo2 heap = mallinfo2();
-    return qint64(heap.uordblks + heap.hblkhd);
+    return qint64(heap.uordblks) + qint64(heap.hblkhd);
 #else
     return 0;
 #endif
