@@ -60,7 +60,7 @@ try click retry
 wait screen completed 3m
 wait read pc <new> 1m
 wait read otg <new> 1m
-hold screen completed 2s
+pause 2s
 expect flash pc served
 expect flash otg served
 try expect tools <tools>
