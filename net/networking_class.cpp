@@ -189,10 +189,21 @@ void networking_class::openFileAndRequest(const QUrl &url, int triesLeft)
 
 void networking_class::httpReadyRead()
 {
-    writePiece();
+    if (writePiece())
+        continueWith(&networking_class::httpReadyRead);
 }
 
-/// Whether there may be more to write.
+/// Everything else has its turn between two pieces, a next download included.
+void networking_class::continueWith(void (networking_class::*step)())
+{
+    QTimer::singleShot(0, reply, [this, step, current = reply] {
+        if (reply == current)
+            (this->*step)();
+    });
+}
+
+/// Whether there may be more to write. Until all has been taken Qt reads no more from the server, and
+/// announces nothing either.
 bool networking_class::writePiece()
 {
     const QByteArray piece = reply->read(kDownloadPiece);
@@ -204,14 +215,8 @@ bool networking_class::writePiece()
 void networking_class::httpFinished()
 {
     // The last bytes may not have been announced by a readyRead of their own.
-    if (writePiece()) {
-        // Everything else has its turn between two pieces, a next download included.
-        QTimer::singleShot(0, reply, [this, finished = reply] {
-            if (reply == finished)
-                httpFinished();
-        });
-        return;
-    }
+    if (writePiece())
+        return continueWith(&networking_class::httpFinished);
     file.reset();
     reply->deleteLater();
     reply = nullptr;

@@ -56,6 +56,7 @@ private:
     ~networking_class() override;
     void giveUpDownload(const QString &nextFile);
     bool writePiece();
+    void continueWith(void (networking_class::*step)());
     void openFileAndRequest(const QUrl &url, int triesLeft);
     void waitForFile(const QUrl &url, int triesLeft);
 
