@@ -30,7 +30,7 @@ endif()
 
 if(QUILLON_BUILD_HOST)
     install(FILES "${PROJECT_SOURCE_DIR}/docs/probe.md" "${PROJECT_SOURCE_DIR}/docs/rig.md"
-        DESTINATION "${package_documents}")
+        "${PROJECT_SOURCE_DIR}/docs/server.md" DESTINATION "${package_documents}")
     install(DIRECTORY "${PROJECT_SOURCE_DIR}/rig/scenarios" DESTINATION "${package_scenarios}")
 endif()
 
@@ -44,7 +44,8 @@ set(CPACK_COMPONENT_RUNTIME_DESCRIPTION
     "The panel finds a device on the USB HID bus, compares its firmware with the
 update server's and has it flashed. Comes with quillon-host, which shows the
 panel with a device or with a simulated one, and quillon-probe, which looks at
-a device from the command line.")
+a device from the command line. An update server's operator finds
+quillon-publish and nginx's configuration.")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 # The panel's texts have fixed places: these fonts fit them.

@@ -35,6 +35,11 @@ vm_packages=(qemu-system-x86 cpio kmod)
 # shellcheck disable=SC2034
 windows_packages=(g++-mingw-w64-x86-64-posix dpkg-dev wine wine64 xvfb xauth)
 
+# The web server that tests and ./demo --server nginx put quillon-publish's files behind. Where Debian runs services it also
+# starts one of its own, which has nothing to do with them.
+# shellcheck disable=SC2034
+server_packages=(nginx-light)
+
 # What ./check --fresh needs, and nothing else: the rest is installed in the system that it makes.
 # shellcheck disable=SC2034
 fresh_packages=(mmdebstrap git util-linux mount)

@@ -9,7 +9,7 @@ function(complain text)
 endfunction()
 
 set(owed_by_runtime
-    bin/quillon-host bin/quillon-probe lib/libQuillonFirmwareUpgrade.so.1 lib/libHIDCommunicator.so.1
+    bin/quillon-host bin/quillon-probe bin/quillon-publish share/quillon/server/nginx/answers.conf lib/libQuillonFirmwareUpgrade.so.1 lib/libHIDCommunicator.so.1
     lib/udev/rules.d/70-quillon.rules share/doc/quillon-firmware-upgrade/probe.md share/quillon/scenarios/demo.scn)
 set(owed_by_development
     include/QuillonFirmwareUpgrade/FirmwareUpgradeWidget.h include/QuillonFirmwareUpgrade/device/DeviceModel.h
