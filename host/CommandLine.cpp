@@ -1,5 +1,7 @@
 #include "host/CommandLine.h"
 
+#include <QRegularExpression>
+
 namespace host {
 
 namespace {
@@ -8,6 +10,7 @@ const QString kModel = QStringLiteral("model");
 const QString kLanguage = QStringLiteral("language");
 const QString kSimulate = QStringLiteral("simulate");
 const QString kUsb = QStringLiteral("usb");
+const QString kServer = QStringLiteral("server");
 const QString kScenario = QStringLiteral("scenario");
 const QString kHeadless = QStringLiteral("headless");
 const QString kRecord = QStringLiteral("record");
@@ -37,6 +40,10 @@ QList<QCommandLineOption> optionTable()
         {kUsb,
          QStringLiteral("Put the simulated device on this machine's own USB; needs --simulate, root and two "
                         "controllers of Linux's dummy_hcd.")},
+        {kServer,
+         QStringLiteral("Ask this update server, such as 127.0.0.1:8080, in place of the simulated one; "
+                        "needs --simulate."),
+         QStringLiteral("host:port")},
         {kScenario, QStringLiteral("Play this scenario and end with it; needs --simulate."),
          QStringLiteral("file")},
         {kHeadless, QStringLiteral("Show nothing and print the progress instead; needs --scenario.")},
@@ -82,10 +89,12 @@ public:
         options.simulate = m_words.isSet(kSimulate);
         options.usb = m_words.isSet(kUsb);
         options.headless = m_words.isSet(kHeadless);
+        readServer(options);
         options.scenario = m_words.nameIn(kScenario, QStringLiteral("a file"));
         options.recordFolder = m_words.nameIn(kRecord, QStringLiteral("a folder"));
         readFaults(options);
         require(kUsb, kSimulate);
+        require(kServer, kSimulate);
         require(kScenario, kSimulate);
         require(kFault, kSimulate);
         require(kHeadless, kScenario);
@@ -112,6 +121,16 @@ private:
         if (language != u"zh" && language != u"en")
             m_words.complain(QStringLiteral("--language takes zh or en, not \"%1\"").arg(language));
         options.english = language == u"en";
+    }
+
+    void readServer(Options &options)
+    {
+        options.server = m_words.value(kServer);
+        static const QRegularExpression form(QStringLiteral("^[A-Za-z0-9.-]+:[1-9][0-9]{0,4}$"));
+        if (m_words.isSet(kServer) && !form.match(options.server).hasMatch())
+            m_words.complain(
+                QStringLiteral("--server takes a host and a port such as 127.0.0.1:8080, not \"%1\"")
+                    .arg(options.server));
     }
 
     void readFaults(Options &options)

@@ -17,6 +17,7 @@ struct Options {
     bool simulate = false;
     bool usb = false; ///< the simulated device is on this machine's USB
     bool headless = false;
+    QString server; ///< "HOST:PORT" of one that takes the simulated one's place; empty: none does
     QString scenario; ///< a file; empty: none
     QString recordFolder; ///< empty: nothing is recorded
     QList<rig::Fault> faults; ///< armed from the start

@@ -11,6 +11,7 @@
 
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QNetworkProxy>
 
 namespace host {
 
@@ -84,11 +85,23 @@ bool Session::startSimulation(QString *error)
     m_rig = std::make_unique<rig::Rig>();
     if (!m_rig->start(error, m_options.usb ? rig::Bus::Usb : rig::Bus::Installed))
         return false;
+    useServer();
     watchRig();
     m_rig->device().setModel(m_options.model);
     for (const rig::Fault fault : m_options.faults)
         m_rig->faults().arm(fault);
     return true;
+}
+
+// The address of the panel's own server is fixed when it is built. What it asks for goes through a proxy, and
+// a server takes such a request as well.
+void Session::useServer()
+{
+    if (m_options.server.isEmpty())
+        return;
+    const QStringList place = m_options.server.split(u':');
+    QNetworkProxy::setApplicationProxy(
+        QNetworkProxy(QNetworkProxy::HttpProxy, place.first(), place.last().toUShort()));
 }
 
 // An upgrade of both firmwares is waiting for the click; the OTG cable is left to the tester.

@@ -44,6 +44,7 @@ public:
 private:
     bool startRecording(QString *error);
     bool startSimulation(QString *error);
+    void useServer();
     void layOutDevice();
     void watchRig();
     void watchScreens();

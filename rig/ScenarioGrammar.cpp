@@ -61,6 +61,8 @@ const QList<StatementForm> &grammar()
         {"destroy panels", "delete every panel; what follows is about main", &Stage::destroyPanels},
         {"destroy panel after <duration>", "delete the panel so long from now, whatever it is doing then", &Stage::destroyPanelLater},
 
+        {"run <text> [<duration>]", "run this program with these arguments to its end, with status 0 (within 5m unless stated)", &Stage::runCommand},
+
         {"mark", "note the threads, handles, child processes and files that are there, once they stand still", &Stage::mark},
         {"expect nothing left [<duration>]", "no more of them than at the mark; what is still ending has so long (130s unless stated)", &Stage::expectNothingLeft},
 

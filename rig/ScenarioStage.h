@@ -13,7 +13,10 @@
 #include <QWidget>
 
 #include <chrono>
+#include <memory>
 #include <optional>
+
+class QProcess;
 
 namespace rig {
 
@@ -38,6 +41,7 @@ struct Outcome {
 class ScenarioStage {
 public:
     ScenarioStage(Rig &rig, const PanelControls &controls);
+    ~ScenarioStage();
 
     void setPanel(QWidget *panel) { m_panel = panel; }
     void beginStatement() { m_sinceStatement.start(); }
@@ -107,6 +111,9 @@ public:
     Outcome destroyPanels(Words words);
     Outcome destroyPanelLater(Words words);
 
+    // StageCommands.cpp
+    Outcome runCommand(Words words);
+
     // StageBelongings.cpp
     Outcome mark(Words words);
     Outcome expectNothingLeft(Words words);
@@ -143,6 +150,7 @@ private:
     QMap<QString, Weights> m_weights; // by the name they were noted under
     Weights m_lastWeights;
     std::chrono::milliseconds m_weighedAt{0}; // since the statement began, when they were last seen to change
+    std::unique_ptr<QProcess> m_command; // while one runs
 };
 
 using StageAct = Outcome (ScenarioStage::*)(ScenarioStage::Words words);

@@ -47,6 +47,12 @@ void HostOptionsTest::aWrongCommandLineIsRefused_data()
     QTest::newRow("a fault on real hardware")
         << QStringList{u"--fault"_s, u"tool-missing"_s} << u"--fault needs --simulate"_s;
     QTest::newRow("real hardware on USB") << QStringList{u"--usb"_s} << u"--usb needs --simulate"_s;
+    QTest::newRow("another server for real hardware")
+        << QStringList{u"--server"_s, u"127.0.0.1:8080"_s} << u"--server needs --simulate"_s;
+    for (const QString &place :
+         {u""_s, u"127.0.0.1"_s, u"127.0.0.1:"_s, u":80"_s, u"http://127.0.0.1:80"_s, u"a:0"_s})
+        QTest::addRow("the server \"%s\"", qPrintable(place))
+            << QStringList{simulate, u"--server"_s, place} << u"--server takes a host and a port"_s;
     QTest::newRow("a scenario on real hardware")
         << QStringList{scenario, u"x.scn"_s} << u"--scenario needs --simulate"_s;
     QTest::newRow("headless with nothing to play")
@@ -76,8 +82,8 @@ void HostOptionsTest::helpNamesEveryOptionAndFault()
     const HostRun run = HostRun::with({u"--help"_s});
     QCOMPARE(run.status, 0);
     QCOMPARE(run.errors, QString());
-    for (const char *option :
-         {"--model", "--language", "--simulate", "--usb", "--scenario", "--headless", "--record", "--fault"})
+    for (const char *option : {"--model", "--language", "--simulate", "--usb", "--server", "--scenario",
+                               "--headless", "--record", "--fault"})
         QVERIFY2(run.output.contains(QLatin1StringView(option)), option);
     for (const rig::FaultInfo &fault : rig::faultTable())
         QVERIFY2(run.output.contains(QLatin1StringView(fault.name)), fault.name);
