@@ -40,6 +40,10 @@ windows_packages=(g++-mingw-w64-x86-64-posix dpkg-dev wine wine64 xvfb xauth)
 # shellcheck disable=SC2034
 server_packages=(nginx-light)
 
+# What looks at the Debian packages.
+# shellcheck disable=SC2034
+package_packages=(lintian)
+
 # What ./check --fresh needs, and nothing else: the rest is installed in the system that it makes.
 # shellcheck disable=SC2034
 fresh_packages=(mmdebstrap git util-linux mount)

@@ -10,8 +10,11 @@ endfunction()
 
 set(owed_by_runtime
     bin/quillon-host bin/quillon-probe bin/quillon-publish share/quillon/server/nginx/answers.conf lib/libQuillonFirmwareUpgrade.so.1 lib/libHIDCommunicator.so.1
+    share/doc/quillon-firmware-upgrade/copyright share/doc/quillon-firmware-upgrade/LICENSE
+    share/doc/quillon-firmware-upgrade/THIRD-PARTY.md
     lib/udev/rules.d/70-quillon.rules share/doc/quillon-firmware-upgrade/probe.md share/quillon/scenarios/demo.scn)
 set(owed_by_development
+    share/doc/quillon-firmware-upgrade-dev/copyright
     include/QuillonFirmwareUpgrade/FirmwareUpgradeWidget.h include/QuillonFirmwareUpgrade/device/DeviceModel.h
     lib/libQuillonFirmwareUpgrade.so lib/cmake/QuillonFirmwareUpgrade/QuillonFirmwareUpgradeConfig.cmake)
 set(fields_of_runtime
