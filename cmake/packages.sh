@@ -40,9 +40,9 @@ windows_packages=(g++-mingw-w64-x86-64-posix dpkg-dev wine wine64 xvfb xauth)
 # shellcheck disable=SC2034
 server_packages=(nginx-light)
 
-# What looks at the Debian packages.
+# What looks at the Debian packages, and what makes the reference of the public headers.
 # shellcheck disable=SC2034
-package_packages=(lintian)
+package_packages=(lintian doxygen)
 
 # What ./check --fresh needs, and nothing else: the rest is installed in the system that it makes.
 # shellcheck disable=SC2034
