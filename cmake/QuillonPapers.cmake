@@ -46,3 +46,6 @@ if(platform STREQUAL "linux")
     quillon_debian_papers(${CPACK_PACKAGE_NAME} runtime)
     quillon_debian_papers(${CPACK_PACKAGE_NAME}-dev development)
 endif()
+# For the bill of materials that a release puts beside each package.
+list(JOIN versions "\n" lines)
+file(WRITE "${papers}/versions" "-DPLATFORM=${platform}\n${lines}\n")
