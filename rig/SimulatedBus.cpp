@@ -8,6 +8,7 @@
 #include <QQueue>
 #include <QWaitCondition>
 
+#include <optional>
 #include <utility>
 
 namespace rig {
@@ -53,11 +54,20 @@ public:
         while (m_replies.isEmpty()) {
             if (!isAttached())
                 return ReadResult::Gone;
+            if (std::exchange(m_interrupted, false))
+                return ReadResult::Timeout;
             if (!m_hub->news.wait(&m_hub->mutex, deadline) && m_replies.isEmpty())
                 return isAttached() ? ReadResult::Timeout : ReadResult::Gone;
         }
         report = m_replies.dequeue();
         return ReadResult::Report;
+    }
+
+    void interruptRead() override
+    {
+        const QMutexLocker lock(&m_hub->mutex);
+        m_interrupted = true;
+        m_hub->news.wakeAll();
     }
 
     bool write(const QByteArray &report) override
@@ -76,6 +86,7 @@ private:
     std::shared_ptr<Hub> m_hub;
     QString m_path;
     QQueue<QByteArray> m_replies;
+    bool m_interrupted = false;
 };
 
 class Bus : public HidTransport {
@@ -90,7 +101,7 @@ public:
         QObject::connect(&device, &SimulatedDevice::vanishing, [hub = m_hub] { hub->announce(true); });
     }
 
-    QList<HidDeviceInfo> enumerate(int vendorId) override
+    std::optional<QList<HidDeviceInfo>> enumerate(int vendorId) override
     {
         const QMutexLocker lock(&m_hub->mutex);
         QList<HidDeviceInfo> found;

@@ -32,7 +32,7 @@ QString rulesFile()
 bool isDenied(const QString &path)
 {
     const auto device = HIDCommunicator::DevicePath::fromString(path);
-    return device && isFileDenied(QStringLiteral("/dev/") + device->node);
+    return device && isFileDenied(QFile::decodeName(device->deviceFile()));
 }
 
 bool isFileDenied(const QString &deviceFile)

@@ -6,16 +6,21 @@
 
 namespace HIDCommunicator {
 
-bool carriesFamilyReports(const CollectionReports &reports)
+FamilyReports familyReports(const std::optional<CollectionReports> &reports)
 {
-    return reports.input.contains(quint8(kReportId)) && reports.output.contains(quint8(kReportId));
+    if (!reports)
+        return FamilyReports::Unknown;
+    const bool bothWays
+        = reports->input.contains(quint8(kReportId)) && reports->output.contains(quint8(kReportId));
+    return bothWays ? FamilyReports::Yes : FamilyReports::No;
 }
 
 QList<HidDeviceInfo> inOrderForThePanel(QList<HidCollection> collections)
 {
-    std::stable_partition(collections.begin(), collections.end(), [](const HidCollection &collection) {
-        return !carriesFamilyReports(collection.reports);
-    });
+    std::stable_sort(collections.begin(), collections.end(),
+                     [](const HidCollection &left, const HidCollection &right) {
+                         return familyReports(left.reports) < familyReports(right.reports);
+                     });
     QList<HidDeviceInfo> devices;
     for (const HidCollection &collection : std::as_const(collections)) {
         devices.append(collection.device);

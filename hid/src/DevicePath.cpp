@@ -31,6 +31,11 @@ QString DevicePath::toString() const
         .arg(fourHexDigits(vendorId), fourHexDigits(productId), node, QStringView(kHidInterfaceClass));
 }
 
+QByteArray DevicePath::deviceFile() const
+{
+    return "/dev/" + node.toLatin1();
+}
+
 std::optional<DevicePath> DevicePath::fromString(const QString &path)
 {
     const QRegularExpressionMatch match = shape().match(path);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 #include <optional>
@@ -16,6 +17,7 @@ struct DevicePath {
     QString node; ///< "hidraw" and a number, without folder
 
     QString toString() const;
+    QByteArray deviceFile() const; ///< for example "/dev/hidraw3"
     /// Reads any spelling, upper or lower case; nothing when \a path is not of the shape above.
     static std::optional<DevicePath> fromString(const QString &path);
 };

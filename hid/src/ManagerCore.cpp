@@ -79,6 +79,7 @@ void ManagerCore::shutDown(std::unique_lock<std::mutex> lock)
     Link link = detachLinkLocked();
     lock.unlock();
 
+    wakeWorkers(link);
     m_watch.wake();
     const Deadline deadline = deadlineIn(kStopLimit);
     waitForWorkers(deadline);
@@ -88,7 +89,7 @@ void ManagerCore::shutDown(std::unique_lock<std::mutex> lock)
 
 void ManagerCore::listDevices(QStringList &paths, QList<int> &productIds) const
 {
-    splitList(m_transport->enumerate(kFamilyVendorId), paths, productIds);
+    splitList(m_transport->enumerate(kFamilyVendorId).value_or(QList<HidDeviceInfo>()), paths, productIds);
 }
 
 bool ManagerCore::open(const QString &path, int vendorId, int productId)
@@ -120,7 +121,8 @@ ManagerCore::Link ManagerCore::openLink(const QString &path, int vendorId, int p
 {
     if (!m_openHandles.waitZero(deadlineIn(kStopLimit)))
         return nullptr;
-    for (const HidDeviceInfo &device : m_transport->enumerate(kFamilyVendorId)) {
+    const auto devices = m_transport->enumerate(kFamilyVendorId);
+    for (const HidDeviceInfo &device : devices.value_or(QList<HidDeviceInfo>())) {
         if (!isDevice(device, path, vendorId, productId))
             continue;
         if (auto connection = m_transport->open(device.path))
@@ -150,6 +152,7 @@ bool ManagerCore::close()
         const std::lock_guard lock(m_mutex);
         link = detachLinkLocked();
     }
+    wakeWorkers(link);
     waitForWorkers(deadlineIn(kStopLimit));
     return link != nullptr;
 }
@@ -170,17 +173,37 @@ void ManagerCore::stopSender()
 void ManagerCore::stopReceiver()
 {
     m_receiver.requestStop();
+    // Without a link there is nothing to interrupt: whoever took it away wakes those that worked on it.
+    wakeReceiver(currentLink());
     m_receiver.waitEnded(deadlineIn(kStopLimit));
 }
 
-/// Ends the link for everybody: the threads that work on it let go at their next turn, the caller when it
+ManagerCore::Link ManagerCore::currentLink() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_link;
+}
+
+/// Ends the link for everybody: the threads that work on it let go when they are woken, the caller when it
 /// drops what this returns.
 ManagerCore::Link ManagerCore::detachLinkLocked()
 {
     m_sender.requestStop();
     m_receiver.requestStop();
-    m_queue.wake();
     return std::exchange(m_link, nullptr);
+}
+
+void ManagerCore::wakeReceiver(const Link &link)
+{
+    if (link)
+        link->connection().interruptRead();
+}
+
+/// Follows detachLinkLocked() when the lock is gone.
+void ManagerCore::wakeWorkers(const Link &link)
+{
+    m_queue.wake();
+    wakeReceiver(link);
 }
 
 void ManagerCore::waitForWorkers(Deadline deadline)
@@ -199,6 +222,7 @@ void ManagerCore::loseLink(const DeviceLink &link)
         gone = detachLinkLocked();
         m_announcements.push_back({kStatusGone, ++m_losses});
     }
+    wakeWorkers(gone);
     m_watch.wake();
 }
 

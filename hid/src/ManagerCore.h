@@ -56,7 +56,10 @@ private:
     Opening beginOpening(const QString &path, int vendorId, int productId);
     Link openLink(const QString &path, int vendorId, int productId);
     bool endOpening(Link link);
+    Link currentLink() const;
     Link detachLinkLocked();
+    static void wakeReceiver(const Link &link);
+    void wakeWorkers(const Link &link);
     void waitForWorkers(Deadline deadline);
     void shutDown(std::unique_lock<std::mutex> lock);
     void loseLink(const DeviceLink &link);
@@ -79,6 +82,7 @@ private:
     StoppableThread m_sender;
     StoppableThread m_receiver;
     BusWatch m_watch;
+    bool m_blind = false; // the bus watch's: its last look at the bus has failed
 
     mutable std::mutex m_mutex;
     int m_users = 0;

@@ -19,11 +19,6 @@ namespace HIDCommunicator {
 
 namespace {
 
-using namespace std::chrono_literals;
-
-/// One turn of the receive thread: how long a stop goes unnoticed while the device says nothing.
-constexpr auto kReadSlice = 30ms;
-
 bool onBus(const QList<HidDeviceInfo> &devices, const HidDeviceInfo &wanted)
 {
     return std::any_of(devices.cbegin(), devices.cend(),
@@ -73,7 +68,7 @@ void ManagerCore::receiveReports(const Stopped &stopped, DeviceLink &link)
 {
     QByteArray report;
     while (!stopped) {
-        const HidConnection::ReadResult result = link.connection().read(report, kReadSlice);
+        const HidConnection::ReadResult result = link.connection().read(report, HidConnection::kNoLimit);
         if (result == HidConnection::ReadResult::Gone) {
             loseLink(link);
             return;
@@ -88,22 +83,20 @@ void ManagerCore::receiveReports(const Stopped &stopped, DeviceLink &link)
 void ManagerCore::scan(const Stopped &stopped)
 {
     // Taken before the look at the bus: a device opened after it need not be on the list.
-    Link link;
-    {
-        const std::lock_guard lock(m_mutex);
-        link = m_link;
-    }
-    const QList<HidDeviceInfo> devices = m_transport->enumerate(kFamilyVendorId);
-    if (link && !onBus(devices, link->device()))
+    Link link = currentLink();
+    const auto devices = m_transport->enumerate(kFamilyVendorId);
+    if (!std::exchange(m_blind, !devices) && !devices)
+        qCWarning(hidCategory, "[HID] the system does not list its devices, asking again with the next scan");
+    if (devices && link && !onBus(*devices, link->device()))
         loseLink(*link);
     link.reset();
     announce();
-    if (stopped)
+    if (stopped || !devices)
         return;
 
     QStringList paths;
     QList<int> productIds;
-    splitList(devices, paths, productIds);
+    splitList(*devices, paths, productIds);
     Q_EMIT m_manager.deviceListChanged(paths, productIds);
 }
 

@@ -10,6 +10,7 @@
 #include <QWaitCondition>
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace probe {
@@ -27,6 +28,11 @@ using Kind = TraceEvent::Kind;
 constexpr milliseconds kPatience = 10s;
 /// How long it stays at least after its last answer, so that the answer is heard.
 constexpr milliseconds kFarewell = 300ms;
+
+milliseconds remaining(const QDeadlineTimer &deadline)
+{
+    return deadline.isForever() ? milliseconds::max() : milliseconds(deadline.remainingTime());
+}
 
 QString pathOf(const ReplayDevice &device)
 {
@@ -211,13 +217,20 @@ public:
                 report = m_reports.dequeue().report;
                 return ReadResult::Report;
             }
-            if (deadline.hasExpired())
+            if (std::exchange(m_interrupted, false) || deadline.hasExpired())
                 return ReadResult::Timeout;
-            milliseconds wait = std::min(milliseconds(deadline.remainingTime()), m_stage->untilTurnLocked());
+            milliseconds wait = std::min(remaining(deadline), m_stage->untilTurnLocked());
             if (!m_reports.isEmpty())
                 wait = std::min(wait, m_reports.head().due - now);
             m_stage->m_news.wait(&m_stage->m_mutex, QDeadlineTimer(wait));
         }
+    }
+
+    void interruptRead() override
+    {
+        const QMutexLocker lock(&m_stage->m_mutex);
+        m_interrupted = true;
+        m_stage->m_news.wakeAll();
     }
 
     bool write(const QByteArray &report) override
@@ -245,6 +258,7 @@ private:
     std::shared_ptr<Stage> m_stage;
     QString m_path;
     QQueue<DueReport> m_reports;
+    bool m_interrupted = false;
 };
 
 class ReplayTransport : public HidTransport {
@@ -254,7 +268,7 @@ public:
     {
     }
 
-    QList<HidDeviceInfo> enumerate(int vendorId) override
+    std::optional<QList<HidDeviceInfo>> enumerate(int vendorId) override
     {
         const QMutexLocker lock(&m_stage->m_mutex);
         m_stage->advanceLocked();
@@ -281,8 +295,7 @@ public:
              m_stage->advanceLocked()) {
             if (deadline.hasExpired())
                 break;
-            const milliseconds wait
-                = std::min(milliseconds(deadline.remainingTime()), m_stage->untilTurnLocked());
+            const milliseconds wait = std::min(remaining(deadline), m_stage->untilTurnLocked());
             m_stage->m_news.wait(&m_stage->m_mutex, QDeadlineTimer(wait));
         }
         // An interruption hides no plug: the next wait tells of it.

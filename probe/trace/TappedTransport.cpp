@@ -4,6 +4,7 @@
 #include <QHash>
 
 #include <mutex>
+#include <optional>
 #include <utility>
 
 namespace probe {
@@ -88,6 +89,8 @@ public:
         return result;
     }
 
+    void interruptRead() override { m_connection->interruptRead(); }
+
     bool write(const QByteArray &report) override
     {
         m_listener->tell(Kind::Out, m_number, report);
@@ -108,12 +111,13 @@ public:
     {
     }
 
-    QList<HidDeviceInfo> enumerate(int vendorId) override
+    std::optional<QList<HidDeviceInfo>> enumerate(int vendorId) override
     {
         // One look at a time, or a late one would bring a device back that an earlier one saw leaving.
         const std::lock_guard lock(m_lookMutex);
-        const QList<HidDeviceInfo> found = m_bus.transport->enumerate(vendorId);
-        m_listener->compare(found);
+        const auto found = m_bus.transport->enumerate(vendorId);
+        if (found)
+            m_listener->compare(*found);
         return found;
     }
 

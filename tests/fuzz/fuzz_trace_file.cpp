@@ -39,7 +39,8 @@ void play(const Trace &trace)
     for (const TraceEvent &event : trace.events) {
         if (event.kind != TraceEvent::Kind::Plug)
             continue;
-        for (const HIDCommunicator::HidDeviceInfo &device : bus.transport->enumerate(event.vendorId)) {
+        const auto devices = bus.transport->enumerate(event.vendorId).value();
+        for (const HIDCommunicator::HidDeviceInfo &device : devices) {
             bus.isDenied(device.path);
             const auto connection = bus.transport->open(device.path);
             for (const TraceEvent &said : trace.events) {

@@ -16,15 +16,16 @@ const QString kAlone = u"\\\\?\\hid#vid_352f&pid_000e#7&77&0&0000#{4d1e55b2}"_s;
 
 const CollectionReports kFamilyReports{{0x51}, {0x51}};
 const CollectionReports kMouseReports{{0x01, 0x01, 0x02}, {}};
-const CollectionReports kNoAnswer{};
+const std::optional<CollectionReports> kNoAnswer;
 
-HidCollection collection(const QString &path, const CollectionReports &reports)
+HidCollection collection(const QString &path, const std::optional<CollectionReports> &reports)
 {
     return {{path, 0x352F, 0x000E}, reports};
 }
 } // namespace
 
 Q_DECLARE_METATYPE(HidCollection)
+Q_DECLARE_METATYPE(FamilyReports)
 
 class HidCollectionsTest : public QObject {
     Q_OBJECT
@@ -32,6 +33,7 @@ class HidCollectionsTest : public QObject {
 private Q_SLOTS:
     void familyReportsGoBothWays_data();
     void familyReportsGoBothWays();
+    void withoutAnAnswerItMayBeSo();
     void theOneWithFamilyReportsIsLast_data();
     void theOneWithFamilyReportsIsLast();
     void theIdentityStaysWithItsPath();
@@ -41,22 +43,28 @@ void HidCollectionsTest::familyReportsGoBothWays_data()
 {
     QTest::addColumn<QList<quint8>>("input");
     QTest::addColumn<QList<quint8>>("output");
-    QTest::addColumn<bool>("carries");
+    QTest::addColumn<FamilyReports>("carries");
     using Ids = QList<quint8>;
-    QTest::newRow("in and out") << Ids{0x51} << Ids{0x51} << true;
-    QTest::newRow("in and out, among others") << Ids{0x01, 0x51, 0x51} << Ids{0x51, 0xFF} << true;
-    QTest::newRow("in alone") << Ids{0x51} << Ids{} << false;
-    QTest::newRow("out alone") << Ids{} << Ids{0x51} << false;
-    QTest::newRow("another ID out") << Ids{0x51} << Ids{0x52} << false;
-    QTest::newRow("without IDs") << Ids{0x00} << Ids{0x00} << false;
-    QTest::newRow("no answer from the system") << Ids{} << Ids{} << false;
+    QTest::newRow("in and out") << Ids{0x51} << Ids{0x51} << FamilyReports::Yes;
+    QTest::newRow("in and out, among others")
+        << Ids{0x01, 0x51, 0x51} << Ids{0x51, 0xFF} << FamilyReports::Yes;
+    QTest::newRow("in alone") << Ids{0x51} << Ids{} << FamilyReports::No;
+    QTest::newRow("out alone") << Ids{} << Ids{0x51} << FamilyReports::No;
+    QTest::newRow("another ID out") << Ids{0x51} << Ids{0x52} << FamilyReports::No;
+    QTest::newRow("without IDs") << Ids{0x00} << Ids{0x00} << FamilyReports::No;
+    QTest::newRow("no IDs at all") << Ids{} << Ids{} << FamilyReports::No;
 }
 
 void HidCollectionsTest::familyReportsGoBothWays()
 {
     QFETCH(QList<quint8>, input);
     QFETCH(QList<quint8>, output);
-    QTEST(carriesFamilyReports(CollectionReports{input, output}), "carries");
+    QTEST(familyReports(CollectionReports{input, output}), "carries");
+}
+
+void HidCollectionsTest::withoutAnAnswerItMayBeSo()
+{
+    QCOMPARE(familyReports(kNoAnswer), FamilyReports::Unknown);
 }
 
 void HidCollectionsTest::theOneWithFamilyReportsIsLast_data()
@@ -66,7 +74,7 @@ void HidCollectionsTest::theOneWithFamilyReportsIsLast_data()
     using Collections = QList<HidCollection>;
     const HidCollection mouse = collection(kMouse, kMouseReports);
     const HidCollection family = collection(kFamily, kFamilyReports);
-    const HidCollection other = collection(kOther, {{0x51}, {}});
+    const HidCollection other = collection(kOther, CollectionReports{{0x51}, {}});
     const HidCollection twin = collection(kTwin, kFamilyReports);
 
     QTest::newRow("no collection") << Collections{} << QStringList{};
@@ -87,6 +95,8 @@ void HidCollectionsTest::theOneWithFamilyReportsIsLast_data()
                                  << QStringList{kMouse, kFamily};
     QTest::newRow("a keyboard that the system keeps to itself")
         << Collections{family, collection(kMouse, kNoAnswer)} << QStringList{kMouse, kFamily};
+    QTest::newRow("one that does not tell, before one that does")
+        << Collections{family, collection(kTwin, kNoAnswer), mouse} << QStringList{kMouse, kTwin, kFamily};
     QTest::newRow("a path that says nothing")
         << Collections{family, collection(QString(), kNoAnswer)} << QStringList{QString(), kFamily};
 }

@@ -1,4 +1,5 @@
 #include "ManagerTest.h"
+#include "tests/support/LogCapture.h"
 #include "tests/support/TestProgram.h"
 
 #include <QtTest>
@@ -14,6 +15,7 @@ private Q_SLOTS:
     void lossIsAnnouncedOnceAndTheDeviceComesBack_data();
     void lossIsAnnouncedOnceAndTheDeviceComesBack();
     void otherDeviceLeavingIsNoLoss();
+    void busThatCannotBeLookedAtIsNoLoss();
     void disconnectedDeviceLeavingIsNoLoss();
     void connectedIsFalseWhenTheLossIsAnnounced();
     void nothingOpensBeforeTheLossIsDelivered();
@@ -185,6 +187,34 @@ void HidLossTest::otherDeviceLeavingIsNoLoss()
     QVERIFY(manager().getConnected());
     QVERIFY(recorder().statuses().isEmpty());
     checkRoundTrip();
+}
+
+/// Nothing is announced of such a look, neither a loss nor an empty list.
+void HidLossTest::busThatCannotBeLookedAtIsNoLoss()
+{
+    const QString path = connectDevice();
+    QVERIFY(!path.isEmpty());
+    const LogCapture log;
+    bus().refuseListing(true);
+    bus().plug(kOtherProductId);
+    QTRY_COMPARE(log.lines().size(), 1); // and the looks after it add none
+    QCoreApplication::processEvents();
+    recorder().clear();
+    QStringList paths{path};
+    QList<int> productIds{kProductId};
+    manager().getOrvikHIDListPath(paths, productIds);
+    QVERIFY(paths.isEmpty() && productIds.isEmpty());
+    QVERIFY(manager().getConnected());
+    checkRoundTrip();
+    QVERIFY(recorder().lists().isEmpty());
+
+    bus().refuseListing(false);
+    bus().unplug(kOtherProductId);
+    QTRY_VERIFY(!recorder().lists().isEmpty());
+    QCOMPARE(recorder().lists().last(), QStringList{path});
+    QVERIFY(recorder().statuses().isEmpty());
+    QVERIFY(manager().getConnected());
+    QCOMPARE(log.lines().size(), 1);
 }
 
 void HidLossTest::disconnectedDeviceLeavingIsNoLoss()

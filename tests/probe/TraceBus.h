@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 
 /// A bus for tests whose devices come from trace files, one file after the other. What a customer sent is put
 /// into a test so:
@@ -27,7 +28,7 @@ public:
         installed->m_bus = probe::replay(*trace).transport;
     }
 
-    QList<HIDCommunicator::HidDeviceInfo> enumerate(int vendorId) override
+    std::optional<QList<HIDCommunicator::HidDeviceInfo>> enumerate(int vendorId) override
     {
         return m_bus->enumerate(vendorId);
     }

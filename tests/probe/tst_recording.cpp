@@ -108,7 +108,7 @@ void RecordingTest::theRecordingPlaysTheSameDevice()
     const Trace trace = recorded();
     QCOMPARE(kindsOf(trace).mid(0, 4), QList<Kind>({Kind::Plug, Kind::Open, Kind::Out, Kind::In}));
     const Bus bus = replay(trace);
-    const auto devices = bus.transport->enumerate(0x352F);
+    const auto devices = bus.transport->enumerate(0x352F).value();
     QCOMPARE(devices.size(), 1);
     QCOMPARE(devices.first().productId, 0x000E);
     const auto connection = bus.transport->open(devices.first().path);

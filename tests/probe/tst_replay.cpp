@@ -50,14 +50,15 @@ QByteArray next(HidConnection &connection, std::chrono::milliseconds limit = kPa
 QList<int> productIds(const Bus &bus)
 {
     QList<int> ids;
-    for (const HidDeviceInfo &device : bus.transport->enumerate(kVendor))
+    const auto devices = bus.transport->enumerate(kVendor).value();
+    for (const HidDeviceInfo &device : devices)
         ids.append(device.productId);
     return ids;
 }
 
 std::unique_ptr<HidConnection> openFirst(const Bus &bus)
 {
-    const auto devices = bus.transport->enumerate(kVendor);
+    const auto devices = bus.transport->enumerate(kVendor).value();
     return devices.isEmpty() ? nullptr : bus.transport->open(devices.first().path);
 }
 
@@ -212,7 +213,7 @@ void ReplayTest::aDeviceLeavesWithoutBeingAskedAtTheRecordedPace()
 void ReplayTest::openingEndsAsItDid()
 {
     const Bus bus = play("0.000 plug 1 352f 000e\n0.001 denied 1\n0.002 refused 1\n0.003 open 1\n");
-    const QString path = bus.transport->enumerate(kVendor).first().path;
+    const QString path = bus.transport->enumerate(kVendor)->first().path;
     QVERIFY(bus.isDenied(path));
     QVERIFY(!bus.transport->open(path));
     QVERIFY(!bus.isDenied(path));
@@ -233,7 +234,7 @@ void ReplayTest::otherVendorsAreNotListed()
 void ReplayTest::pathsSayWhoTheyAre()
 {
     const Bus bus = play("0.000 plug 1 352f 000e\n0.000 plug 2 352f 000e\n");
-    const auto devices = bus.transport->enumerate(kVendor);
+    const auto devices = bus.transport->enumerate(kVendor).value();
     QCOMPARE(devices.size(), 2);
     QVERIFY(devices.at(0).path != devices.at(1).path);
     for (const HidDeviceInfo &device : devices)

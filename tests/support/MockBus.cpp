@@ -14,9 +14,11 @@
 #include <QFile>
 #include <QVarLengthArray>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <deque>
+#include <limits>
 #include <mutex>
 #include <utility>
 
@@ -115,9 +117,10 @@ struct MockBus::State {
 };
 
 struct MockDevice::State {
-    explicit State(std::shared_ptr<MockBus::State> itsBus)
+    State(std::shared_ptr<MockBus::State> itsBus, const MockIdentity &itsIdentity)
         : bus(std::move(itsBus))
         , node("hidraw" + QByteArray::number(bus->plugs++))
+        , identity(itsIdentity)
     {
     }
 
@@ -125,6 +128,9 @@ struct MockDevice::State {
     QByteArray hostFile() const { return bus->root + deviceFile(); } ///< where it really lies
 
     void sendLocked(const QByteArray &report);
+    template <typename Answer> void answerLocked(UMockdevIoctlClient *client, Answer answer) const;
+    void answerDescriptorLocked(UMockdevIoctlClient *client) const;
+    void answerQuestionLocked(UMockdevIoctlClient *client);
     bool takeIoctl(UMockdevIoctlClient *client);
     bool takeRead(UMockdevIoctlClient *client);
     bool takeWrite(UMockdevIoctlClient *client);
@@ -139,6 +145,10 @@ struct MockDevice::State {
     Wire wire;
     bool plugged = true;
     bool ready = true;
+    bool tellsReports = true;
+    MockIdentity identity;
+    int taking = std::numeric_limits<int>::max();
+    std::function<void()> askedHook;
     Responder responder;
     std::deque<QByteArray> unread;
     QList<QByteArray> written;
@@ -150,26 +160,66 @@ void MockDevice::State::sendLocked(const QByteArray &report)
         unread.push_back(deepCopy(report));
 }
 
-bool MockDevice::State::takeIoctl(UMockdevIoctlClient *client)
+namespace {
+
+/// A report of 64 bytes behind its ID in both directions.
+QByteArray reportDescriptor(int reportId)
 {
-    if (umockdev_ioctl_client_get_request(client) != HIDIOCGRDESCSIZE)
-        return false;
-    const std::lock_guard lock(mutex);
-    // A device that has left still answers: hidapi does not survive one that leaves between its open
-    // and this call. Those two are microseconds apart on a real system, and as much as milliseconds here.
-    if (!ready) {
-        umockdev_ioctl_client_complete(client, -1, ENOTTY);
-        return true;
-    }
-    // A handle hears what comes after it.
-    unread.clear();
-    wire.takeAll();
-    int size = 1;
+    return QByteArray::fromHex("0600ff0901a10185") + char(reportId)
+        + QByteArray::fromHex("150026ff0075089540090181020901"
+                              "9102c0");
+}
+
+} // namespace
+
+template <typename Answer>
+void MockDevice::State::answerLocked(UMockdevIoctlClient *client, Answer answer) const
+{
     UMockdevIoctlData *const data
-        = umockdev_ioctl_data_resolve(umockdev_ioctl_client_get_arg(client), 0, sizeof size, nullptr);
-    umockdev_ioctl_data_update(data, 0, reinterpret_cast<guint8 *>(&size), sizeof size);
+        = umockdev_ioctl_data_resolve(umockdev_ioctl_client_get_arg(client), 0, sizeof answer, nullptr);
+    umockdev_ioctl_data_update(data, 0, reinterpret_cast<guint8 *>(&answer), sizeof answer);
     umockdev_ioctl_data_unref(data);
     umockdev_ioctl_client_complete(client, 0, 0);
+}
+
+void MockDevice::State::answerDescriptorLocked(UMockdevIoctlClient *client) const
+{
+    const QByteArray bytes = reportDescriptor(identity.reportId);
+    hidraw_report_descriptor descriptor{};
+    descriptor.size = quint32(bytes.size());
+    std::copy(bytes.begin(), bytes.end(), descriptor.value);
+    answerLocked(client, descriptor);
+}
+
+void MockDevice::State::answerQuestionLocked(UMockdevIoctlClient *client)
+{
+    const auto question = umockdev_ioctl_client_get_request(client);
+    const bool aboutReports = question == HIDIOCGRDESCSIZE || question == HIDIOCGRDESC;
+    if (!plugged || !ready || (aboutReports && !tellsReports))
+        umockdev_ioctl_client_complete(client, -1, !plugged ? ENODEV : !ready ? ENOTTY : EINVAL);
+    else if (question == HIDIOCGRAWINFO)
+        answerLocked(client, hidraw_devinfo{3, qint16(identity.vendorId), qint16(identity.productId)});
+    else if (question == HIDIOCGRDESCSIZE)
+        answerLocked(client, int(reportDescriptor(identity.reportId).size()));
+    else
+        answerDescriptorLocked(client);
+}
+
+bool MockDevice::State::takeIoctl(UMockdevIoctlClient *client)
+{
+    const auto question = umockdev_ioctl_client_get_request(client);
+    if (question != HIDIOCGRAWINFO && question != HIDIOCGRDESCSIZE && question != HIDIOCGRDESC)
+        return false;
+    std::unique_lock lock(mutex);
+    if (const auto hook = askedHook) {
+        lock.unlock();
+        hook();
+        lock.lock();
+    }
+    // A handle hears what comes after it, and these are asked of a new one.
+    unread.clear();
+    wire.takeAll();
+    answerQuestionLocked(client);
     return true;
 }
 
@@ -199,6 +249,10 @@ bool MockDevice::State::takeWrite(UMockdevIoctlClient *client)
         const std::lock_guard lock(mutex);
         if (!plugged) {
             umockdev_ioctl_client_complete(client, -1, EIO);
+            return true;
+        }
+        if (taking < int(report.size())) {
+            umockdev_ioctl_client_complete(client, taking, taking < 0 ? EAGAIN : 0);
             return true;
         }
         written.append(report);
@@ -244,14 +298,6 @@ void takeCalls(const std::shared_ptr<MockDevice::State> &device)
                                   device->calls.get(), nullptr);
 }
 
-/// A report of 64 bytes behind its ID in both directions.
-QByteArray reportDescriptor(int reportId)
-{
-    return QByteArray::fromHex("0600ff0901a10185") + char(reportId)
-        + QByteArray::fromHex("150026ff0075089540090181020901"
-                              "9102c0");
-}
-
 /// Names and values by turns, as umockdev takes them.
 using Fields = QByteArrayList;
 
@@ -279,8 +325,9 @@ QByteArray hex(int number, int digits)
 }
 
 /// What the kernel shows of a USB HID device, the node last: its event says that all of it is there.
-void addToSysfs(MockDevice::State &device, const MockIdentity &identity)
+void addToSysfs(MockDevice::State &device)
 {
+    const MockIdentity identity = device.identity;
     UMockdevTestbed *const testbed = device.bus->testbed.get();
     const QByteArray number = device.node.mid(qstrlen("hidraw"));
     const QByteArray vendor = hex(identity.vendorId, 4);
@@ -298,9 +345,10 @@ void addToSysfs(MockDevice::State &device, const MockIdentity &identity)
         = addFolder(testbed, "hid", "0003:" + vendor + ':' + product + '.' + number, usbInterface, {},
                     {"HID_ID", id, "HID_NAME", "Mock device", "HID_UNIQ", number});
     QByteArray descriptor = reportDescriptor(identity.reportId);
-    umockdev_testbed_set_attribute_binary(testbed, hid.constData(), "report_descriptor",
-                                          reinterpret_cast<guint8 *>(descriptor.data()),
-                                          int(descriptor.size()));
+    if (device.tellsReports)
+        umockdev_testbed_set_attribute_binary(testbed, hid.constData(), "report_descriptor",
+                                              reinterpret_cast<guint8 *>(descriptor.data()),
+                                              int(descriptor.size()));
 
     const dev_t deviceNumber = device.wire.number();
     const QByteArray majorNumber = QByteArray::number(major(deviceNumber));
@@ -364,6 +412,30 @@ QList<QByteArray> MockDevice::written() const
 {
     const std::lock_guard lock(m_state->mutex);
     return deepCopy(m_state->written);
+}
+
+void MockDevice::setAskedHook(std::function<void()> hook)
+{
+    const std::lock_guard lock(m_state->mutex);
+    m_state->askedHook = std::move(hook);
+}
+
+void MockDevice::setTellsReports(bool tells)
+{
+    const std::lock_guard lock(m_state->mutex);
+    m_state->tellsReports = tells;
+}
+
+void MockDevice::setIdentity(const MockIdentity &identity)
+{
+    const std::lock_guard lock(m_state->mutex);
+    m_state->identity = identity;
+}
+
+void MockDevice::setTaking(int bytes)
+{
+    const std::lock_guard lock(m_state->mutex);
+    m_state->taking = bytes;
 }
 
 void MockDevice::setReady(bool ready)
@@ -438,7 +510,7 @@ std::unique_ptr<MockDevice> MockBus::plug(const MockIdentity &identity,
                                           const std::function<void(MockDevice &)> &prepare)
 {
     const std::lock_guard lock(m_state->mutex);
-    auto device = std::make_shared<MockDevice::State>(m_state);
+    auto device = std::make_shared<MockDevice::State>(m_state, identity);
     device->path = QStringLiteral(R"(\\?\hid#vid_%1&pid_%2#%3#{4d1e55b2-f16f-11cf-88cb-001111000030})")
                        .arg(identity.vendorId, 4, 16, QLatin1Char('0'))
                        .arg(identity.productId, 4, 16, QLatin1Char('0'))
@@ -448,6 +520,6 @@ std::unique_ptr<MockDevice> MockBus::plug(const MockIdentity &identity,
     if (prepare)
         prepare(*plugged);
     takeCalls(device);
-    addToSysfs(*device, identity);
+    addToSysfs(*device);
     return plugged;
 }

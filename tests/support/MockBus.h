@@ -38,7 +38,14 @@ public:
     void send(const QByteArray &report);
     QList<QByteArray> written() const;
 
+    /// Called on the device's thread for every question that a program asks the node, before the answer.
+    void setAskedHook(std::function<void()> hook);
+
     void setReady(bool ready); ///< a node that is not ready answers ENOTTY
+    void setTellsReports(bool tells); ///< whether it shows its report descriptor; for sysfs before it is seen
+    void setIdentity(const MockIdentity &identity); ///< the node's name has passed to another device
+    /// Takes this many bytes of each report, or, where it is below 0, none for now (EAGAIN).
+    void setTaking(int bytes);
     void setPermitted(
         bool permitted); ///< a node that is not may not be opened, by root neither without its privilege
     void setNodePresent(bool present); ///< whether the device file is there

@@ -5,6 +5,7 @@
 #include <condition_variable>
 #include <deque>
 #include <mutex>
+#include <optional>
 #include <utility>
 
 using HIDCommunicator::HidConnection;
@@ -34,6 +35,10 @@ struct ScriptedBus::State {
     template <typename Condition>
     bool waitFor(std::unique_lock<std::mutex> &lock, std::chrono::milliseconds timeout, Condition condition)
     {
+        if (timeout == HidConnection::kNoLimit) {
+            changed.wait(lock, condition);
+            return true;
+        }
         return changed.wait_until(lock, std::chrono::system_clock::now() + timeout, condition);
     }
 
@@ -68,6 +73,7 @@ struct ScriptedBus::State {
     bool hotplugged = false;
     bool interrupted = false;
 
+    bool refuseListing = false;
     bool refuseOpen = false;
     int writesToFail = 0;
     std::deque<QByteArray> reports;
@@ -103,14 +109,22 @@ public:
     ReadResult read(QByteArray &report, std::chrono::milliseconds timeout) override
     {
         std::unique_lock lock(m_state->mutex);
-        m_state->waitFor(lock, timeout, [this] { return !isPlugged() || !m_state->reports.empty(); });
+        m_state->waitFor(lock, timeout,
+                         [this] { return !isPlugged() || m_interrupted || !m_state->reports.empty(); });
         if (!isPlugged())
             return ReadResult::Gone;
-        if (m_state->reports.empty())
+        if (std::exchange(m_interrupted, false) || m_state->reports.empty())
             return ReadResult::Timeout;
         report = std::move(m_state->reports.front());
         m_state->reports.pop_front();
         return ReadResult::Report;
+    }
+
+    void interruptRead() override
+    {
+        const std::lock_guard lock(m_state->mutex);
+        m_interrupted = true;
+        m_state->changed.notify_all();
     }
 
     bool write(const QByteArray &report) override
@@ -140,6 +154,7 @@ private:
 
     SharedState m_state;
     quint64 m_plugId;
+    bool m_interrupted = false;
 };
 
 class ScriptedTransport : public HidTransport {
@@ -149,9 +164,11 @@ public:
     {
     }
 
-    QList<HidDeviceInfo> enumerate(int vendorId) override
+    std::optional<QList<HidDeviceInfo>> enumerate(int vendorId) override
     {
         const std::lock_guard lock(m_state->mutex);
+        if (m_state->refuseListing)
+            return std::nullopt;
         QList<HidDeviceInfo> found;
         for (const PluggedDevice &device : std::as_const(m_state->devices)) {
             if (device.info.vendorId == vendorId)
@@ -273,6 +290,12 @@ void ScriptedBus::refuseOpen(bool refuse)
     m_state->refuseOpen = refuse;
 }
 
+void ScriptedBus::refuseListing(bool refuse)
+{
+    const std::lock_guard lock(m_state->mutex);
+    m_state->refuseListing = refuse;
+}
+
 void ScriptedBus::failNextWrites(int count)
 {
     const std::lock_guard lock(m_state->mutex);
@@ -326,6 +349,7 @@ void ScriptedBus::clear()
     m_state->responder = nullptr;
     m_state->beforeOpen = nullptr;
     m_state->afterOpen = nullptr;
+    m_state->refuseListing = false;
     m_state->refuseOpen = false;
     m_state->writesToFail = 0;
 }

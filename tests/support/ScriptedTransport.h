@@ -34,6 +34,7 @@ public:
     void refuseOpen(bool refuse); ///< open() fails while set
     /// \a before runs inside every open() before it looks for the device, \a after when the device is open.
     void setOpenHooks(std::function<void()> before, std::function<void()> after = {});
+    void refuseListing(bool refuse); ///< the bus cannot be looked at while set
     void failNextWrites(int count);
     void queueReport(const QByteArray &reportWithId); ///< the open device sends this; report ID first
     /// Called for every written report, on the send thread; what it returns is queued as reports.

@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
 
 namespace HIDCommunicator {
 
@@ -26,26 +27,33 @@ public:
 
     enum class ReadResult {
         Report, ///< a report was stored
-        Timeout, ///< nothing arrived in time; try again
+        Timeout, ///< nothing arrived in time, or the wait was interrupted; try again
         Gone ///< the device has left or failed; the connection is of no further use
     };
 
-    /// Waits at most \a timeout for one input report. \a report starts with the report ID and may have any
-    /// length.
+    /// A read() that waits until something happens.
+    static constexpr std::chrono::milliseconds kNoLimit = std::chrono::milliseconds::max();
+
+    /// Waits at most \a timeout, or without a limit, for one input report. \a report starts with the report
+    /// ID and may have any length.
     virtual ReadResult read(QByteArray &report, std::chrono::milliseconds timeout) = 0;
+
+    /// Ends the current or, when none is running, the next read(). Callable from any thread.
+    virtual void interruptRead() = 0;
 
     /// Sends one output report, report ID first. False: the device has left or failed.
     virtual bool write(const QByteArray &report) = 0;
 };
 
-/// The bus under the HID library: hidapi by default, a simulated bus in tests and demonstrations.
+/// The bus under the HID library: the system's own by default, a simulated bus in tests and demonstrations.
 /// enumerate() and open() may be called from any thread, also at the same time: implementations lock.
 class HidTransport {
 public:
     virtual ~HidTransport() = default;
 
-    /// All attached devices of \a vendorId. Never fails: what cannot be read is left out.
-    virtual QList<HidDeviceInfo> enumerate(int vendorId) = 0;
+    /// All attached devices of \a vendorId; a device that cannot be asked is left out. Nothing when the bus
+    /// as a whole could not be looked at, which says of no device that it has left.
+    virtual std::optional<QList<HidDeviceInfo>> enumerate(int vendorId) = 0;
 
     /// Opens the device that enumerate() named \a path; null when it has left, is busy or may not be opened.
     virtual std::unique_ptr<HidConnection> open(const QString &path) = 0;

@@ -5,8 +5,6 @@
 #include <iterator>
 
 #include <poll.h>
-#include <sys/eventfd.h>
-#include <unistd.h>
 
 namespace HIDCommunicator {
 
@@ -30,25 +28,18 @@ UdevPointer<udev_monitor> listen(udev *context)
 BusMonitor::BusMonitor()
     : m_context(udev_new())
     , m_monitor(listen(m_context.get()))
-    , m_interrupt(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
 {
-}
-
-BusMonitor::~BusMonitor()
-{
-    if (m_interrupt >= 0)
-        close(m_interrupt);
 }
 
 bool BusMonitor::wait(std::chrono::milliseconds timeout)
 {
     // poll() leaves out a negative descriptor, so a missing monitor only means that nothing is heard.
-    pollfd sources[]
-        = {{m_interrupt, POLLIN, 0}, {m_monitor ? udev_monitor_get_fd(m_monitor.get()) : -1, POLLIN, 0}};
+    pollfd sources[] = {{m_interrupt.descriptor(), POLLIN, 0},
+                        {m_monitor ? udev_monitor_get_fd(m_monitor.get()) : -1, POLLIN, 0}};
     if (poll(sources, std::size(sources), int(timeout.count())) <= 0)
         return false;
-    if (eventfd_t count = 0; sources[0].revents != 0)
-        eventfd_read(m_interrupt, &count);
+    if (sources[0].revents != 0)
+        m_interrupt.take();
     return sources[1].revents != 0 && takeEvents(sources[1].revents);
 }
 
@@ -64,11 +55,6 @@ bool BusMonitor::takeEvents(short found)
     while (UdevPointer<udev_device>(udev_monitor_receive_device(m_monitor.get())))
         plugged = true;
     return plugged;
-}
-
-void BusMonitor::interrupt()
-{
-    eventfd_write(m_interrupt, 1);
 }
 
 } // namespace HIDCommunicator

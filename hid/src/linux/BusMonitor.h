@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Udev.h"
+#include "WakeUp.h"
 
 #include <chrono>
 
@@ -11,21 +12,18 @@ namespace HIDCommunicator {
 class BusMonitor {
 public:
     BusMonitor();
-    ~BusMonitor();
-    BusMonitor(const BusMonitor &) = delete;
-    BusMonitor &operator=(const BusMonitor &) = delete;
 
     /// As HidTransport::waitForHotplug().
     bool wait(std::chrono::milliseconds timeout);
     /// As HidTransport::interruptHotplugWait().
-    void interrupt();
+    void interrupt() { m_interrupt.raise(); }
 
 private:
     bool takeEvents(short found);
 
     UdevPointer<udev> m_context;
     UdevPointer<udev_monitor> m_monitor;
-    int m_interrupt = -1;
+    WakeUp m_interrupt;
 };
 
 } // namespace HIDCommunicator

@@ -1,14 +1,15 @@
 #pragma once
 
-#include <HIDCommunicator/HidTransport.h>
+#include "Descriptor.h"
 
-#include <QByteArray>
+#include <HIDCommunicator/HidTransport.h>
 
 #include <memory>
 
 namespace HIDCommunicator {
 
-/// Opens a hidraw device file through hidapi; null when it may not be opened or is not ready.
-std::unique_ptr<HidConnection> openHidraw(const QByteArray &deviceFile);
+/// Reads and writes whole reports through \a node, an open hidraw device, and closes it at the end. Null when
+/// it is closed already.
+std::unique_ptr<HidConnection> connectHidraw(Descriptor node);
 
 } // namespace HIDCommunicator

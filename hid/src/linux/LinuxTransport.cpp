@@ -1,19 +1,14 @@
 #include "LinuxTransport.h"
 
 #include "HidrawConnection.h"
-#include "HidrawNodes.h"
+#include "HidrawFile.h"
 
 namespace HIDCommunicator {
 
-QList<HidDeviceInfo> LinuxTransport::enumerate(int vendorId)
-{
-    return listHidrawNodes(vendorId);
-}
-
 std::unique_ptr<HidConnection> LinuxTransport::open(const QString &path)
 {
-    const QByteArray deviceFile = usableDeviceFile(path);
-    return deviceFile.isEmpty() ? nullptr : openHidraw(deviceFile);
+    const auto wanted = m_nodes.openable(path);
+    return wanted ? connectHidraw(openHidrawFile(*wanted)) : nullptr;
 }
 
 std::unique_ptr<HidTransport> makeDefaultTransport()

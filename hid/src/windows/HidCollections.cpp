@@ -15,6 +15,7 @@ extern "C" {
 #include <algorithm>
 #include <iterator>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -72,27 +73,27 @@ QList<quint8> reportIds(PHIDP_PREPARSED_DATA data, HIDP_REPORT_TYPE type, USHORT
     return ids;
 }
 
-CollectionReports reportsBehind(const QString &path)
+std::optional<CollectionReports> reportsBehind(const QString &path)
 {
     const File file = openForQuestions(path);
     PHIDP_PREPARSED_DATA given = nullptr;
     if (!file || !HidD_GetPreparsedData(file.get(), &given))
-        return {};
+        return std::nullopt;
     const Preparsed data(given);
     HIDP_CAPS capabilities{};
     if (HidP_GetCaps(data.get(), &capabilities) != HIDP_STATUS_SUCCESS)
-        return {};
-    return {reportIds(data.get(), HidP_Input, capabilities.NumberInputValueCaps,
-                      capabilities.NumberInputButtonCaps),
-            reportIds(data.get(), HidP_Output, capabilities.NumberOutputValueCaps,
-                      capabilities.NumberOutputButtonCaps)};
+        return std::nullopt;
+    return CollectionReports{reportIds(data.get(), HidP_Input, capabilities.NumberInputValueCaps,
+                                       capabilities.NumberInputButtonCaps),
+                             reportIds(data.get(), HidP_Output, capabilities.NumberOutputValueCaps,
+                                       capabilities.NumberOutputButtonCaps)};
 }
 
 } // namespace
 
-bool carriesFamilyReports(const QString &path)
+FamilyReports familyReports(const QString &path)
 {
-    return carriesFamilyReports(reportsBehind(path));
+    return familyReports(reportsBehind(path));
 }
 
 QList<HidDeviceInfo> listHidCollections(int vendorId)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "FamilyReports.h"
+
 #include <HIDCommunicator/HidTransport.h>
 
 #include <QList>
@@ -11,8 +13,8 @@ namespace HIDCommunicator {
 /// inOrderForThePanel() has them.
 QList<HidDeviceInfo> listHidCollections(int vendorId);
 
-/// Whether the collection behind \a path takes and gives reports with the family's ID. False when it has
-/// left.
-bool carriesFamilyReports(const QString &path);
+/// Whether the collection behind \a path takes and gives reports with the family's ID. Unknown also when it
+/// has left.
+FamilyReports familyReports(const QString &path);
 
 } // namespace HIDCommunicator

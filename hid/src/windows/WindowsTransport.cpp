@@ -5,14 +5,14 @@
 
 namespace HIDCommunicator {
 
-QList<HidDeviceInfo> WindowsTransport::enumerate(int vendorId)
+std::optional<QList<HidDeviceInfo>> WindowsTransport::enumerate(int vendorId)
 {
     return listHidCollections(vendorId);
 }
 
 std::unique_ptr<HidConnection> WindowsTransport::open(const QString &path)
 {
-    return carriesFamilyReports(path) ? openThroughHidapi(path.toUtf8()) : nullptr;
+    return familyReports(path) != FamilyReports::No ? openThroughHidapi(path.toUtf8()) : nullptr;
 }
 
 std::unique_ptr<HidTransport> makeDefaultTransport()

@@ -14,6 +14,7 @@ namespace {
 std::atomic<bool> isRunning{false};
 std::atomic<bool> nodesAreSettled{true};
 std::atomic<const char *> group{""};
+std::atomic<int> questionsAsked{0};
 
 template <typename Function> Function *theRealOne(Function *, const char *name)
 {
@@ -37,6 +38,11 @@ void MockUdevd::setNodesSettled(bool settled)
     nodesAreSettled = settled;
 }
 
+int MockUdevd::questions()
+{
+    return questionsAsked;
+}
+
 QByteArray MockUdevd::monitoredGroup()
 {
     return group.load();
@@ -56,6 +62,14 @@ __attribute__((visibility("default"))) int access(const char *path, int mode) no
 __attribute__((visibility("default"))) int udev_device_get_is_initialized(udev_device *)
 {
     return isRunning && nodesAreSettled;
+}
+
+__attribute__((visibility("default"))) udev_device *
+udev_device_new_from_subsystem_sysname(udev *context, const char *subsystem, const char *name)
+{
+    ++questionsAsked;
+    return theRealOne(&udev_device_new_from_subsystem_sysname,
+                      "udev_device_new_from_subsystem_sysname")(context, subsystem, name);
 }
 
 __attribute__((visibility("default"))) udev_monitor *udev_monitor_new_from_netlink(udev *context,

@@ -9,6 +9,7 @@ namespace MockUdevd {
 void setRunning(bool running); ///< not running at first
 bool running();
 void setNodesSettled(bool settled); ///< whether it has given every node its owner and mode; at first it has
+int questions(); ///< how often the library asked about a node
 QByteArray monitoredGroup(); ///< whose events the library asked for: "udev" or "kernel"
 
 } // namespace MockUdevd

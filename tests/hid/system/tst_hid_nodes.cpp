@@ -1,11 +1,13 @@
 // Which nodes the library lists, which it opens, and when it tries again.
 #include "MockBusTest.h"
 #include "MockUdevd.h"
+#include "tests/support/LogCapture.h"
 #include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
 #include <linux/capability.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -30,7 +32,28 @@ private:
     __user_cap_data_struct m_data[_LINUX_CAPABILITY_U32S_3] = {};
 };
 
+/// Lets this process open nothing more.
+class WithoutDescriptors {
+public:
+    WithoutDescriptors()
+    {
+        getrlimit(RLIMIT_NOFILE, &m_limit);
+        const int lowestFree = dup(STDIN_FILENO);
+        close(lowestFree);
+        const rlimit reduced{rlim_t(lowestFree), m_limit.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &reduced);
+    }
+    ~WithoutDescriptors() { setrlimit(RLIMIT_NOFILE, &m_limit); }
+    WithoutDescriptors(const WithoutDescriptors &) = delete;
+    WithoutDescriptors &operator=(const WithoutDescriptors &) = delete;
+
+private:
+    rlimit m_limit{};
+};
+
 } // namespace
+
+Q_DECLARE_METATYPE(MockIdentity)
 
 class HidNodesTest : public MockBusTest {
     Q_OBJECT
@@ -41,6 +64,10 @@ private Q_SLOTS:
     void foreignDeviceIsIgnored_data();
     void foreignDeviceIsIgnored();
     void nodeWithoutTheReportIdIsListedAndNotOpened();
+    void nodeThatDoesNotTellItsReportsIsOpened();
+    void nodeThatPassedToAnotherDeviceIsNotOpened_data();
+    void nodeThatPassedToAnotherDeviceIsNotOpened();
+    void failedListingIsNoLoss();
     void refusedNodeIsOpenedByALaterScan_data();
     void refusedNodeIsOpenedByALaterScan();
     void unsettledNodeIsOpenedOnceUdevdIsDone();
@@ -106,6 +133,72 @@ void HidNodesTest::nodeWithoutTheReportIdIsListedAndNotOpened()
     QTRY_VERIFY_WITH_TIMEOUT(manager().getConnected(), kPatienceMs);
     QVERIFY(isServed(*device));
     QCOMPARE(consumerControl->openHandles() + keyboard->openHandles(), 0);
+}
+
+/// It is given the benefit of the doubt, and one that tells is given the preference.
+void HidNodesTest::nodeThatDoesNotTellItsReportsIsOpened()
+{
+    const auto silent = bus().plug({}, [](MockDevice &unseen) { unseen.setTellsReports(false); });
+    QTRY_VERIFY_WITH_TIMEOUT(lastScanFound({silent->path()}), kPatienceMs);
+    QVERIFY(open(*silent));
+    startThreads();
+    QVERIFY(isServed(*silent));
+    manager().disconnectDevice(0);
+
+    const auto telling = bus().plug();
+    const auto keyboard = bus().plug({0x352F, 0x000E, 0x02});
+    const auto alsoSilent = bus().plug({}, [](MockDevice &unseen) { unseen.setTellsReports(false); });
+    const QStringList preferredLast{keyboard->path(), silent->path(), alsoSilent->path(), telling->path()};
+    QTRY_VERIFY_WITH_TIMEOUT(lastScanFound(preferredLast), kPatienceMs);
+}
+
+void HidNodesTest::nodeThatPassedToAnotherDeviceIsNotOpened_data()
+{
+    QTest::addColumn<MockIdentity>("successor");
+    QTest::newRow("of another vendor") << MockIdentity{0x046D, 0x000E};
+    QTest::newRow("another of the family") << MockIdentity{0x352F, 0x001F};
+    QTest::newRow("without the report ID") << MockIdentity{0x352F, 0x000E, 0x02};
+}
+
+/// The system's list may be older than the device behind the name.
+void HidNodesTest::nodeThatPassedToAnotherDeviceIsNotOpened()
+{
+    QFETCH(MockIdentity, successor);
+
+    const auto device = bus().plug();
+    QTRY_VERIFY_WITH_TIMEOUT(lastScanFound({device->path()}), kPatienceMs);
+    device->setIdentity(successor);
+    QVERIFY(!open(*device));
+    QVERIFY(!manager().getConnected());
+    QCOMPARE(device->openHandles(), 0);
+    device->setIdentity({});
+    QVERIFY(open(*device));
+}
+
+/// A process that has no descriptors left cannot look at the bus, and knows of no unplug therefore.
+void HidNodesTest::failedListingIsNoLoss()
+{
+    const auto device = bus().plug();
+    QTRY_VERIFY_WITH_TIMEOUT(open(*device), kPatienceMs);
+    startThreads();
+    QVERIFY(isServed(*device));
+    recorder().clear();
+    {
+        const LogCapture log;
+        const WithoutDescriptors guard;
+        QStringList paths;
+        QList<int> productIds;
+        manager().getOrvikHIDListPath(paths, productIds);
+        QVERIFY(paths.isEmpty());
+        QTRY_COMPARE_WITH_TIMEOUT(log.lines().size(), 1, kPatienceMs);
+        QVERIFY2(log.lines().first().contains(QLatin1String("does not list its devices")),
+                 qPrintable(log.lines().first()));
+    }
+    QVERIFY(manager().getConnected());
+    QTRY_VERIFY_WITH_TIMEOUT(lastScanFound({device->path()}), kPatienceMs);
+    QVERIFY(!recorder().lists().contains(QStringList()));
+    QVERIFY(recorder().statuses().isEmpty());
+    QVERIFY(isServed(*device));
 }
 
 using Change = void (MockDevice::*)(bool);

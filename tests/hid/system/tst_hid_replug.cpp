@@ -1,13 +1,12 @@
 // A cable that is pulled at random moments: no crash, no lost device, no thread or handle left. The same as
-// tst_hid_stress, with libudev and hidapi underneath.
+// tst_hid_stress, with hidraw and libudev underneath.
 #include "MockBusTest.h"
 
 #include "tests/hid/ThisProcess.h"
+#include "tests/support/ProgramThreads.h"
 #include "tests/support/TestProgram.h"
 
 #include <QDeadlineTimer>
-#include <QDir>
-#include <QFile>
 #include <QtTest>
 
 #include <atomic>
@@ -17,7 +16,16 @@
 
 namespace {
 
-enum Moment { BeforeOpening, JustOpened, BeforeReply, InBurstOut, InBurstIn, WhileIdle, MomentCount };
+enum Moment {
+    BeforeOpening,
+    WhileOpening,
+    JustOpened,
+    BeforeReply,
+    InBurstOut,
+    InBurstIn,
+    WhileIdle,
+    MomentCount
+};
 
 struct Traffic {
     int questions; ///< asked at once
@@ -25,19 +33,17 @@ struct Traffic {
     int answers; ///< to each
 };
 
-constexpr Traffic kTraffic[MomentCount]
-    = {{0, 0, 0}, {0, 0, 0}, {1, 1, 0}, {40, 7, 1}, {1, 1, 60}, {0, 0, 0}};
+/// What the library asks of a node that it has just opened.
+constexpr unsigned kQuestions = 3;
+/// How long the cable stays in at most, in microseconds: otherwise, and while the device is being opened.
+constexpr unsigned kPause[] = {5000, 1500};
 
-/// Those of the library and of the test; GLib keeps a few more, and ends them when it likes.
+constexpr Traffic kTraffic[MomentCount]
+    = {{0, 0, 0}, {0, 0, 0}, {0, 0, 0}, {1, 1, 0}, {40, 7, 1}, {1, 1, 60}, {0, 0, 0}};
+
 int threadsOfThisProgram()
 {
-    int count = 0;
-    const QDir tasks(QStringLiteral("/proc/self/task"));
-    for (const QString &task : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-        QFile name(tasks.filePath(task + QStringLiteral("/comm")));
-        count += name.open(QIODevice::ReadOnly) && name.readAll().startsWith("tst_hid_replug");
-    }
-    return count;
+    return int(ProgramThreads::all().size());
 }
 
 bool waitUntil(const std::function<bool()> &happened)
@@ -66,20 +72,29 @@ bool HidReplugTest::pullsTheCable(Moment moment, std::mt19937 &random)
     const Traffic traffic = kTraffic[moment];
     // The bus may call the responder once more after it was taken back.
     const auto heard = std::make_shared<std::atomic<int>>(0);
+    const auto identified = std::make_shared<std::atomic<int>>(0);
+    const int lastIdentified = 1 + int(random() % kQuestions);
+    const auto answerTime = std::chrono::microseconds(random() % 1000);
     const auto device = bus().plug({}, [&](MockDevice &unseen) {
+        unseen.setAskedHook([identified, answerTime] {
+            ++*identified;
+            std::this_thread::sleep_for(answerTime);
+        });
         unseen.setResponder([heard, traffic](const QByteArray &asked) {
             ++*heard;
             return QList<QByteArray>(traffic.answers, asked);
         });
     });
     bool served = true;
-    if (moment != BeforeOpening)
+    if (moment == WhileOpening)
+        served = waitUntil([&] { return *identified >= lastIdentified; });
+    else if (moment != BeforeOpening)
         served = waitUntil([] { return manager().getConnected(); });
     for (int question = 0; question < traffic.questions; ++question)
         manager().DC_AddSendData(report(question));
     served = served && waitUntil([&] { return *heard >= traffic.heard; });
     if (moment != JustOpened)
-        std::this_thread::sleep_for(std::chrono::microseconds(random() % 5000));
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % kPause[moment == WhileOpening]));
     device->unplug();
     device->setResponder({});
     return served && waitUntil([] { return !manager().getConnected(); })

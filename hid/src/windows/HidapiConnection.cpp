@@ -5,7 +5,9 @@
 
 #include <hidapi/hidapi.h>
 
-#include <cerrno>
+#include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <utility>
 
 namespace HIDCommunicator {
@@ -14,6 +16,9 @@ namespace {
 
 /// More than any device of the family sends; a longer report is cut there.
 constexpr int kLargestReport = 4096;
+
+/// hidapi cannot be interrupted: how long an interruption goes unnoticed while the device says nothing.
+constexpr std::chrono::milliseconds kReadSlice{30};
 
 struct CloseHandle {
     void operator()(hid_device *handle) const
@@ -40,17 +45,15 @@ public:
 
     ReadResult read(QByteArray &report, std::chrono::milliseconds timeout) override
     {
-        report.resize(kLargestReport);
-        errno = 0;
-        const int length = hid_read_timeout(m_reading.get(), reinterpret_cast<unsigned char *>(report.data()),
-                                            size_t(report.size()), int(timeout.count()));
-        if (length > 0) {
-            report.truncate(length);
-            return ReadResult::Report;
+        for (auto left = timeout; !m_interrupted.exchange(false); left -= kReadSlice) {
+            const ReadResult result = readSlice(report, std::min(left, kReadSlice));
+            if (result != ReadResult::Timeout || left <= kReadSlice)
+                return result;
         }
-        // A signal that interrupts the wait is no fault of the device.
-        return length == 0 || errno == EINTR ? ReadResult::Timeout : ReadResult::Gone;
+        return ReadResult::Timeout;
     }
+
+    void interruptRead() override { m_interrupted = true; }
 
     bool write(const QByteArray &report) override
     {
@@ -60,8 +63,20 @@ public:
     }
 
 private:
+    ReadResult readSlice(QByteArray &report, std::chrono::milliseconds slice)
+    {
+        report.resize(kLargestReport);
+        const int length = hid_read_timeout(m_reading.get(), reinterpret_cast<unsigned char *>(report.data()),
+                                            size_t(report.size()), int(slice.count()));
+        if (length < 0)
+            return ReadResult::Gone;
+        report.truncate(length);
+        return length > 0 ? ReadResult::Report : ReadResult::Timeout;
+    }
+
     Handle m_reading;
     Handle m_writing;
+    std::atomic<bool> m_interrupted{false};
 };
 
 } // namespace
