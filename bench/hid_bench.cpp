@@ -1,10 +1,10 @@
 // What the HID library costs, on a mock device: round trips beside hidapi's own on the same device, the time
-// from a plug to its announcement, and the processor's time while nothing happens.
+// from a plug to its announcement, and the processor's time and the wake-ups while nothing happens.
+#include "bench/Peer.h"
 #include "tests/support/MockBus.h"
+#include "tests/support/ProgramThreads.h"
 
 #include <HIDCommunicator/OrvikHIDManager.h>
-
-#include <hidapi/hidapi.h>
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -123,21 +123,18 @@ void measureLibrary(const MockDevice &device, Bell &reply, Times &times)
     manager().disconnectDevice(0);
 }
 
-void measureHidapi(const MockDevice &device, Times &times)
+void measurePeer(const MockDevice &device, Times &times)
 {
-    hid_device *const handle = hid_open_path(device.deviceFile().constData());
-    if (!handle)
+    const auto peer = openPeer(device.deviceFile());
+    if (!peer)
         giveUp("opening through hidapi");
     const QByteArray asked = question();
-    unsigned char report[4096]; // as the library's: umockdev carries all of it over
     for (int trip = 0; trip < kRoundTripsEach; ++trip) {
         const Clock::time_point start = Clock::now();
-        hid_write(handle, reinterpret_cast<const unsigned char *>(asked.constData()), size_t(asked.size()));
-        if (hid_read_timeout(handle, report, sizeof report, 5000) <= 0)
+        if (!peer->ask(asked))
             giveUp("a reply through hidapi");
         times.add(Clock::now() - start);
     }
-    hid_close(handle);
 }
 
 /// In turns, so that both meet the same machine. The first turn of each is a warm-up.
@@ -150,19 +147,24 @@ void compareRoundTrips(MockBus &bus)
     const auto device = bus.plug();
     device->setResponder([](const QByteArray &asked) { return QList<QByteArray>{asked}; });
     Times library;
-    Times hidapi;
+    Times peer;
     for (int block = 0; block < kBlocks; ++block) {
         measureLibrary(*device, reply, library);
-        measureHidapi(*device, hidapi);
+        if (hasPeer())
+            measurePeer(*device, peer);
         if (block == 0)
-            library.us.clear(), hidapi.us.clear();
+            library.us.clear(), peer.us.clear();
     }
     QObject::disconnect(heard);
     std::printf("round trip, library      median %8.1f us   90%% below %8.1f us\n", library.median(),
                 library.percentile(90));
-    std::printf("round trip, hidapi       median %8.1f us   90%% below %8.1f us\n", hidapi.median(),
-                hidapi.percentile(90));
-    std::printf("ratio of the medians     %.2f\n", library.median() / hidapi.median());
+    if (!hasPeer()) {
+        std::printf("no hidapi to compare it with\n");
+        return;
+    }
+    std::printf("round trip, hidapi       median %8.1f us   90%% below %8.1f us\n", peer.median(),
+                peer.percentile(90));
+    std::printf("ratio of the medians     %.2f\n", library.median() / peer.median());
 }
 
 /// From before the system's event is sent to the list with the device in it.
@@ -197,6 +199,14 @@ double processorMilliseconds()
     return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
 }
 
+qint64 sleeps()
+{
+    qint64 sum = 0;
+    for (const int thread : ProgramThreads::all())
+        sum += ProgramThreads::sleeps(thread);
+    return sum;
+}
+
 void measureIdle(MockBus &bus)
 {
     const auto device = bus.plug();
@@ -205,11 +215,13 @@ void measureIdle(MockBus &bus)
     QTimer::singleShot(1000, &loop, &QEventLoop::quit);
     loop.exec();
     const double before = processorMilliseconds();
+    const qint64 sleepsBefore = sleeps();
     QTimer::singleShot(kIdle, &loop, &QEventLoop::quit);
     loop.exec();
     const double spent = processorMilliseconds() - before;
-    std::printf("idle, device open        %8.1f ms of processor time a minute\n",
-                spent * 60 / double(kIdle.count()));
+    const qint64 wakeUps = sleeps() - sleepsBefore;
+    std::printf("idle, device open        %8.1f ms of processor time a minute, %.2f wake-ups a second\n",
+                spent * 60 / double(kIdle.count()), double(wakeUps) / double(kIdle.count()));
     manager().disconnectDevice(0);
 }
 
