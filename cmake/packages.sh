@@ -3,7 +3,7 @@
 
 packages=(build-essential cmake ninja-build pkg-config
     qt6-base-dev qt6-base-dev-tools qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools
-    libgl1-mesa-dev libhidapi-dev libudev-dev
+    libgl1-mesa-dev libudev-dev
     # The panel's texts have fixed places: these fonts fit them.
     fonts-noto-cjk fonts-roboto-unhinted
     # CPack asks it which files of a Debian package are programs.

@@ -18,7 +18,7 @@ set(owed_by_development
     include/QuillonFirmwareUpgrade/FirmwareUpgradeWidget.h include/QuillonFirmwareUpgrade/device/DeviceModel.h
     lib/libQuillonFirmwareUpgrade.so lib/cmake/QuillonFirmwareUpgrade/QuillonFirmwareUpgradeConfig.cmake)
 set(fields_of_runtime
-    "Package: quillon-firmware-upgrade\n" "Depends: [^\n]*libqt6widgets6 [^\n]*" "Depends: [^\n]*libhidapi-hidraw0 [^\n]*"
+    "Package: quillon-firmware-upgrade\n" "Depends: [^\n]*libqt6widgets6 [^\n]*" "Depends: [^\n]*libudev1 [^\n]*"
     "Recommends: [^\n]*fonts-noto-cjk" "Maintainer: Quillon <[^\n]*>\n" "Description: [^\n]+\n [^\n]+\n")
 set(fields_of_development
     "Package: quillon-firmware-upgrade-dev\n" "Depends: quillon-firmware-upgrade \\(= [0-9.]+\\), qt6-base-dev [^\n]*")
@@ -35,6 +35,10 @@ foreach(package IN ITEMS runtime development)
             complain("${package} has no field ${field}")
         endif()
     endforeach()
+    # Hidraw is spoken by the library itself.
+    if(control MATCHES "hidapi")
+        complain("${package} asks for hidapi")
+    endif()
     file(GLOB_RECURSE foreign "${FOLDER}/${package}/*Qt6*" "${FOLDER}/${package}/*hidapi*"
         "${FOLDER}/${package}/*OrvikHIDManager.h")
     if(foreign)
