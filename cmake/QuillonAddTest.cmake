@@ -43,9 +43,14 @@ endforeach()
 set(QUILLON_FINER_WAITS_FOLDER "${PROJECT_BINARY_DIR}/tests/support")
 set(finer_waits "${QUILLON_FINER_WAITS_FOLDER}/libquillon_finer_waits.so")
 
-# The address sanitizer has to be loaded before every other library, or it finds no leak.
+# A sanitizer has to be loaded before every other library: or else the address sanitizer finds no leak, and the thread
+# sanitizer does not see which descriptors are opened and closed.
 function(quillon_preload result library)
-    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=libasan.so
+    set(runtime libasan.so)
+    if(QUILLON_SANITIZE MATCHES "thread")
+        set(runtime libtsan.so)
+    endif()
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${runtime}
         OUTPUT_VARIABLE sanitizer OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
     set(${result} "LD_PRELOAD=${sanitizer}:${library}" PARENT_SCOPE)
 endfunction()
@@ -69,7 +74,7 @@ function(quillon_run_prefix result)
         message(FATAL_ERROR "Tests run at ${arg_SPEED} times the speed: install the package faketime")
     endif()
     set(wrapper "")
-    if(arg_MOCK_BUS AND QUILLON_SANITIZE MATCHES "address")
+    if(arg_MOCK_BUS AND QUILLON_SANITIZE MATCHES "address|thread")
         quillon_preload(preload libumockdev-preload.so.0)
         list(APPEND arg_ENVIRONMENT "${preload}")
     elseif(arg_MOCK_BUS)
