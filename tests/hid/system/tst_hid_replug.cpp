@@ -103,7 +103,7 @@ bool HidReplugTest::pullsTheCable(Moment moment, std::mt19937 &random)
 
 void HidReplugTest::cableIsPulledAtRandomMoments()
 {
-    constexpr int kCycles = 1000;
+    constexpr int kCycles = REPLUGS;
     manager().release();
     const int threads = settled(threadsOfThisProgram);
     const int deviceFiles = openDeviceFiles();
