@@ -68,7 +68,7 @@ void DayTest::aSeedIsADay()
 void DayTest::everyUpgradeIsJudged()
 {
     const QList<Statement> day = statementsOf(soak::day(kUpgrades, 1));
-    const QStringList judged = wordsOf(day, "expect flash <chip> served");
+    const QStringList judged = wordsOf(day, "expect flash <chip> <contents>");
     QCOMPARE(judged.count(QStringLiteral("pc")), kUpgrades);
     QCOMPARE(judged.count(QStringLiteral("otg")), kUpgrades);
 }

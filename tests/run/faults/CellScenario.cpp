@@ -184,8 +184,9 @@ private:
             recoverOtgChip();
         else
             m_text += waitForOffer(kNewest) + QStringLiteral("click upgrade\n");
+        // An answer to an older question may take the screen away once the versions are read back.
         add(QStringLiteral("wait screen waiting-otg 90s\nplug otg\nwait screen completed 90s\n"
-                           "wait read pc %1\nwait read otg %1\nhold screen completed 3s\n"
+                           "hold screen completed 500ms\nwait read pc %1\nwait read otg %1\n"
                            "expect flash pc served\nexpect flash otg served\nexpect flash pc %1\n"
                            "expect flash otg %1\nexpect flashed pc otg")
                 .arg(QLatin1StringView(kNewest)));
