@@ -9,6 +9,7 @@
 #include "panel/Styles.h"
 #include "panel/Texts.h"
 #include "panel/Visibility.h"
+#include "widgets/SharpMovieLabel.h"
 #include "widgets/WholeLinesEdit.h"
 
 #include <QIcon>
@@ -20,14 +21,19 @@
 namespace QuillonFirmwareUpgrade {
 
 namespace {
-QLabel *addLabel(QWidget *parent, const char *name, const Place &place, const QString &style = {},
-                 const QString &text = {})
+void setUp(QLabel *label, const char *name, const Place &place, const QString &style)
 {
-    auto *label = new QLabel(text, parent);
     label->setObjectName(QLatin1String(name));
     label->setGeometry(place.in(sourceLanguage()));
     if (!style.isEmpty())
         label->setStyleSheet(style);
+}
+
+QLabel *addLabel(QWidget *parent, const char *name, const Place &place, const QString &style = {},
+                 const QString &text = {})
+{
+    auto *label = new QLabel(text, parent);
+    setUp(label, name, place, style);
     return label;
 }
 
@@ -138,8 +144,8 @@ void FirmwareUpgradeWidget::createBar()
 
 void FirmwareUpgradeWidget::createConnectionHint()
 {
-    tipMoiveLb = addLabel(this, "tipMoiveLb", Places::kMovie, Styles::kTransparent);
-    tipMoiveLb->setScaledContents(true);
+    tipMoiveLb = new SharpMovieLabel(this);
+    setUp(tipMoiveLb, "tipMoiveLb", Places::kMovie, Styles::kTransparent);
     loadTipMovie(Port::Pc);
     m_detectingUsbLb = addLabel(this, "m_detectingUsbLb", Places::kDetecting,
                                 Styles::label(Styles::kDetecting), tr(Texts::kDetectingUsb));

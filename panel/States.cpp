@@ -14,6 +14,7 @@
 #include "panel/Texts.h"
 #include "panel/Visibility.h"
 #include "system/Log.h"
+#include "widgets/SharpMovieLabel.h"
 
 #include <QLabel>
 #include <QMovie>
@@ -240,7 +241,7 @@ void FirmwareUpgradeWidget::loadTipMovie(Port port)
     m_tipMovie = new QMovie(QStringLiteral(":/new/prefix1/image/")
                                 + (port == Port::Otg ? model.otg.movie : model.pc.movie),
                             QByteArray(), tipMoiveLb);
-    tipMoiveLb->setMovie(m_tipMovie);
+    static_cast<SharpMovieLabel *>(tipMoiveLb)->setMovie(m_tipMovie);
 }
 
 void FirmwareUpgradeWidget::showProgress(int percent)
