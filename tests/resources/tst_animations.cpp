@@ -20,7 +20,7 @@ constexpr QRgb kBlue = qRgb(87, 110, 246);
 constexpr QRgb kTeal = qRgb(47, 212, 179);
 constexpr QRgb kAmber = qRgb(246, 180, 54);
 constexpr QSize kPixels{1224, 384};
-/// What a label shows of them, every third pixel of every third line.
+/// What a label shows of them on a screen without a scale.
 constexpr QSize kShown{408, 128};
 /// Of those: a dot that moves on.
 constexpr int kLeastMotion = 12;
@@ -205,7 +205,7 @@ void AnimationsTest::neverStandsStill()
     QFETCH(QString, name);
     QList<QImage> frames = read(name).frames;
     for (QImage &frame : frames)
-        frame = frame.scaled(kShown);
+        frame = frame.scaled(kShown, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     // Dots run, plugs travel, current pulses: each frame is one that a person sees, the first after the last
     // too.
     for (int i = 0; i < frames.size(); ++i) {

@@ -42,6 +42,7 @@ def plug_drawing(port, distance, accent):
 
 
 CABLE_WIDTH = 3
+PULSE_WIDTH = CABLE_WIDTH + 0.7  # covers the cable and its soft edge, which would show as a grey rim
 
 
 @dataclass(frozen=True)
@@ -78,7 +79,7 @@ class Cable:
         if stop - start < 0.5:
             return ""
         whole = cubic(*self.near_curve) + "L" + cubic(*self.far_curve)[1:]
-        return stroke(whole, colour, CABLE_WIDTH, dashes=((stop - start, length * 2), -start))
+        return stroke(whole, colour, PULSE_WIDTH, dashes=((stop - start, length * 2), -start))
 
 
 @dataclass(frozen=True)

@@ -10,6 +10,7 @@ from .shapes import at_depth, group, polygon, stroke
 
 WIDTH, HEIGHT = 408, 128
 LOOP = 3.0
+SHADES = 200  # colours of a picture, those of its edges included
 
 AWAY = 46.0  # how far in front of its port a plug waits
 LIGHT_TIME = 0.18
@@ -45,7 +46,6 @@ class Story:
     laptop: Laptop
     connections: tuple
     adapter: Adapter = None
-    shades: int = 127  # colours of the picture; two moving cables leave bytes for fewer
 
     @property
     def complete(self):
@@ -64,10 +64,10 @@ STORIES = {
         Connection("OTG", LONE_LAPTOP.socket(1), (238, 118), departs=0.36, travel=0.66))),
     "dc5v_pc": Story(R2, UPPER_LAPTOP, (
         Connection("DC-5V", ADAPTER.socket, (174, 121), departs=0.3, power=True),
-        Connection("USB-C", UPPER_LAPTOP.socket(0), (252, 107), departs=0.81)), ADAPTER, shades=59),
+        Connection("USB-C", UPPER_LAPTOP.socket(0), (252, 107), departs=0.81)), ADAPTER),
     "dc5v_otg": Story(R2, UPPER_LAPTOP, (
         Connection("DC-5V", ADAPTER.socket, (174, 121), departs=0.3, power=True),
-        Connection("OTG", UPPER_LAPTOP.socket(0), (224, 109), departs=0.81)), ADAPTER, shades=59),
+        Connection("OTG", UPPER_LAPTOP.socket(0), (224, 109), departs=0.81)), ADAPTER),
 }
 
 
