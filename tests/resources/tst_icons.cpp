@@ -19,6 +19,9 @@ constexpr int kSoftFrom = 24;
 constexpr int kSoftTo = 200;
 constexpr int kDenser = 24;
 constexpr int kSameColour = 24;
+/// Of the artwork's pixels, of which three make one of the panel's: wider than any line.
+constexpr int kSolid = 9;
+constexpr int kOpaque = 178;
 
 QString pathOf(const QString &name)
 {
@@ -33,6 +36,17 @@ QImage shown(const QString &name, int size)
     QPainter painter(&image);
     QIcon(pathOf(name)).paint(&painter, image.rect());
     return image;
+}
+
+bool isOpaque(const QImage &image, const QRect &part)
+{
+    for (int y = part.top(); y <= part.bottom(); ++y) {
+        for (int x = part.left(); x <= part.right(); ++x) {
+            if (qAlpha(image.pixel(x, y)) < kOpaque)
+                return false;
+        }
+    }
+    return true;
 }
 
 /// How many pixels stand out from the panel.
@@ -92,6 +106,8 @@ private Q_SLOTS:
     void haveNoFringe();
     void haveOneOpticalWeight_data();
     void haveOneOpticalWeight();
+    void areDrawnInLines_data() { haveOneOpticalWeight_data(); }
+    void areDrawnInLines();
     void fallOnWholePixels();
     void answerThePointer();
     void keepTheCrossInPlaceUnderThePointer();
@@ -168,6 +184,18 @@ void IconsTest::haveOneOpticalWeight()
     QFETCH(int, size);
     const int pixels = visiblePixels(shown(name, size));
     QVERIFY2(pixels > 60 && pixels < 190, qPrintable(QString::number(pixels)));
+}
+
+/// A filled part would stand out from the icons beside it.
+void IconsTest::areDrawnInLines()
+{
+    QFETCH(QString, name);
+    const QImage image(pathOf(name));
+    QVERIFY(!image.isNull());
+    for (int y = 0; y + kSolid <= image.height(); ++y) {
+        for (int x = 0; x + kSolid <= image.width(); ++x)
+            QVERIFY2(!isOpaque(image, QRect(x, y, kSolid, kSolid)), qPrintable(u"at %1,%2"_s.arg(x).arg(y)));
+    }
 }
 
 void IconsTest::fallOnWholePixels()
