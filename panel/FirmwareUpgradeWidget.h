@@ -187,6 +187,7 @@ private:
     void handle_Randow_WR(QByteArray receiveData);
     void answerDeviceMode(bool upgradeMode);
     void warnOfUpgradeMode();
+    void nameWarningButton();
     struct VersionChannel;
     bool isTooEarly(const VersionChannel &channel, const QString &version);
     PanelIs takeDeviceVersion(const VersionChannel &channel, const QString &version);

@@ -16,8 +16,10 @@
 #include <QEvent>
 #include <QFont>
 #include <QLabel>
+#include <QMessageBox>
 #include <QPointer>
 #include <QTextEdit>
+#include <QTimer>
 #include <QTranslator>
 
 namespace QuillonFirmwareUpgrade {
@@ -108,6 +110,10 @@ void FirmwareUpgradeWidget::retranslateUI()
     m_failTextLb->setText(tr(Texts::kFailed));
     updateWaitingLabelLayout();
     nameForScreenReaders();
+    // At a change of the language Qt gives its own words to a button like this, before or after the panel's
+    // turn.
+    if (m_warningBox)
+        QTimer::singleShot(0, m_warningBox, [this] { nameWarningButton(); });
 }
 
 void FirmwareUpgradeWidget::retranslateOfflineTool()

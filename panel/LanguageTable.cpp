@@ -9,10 +9,10 @@ const std::array<LanguageRow, kLanguages> &languageRows()
 {
     static const std::array<LanguageRow, kLanguages> rows{{
         {Language::Chinese, "Chinese", QStringLiteral("Microsoft YaHei"), QString(),
-         &networking_class::f_remark, QStringLiteral("关闭")},
+         &networking_class::f_remark, QStringLiteral("关闭"), QStringLiteral("确定")},
         {Language::English, "English", QStringLiteral("Segoe UI"),
          QStringLiteral(":/QUILLON/Translate/QuillonFirmwareUpgrade_en.qm"), &networking_class::f_remark_en,
-         QStringLiteral("Close")},
+         QStringLiteral("Close"), QStringLiteral("OK")},
     }};
     return rows;
 }

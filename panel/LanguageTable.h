@@ -17,6 +17,7 @@ struct LanguageRow {
     QString catalogue; ///< the resource with its texts; empty for the source language
     QString networking_class::*notes; ///< the release notes, as the update server's client keeps them
     QString closeButton; ///< what a screen reader calls the close button, which shows a picture only
+    QString okButton; ///< what stands on the warning box's
 };
 
 /// The row of \a language; a value that is no language gets the row of English.

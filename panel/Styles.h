@@ -58,9 +58,11 @@ inline const QString kCloseButton
                      "QPushButton:hover{ image:url(:/new/prefix1/image/close_h.png)}");
 /// A box over the panel looks like a part of it.
 inline const QString kWarningBox = QStringLiteral(
-    "QMessageBox{background-color:rgba(48, 49, 60, 1);"
-    " messagebox-warning-icon:url(:/new/prefix1/image/exclamation_mark.png);}"
+    "QMessageBox{background-color:rgba(48, 49, 60, 1); border:1px solid rgba(94, 96, 112, 1); "
+    "border-radius:8px;"
+    " messagebox-warning-icon:url(:/new/prefix1/image/exclamation_mark.png); icon-size:36px;}"
     "QLabel{color:rgba(255,255,255,1); font-size:14px;}"
+    "#qt_msgbox_label{qproperty-alignment:AlignVCenter; min-height:36px;}"
     "QPushButton{border:2px solid transparent; border-radius:16px; min-width:96px; height:28px;"
     " background-color:rgba(87,110,246,1); color:rgba(255,255,255,1); font-size:16px; font-weight:700;}"
     "QPushButton:focus{border-color:rgba(255,255,255,1);}"

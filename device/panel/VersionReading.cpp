@@ -7,13 +7,16 @@
 #include "device/Report.h"
 #include "net/networking_class.h"
 #include "panel/FirmwareUpgradeWidget.h"
+#include "panel/LanguageTable.h"
 #include "panel/Styles.h"
 #include "system/Log.h"
+#include "widgets/RoundMessageBox.h"
 
 #include <HIDCommunicator/OrvikHIDManager.h>
 
 #include <QMessageBox>
 #include <QPointer>
+#include <QPushButton>
 #include <QScopeGuard>
 
 namespace QuillonFirmwareUpgrade {
@@ -92,12 +95,18 @@ void FirmwareUpgradeWidget::warnOfUpgradeMode()
     if (m_warningBox)
         return; // the user has not answered the box about the same thing yet
     // Not on the stack: the panel may be deleted while the box is open, and its children with it.
-    const QPointer<QMessageBox> box = new QMessageBox(QMessageBox::Warning, tr("提示"),
-                                                      tr("当前设备是固件升级模式"), QMessageBox::Ok, this);
+    const QPointer<QMessageBox> box = new RoundMessageBox(
+        QMessageBox::Warning, tr("提示"), tr("当前设备是固件升级模式"), QMessageBox::Ok, this);
     m_warningBox = box;
     box->setStyleSheet(Styles::kWarningBox);
+    nameWarningButton();
     box->exec();
     delete box;
+}
+
+void FirmwareUpgradeWidget::nameWarningButton()
+{
+    m_warningBox->button(QMessageBox::Ok)->setText(shownLanguage().okButton);
 }
 
 void FirmwareUpgradeWidget::handle_Continue_RD(QByteArray receiveData)

@@ -40,6 +40,7 @@ struct Boxes {
     QMessageBox::StandardButtons buttons;
     QWidget *parent = nullptr;
     bool isModal = false;
+    QString button; ///< what stands on it
 };
 } // namespace
 
@@ -62,6 +63,7 @@ private slots:
     void modeEntries();
     void upgradeModeShowsAWarning_data();
     void upgradeModeShowsAWarning();
+    void theWarningsButtonFollowsTheLanguage();
     void hostileReportsAreSurvived_data();
     void hostileReportsAreSurvived();
 
@@ -100,8 +102,9 @@ void ReportsTest::lookAtTheBox()
     auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
     if (!box)
         return;
-    m_boxes = {m_boxes.count + 1,      box->windowTitle(),  box->text(),   box->icon(),
-               box->standardButtons(), box->parentWidget(), box->isModal()};
+    m_boxes
+        = {m_boxes.count + 1,      box->windowTitle(),  box->text(),    box->icon(),
+           box->standardButtons(), box->parentWidget(), box->isModal(), box->button(QMessageBox::Ok)->text()};
     box->button(QMessageBox::Ok)->click();
 }
 
@@ -238,18 +241,21 @@ void ReportsTest::modeEntries()
 void ReportsTest::upgradeModeShowsAWarning_data()
 {
     QTest::addColumn<Language>("language");
-    QTest::newRow("Chinese") << Language::Chinese;
-    QTest::newRow("English: the box stays Chinese") << Language::English;
+    QTest::addColumn<QString>("button");
+    QTest::newRow("Chinese") << Language::Chinese << u"确定"_s;
+    QTest::newRow("English: the box stays Chinese") << Language::English << u"OK"_s;
 }
 
 void ReportsTest::upgradeModeShowsAWarning()
 {
     QFETCH(Language, language);
+    QFETCH(QString, button);
     QuillonFirmwareUpgrade::setLanguage(language);
     stage().log.clear();
 
     panel().receive(DeviceReplies::mode(1));
     QCOMPARE(m_boxes.count, 1);
+    QCOMPARE(m_boxes.button, button);
     QCOMPARE(m_boxes.title, u"提示"_s);
     QCOMPARE(m_boxes.text, u"当前设备是固件升级模式"_s);
     QCOMPARE(m_boxes.icon, QMessageBox::Warning);
@@ -258,6 +264,23 @@ void ReportsTest::upgradeModeShowsAWarning()
     QVERIFY(m_boxes.isModal);
     QCOMPARE(commands(), QStringList()); // no version is read
     QVERIFY(panel().findChildren<QMessageBox *>().isEmpty()); // and nothing of it stays
+}
+
+void ReportsTest::theWarningsButtonFollowsTheLanguage()
+{
+    m_boxWatch.stop();
+    QStringList words;
+    QTimer::singleShot(0, &panel(), [&words] {
+        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        for (const Language language : {Language::English, Language::Chinese, Language::Chinese}) {
+            QuillonFirmwareUpgrade::setLanguage(language);
+            QCoreApplication::processEvents();
+            words.append(box->button(QMessageBox::Ok)->text());
+        }
+        box->button(QMessageBox::Ok)->click();
+    });
+    panel().receive(DeviceReplies::mode(1));
+    QCOMPARE(words, (QStringList{u"OK"_s, u"确定"_s, u"确定"_s}));
 }
 
 void ReportsTest::hostileReportsAreSurvived_data()
