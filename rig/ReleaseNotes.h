@@ -7,7 +7,8 @@
 
 namespace rig {
 
-/// What the server says about a firmware, in both languages, several lines each.
+/// What the server says about a firmware, in both languages, several lines each: from 1.10.0 on more of them
+/// than the panel has room for.
 struct ReleaseNotes {
     QString chinese;
     QString english;
