@@ -1,5 +1,6 @@
 #include "host/ControlPanel.h"
 
+#include "host/Caption.h"
 #include "host/FirmwareBox.h"
 #include "host/PanelHolder.h"
 #include "rig/Rig.h"
@@ -9,7 +10,6 @@
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QPushButton>
 
 namespace host {
@@ -52,6 +52,7 @@ ControlPanel::ControlPanel(rig::Rig &rig, PanelHolder &holder, QWidget *parent)
     setAttribute(Qt::WA_StyledBackground);
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
     column->addWidget(makeDeviceGroup());
     for (QWidget *group : {makeServerGroup(), makeFaultGroup()}) {
         column->addStretch();
@@ -76,10 +77,17 @@ QWidget *ControlPanel::makeGroup(Text title, QLayout *layout)
 
 void ControlPanel::addRow(QFormLayout *form, Text label, QWidget *field, QWidget *buddy)
 {
-    auto *caption = new QLabel(this);
+    auto *caption = new Caption(this);
     caption->setBuddy(buddy);
     m_texts.append({caption, label});
     form->addRow(caption, field);
+}
+
+void ControlPanel::addColumn(QHBoxLayout *row, Text label, QWidget *field)
+{
+    auto *form = new QFormLayout;
+    addRow(form, label, field, field);
+    row->addLayout(form, 1);
 }
 
 QComboBox *ControlPanel::makeModelBox(void (ControlPanel::*chosen)(Model))
@@ -168,31 +176,27 @@ QWidget *ControlPanel::makeFaultGroup()
 
 QWidget *ControlPanel::makePanelGroup()
 {
-    auto *fields = new QFormLayout;
+    auto *row = new QHBoxLayout;
+    row->setSpacing(kColumnGap);
     m_panelModel = makeModelBox(&ControlPanel::setPanelModel);
     m_panelModel->setObjectName(QStringLiteral("panelModel"));
-    addRow(fields, Text::Model, m_panelModel, m_panelModel);
+    addColumn(row, Text::Model, m_panelModel);
     m_language = new QComboBox(this);
     m_language->setObjectName(QStringLiteral("language"));
     m_language->addItems({QStringLiteral("中文"), QStringLiteral("English")});
-    addRow(fields, Text::Language, m_language, m_language);
+    addColumn(row, Text::Language, m_language);
     connect(m_language, &QComboBox::activated, this,
             [this](int index) { Q_EMIT languageChosen(index == 1); });
 
-    auto *buttons = new QVBoxLayout;
     const auto addButton = [&](Text text, const QString &name, auto act) {
         auto *button = new QPushButton(this);
         button->setObjectName(name);
         m_texts.append({button, text});
-        buttons->addWidget(button);
+        row->addWidget(button, 1);
         connect(button, &QPushButton::clicked, &m_holder, act);
     };
     addButton(Text::NewPanel, QStringLiteral("newPanel"), [this] { m_holder.create(); });
     addButton(Text::DeletePanel, QStringLiteral("deletePanel"), [this] { m_holder.destroy(); });
-    auto *row = new QHBoxLayout;
-    row->addLayout(fields, 1);
-    row->addSpacing(kColumnGap);
-    row->addLayout(buttons, 1);
     return makeGroup(Text::Panel, row);
 }
 

@@ -11,7 +11,7 @@
 class QCheckBox;
 class QComboBox;
 class QFormLayout;
-class QLabel;
+class QHBoxLayout;
 
 namespace rig {
 class Rig;
@@ -32,7 +32,7 @@ public:
 
     void setEnglish(bool english);
 
-    /// The controls of the panel, for a place beside it; the others are this widget's.
+    /// The controls of the panel, for a place below it; the others are this widget's.
     QWidget *panelGroup() const { return m_panelGroup; }
 
 Q_SIGNALS:
@@ -52,6 +52,7 @@ private:
     QWidget *makeGroup(Text title, QLayout *layout);
     QComboBox *makeModelBox(void (ControlPanel::*chosen)(rig::Model));
     void addRow(QFormLayout *form, Text label, QWidget *field, QWidget *buddy);
+    void addColumn(QHBoxLayout *row, Text label, QWidget *field);
     void addFirmwareRow(QFormLayout *form, rig::Chip chip);
     void addCable(QFormLayout *form, rig::Chip chip);
     void addNewestRow(QFormLayout *form, rig::Chip chip);

@@ -65,17 +65,14 @@ void HostWindow::appendToLog(const QString &line)
 
 void HostWindow::arrange()
 {
-    auto *left = new QVBoxLayout;
-    left->addWidget(m_frame);
-    left->addWidget(m_controls->panelGroup());
-    left->addStretch();
     auto *upper = new QHBoxLayout;
     upper->setSpacing(kSpacing);
-    upper->addLayout(left);
+    upper->addWidget(m_frame, 0, Qt::AlignTop);
     upper->addWidget(m_controls, 1);
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(kSpacing, kSpacing, kSpacing, kSpacing);
     column->addLayout(upper);
+    column->addWidget(m_controls->panelGroup());
     column->addWidget(m_logTitle);
     column->addWidget(m_log, 1);
 }

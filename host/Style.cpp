@@ -29,10 +29,13 @@ QComboBox::down-arrow { image: url(:/host/down.png); width: 10px; height: 6px; }
 QComboBox QAbstractItemView { background: @card; color: @text; border: 1px solid @line; selection-background-color: @selection; }
 QGroupBox QLineEdit:focus, QGroupBox QComboBox:focus, QPlainTextEdit:focus, QGroupBox QPushButton:focus,
     QGroupBox QCheckBox:focus { border: 1px solid @teal; }
+/* A line that is typed into keeps two pixels of its own. */
+QGroupBox QComboBox:editable { padding-left: 4px; }
 QGroupBox QComboBox QLineEdit, QGroupBox QComboBox QLineEdit:focus { border: none; padding: 0; }
-QGroupBox QCheckBox { border: 1px solid transparent; border-radius: 4px; padding: 2px; spacing: 8px; }
-QGroupBox QCheckBox::indicator { width: 14px; height: 14px; border: 1px solid @faint; border-radius: 8px; background: @background; }
-QGroupBox QCheckBox::indicator:checked { border-color: transparent; image: url(:/new/prefix1/image/check_mark.png); }
+QGroupBox QCheckBox { border: 1px solid transparent; border-radius: 4px; padding: 2px; margin-left: -3px;
+    spacing: 8px; }
+QGroupBox QCheckBox::indicator { width: 16px; height: 16px; border: 1px solid @faint; border-radius: 3px; background: @background; }
+QGroupBox QCheckBox::indicator:checked { border-color: @selection; background: @selection; image: url(:/host/check.png); }
 QGroupBox QPushButton { background: @line; color: @text; border: 1px solid @line; border-radius: 4px; padding: 4px 10px; }
 QGroupBox QPushButton:hover { background: @pointed; }
 QGroupBox QPushButton:pressed { background: @background; }

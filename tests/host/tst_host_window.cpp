@@ -7,11 +7,17 @@
 #include "tests/support/TestProgram.h"
 
 #include <QCheckBox>
+#include <QGroupBox>
+#include <QImage>
+#include <QLabel>
 #include <QLineEdit>
+#include <QPixmap>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 using namespace host;
@@ -19,6 +25,23 @@ using rig::Chip;
 
 namespace {
 constexpr int kPatience = 20000;
+/// Between two groups.
+constexpr int kGap = 12;
+
+/// Where the strokes of a widget's text are, in the window; nothing else of the widget is as light.
+QRect strokesOf(QWidget &widget, const QRect &part)
+{
+    const QImage picture
+        = widget.window()->grab(QRect(widget.mapTo(widget.window(), part.topLeft()), part.size())).toImage();
+    QRect strokes;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            if (qGray(picture.pixel(x, y)) > 180)
+                strokes |= QRect(x, y, 1, 1);
+        }
+    }
+    return strokes.translated(widget.mapTo(widget.window(), part.topLeft()));
+}
 } // namespace
 
 // The window around the panel, with a tester's hands on it.
@@ -50,6 +73,10 @@ private Q_SLOTS:
     void aPanelThatIsGoingIsLeftAlone();
     void theLogIsShown();
     void everyControlIsReachedByKeyboard();
+    void textsInBoxesBeginAtOneEdge();
+    void captionsStandOnTheBaseLineOfTheirFields_data();
+    void captionsStandOnTheBaseLineOfTheirFields();
+    void groupsFollowEachOtherClosely();
 
 private:
     template <typename T> T *find(const QString &name) const { return m_window->findChild<T *>(name); }
@@ -296,6 +323,56 @@ void HostWindowTest::everyControlIsReachedByKeyboard()
          {"deviceModel", "pcFirmware", "pcErase", "otgFirmware", "otgErase", "pcCable", "otgCable",
           "pcNewest", "otgNewest", "fault", "panelModel", "language", "newPanel", "deletePanel", "log"})
         QVERIFY2(reached.contains(QLatin1StringView(name)), name);
+}
+
+void HostWindowTest::textsInBoxesBeginAtOneEdge()
+{
+    auto *fixed = find<QComboBox>(u"deviceModel"_s);
+    auto *editable = find<FirmwareBox>(u"pcFirmware"_s);
+    QCOMPARE(fixed->currentText(), u"R2"_s);
+    editable->setEditText(u"R2"_s);
+    const QSize beginning(40, editable->height());
+    const QRect chosen = strokesOf(*fixed, QRect(QPoint(), beginning));
+    QVERIFY(!chosen.isNull());
+    QCOMPARE(strokesOf(*editable, QRect(QPoint(), beginning)).left(), chosen.left());
+}
+
+void HostWindowTest::captionsStandOnTheBaseLineOfTheirFields_data()
+{
+    QTest::addColumn<QString>("field");
+    QTest::newRow("chosen") << u"deviceModel"_s;
+    QTest::newRow("typed, beside a button") << u"pcFirmware"_s;
+    QTest::newRow("typed") << u"pcNewest"_s;
+}
+
+void HostWindowTest::captionsStandOnTheBaseLineOfTheirFields()
+{
+    QFETCH(QString, field);
+    auto *box = find<QComboBox>(field);
+    box->setEditText(u"R2"_s); // without an effect where one is chosen, which is that
+    const QList<QLabel *> labels = m_window->findChildren<QLabel *>();
+    const auto caption = std::find_if(labels.begin(), labels.end(),
+                                      [box](const QLabel *label) { return label->buddy() == box; });
+    QVERIFY(caption != labels.end());
+    // Chinese strokes go below the line.
+    (*caption)->setText(u"R2\u6a21"_s);
+    const QSize number((*caption)->fontMetrics().horizontalAdvance(u"R2"_s), (*caption)->height());
+    const QRect strokes = strokesOf(**caption, QRect(QPoint(), number));
+    QVERIFY(!strokes.isNull());
+    QCOMPARE(strokes.bottom(), strokesOf(*box, QRect(0, 0, 40, box->height())).bottom());
+}
+
+void HostWindowTest::groupsFollowEachOtherClosely()
+{
+    QList<QRect> groups;
+    for (const QGroupBox *group : find<QWidget>(u"side"_s)->findChildren<QGroupBox *>())
+        groups.append(QRect(group->mapTo(m_window.get(), QPoint()), group->size()));
+    QCOMPARE(groups.size(), 3);
+    std::sort(groups.begin(), groups.end(), [](const QRect &a, const QRect &b) { return a.y() < b.y(); });
+    for (qsizetype i = 1; i < groups.size(); ++i) {
+        const int gap = groups.at(i).top() - groups.at(i - 1).bottom();
+        QVERIFY2(gap > 0 && gap <= kGap, qPrintable(QString::number(gap)));
+    }
 }
 
 QUILLON_TEST(HostWindowTest)
