@@ -19,15 +19,10 @@ constexpr QSize kCell{236, 209};
 constexpr QColor kGround{22, 23, 28};
 constexpr QColor kText{200, 202, 214};
 
-/// The views at twice the size: reduced pictures of these look best.
+/// Reduced pictures of the largest views look best.
 QList<View> viewsOfSheet()
 {
-    QList<View> all;
-    for (const View &view : Gallery::views()) {
-        if (view.scale == 2)
-            all.append(view);
-    }
-    return all;
+    return Gallery::viewsAt(2);
 }
 
 /// The screens stand in two columns, one below the other; in each, the views stand side by side.

@@ -10,6 +10,7 @@ const QList<Screen> &screens()
         {"searching", "Searching"},
         {"up-to-date", "Up to date"},
         {"upgrade-available", "Upgrade available"},
+        {"long-notes", "Long notes and version"},
         {"too-old", "Too old"},
         {"waiting-pc", "Waiting for the PC cable"},
         {"flashing-pc", "PC flashing"},
@@ -35,11 +36,23 @@ QList<View> views()
     QList<View> all;
     for (const QString &model : {u"R1"_s, u"R2"_s}) {
         for (const QString &language : {u"en"_s, u"zh"_s}) {
-            for (const int scale : {1, 2})
+            for (const double scale : {1.0, 1.5, 2.0})
                 all.append({model, language, scale});
         }
     }
     return all;
+}
+
+QList<View> viewsAt(double scale)
+{
+    QList<View> some = views();
+    some.removeIf([scale](const View &view) { return view.scale != scale; });
+    return some;
+}
+
+QRect devicePixels(const QRect &place, double scale)
+{
+    return QRectF(QPointF(place.topLeft()) * scale, QSizeF(place.size()) * scale).toRect();
 }
 
 QString picturePath(const View &view, const QString &screen)

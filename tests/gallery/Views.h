@@ -1,10 +1,10 @@
 #pragma once
 
 #include <QList>
-
+#include <QRect>
 #include <QString>
 
-/// What there is to see: every screen of the panel, for both models, in both languages, at both sizes.
+/// What there is to see: every screen of the panel, for both models, in both languages, at three scales.
 namespace Gallery {
 
 struct Screen {
@@ -19,13 +19,17 @@ const QList<Screen> &screens();
 struct View {
     QString model; ///< "R1" or "R2"
     QString language; ///< "en" or "zh"
-    int scale = 1; ///< device pixels a pixel
+    double scale = 1; ///< device pixels a pixel
 
-    QString folder() const; ///< "R2-en", "R2-en@2x"
+    QString folder() const; ///< "R2-en", "R2-en@1.5x"
 };
 
 /// Every view, by model, then language, then scale.
 QList<View> views();
+QList<View> viewsAt(double scale);
+
+/// What a place among the panel's pixels covers of a picture, in device pixels.
+QRect devicePixels(const QRect &place, double scale);
 
 /// "pictures/R2-en@2x/too-old.png" and the like, relative to a gallery.
 QString picturePath(const View &view, const QString &screen);

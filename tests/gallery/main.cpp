@@ -25,9 +25,9 @@ namespace {
 const QString kScenario = QStringLiteral(QUILLON_GALLERY_SCENARIOS "/tour-%1.scn");
 
 /// What a picture must not depend on: the screen, the user's fonts and their settings, the user's style.
-void settleSurroundings(int scale)
+void settleSurroundings(double scale)
 {
-    // Large enough at either scale that a warning box breaks its text for its length alone.
+    // Large enough at any scale that a warning box breaks its text for its length alone.
     qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" QUILLON_GALLERY_SCREEN);
     qputenv("QT_SCALE_FACTOR", QByteArray::number(scale));
     qputenv("QT_FONT_DPI", "96");

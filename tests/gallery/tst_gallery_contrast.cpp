@@ -33,22 +33,12 @@ constexpr Known kKnown[]{
 /// Thin strokes show their own colour only in the larger pictures.
 QList<View> largeViews()
 {
-    QList<View> large;
-    for (const View &view : Gallery::views()) {
-        if (view.scale == 2)
-            large.append(view);
-    }
-    return large;
+    return Gallery::viewsAt(2);
 }
 
 double needed(const WidgetFacts &widget)
 {
     return widget.isBold && widget.fontSize >= kLarge ? kReadableWhenLarge : kReadable;
-}
-
-QRect scaled(const QRect &rect, int scale)
-{
-    return {rect.topLeft() * scale, rect.size() * scale};
 }
 
 struct Text {
@@ -61,7 +51,7 @@ QList<Text> textsOf(const View &view, const QString &screen)
     const QImage picture(kGallery + Gallery::picturePath(view, screen));
     QList<Text> texts;
     for (const WidgetFacts &widget : readFacts(kGallery + Gallery::factsPath(view, screen))) {
-        const QRect ink = scaled(widget.ink & widget.place, view.scale);
+        const QRect ink = Gallery::devicePixels(widget.ink & widget.place, view.scale);
         if (!widget.ink.isNull() && !picture.isNull())
             texts.append({widget, Contrast::ofText(picture, ink)});
     }
