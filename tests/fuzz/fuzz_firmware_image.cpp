@@ -39,7 +39,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const auto image = readImage(flash, &why);
     require(readImage(flash).has_value() == image.has_value(), "nobody has to ask why");
     require(image.has_value() == why.isEmpty() && fuzz::isPlain(why), "a defect has a name");
-    require(!image || imageSize(flash) <= flash.size(), "an image that is read is there to its end");
+    const qint64 told = imageSize(flash);
+    require(told == 0 || told >= kImageHeaderSize, "an image has its header");
+    require(!image || (told > 0 && told <= flash.size()), "an image that is read is there to its end");
     if (!image)
         return 0;
     require(!nameOf(image->model).isEmpty() && !nameOf(image->chip).isEmpty(),
