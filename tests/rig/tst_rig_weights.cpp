@@ -86,7 +86,7 @@ void RigWeightsTest::whatGrowsIsNamed_data()
         auto all = std::make_shared<QStringList>();
         for (int number = 0; number < 100000; ++number)
             all->append(QString::number(number));
-        return [all] { *all = {}; };
+        return [all] { *all = QStringList(); };
     });
     QTest::newRow("memory") << block << QStringLiteral("resident grew by ");
     QTest::newRow("a large block") << block << QStringLiteral("heap grew by 8.");
