@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What the HID library costs, on a mock device: round trips beside hidapi's own on the same device, the time
 // from a plug to its announcement, and the processor's time and the wake-ups while nothing happens.
 #include "bench/Peer.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What the screen costs that is shown for as long as a user looks for a cable: processor time a second of the
 // animation, and memory. The screen's scale comes from QT_SCALE_FACTOR.
 

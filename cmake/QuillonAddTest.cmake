@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 # How a test is made and what it runs in. tests/support/surroundings keeps the machine out of it; how a class becomes a
 # test is told in tests/support/TestProgram.h.
 #

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 # Language level, warnings and Qt hygiene, the same for every target of this project.
 # quillon_hygiene(TARGET...) applies them; nothing leaks into a project that adds this one.
 

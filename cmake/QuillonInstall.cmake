@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 # Installs the libraries, the public headers and the package files for find_package(QuillonFirmwareUpgrade).
 include(CMakePackageConfigHelpers)
 

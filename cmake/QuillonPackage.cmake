@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 # What "cpack" makes in a build folder: on Linux an archive and Debian packages, which use the system's Qt; on Windows an
 # archive that runs where it is unpacked.
 set(CPACK_PACKAGE_NAME quillon-firmware-upgrade)

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 # The papers that a package carries: whose it is, what of others it uses, and what Debian wants to know of both. The folder
 # is where documents go.
 set(papers "${PROJECT_BINARY_DIR}/papers")

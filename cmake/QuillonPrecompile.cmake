@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 # quillon_precompile(core|windows|tests TARGET...): the headers of Qt that most files of these targets include are read once
 # for all of them. A file still names every header that it uses: where CMAKE_DISABLE_PRECOMPILE_HEADERS is set nothing of
 # this remains.

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 # The headers that hosts compile against: FirmwareUpgradeWidget.h, and below its folder what it includes, under the name
 # that it has from the root of the tree.
 set(QUILLON_PUBLIC_HEADER panel/FirmwareUpgradeWidget.h)

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 # "cmake --build BUILD --target reference" makes browsable documentation of the public headers in BUILD/reference; doxygen's
 # warnings are errors.
 find_program(QUILLON_DOXYGEN doxygen)

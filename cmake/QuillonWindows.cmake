@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 # What a library or program of this project carries on Windows besides its code. On other systems these do nothing.
 
 # quillon_windows_file(TARGET DESCRIPTION [MANIFEST]): a DLL's name without "lib", all of them in one folder with the

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 # What a package for Windows holds besides the product, so that it runs on a bare system: Qt's DLLs and plugins, and the
 # licence texts of everything in it that others wrote.
 

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 # Sourced by ./demo and ./check, which set root (the tree). What they share: the packages, and how to build.
 # shellcheck shell=bash disable=SC2154
 

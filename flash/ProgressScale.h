@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 #pragma once
 
 /// The bar runs from 0 to 100 over a whole run. A run over both chips gives each chip one half of it.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 #include "host/CommandLine.h"
 #include "host/Fonts.h"
 #include "host/Session.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What people who work with the keyboard or with a screen reader need: an order of the controls, a sign of
 // where the focus is, keys for the bar, names for what has no words on it. Called by setupUI() and
 // retranslateUI().

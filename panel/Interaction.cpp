@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // The frameless window is dragged by its top strip, and the download link underlines itself under the
 // pointer. m_dragging is set by a press on the strip and cleared by the next release. Called by Qt.
 

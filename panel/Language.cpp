@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // The panel's language: the choice that all panels of the process share, and the re-translation of one panel,
 // which also moves what is longer in another language. Sets isChinese and m_otherLanguage. Called by the
 // host, and by Qt when the language has changed.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Creates the panel's children, once, at the places of the source language (panel/Places.h). Screens only
 // show, hide, move and re-text them afterwards; retranslateUI() moves what another language needs elsewhere.
 // Every child carries the name of its member as object name. Called by the constructor.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Builds the panel, takes it down, and changes the model it serves. setDeviceModel() clears every flag of the
 // run state while the panel is idle. Called by the host.
 

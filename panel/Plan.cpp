@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Turns the four versions into a plan and says when it may change. Sets m_upgradePlan; clears
 // m_postUpgradeWaiting and m_zeroVersionCount when the first versions after an upgrade have come in. Called
 // by version reading and by the refresh.

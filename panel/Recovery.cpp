@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Recovers a device that is stuck in its boot loader, and refreshes the device's versions with a bounded
 // number of attempts. startAutoRecoverUpgrade() sets m_upgradePlan to Both; the flags of the run are set by
 // discovery before it is called and by the sequence after. Called by discovery through

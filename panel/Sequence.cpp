@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Carries a run from the click to the start of the flashing tool, and from one chip to the next.
 // Sets m_isUpgrading and the download flags, clears pcUpgradeCompleted when a run starts and sets it when its
 // PC half is done; completing a run clears m_isUpgrading and m_autoRecoverRunning and sets

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What the panel shows in each state: a choice of which children are visible, what they say, and how the bar
 // looks and reacts. The failure screen sets m_inFailureRetry and m_autoRecoverRunning and clears
 // m_isUpgrading; the waiting screen sets m_isWaitingForUSB. Called by version reading, the sequence, the

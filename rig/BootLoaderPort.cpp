@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 #include "rig/BootLoaderPort.h"
 
 #include "rig/BootLoaderSession.h"

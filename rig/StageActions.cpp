@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What scenarios do: to the device, the server and the faults directly, to the panel with the mouse or
 // through the application that holds it.
 #include "rig/ScenarioStage.h"

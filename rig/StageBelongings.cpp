@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What a panel, the update client and the flashing tool may not leave behind: scenarios mark what is there
 // and expect later that nothing has come on top.
 #include "rig/FirmwareImage.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Programs that a scenario runs, for what lies outside this process: a real server beside the simulated
 // device.
 #include "rig/ScenarioStage.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What scenarios expect to be the case at once.
 #include "rig/ScenarioStage.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Which of several panels a scenario is about, and panels that go at a moment of nobody's choosing.
 #include "rig/ScenarioStage.h"
 #include "rig/ScenarioWords.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What scenarios wait for, and the looks at rig and panel that waiting and expecting share.
 #include "rig/ScenarioStage.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What a panel that is used all day may not take more and more of: scenarios weigh the process now and then
 // and expect that the last weights are no more than earlier ones.
 #include "rig/ScenarioStage.h"

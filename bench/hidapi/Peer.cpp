@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 #include "bench/Peer.h"
 
 #include <hidapi/hidapi.h>

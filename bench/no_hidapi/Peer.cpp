@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 #include "bench/Peer.h"
 
 std::unique_ptr<Peer> openPeer(const QByteArray &)

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 # Writes the software bill of materials of a package, SPDX 2.3 in JSON:
 #   cmake -DPLATFORM=linux|windows -DPACKAGE=file -DVERSION=version -DCREATED=2026-01-31T12:00:00Z -DOUTPUT=file
 #         [-DQT=version -DUDEV=version ...] -P make_bill.cmake

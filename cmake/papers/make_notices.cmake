@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 # Writes the notices about what others wrote, of one package or of the tree:
 #   cmake -DPLATFORM=linux|windows|tree -DOUTPUT=file [-DQT=version -DUDEV=version ...] -P make_notices.cmake
 # third-party.json says what there is; for a package the versions that it was built with are given under the names that stand

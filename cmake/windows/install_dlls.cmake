@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 # Installs the DLLs that the installed programs, libraries and plugins load, and Windows does not have. Set by the caller:
 #   folder             where programs, DLLs and plugins are, below the prefix
 #   qt_folder          where Qt's DLLs are

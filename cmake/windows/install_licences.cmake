@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 # Installs the licence texts of what others wrote and the package holds: Qt and hidapi, whose texts build-dependencies has
 # left beside them, and the compiler's runtime, which is part of each binary. Set by the caller:
 #   library_licences   a folder for each library

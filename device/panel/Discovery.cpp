@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Members of the panel (panel/FirmwareUpgradeWidget.h).
 // Finds the device on the HID bus. Every list of paths, whether the HID library announced it or the panel
 // asked for it, is judged by ConnectingR2, which opens the device, starts a recovery or announces the OTG

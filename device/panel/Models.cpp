@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Members of the panel (panel/FirmwareUpgradeWidget.h).
 // What depends on the model that the panel serves: product IDs, server addresses, the prefix of image files.
 // The rest of the panel asks these functions and holds no such number of its own. Reads m_deviceModel and,

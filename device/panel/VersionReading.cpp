@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Members of the panel (panel/FirmwareUpgradeWidget.h).
 // From the device's answers to a decision: mode, both versions, the server's newest versions, the plan.
 // Counts in m_zeroVersionCount the "0.0.0" answers of a device that restarts after an upgrade. Called for

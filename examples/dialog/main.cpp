@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // An application with the panel in a dialog. The panel lives as long as the application, so a run goes on
 // when the dialog is closed; who quits during one is asked.
 #include <QuillonFirmwareUpgrade/FirmwareUpgradeWidget.h>

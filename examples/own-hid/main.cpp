@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // An application with a HID library of its own.
 #include "OrvikHIDManager.h"
 

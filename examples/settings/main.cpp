@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // An application with the panel in a page of its settings. The language is chosen on another page.
 #include <QuillonFirmwareUpgrade/FirmwareUpgradeWidget.h>
 

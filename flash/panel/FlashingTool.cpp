@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Members of the panel (panel/FirmwareUpgradeWidget.h).
 // Starts the external flashing tool for one image and one chip, and ends it when it takes too long. What the
 // run comes to is judged from the tool's progress file alone, never from its exit code. Called by the

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Members of the panel (panel/FirmwareUpgradeWidget.h).
 // Follows the flashing tool through its progress file, ten times a second, to the verdict of the run. Sets
 // m_lastProgressPercent and m_lastProgressTime, the memory of the stall detector, counts m_heldPolls, and

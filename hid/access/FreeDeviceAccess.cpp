@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Systems that leave HID devices to everybody.
 #include "hid/access/DeviceAccess.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Who uses the library, who may open the device, and how a link to it ends: by close(), by the last
 // release(), or by loseLink() from whichever thread first finds the device gone. Only the last of these is
 // announced.

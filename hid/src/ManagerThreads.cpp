@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What the library's threads do: the sender and the receiver on the open device, the bus watch on everything
 // else. Every signal is emitted from here, and never under a lock: a slot that is called directly may call
 // anything.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Reads traces that strangers sent. Nothing is taken on trust: sizes are bounded before anything is kept,
 // numbers before they are used, and what stands in a message is made printable.
 #include "probe/trace/TraceWords.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // How an event becomes a line of a trace.
 #include "probe/trace/TraceWords.h"
 

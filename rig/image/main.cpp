@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // quillon-rig-image MODEL CHIP VERSION FILE [SIZE]: writes the image that the rig's server would serve, or
 // one with a body of SIZE bytes.
 #include "rig/FirmwareImage.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What the kernel shows of this process below /proc.
 #include "rig/Belongings.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What the kernel and the C library tell of this process's memory.
 #include "rig/Weights.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Through hidraw, beside the panel, which may have the same interface open: each sees the answers to the
 // other and knows its own by the report ID.
 #include "rig/tool/UsbWire.h"

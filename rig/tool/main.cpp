@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // The stand-in for the flashing tool that ships beside the host: the same command line, the same progress
 // file, and the simulated device's boot loader in place of a real one.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Where the system offers no way to be a USB device.
 #include "rig/usb/UsbBus.h"
 

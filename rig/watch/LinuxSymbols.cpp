@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Names of functions. What a library exports the loader knows; of the others, which the panel's library keeps
 // to itself, the file's own table tells.
 #include "rig/watch/ThreadProbe.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // The time comes from the kernel itself, past the C library, whose clock the tests let run faster. The stack
 // is walked by the thread itself, in the handler of a signal.
 #include "rig/watch/ThreadProbe.h"

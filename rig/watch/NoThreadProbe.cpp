@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Where there is no short way to see what another thread does.
 #include "rig/watch/ThreadProbe.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What Windows tells of this process. It gives threads and handles no names.
 #include "rig/Belongings.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What a list of paths shows of a device, and what is remembered of it.
 #include "device/BusScan.h"
 #include "device/ModelTable.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Opening the device, losing it, finding it again.
 #include "tests/device/ScanTest.h"
 #include "tests/device/Scans.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // The reports that go to the device, byte for byte.
 #include "device/ControlMessages.h"
 #include "tests/support/TestProgram.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // One list of device paths judged: what is recognised and remembered, and which model the panel then serves.
 #include "tests/device/ScanTest.h"
 #include "tests/device/Scans.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What depends on the model: product IDs, the identity a chip is flashed under, server addresses, file
 // prefix.
 #include "tests/panel/PanelTest.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // A device that answers "0.0.0": what is waited for after an upgrade, and what is taken as it is.
 #include "tests/device/Chips.h"
 #include "tests/panel/PanelTest.h"

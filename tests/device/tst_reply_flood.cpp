@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // A device that repeats itself while the panel waits: replies nest inside one another, but not without end.
 #include "tests/device/Chips.h"
 #include "tests/support/TestProgram.h"

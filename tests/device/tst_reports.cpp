@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What the panel does with a report: the log line, what is dropped, who handles it, the answer to the mode
 // query.
 #include "tests/panel/PanelTest.h"

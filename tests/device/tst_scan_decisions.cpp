@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What a list of device paths leads to besides a connection: a recovery, or the announcement of the OTG
 // interface.
 #include "tests/device/ScanTest.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // A version reply: what is stored, what the server is asked, what the log says.
 #include "tests/device/Chips.h"
 #include "tests/panel/PanelTest.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Whole runs of a real tool, in real time: started, followed, judged.
 #include "tests/flash/FlashingTest.h"
 #include "tests/support/TestProgram.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // How the flashing tool is started, and what its start shows.
 #include "tests/flash/FlashingTest.h"
 #include "tests/support/TestProgram.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // A flashing tool that cannot be started, and how a running one ends.
 #include "tests/flash/FlashingTest.h"
 #include "tests/support/Processes.h"

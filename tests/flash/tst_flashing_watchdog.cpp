@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // A tool that never ends by itself. Registered to run with a faster clock: the watchdog waits for a minute.
 #include "tests/flash/FlashingTest.h"
 #include "tests/support/TestProgram.h"

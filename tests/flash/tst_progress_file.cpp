@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // The rules of the progress file: which line counts, and what a line says.
 #include "flash/ProgressFile.h"
 #include "tests/support/Sandbox.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Progress files that no flashing tool would write. The panel neither stops nor takes them for a success.
 #include "tests/flash/FlashingTest.h"
 #include "tests/support/Sizes.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // One poll of the progress file while the tool works: what is ignored, what is shown, what counts as a stall.
 #include "tests/flash/FlashingTest.h"
 #include "tests/support/TestProgram.h"

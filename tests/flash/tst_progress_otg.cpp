@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // From the end of the PC half to the first percents of the OTG half.
 #include "tests/flash/FlashingTest.h"
 #include "tests/support/TestProgram.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // When a percentage means that the flashing tool hangs, and where the bar stands then.
 #include "flash/ProgressScale.h"
 #include "flash/StallRule.h"

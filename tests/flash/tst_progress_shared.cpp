@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // A progress file that the tool keeps open for writing while the panel reads it.
 #include "flash/ProgressFile.h"
 #include "tests/flash/FlashingTest.h"

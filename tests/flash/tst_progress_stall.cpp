@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // When a percentage that stands still is a stall, and what becomes of the run then.
 #include "tests/flash/FlashingTest.h"
 #include "tests/support/TestProgram.h"

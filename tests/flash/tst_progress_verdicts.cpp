@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // How a flashing run ends: failed or complete.
 #include "tests/flash/FlashingTest.h"
 #include "tests/support/TestProgram.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // A panel goes down while its tool is one that the system needs long to end.
 #include "tests/flash/FlashingTest.h"
 #include "tests/support/Processes.h"

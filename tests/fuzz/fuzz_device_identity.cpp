@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Hostile descriptions of devices: report descriptors, and paths, one a line. The same input is read as both.
 #include "device/BusScan.h"
 #include "device/ModelTable.h"

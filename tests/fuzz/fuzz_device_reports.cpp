@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Hostile reports of a device, one an input, as they come from the bus: ID in front. What the panel's readers
 // make of one has to stand in it, and what they state has to fit to it.
 #include "device/ControlMessages.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Hostile reports of a host to the simulated device, in both protocols that it understands. The first byte of
 // an input says in which state the chips are, the next two which faults are armed; then come reports, each
 // behind a byte with its length.

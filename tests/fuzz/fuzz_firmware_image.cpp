@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Hostile images: what the simulated chip finds in its flash. The first byte of an input says whether the
 // digest in the header is made right, so that what is behind that check is reached.
 #include "rig/FirmwareImage.h"

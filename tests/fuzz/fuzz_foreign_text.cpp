@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Hostile texts of the update server, on their way to the screen. The first byte of an input says how the
 // rest is a text, and how often it is repeated.
 #include "panel/ForeignText.h"

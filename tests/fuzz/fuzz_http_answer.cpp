@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Hostile HTTP: the bytes with which a server, or somebody on the wire, answers the update client. The first
 // byte of an input says what the client asks for; the rest is the answer, its head included. Both ends are in
 // this process, with a real connection between them.

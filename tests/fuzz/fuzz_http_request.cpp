@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Hostile requests to the simulated update server. The first byte of an input says how large the pieces are
 // in which the rest arrives, and what stands before it.
 #include "rig/HttpMessages.h"

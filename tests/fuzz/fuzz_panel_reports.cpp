@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Hostile reports: a real panel takes whatever a device, or somebody in its place, sends. The first byte of
 // an input says in which state the panel is and what the server answers; then come reports, each behind a
 // byte with its length.

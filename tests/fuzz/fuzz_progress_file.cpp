@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Hostile progress files: what the flashing tool, or somebody in its place, may leave. The first byte of an
 // input says what lies before the rest of it in the file; the rest is read as a file, and each of its lines
 // as what one poll finds, the longer the line the later.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Hostile scenarios: reading one must end in statements or in a message that names the line, and a statement
 // must survive being written and read again. An input without a byte is a file that is not there, and
 // one that begins with an empty line is read from a file.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Hostile answers to a version query: what the update server, or whoever sits on the wire, gives as a version
 // and as notes, and what follows from such a version beside those of a device.
 #include "net/VersionAnswer.h"

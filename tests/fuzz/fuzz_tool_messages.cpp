@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Hostile flashing tools: what may come over the boot loaders' socket. The first byte of an input says in
 // which state the chips are and how the rest comes, the second one which faults are armed; the rest is what
 // arrives.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Hostile trace files: reading one must end in a trace or in a message, and a trace must survive being
 // written and read again, put into words, and played to somebody who asks all its questions. An input without
 // a byte is a file that is not there, and one that begins with an empty line is read from a file: the reader

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Plays every file of the folders it is given to a fuzz target, with any compiler: what was found once stays
 // mended.
 #include <QDir>

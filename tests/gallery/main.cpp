@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // quillon-gallery: pictures every screen of the panel.
 //   quillon-gallery FOLDER        all tours, each in a process of its own, then sheet.png and index.html
 //   quillon-gallery FOLDER VIEW   one tour; VIEW is "R2-en", "R2-zh@2x" and the like

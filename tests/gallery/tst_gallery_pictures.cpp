@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 #include "tests/gallery/PictureFile.h"
 #include "tests/gallery/Views.h"
 #include "tests/gallery/WidgetFacts.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // A host that ends without having released the HID library, in the way its argument names. tst_hid_exit
 // starts it.
 #include "tests/support/ScriptedTransport.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Which of a device's top-level collections the panel takes on Windows.
 #include "CollectionOrder.h"
 #include "tests/support/TestProgram.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Runs with a sped-up clock and measures with the same clock: a period that did not follow it would be off by
 // the speed's factor. A busy machine delays a thread as it likes, so whatever is measured is measured again
 // until it is as it should be; what is wrong never gets there.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What must hold however the device and the callers behave: no crash, no lost device, no thread or handle
 // left.
 #include "ManagerTest.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // The library as it ships, on whatever bus this machine has, and what its headers promise.
 #include "tests/support/TestProgram.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 #include "host/EventLog.h"
 #include "host/HostTexts.h"
 #include "host/HostWindow.h"

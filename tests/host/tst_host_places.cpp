@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // quillon-host in folders whose names are not made of Latin letters alone, with the user's folders there,
 // too: the paths reach the flashing tool, and a whole upgrade succeeds.
 #include "tests/support/TestProgram.h"

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 # Fails when a source of the product includes what lies above its room:
 #   cmake -DTREE=the source tree [-DWITHOUT=a room that nobody may include] -P check_includes.cmake
 cmake_minimum_required(VERSION 3.22)

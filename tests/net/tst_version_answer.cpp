@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 #include "tests/net/ClientTest.h"
 #include "tests/support/Sizes.h"
 #include "tests/support/TestProgram.h"

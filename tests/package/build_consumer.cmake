@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 # Builds a consumer in a fresh folder and runs it:
 #   cmake -DSOURCE=folder -DBUILD=folder -DTREE=folder [-DPACKAGE=folder] [-DMINGW_PREFIX=folder] [-DEXAMPLE=yes]
 #       -P build_consumer.cmake

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 # Fails when a package's bill of materials does not name the package, its digest or what it needs:
 #   cmake -DFOLDER=what make_packages.cmake has left -DPAPERS=folder -DTREE=folder -DNEEDED=name -P check_bill.cmake
 cmake_minimum_required(VERSION 3.22)

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 # Fails when Debian's packages lack what they owe their users, or bring what others have to bring:
 #   cmake -DFOLDER=what make_packages.cmake has left -P check_debian_packages.cmake
 cmake_minimum_required(VERSION 3.22)

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 # Fails when a program, a DLL or a plugin loads a DLL that neither lies beside the programs nor comes with Windows:
 #   cmake -DOBJDUMP=objdump -DFOLDER=folder of the programs -DWINDOWS=folder of Windows' DLLs -P check_dlls.cmake
 # WITHOUT=NAME looks as if that file were not there.

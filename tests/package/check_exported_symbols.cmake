@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 # Fails when a shared library exports anything but the panel's class and the two language functions, or lacks one of
 # them:
 #   cmake -DLIBRARY=libQuillonFirmwareUpgrade.so -DNM=nm -P check_exported_symbols.cmake

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 # Fails when the notices about what others wrote are not what they should be:
 #   cmake -DTREE=the source tree -DOUTPUT=file -P check_notices.cmake                                those in the tree
 #   cmake -DNOTICES=file "-DNAMED=name\;name" -DBUILT_WITH=Qt's version -P check_notices.cmake       those in a package

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // The least that a host does with the panel. Ends with 0 when the panel is there and answers to its
 // functions.
 #include <QuillonFirmwareUpgrade/FirmwareUpgradeWidget.h>

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 # Makes the packages of a build folder and unpacks them where the other tests look for them:
 #   cmake -DCPACK=cpack -DBUILD=folder -DOUTPUT=folder -P make_packages.cmake
 # OUTPUT then holds the folder "archive für alle" and, where there are Debian packages, "runtime" and "development".

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Nothing may have to be included before it.
 #include <QuillonFirmwareUpgrade/FirmwareUpgradeWidget.h>
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Compiled without access control, so that no test has to be.
 #include "tests/panel/OpenPanel.h"
 

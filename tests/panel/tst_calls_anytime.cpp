@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What a host may call, called in each of the panel's states: the model, the language, the recovery.
 #include "tests/panel/PanelInStates.h"
 #include "tests/support/HidCalls.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What a host may call, called while one of the panel's own functions waits in a nested event loop.
 #include "tests/panel/PanelTest.h"
 #include "tests/panel/Situations.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 #include "tests/panel/PhaseStage.h"
 #include "tests/panel/ScreenParts.h"
 #include "tests/support/FakeFlashingTool.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // A panel that is deleted in each of its states, by its owner or with its parent: the tool ends, the library
 // is released, and nothing that was under way comes to life afterwards.
 #include "tests/panel/PanelInStates.h"

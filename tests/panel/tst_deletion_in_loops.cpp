@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // A panel that is deleted while one of its own functions waits in a nested event loop or tells a receiver
 // something: whoever deletes it, that function ends without touching it again.
 #include "tests/panel/Situations.h"

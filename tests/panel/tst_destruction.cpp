@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // How a panel goes down: its steps and their order, the time it may take, the tool that runs, the library's
 // link.
 #include "tests/panel/PanelTest.h"

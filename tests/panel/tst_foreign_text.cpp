@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Texts from outside: what of them is shown, and that no text keeps the GUI thread.
 #include "panel/ForeignText.h"
 #include "tests/panel/PanelStage.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What a new panel knows, and what it has created.
 #include "tests/panel/PanelTest.h"
 #include "tests/support/TestProgram.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // How a panel comes up: its log, the stale progress file, the window, what it connects, the first query.
 #include "tests/panel/OpenPanel.h"
 #include "tests/support/FakeFlashingTool.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // The panel's log lines as a host gets them: with a category each, which it can filter.
 #include "tests/panel/ReadyToUpgrade.h"
 #include "tests/support/TestProgram.h"

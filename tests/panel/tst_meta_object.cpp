@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // The class as a host and Qt's meta-object system see it: bases, enumerations, who may call what, methods and
 // their order.
 #include "panel/FirmwareUpgradeWidget.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Choosing the model: what is forgotten, what is shown, and how the panel gets to the device of the new
 // model.
 #include "tests/panel/PanelTest.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // From four versions to a plan and its announcement, and the device that is too old for it.
 #include "tests/panel/PanelTest.h"
 #include "tests/support/TestProgram.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // When the versions that came in may change the plan, and what the user sees of it.
 #include "tests/panel/PanelTest.h"
 #include "tests/support/DeviceReplies.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Comparing versions, and the rules that follow from version strings alone.
 #include "panel/VersionRules.h"
 #include "tests/panel/OpenPanel.h"

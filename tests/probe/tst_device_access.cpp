@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Who may open a device on Linux, how that is noticed, and the rules file that grants it.
 #include "device/ModelTable.h"
 #include "hid/access/DenialWatch.h"

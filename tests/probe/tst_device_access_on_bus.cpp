@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Whether a device may be opened, asked of the device file that the HID library's own path leads to.
 #include "hid/access/DeviceAccess.h"
 #include "tests/probe/AsOrdinaryUser.h"

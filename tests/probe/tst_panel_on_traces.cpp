@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // The panel on devices that traces play: what a customer sends with a bug report becomes a row here.
 #include "tests/panel/OpenPanel.h"
 #include "tests/probe/TraceBus.h"

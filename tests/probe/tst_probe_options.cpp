@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // The command line: what is refused, and how.
 #include "tests/probe/ProbeRun.h"
 #include "tests/support/TestProgram.h"

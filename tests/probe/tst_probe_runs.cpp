@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // quillon-probe as a program, on devices that traces play.
 #include "tests/probe/ProbeRun.h"
 #include "tests/support/TestProgram.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What a tapped bus tells, and that a recording plays as what was recorded: here the simulated device.
 #include "probe/Link.h"
 #include "probe/trace/ReplayTransport.h"

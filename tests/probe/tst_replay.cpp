@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // A trace played as a bus, looked at as the HID library looks at it.
 #include "probe/trace/ReplayTransport.h"
 #include "tests/support/TestProgram.h"

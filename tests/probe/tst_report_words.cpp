@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What a report says, in words.
 #include "device/ControlMessages.h"
 #include "probe/ReportWords.h"

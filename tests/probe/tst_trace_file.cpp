@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // The text of a trace: what is read, what is refused, and that what is written is read again.
 #include "probe/trace/Trace.h"
 #include "tests/support/Sizes.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 #include "rig/DeviceReplies.h"
 #include "rig/RegisterReports.h"
 #include "tests/support/TestProgram.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 #include "rig/watch/StallRule.h"
 #include "tests/rig/Standstill.h"
 #include "tests/rig/WatchedScenario.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What the watch calls time, in a process whose clock runs many times as fast.
 #include "rig/watch/StallRule.h"
 #include "tests/rig/Standstill.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 #include "device/ModelTable.h"
 #include "net/VersionAnswer.h"
 #include "server/publish/Project.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Whoever looks at a site finds what was served before or what is published now, whole, whenever
 // quillon-publish is killed; and the next one is none the worse for it.
 #include "server/publish/Site.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // nginx with this tree's configuration, asked what the panel asks, by the panel's own client where that
 // matters.
 #include "device/ModelTable.h"

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 # Sourced by scripts that play many scenarios, several at the same time, and keep what is known of those that fail. They set
 #   kind             what a scenario is called, such as "storm"
 #   build            the build folder

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Prints the scenario of a day: so many upgrades by the same panel.
 #include "tests/soak/Day.h"
 

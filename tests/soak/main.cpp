@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Prints the storm of a seed: a scenario for quillon-host.
 #include "tests/soak/Storm.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // umockdev redirects what a process asks of /sys, /dev and the system's events to a folder, and hands the
 // calls on a device file to us. The device file itself is one end of a pseudo terminal: it can be waited for,
 // and hangs up.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Stands in for the flashing tool in tests. The rig's takes an image to a chip; this one does any one thing,
 // in any order, and starts at once, for it does without Qt: on a test's faster clock a start takes its time.
 // What it does is told by the environment variable QUILLON_FAKE_TOOL, one instruction a line, carried out in

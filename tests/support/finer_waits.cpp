@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Preloaded before faketime, which makes a wait of poll() and ppoll() shorter as its clock is faster, but not
 // exactly: of poll() it leaves whole milliseconds, so that an event loop ten times as fast does not sleep
 // through the last nine before a timer but goes round and round, thousands of times a second; and of ppoll()

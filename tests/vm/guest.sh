@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 # Sourced by tests/vm/run, which sets root, build and cache. Puts together what the virtual machine boots: Debian's own
 # kernel and udevd, unpacked and not installed, and the shipping libraries with everything they load.
 # shellcheck shell=bash disable=SC2154

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 #include "tests/support/TestProgram.h"
 #include "tests/widgets/BarInside.h"
 #include "tests/widgets/Pointer.h"

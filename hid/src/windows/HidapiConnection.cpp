@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // hidapi is used with care for what it does not guard: one error text for the process, touched by open and
 // close, and one for each handle, touched by every read and write. So one lock covers open and close, and a
 // connection has two handles, one for the receive thread and one for the send thread.

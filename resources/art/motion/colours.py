@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 """The panel's colours and the shades of the objects that stand on it, as (red, green, blue)."""
 
 BACKGROUND = (31, 32, 40)

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 """The backs of the two devices: one family, two bodies."""
 
 from dataclasses import dataclass

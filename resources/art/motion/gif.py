@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 """Packs frames as an animated GIF: one palette for all frames, no dithering, only the changed rectangle stored.
 
 Frames are RGBA bytes of the same size, opaque, in the machine's byte order.

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 """Port names as single-stroke lettering, so that no font has to be installed to draw them.
 
 Every letter stands on a cap height of 8 units with y running down; the number is its advance width.

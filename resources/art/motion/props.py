@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 """What a device is connected with and to: plugs, cables, the computer, the power adapter."""
 
 from dataclasses import dataclass

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 """SVG building blocks. Lengths are panel pixels; the picture is 408 x 128 of them.
 
 Objects stand in an oblique projection: faces that look at the viewer are undistorted, so that port names stay

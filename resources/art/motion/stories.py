@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Quillon
+# SPDX-License-Identifier: LicenseRef-Quillon
+
 """What happens in each animation, and when. Times are seconds from the start of the loop."""
 
 from dataclasses import dataclass

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // A progress file that a virus scanner, an editor or an old tool keeps to itself, which Windows lets it do.
 #include "system/SharedFile.h"
 #include "tests/flash/FlashingTest.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // The processes of a flashing tool on Windows: its console, the helpers that it starts, and what outlives
 // whom.
 #include "system/ToolProcess.h"

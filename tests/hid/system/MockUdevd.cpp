@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Definitions in the test's executable take the place of those in the C library and in libudev.
 #include "MockUdevd.h"
 

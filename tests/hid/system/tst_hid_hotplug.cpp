@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Devices come, are served, and go.
 #include "MockBusTest.h"
 #include "MockUdevd.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What an open device costs while it has nothing to say, and that nobody has to wait for it either.
 #include "MockBusTest.h"
 #include "MockUdevd.h"

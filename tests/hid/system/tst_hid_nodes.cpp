@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Which nodes the library lists, which it opens, and when it tries again.
 #include "MockBusTest.h"
 #include "MockUdevd.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // A cable that is pulled at random moments: no crash, no lost device, no thread or handle left. The same as
 // tst_hid_stress, with hidraw and libudev underneath.
 #include "MockBusTest.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // What the system tells of devices that come and go, on a system that tells it, does not, or tells it at a
 // bad moment.
 #include "tests/support/TestProgram.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // quillon-host opens no console of its own on Windows, and what it prints still arrives, in every script.
 #include "tests/host/HostRun.h"
 #include "tests/support/TestProgram.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // An image file that another program, a virus scanner for example, has open when the download wants to write
 // it.
 #include "tests/net/ClientTest.h"

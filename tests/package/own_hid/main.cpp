@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Drives the panel over the customer's own HID library: the device is announced, opened, asked, and the panel
 // tells which version it found.
 #include <HIDCommunicator/OrvikHIDManager.h>

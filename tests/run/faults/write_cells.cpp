@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
 // Every fault through a whole run, at every plan and on both models:
 //   fault_cells                  lists the cells of that table
 //   fault_cells --all FOLDER     writes the scenario of each into the folder
