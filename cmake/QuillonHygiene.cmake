@@ -22,6 +22,11 @@ function(quillon_hygiene)
         target_compile_options(${target} PRIVATE
             $<$<CXX_COMPILER_ID:GNU,Clang>:-Wall -Wextra -Wpedantic>
             $<$<AND:$<BOOL:${QUILLON_WARNINGS_AS_ERRORS}>,$<CXX_COMPILER_ID:GNU,Clang>>:-Werror>)
+        # GCC keeps values in registers that its own copy of an inline function leaves alone. On Windows the linker may
+        # take another file's copy, which does not.
+        if(MINGW)
+            target_compile_options(${target} PRIVATE $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fno-ipa-ra>)
+        endif()
         if(QUILLON_SANITIZE)
             # Undefined behaviour that is only reported would fail no test.
             target_compile_options(${target} PRIVATE -fsanitize=${QUILLON_SANITIZE} -fno-sanitize-recover=all
