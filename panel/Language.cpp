@@ -100,7 +100,7 @@ void FirmwareUpgradeWidget::retranslateUI()
     Log::panel() << "Detected language switch. The language after switching is: " << shownLanguage().name;
     m_titleLabel->setText(tr(Texts::kTitle));
     m_tooOldLb->setText(tr(Texts::kTooOld));
-    m_tooOldLb->setStyleSheet(Styles::label(Styles::kTooOld, fontFamily()));
+    Styles::give(*m_tooOldLb, Styles::label(Styles::kTooOld, fontFamily()));
     retranslateOfflineTool();
     Log::panel() << " ####retranslateUI isNeedUpgrade is: " << isUpgradePlanned();
     retranslateLabels();
@@ -122,10 +122,10 @@ void FirmwareUpgradeWidget::retranslateUI()
 void FirmwareUpgradeWidget::retranslateOfflineTool()
 {
     m_offlineToolTipLb->setText(tr(Texts::kUseOfflineTool));
-    m_offlineToolTipLb->setStyleSheet(Styles::label(Styles::kOfflineTool, fontFamily()));
+    Styles::give(*m_offlineToolTipLb, Styles::label(Styles::kOfflineTool, fontFamily()));
     m_offlineToolTipLb->adjustSize();
     m_offlineToolLinkLb->setText(offlineToolLink(false));
-    m_offlineToolLinkLb->setStyleSheet(Styles::offlineToolLink(fontFamily()));
+    Styles::give(*m_offlineToolLinkLb, Styles::offlineToolLink(fontFamily()));
     m_offlineToolLinkLb->adjustSize();
     // A panel that its user has closed for the moment shows the line again when it comes back.
     if (!m_offlineToolTipLb->isHidden())
@@ -157,8 +157,8 @@ void FirmwareUpgradeWidget::retranslateLabels()
             label->setText(tr(row.text));
         label->setGeometry(row.place.in(shownLanguage()));
     }
-    m_newVerLb->setStyleSheet(Styles::label(Styles::kNewVersion, fontFamily()));
-    m_curVerLb->setStyleSheet(Styles::label(Styles::kCurrentVersion, fontFamily()));
+    Styles::give(*m_newVerLb, Styles::label(Styles::kNewVersion, fontFamily()));
+    Styles::give(*m_curVerLb, Styles::label(Styles::kCurrentVersion, fontFamily()));
 }
 
 /// Shows the notes that the last successful query left, in the language that is shown now.
@@ -167,7 +167,7 @@ void FirmwareUpgradeWidget::retranslateNotes()
     const QString notes = currentReleaseNotes();
     if (!notes.isEmpty())
         m_notesEdit->setPlainText(isUpgradePlanned() ? notes : QStringLiteral("--"));
-    m_notesEdit->setStyleSheet(Styles::notes(fontFamily()));
+    Styles::give(*m_notesEdit, Styles::notes(fontFamily()));
 }
 
 void FirmwareUpgradeWidget::retranslateUpgradeText()
@@ -175,7 +175,7 @@ void FirmwareUpgradeWidget::retranslateUpgradeText()
     if (isRetryScreen()) {
         m_upgradeTextLb->setGeometry(Places::kRetry.in(shownLanguage()));
         m_upgradeTextLb->setText(tr(Texts::kRetry));
-        m_upgradeTextLb->setStyleSheet(Styles::retryText(fontFamily()));
+        Styles::give(*m_upgradeTextLb, Styles::retryText(fontFamily()));
         return;
     }
     const Place &place = isUpgradePlanned() ? Places::kUpgradeBesideRocket : Places::kUpgradeAlone;

@@ -8,6 +8,7 @@
 #include "panel/Colours.h"
 #include "panel/FirmwareUpgradeWidget.h"
 #include "panel/LanguageTable.h"
+#include "panel/Pictures.h"
 #include "panel/Places.h"
 #include "panel/Styles.h"
 #include "panel/Texts.h"
@@ -15,7 +16,6 @@
 #include "widgets/SharpMovieLabel.h"
 #include "widgets/WholeLinesEdit.h"
 
-#include <QIcon>
 #include <QLabel>
 #include <QMovie>
 #include <QPushButton>
@@ -44,8 +44,7 @@ QLabel *addPicture(QWidget *parent, const char *name, const char *file, const Pl
                    const QString &style = Styles::kTransparent)
 {
     QLabel *label = addLabel(parent, name, place, style);
-    label->setPixmap(QIcon(QStringLiteral(":/new/prefix1/image/") + QLatin1String(file))
-                         .pixmap(place.in(sourceLanguage()).size()));
+    label->setPixmap(Pictures::scaled(file, place.in(sourceLanguage()).size()));
     return label;
 }
 } // namespace

@@ -89,7 +89,7 @@ void FirmwareUpgradeWidget::showUpgradeAvailableScreen()
     m_rocketLb->show();
     m_upgradeTextLb->setGeometry(Places::kUpgradeBesideRocket.in(shownLanguage()));
     m_upgradeTextLb->show();
-    m_upgradeTextLb->setStyleSheet(Styles::label(Styles::kBarReady));
+    Styles::give(*m_upgradeTextLb, Styles::label(Styles::kBarReady));
     m_upgradeTextLb->raise();
     m_noNewFirmwareLb->hide();
     showAll({m_newVerTitleLb, m_newVerDotLb, m_newVerLb});
@@ -111,7 +111,7 @@ void FirmwareUpgradeWidget::showUpToDateScreen()
     m_notesEdit->setPlainText(QStringLiteral("--"));
     m_upgradeTextLb->setText(tr(Texts::kUpgradeNow));
     m_upgradeTextLb->setGeometry(Places::kUpgradeAlone.in(shownLanguage()));
-    m_upgradeTextLb->setStyleSheet(Styles::label(Styles::kBarDimmed));
+    Styles::give(*m_upgradeTextLb, Styles::label(Styles::kBarDimmed));
     m_upgradeTextLb->show();
     upgradeProgDisPlay->hide();
 }
@@ -179,7 +179,7 @@ void FirmwareUpgradeWidget::showRetryOffer()
     showAll({m_failIconLb, m_failTextLb});
     hideAll({m_rocketLb, m_waitingIconLb, m_upgradingLb});
     m_upgradeTextLb->setText(tr(Texts::kRetry));
-    m_upgradeTextLb->setStyleSheet(Styles::retryText(fontFamily()));
+    Styles::give(*m_upgradeTextLb, Styles::retryText(fontFamily()));
     m_upgradeTextLb->setGeometry(Places::kRetry.in(shownLanguage()));
     m_upgradeTextLb->show();
 }

@@ -4,6 +4,7 @@
 #include "panel/Styles.h"
 
 #include <QStringList>
+#include <QWidget>
 
 namespace QuillonFirmwareUpgrade::Styles {
 
@@ -49,6 +50,12 @@ QString notes(const QString &family)
                "QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical {"
                "  background: transparent;  border: none;}")
         .arg(family);
+}
+
+void give(QWidget &widget, const QString &style)
+{
+    if (widget.styleSheet() != style)
+        widget.setStyleSheet(style);
 }
 
 } // namespace QuillonFirmwareUpgrade::Styles

@@ -7,6 +7,8 @@
 
 #include <QString>
 
+class QWidget;
+
 /// The style sheets of the panel's children. Where a style names a font family, it is that of the language
 /// shown.
 namespace QuillonFirmwareUpgrade::Styles {
@@ -50,6 +52,10 @@ QString label(const LabelStyle &style, const QString &family = sourceLanguage().
 QString retryText(const QString &family);
 QString offlineToolLink(const QString &family);
 QString notes(const QString &family);
+
+/// Has \a widget follow \a style. One that follows it already is left alone: to read a style sheet and to
+/// lay the widget out again costs as much as to create it.
+void give(QWidget &widget, const QString &style);
 
 inline const QString kTransparent = QStringLiteral("QLabel{background: transparent; border: none;}");
 inline const QString kLine

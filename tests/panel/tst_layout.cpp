@@ -5,7 +5,9 @@
 #include "tests/support/TestProgram.h"
 
 #include <QIcon>
+#include <QLabel>
 #include <QMovie>
+#include <QPixmapCache>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -47,6 +49,8 @@ private Q_SLOTS:
     void showsHowToConnect_data();
     void showsHowToConnect();
     void scalesTheAnimation();
+    void decodesEachPictureOnce_data();
+    void decodesEachPictureOnce();
     void showsOnlyCardNotesAndBarAtFirst();
     void closes();
     void connectsTheTwoButtonsOnly();
@@ -206,6 +210,28 @@ void LayoutTest::scalesTheAnimation()
 {
     const FreshWidgets fresh;
     QVERIFY(fresh.panel->animation()->hasScaledContents());
+}
+
+void LayoutTest::decodesEachPictureOnce_data()
+{
+    QTest::addColumn<QString>("label");
+    for (const Row &row : rows()) {
+        if (!row.picture.isEmpty())
+            QTest::newRow(row.name) << QString::fromLatin1(row.name);
+    }
+}
+
+void LayoutTest::decodesEachPictureOnce()
+{
+    QFETCH(QString, label);
+    const auto keyInAFreshPanel = [&label] {
+        const PanelStage stage;
+        return stage.panel->findChild<QLabel *>(label)->pixmap().cacheKey();
+    };
+    const qint64 first = keyInAFreshPanel();
+    // Qt's own store of pictures would give one back, too, for a while.
+    QPixmapCache::clear();
+    QCOMPARE(keyInAFreshPanel(), first);
 }
 
 void LayoutTest::showsOnlyCardNotesAndBarAtFirst()

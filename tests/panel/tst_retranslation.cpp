@@ -6,7 +6,9 @@
 #include "tests/support/TestProgram.h"
 #include "widgets/ClickableProgressBar.h"
 
+#include <QEvent>
 #include <QLabel>
+#include <QScopeGuard>
 #include <QTest>
 #include <QTextEdit>
 
@@ -129,6 +131,28 @@ void compareLabel(const OpenPanel &panel, const Translated &expected)
 
 Q_DECLARE_METATYPE(LabelRow)
 
+namespace {
+/// How often a widget has read a style sheet.
+class StyleCount : public QObject {
+public:
+    explicit StyleCount(const QList<QLabel *> &labels)
+    {
+        for (QLabel *label : labels) {
+            label->ensurePolished();
+            label->installEventFilter(this);
+        }
+    }
+    int times = 0;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        times += event->type() == QEvent::StyleChange;
+        return QObject::eventFilter(watched, event);
+    }
+};
+} // namespace
+
 class RetranslationTest : public QObject {
     Q_OBJECT
 
@@ -140,6 +164,7 @@ private Q_SLOTS:
     void centresTheOfflineToolLineWhenItShows();
     void leavesAHiddenOfflineToolLineWhereItIs();
     void stylesTheNotes();
+    void readsAStyleSheetOnlyWhenItChanges();
     void logsBetweenItsSteps();
 };
 
@@ -215,6 +240,19 @@ void RetranslationTest::stylesTheNotes()
     QCOMPARE(stage.panel->notes()->styleSheet(), labelStyle(kNotes, "Segoe UI"));
     setLanguage(Language::Chinese);
     QCOMPARE(stage.panel->notes()->styleSheet(), labelStyle(kNotes, "Microsoft YaHei"));
+}
+
+void RetranslationTest::readsAStyleSheetOnlyWhenItChanges()
+{
+    const PanelStage stage;
+    const auto chineseAgain = qScopeGuard([] { setLanguage(Language::Chinese); });
+    OpenPanel &panel = *stage.panel;
+    StyleCount count({panel.tooOldText(), panel.newVersion(), panel.currentVersion()});
+    panel.retranslate();
+    QCOMPARE(count.times, 0);
+    setLanguage(Language::English);
+    QVERIFY(count.times > 0);
+    QVERIFY(panel.tooOldText()->styleSheet().contains(u"Segoe UI"_s));
 }
 
 void RetranslationTest::logsBetweenItsSteps()
