@@ -5,6 +5,8 @@
 
 #include <QLoggingCategory>
 
+#include <optional>
+
 namespace Log {
 
 namespace {
@@ -13,33 +15,37 @@ Q_LOGGING_CATEGORY(hidCategory, "quillon.hid")
 Q_LOGGING_CATEGORY(netCategory, "quillon.net")
 Q_LOGGING_CATEGORY(flashCategory, "quillon.flash")
 
-QDebug lineOf(const QLoggingCategory &category)
+Line lineOf(const QLoggingCategory &category)
 {
-    return QMessageLogger().debug(category).noquote();
+    if (!category.isDebugEnabled())
+        return Line(std::nullopt);
+    return Line(QMessageLogger().debug(category).noquote());
 }
 } // namespace
 
-QDebug panel()
+Line panel()
 {
     return lineOf(panelCategory());
 }
 
-QDebug panelWarning()
+Line panelWarning()
 {
-    return QMessageLogger().warning(panelCategory()).noquote();
+    if (!panelCategory().isWarningEnabled())
+        return Line(std::nullopt);
+    return Line(QMessageLogger().warning(panelCategory()).noquote());
 }
 
-QDebug hid()
+Line hid()
 {
     return lineOf(hidCategory());
 }
 
-QDebug net()
+Line net()
 {
     return lineOf(netCategory());
 }
 
-QDebug flash()
+Line flash()
 {
     return lineOf(flashCategory());
 }

@@ -2,11 +2,15 @@
 // SPDX-License-Identifier: LicenseRef-Quillon
 
 // The panel's log lines as a host gets them: with a category each, which it can filter.
+#include "system/Log.h"
 #include "tests/panel/ReadyToUpgrade.h"
 #include "tests/support/TestProgram.h"
 
 #include <QLoggingCategory>
 #include <QMultiMap>
+#include <QScopeGuard>
+
+#include <functional>
 
 using namespace Qt::StringLiterals;
 
@@ -44,7 +48,50 @@ private Q_SLOTS:
     void everyLineOfAPlayHasOne();
     void aHostCanFilter();
     void piecesAreSeparatedByOneBlank();
+    void aLineThatNobodyHearsIsNotMade_data();
+    void aLineThatNobodyHearsIsNotMade();
 };
+
+namespace {
+/// Counts how often it was made a text.
+struct Piece {
+    int &times;
+};
+
+QDebug operator<<(QDebug line, const Piece &piece)
+{
+    ++piece.times;
+    return line << "piece";
+}
+} // namespace
+
+void LogTest::aLineThatNobodyHearsIsNotMade_data()
+{
+    QTest::addColumn<QString>("category");
+    QTest::addColumn<std::function<Log::Line()>>("line");
+    using Make = std::function<Log::Line()>;
+    QTest::newRow("the panel") << u"quillon.panel.debug"_s << Make(Log::panel);
+    QTest::newRow("a warning of the panel's") << u"quillon.panel.warning"_s << Make(Log::panelWarning);
+    QTest::newRow("the bus") << u"quillon.hid.debug"_s << Make(Log::hid);
+    QTest::newRow("the update server") << u"quillon.net.debug"_s << Make(Log::net);
+    QTest::newRow("the flashing tool") << u"quillon.flash.debug"_s << Make(Log::flash);
+}
+
+void LogTest::aLineThatNobodyHearsIsNotMade()
+{
+    QFETCH(QString, category);
+    QFETCH(std::function<Log::Line()>, line);
+    const Sorter sorter;
+    const auto allOn = qScopeGuard([] { QLoggingCategory::setFilterRules({}); });
+    int times = 0;
+    line() << Piece{times};
+    QCOMPARE(times, 1);
+    QCOMPARE(linesByCategory.size(), 1);
+    QLoggingCategory::setFilterRules(category + u"=false"_s);
+    line() << Piece{times};
+    QCOMPARE(times, 1);
+    QCOMPARE(linesByCategory.size(), 1);
+}
 
 namespace {
 /// A little of everything: a panel comes up, looks at the bus, downloads, fails to flash.
