@@ -5,11 +5,15 @@
 
 #include "system/SharedFile.h"
 
+#include <QByteArrayView>
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QStringList>
+#include <QStringView>
+
+#include <algorithm>
 
 namespace ProgressFile {
 
@@ -17,21 +21,31 @@ namespace {
 /// A report takes a few bytes; what lies further back than this is not read, however large the file is.
 constexpr qint64 kTail = qint64(64) * 1024;
 
+/// A tool that writes on between the question for the file's size and the reading adds no more.
+constexpr qint64 kAddedMeanwhile = 64;
+
 QString folder()
 {
     return QDir::homePath() + QStringLiteral("/AppData/Roaming/OrvikQuillon2x2");
+}
+
+QString fileIn(const QString &folder)
+{
+    return folder + QStringLiteral("/Firmware_bin.txt");
 }
 } // namespace
 
 QString path()
 {
-    return folder() + QStringLiteral("/Firmware_bin.txt");
+    return fileIn(folder());
 }
 
 QString pathWithFolder()
 {
-    QDir().mkpath(folder());
-    return path();
+    const QString home = folder();
+    if (!QFileInfo::exists(home))
+        QDir().mkpath(home);
+    return fileIn(home);
 }
 
 QString clear(const QString &path)
@@ -66,18 +80,20 @@ Reading read(const QString &path, const QString &leftover)
 
 std::optional<QString> lastLine(QIODevice &file)
 {
-    const bool isWhole = file.size() <= kTail;
+    const qint64 size = file.size();
+    const bool isWhole = size <= kTail;
     if (!isWhole)
-        file.seek(file.size() - kTail);
-    QByteArray tail = file.read(kTail);
-    if (tail.isEmpty())
+        file.seek(size - kTail);
+    const QByteArray read = file.read(std::min(size + kAddedMeanwhile, kTail));
+    if (read.isEmpty())
         return std::nullopt;
+    QByteArrayView tail(read);
     if (tail.endsWith('\n'))
         tail.chop(1);
     const qsizetype lineEnd = tail.lastIndexOf('\n');
     if (lineEnd < 0 && !isWhole)
         return QString();
-    return QString::fromUtf8(tail.mid(lineEnd + 1)).trimmed();
+    return QString::fromUtf8(tail.sliced(lineEnd + 1)).trimmed();
 }
 
 Report judge(const QString &line)
@@ -89,7 +105,7 @@ Report judge(const QString &line)
     if (!line.endsWith(u'%'))
         return {};
     bool isNumber = false;
-    const int percentage = line.chopped(1).toInt(&isNumber);
+    const int percentage = QStringView(line).chopped(1).toInt(&isNumber);
     return isNumber ? Report{Report::Kind::Percentage, percentage} : Report{};
 }
 

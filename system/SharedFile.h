@@ -10,7 +10,7 @@ class QString;
 namespace SharedFile {
 
 /// Opens \a file for reading text. Whoever else has it open may go on to write it, and may delete it. As
-/// QFile::open() otherwise.
+/// QFile::open() otherwise. What is read goes straight into the caller's buffer: the files are small.
 bool openForReading(QFile &file);
 
 /// Whether another program has the file at \a path open in a way that keeps this one from reading or from

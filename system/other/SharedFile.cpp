@@ -7,9 +7,13 @@
 
 namespace SharedFile {
 
+namespace {
+constexpr QIODevice::OpenMode kForReading = QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered;
+} // namespace
+
 bool openForReading(QFile &file)
 {
-    return file.open(QIODevice::ReadOnly | QIODevice::Text);
+    return file.open(kForReading);
 }
 
 bool isHeld(const QString &)

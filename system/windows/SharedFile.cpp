@@ -15,6 +15,8 @@
 namespace SharedFile {
 
 namespace {
+constexpr QIODevice::OpenMode kForReading = QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered;
+
 /// As QFile asks for it: without the limit on a path's length.
 QString nativePath(const QString &path)
 {
@@ -41,7 +43,7 @@ bool openForReading(QFile &file)
         CloseHandle(handle);
         return false;
     }
-    if (file.open(descriptor, QIODevice::ReadOnly | QIODevice::Text, QFileDevice::AutoCloseHandle))
+    if (file.open(descriptor, kForReading, QFileDevice::AutoCloseHandle))
         return true;
     _close(descriptor);
     return false;

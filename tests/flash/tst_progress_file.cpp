@@ -20,10 +20,12 @@ class CountingBuffer : public QBuffer {
 public:
     using QBuffer::QBuffer;
     qint64 bytesRead = 0;
+    qint64 bytesAsked = 0;
 
 protected:
     qint64 readData(char *data, qint64 length) override
     {
+        bytesAsked += length;
         const qint64 read = QBuffer::readData(data, length);
         bytesRead += std::max<qint64>(read, 0);
         return read;
@@ -41,6 +43,7 @@ private Q_SLOTS:
     void lastLineCounts_data();
     void lastLineCounts();
     void aFileWithoutALineHasNone();
+    void aSmallFileTakesASmallBuffer();
     void aLineSays_data();
     void aLineSays();
     void aLargeFileIsReadFromItsEnd_data();
@@ -93,6 +96,15 @@ void ProgressFileTest::aFileWithoutALineHasNone()
     QBuffer file;
     QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Text));
     QVERIFY(!ProgressFile::lastLine(file).has_value());
+}
+
+void ProgressFileTest::aSmallFileTakesASmallBuffer()
+{
+    CountingBuffer file;
+    file.setData("12%\n55%\n");
+    QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered));
+    QCOMPARE(ProgressFile::lastLine(file), u"55%"_s);
+    QVERIFY2(file.bytesAsked < 200, qPrintable(QString::number(file.bytesAsked)));
 }
 
 void ProgressFileTest::aLineSays_data()
