@@ -204,6 +204,7 @@ private:
     enum class ToolHelpers { End, Stay };
     ToolHelpers helpersOfTheTool() const;
     void killTool(ToolHelpers helpers = ToolHelpers::End);
+    void bringPollForward();
 
     // ---- Progress of the tool: flash/panel/ProgressMonitor.cpp ----
     QString firmwareTxtPath() const;

@@ -18,6 +18,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QTimer>
+#include <QTimerEvent>
 
 #include <chrono>
 
@@ -102,6 +103,14 @@ void FirmwareUpgradeWidget::onDfuProcessFinished(int exitCode, QProcess::ExitSta
     Log::flash() << "OrvikFirmwareUpdata.exe process exit, exitCode=" << exitCode;
     if (m_dfuTimeoutTimer->isActive())
         m_dfuTimeoutTimer->stop();
+    bringPollForward();
+}
+
+/// The tool's last words are in its file by now, and its user waits: the timer fires once out of its turn.
+void FirmwareUpgradeWidget::bringPollForward()
+{
+    if (m_progressTimer->isActive())
+        QCoreApplication::postEvent(m_progressTimer, new QTimerEvent(m_progressTimer->timerId()));
 }
 
 void FirmwareUpgradeWidget::onDfuTimeout()

@@ -26,6 +26,8 @@ private Q_SLOTS:
     void itsEndDecidesNothing_data();
     void itsEndDecidesNothing();
     void itsEndIsHeardWithoutAWatchdog();
+    void itsReportIsReadAsSoonAsItHasEnded();
+    void anEndWithoutAPollStartsNone();
     void theTimeLimitKills();
     void theTimeLimitOfAnEndedToolDoesNothing();
     void whatItSaysIsNotRead();
@@ -159,6 +161,31 @@ void FlashingToolEndTest::itsEndIsHeardWithoutAWatchdog()
     stage().log.clear();
     panel().endTool(7, QProcess::NormalExit);
     QCOMPARE(stage().log.lines(), QStringList(u"OrvikFirmwareUpdata.exe process exit, exitCode= 7"_s));
+}
+
+void FlashingToolEndTest::itsReportIsReadAsSoonAsItHasEnded()
+{
+    panel().pretendPlan(UpgradePlan::PcOnly);
+    panel().pretendUpgrading(true);
+    panel().pollTimer()->setInterval(1h);
+    stage().tool.obeys("write success 1");
+    start();
+    QTRY_VERIFY_WITH_TIMEOUT(!panel().isUpgrading(), 5000);
+    QVERIFY(stage().log.lines().contains(u"Successfully upgrade !!!"_s));
+    QCOMPARE(panel().pollTimer()->interval(), 3'600'000);
+}
+
+/// A verdict that was reached before the tool has ended is not reached again.
+void FlashingToolEndTest::anEndWithoutAPollStartsNone()
+{
+    panel().pretendPlan(UpgradePlan::PcOnly);
+    panel().pretendUpgrading(true);
+    stage().tool.obeys("write success 1");
+    start();
+    panel().pollTimer()->stop();
+    QTRY_COMPARE_WITH_TIMEOUT(panel().tool()->state(), QProcess::NotRunning, 5000);
+    QTest::qWait(50);
+    QVERIFY(panel().isUpgrading());
 }
 
 void FlashingToolEndTest::theTimeLimitKills()
