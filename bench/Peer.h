@@ -4,10 +4,13 @@
 #pragma once
 
 #include <QByteArray>
+#include <QList>
+#include <QString>
 
+#include <functional>
 #include <memory>
 
-/// Another library's way to a device, to measure ours against.
+/// Another way to a device, to measure the HID library's against.
 class Peer {
 public:
     virtual ~Peer() = default;
@@ -15,8 +18,14 @@ public:
     virtual bool ask(const QByteArray &report) = 0;
 };
 
-/// The device behind \a deviceFile; null when it could not be opened.
-std::unique_ptr<Peer> openPeer(const QByteArray &deviceFile);
+struct OtherWay {
+    QString name;
+    QString wanted; ///< of the library, beside this way
+    /// The device behind a device file; null when it could not be opened.
+    std::function<std::unique_ptr<Peer>(const QByteArray &deviceFile)> open;
+};
 
-/// Whether this machine had one to build with.
-bool hasPeer();
+std::unique_ptr<Peer> openRawPeer(const QByteArray &deviceFile);
+
+/// All that this program was built with: the system's calls alone, and, where the machine had it, hidapi.
+QList<OtherWay> otherWays();

@@ -1,9 +1,13 @@
 // SPDX-FileCopyrightText: 2026 Quillon
 // SPDX-License-Identifier: LicenseRef-Quillon
 
-// What the HID library costs, on a mock device: round trips beside hidapi's own on the same device, the time
-// from a plug to its announcement, and the processor's time and the wake-ups while nothing happens.
+// What the HID library costs, on a mock device: round trips beside those of others on the same device, the
+// time from a plug to its announcement beside that to the system's own, and what it takes while nothing
+// happens.
 #include "bench/Peer.h"
+#include "bench/ProcessorTime.h"
+#include "bench/Results.h"
+#include "bench/SystemAnnouncements.h"
 #include "tests/support/MockBus.h"
 #include "tests/support/ProgramThreads.h"
 
@@ -12,17 +16,16 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
+#include <QList>
+#include <QStringList>
 #include <QTimer>
 
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
-#include <cstdio>
-#include <ctime>
 #include <mutex>
 #include <optional>
 #include <thread>
-#include <vector>
 
 using namespace std::chrono_literals;
 using HIDCommunicator::OrvikHIDManager;
@@ -34,20 +37,11 @@ using Microseconds = std::chrono::duration<double, std::micro>;
 
 constexpr int kVendorId = 0x352F;
 constexpr int kProductId = 0x000E;
-constexpr int kBlocks = 20;
 constexpr int kRoundTripsEach = 50;
-constexpr int kPlugs = 50;
-constexpr std::chrono::seconds kIdle{30};
 
 OrvikHIDManager &manager()
 {
     return *OrvikHIDManager::instance();
-}
-
-[[noreturn]] void giveUp(const char *what)
-{
-    std::fprintf(stderr, "hid_bench: given up: %s\n", what);
-    std::exit(1);
 }
 
 /// The question for the device's mode.
@@ -58,18 +52,10 @@ QByteArray question()
         .leftJustified(65, '\0');
 }
 
-struct Times {
-    std::vector<double> us;
-
-    void add(Clock::duration time) { us.push_back(Microseconds(time).count()); }
-    double percentile(int percent)
-    {
-        std::sort(us.begin(), us.end());
-        return us.at((us.size() - 1) * std::size_t(percent) / 100);
-    }
-    double median() { return percentile(50); }
-    double worst() { return percentile(100); }
-};
+double us(Clock::duration time)
+{
+    return Microseconds(time).count();
+}
 
 /// Rung on one of the library's threads, by a slot called directly; another thread waits for it.
 class Bell {
@@ -114,34 +100,34 @@ void openThroughLibrary(const MockDevice &device)
     manager().createOrvikReceiveDataThread();
 }
 
-void measureLibrary(const MockDevice &device, Bell &reply, Times &times)
+void measureLibrary(const MockDevice &device, Bell &reply, Samples &times)
 {
     openThroughLibrary(device);
     for (int trip = 0; trip < kRoundTripsEach; ++trip) {
         reply.silence();
         const Clock::time_point asked = Clock::now();
         manager().DC_AddSendData(question());
-        times.add(reply.wait("a reply through the library") - asked);
+        times.values.append(us(reply.wait("a reply through the library") - asked));
     }
     manager().disconnectDevice(0);
 }
 
-void measurePeer(const MockDevice &device, Times &times)
+void measurePeer(const OtherWay &way, const MockDevice &device, Samples &times)
 {
-    const auto peer = openPeer(device.deviceFile());
+    const auto peer = way.open(device.deviceFile());
     if (!peer)
-        giveUp("opening through hidapi");
+        giveUp("opening in another way");
     const QByteArray asked = question();
     for (int trip = 0; trip < kRoundTripsEach; ++trip) {
         const Clock::time_point start = Clock::now();
         if (!peer->ask(asked))
-            giveUp("a reply through hidapi");
-        times.add(Clock::now() - start);
+            giveUp("a reply in another way");
+        times.values.append(us(Clock::now() - start));
     }
 }
 
-/// In turns, so that both meet the same machine. The first turn of each is a warm-up.
-void compareRoundTrips(MockBus &bus)
+/// In turns, so that all meet the same machine. The first turn of each is a warm-up.
+void compareRoundTrips(const Results &results, MockBus &bus)
 {
     Bell reply;
     const auto heard = QObject::connect(
@@ -149,29 +135,26 @@ void compareRoundTrips(MockBus &bus)
         Qt::DirectConnection);
     const auto device = bus.plug();
     device->setResponder([](const QByteArray &asked) { return QList<QByteArray>{asked}; });
-    Times library;
-    Times peer;
-    for (int block = 0; block < kBlocks; ++block) {
+    const QList<OtherWay> ways = otherWays();
+    Samples library;
+    QList<Samples> peers(ways.size());
+    for (int block = 0; block <= results.count(20, 1); ++block) {
+        if (block == 1) {
+            library = {};
+            peers.fill({});
+        }
         measureLibrary(*device, reply, library);
-        if (hasPeer())
-            measurePeer(*device, peer);
-        if (block == 0)
-            library.us.clear(), peer.us.clear();
+        for (qsizetype way = 0; way < ways.size(); ++way)
+            measurePeer(ways.at(way), *device, peers[way]);
     }
     QObject::disconnect(heard);
-    std::printf("round trip, library      median %8.1f us   90%% below %8.1f us\n", library.median(),
-                library.percentile(90));
-    if (!hasPeer()) {
-        std::printf("no hidapi to compare it with\n");
-        return;
-    }
-    std::printf("round trip, hidapi       median %8.1f us   90%% below %8.1f us\n", peer.median(),
-                peer.percentile(90));
-    std::printf("ratio of the medians     %.2f\n", library.median() / peer.median());
+    for (qsizetype way = 0; way < ways.size(); ++way)
+        results.add({QStringLiteral("HID round trip"), QStringLiteral("us"), ways.at(way).wanted, library,
+                     ways.at(way).name, peers.at(way)});
 }
 
-/// From before the system's event is sent to the list with the device in it.
-void measurePlugs(MockBus &bus)
+/// From before the system's event is sent to the list with the device in it, and to the event itself.
+void measurePlugs(const Results &results, MockBus &bus)
 {
     Bell announced;
     const auto heard = QObject::connect(
@@ -181,25 +164,25 @@ void measurePlugs(MockBus &bus)
                 announced.ring();
         },
         Qt::DirectConnection);
-    Times times;
-    for (int plug = 0; plug < kPlugs; ++plug) {
+    Row row{QStringLiteral("plug to announcement"),
+            QStringLiteral("us"),
+            QString(),
+            {},
+            QStringLiteral("udev's event"),
+            {}};
+    SystemAnnouncements system;
+    for (int plug = 0; plug < results.count(50, 3); ++plug) {
         announced.silence();
         const Clock::time_point start = Clock::now();
+        system.expect();
         const auto device = bus.plug();
-        times.add(announced.wait("the announcement of a plug") - start);
+        row.ours.values.append(us(announced.wait("the announcement of a plug") - start));
+        row.peers.values.append(us(system.heardAt() - start));
         device->unplug();
         std::this_thread::sleep_for(50ms); // scans that the unplug brings about
     }
     QObject::disconnect(heard);
-    std::printf("plug to announcement     median %8.2f ms   worst of %d %.2f ms\n", times.median() / 1000,
-                kPlugs, times.worst() / 1000);
-}
-
-double processorMilliseconds()
-{
-    timespec time{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
+    results.add(row);
 }
 
 qint64 sleeps()
@@ -210,22 +193,46 @@ qint64 sleeps()
     return sum;
 }
 
-void measureIdle(MockBus &bus)
+void run(std::chrono::milliseconds time)
 {
-    const auto device = bus.plug();
-    openThroughLibrary(*device);
     QEventLoop loop;
-    QTimer::singleShot(1000, &loop, &QEventLoop::quit);
+    QTimer::singleShot(time, &loop, &QEventLoop::quit);
     loop.exec();
-    const double before = processorMilliseconds();
-    const qint64 sleepsBefore = sleeps();
-    QTimer::singleShot(kIdle, &loop, &QEventLoop::quit);
-    loop.exec();
-    const double spent = processorMilliseconds() - before;
-    const qint64 wakeUps = sleeps() - sleepsBefore;
-    std::printf("idle, device open        %8.1f ms of processor time a minute, %.2f wake-ups a second\n",
-                spent * 60 / double(kIdle.count()), double(wakeUps) / double(kIdle.count()));
-    manager().disconnectDevice(0);
+}
+
+struct IdleCost {
+    Samples processor; // ms a minute
+    Samples wakeUps; // a second
+
+    void measure(std::chrono::milliseconds time)
+    {
+        run(std::min<std::chrono::milliseconds>(1s, time));
+        const double seconds = std::chrono::duration<double>(time).count();
+        const double before = processorMilliseconds();
+        const qint64 sleepsBefore = sleeps();
+        run(time);
+        processor.values.append((processorMilliseconds() - before) * 60 / seconds);
+        wakeUps.values.append(double(sleeps() - sleepsBefore) / seconds);
+    }
+};
+
+void measureIdle(const Results &results, MockBus &bus)
+{
+    const std::chrono::milliseconds time(results.count(15'000, 100));
+    IdleCost watch;
+    IdleCost open;
+    for (int turn = 0; turn < results.count(2, 1); ++turn) {
+        watch.measure(time);
+        const auto device = bus.plug();
+        openThroughLibrary(*device);
+        open.measure(time);
+        manager().disconnectDevice(0);
+    }
+    const QString peer = QStringLiteral("the bus watch alone");
+    results.add({QStringLiteral("HID library with its device, idle: processor time"),
+                 QStringLiteral("ms a minute"), QStringLiteral("20"), open.processor, peer, watch.processor});
+    results.add({QStringLiteral("HID library with its device, idle: wake-ups"), QStringLiteral("a second"),
+                 QStringLiteral("1.5"), open.wakeUps, peer, watch.wakeUps});
 }
 
 } // namespace
@@ -233,13 +240,14 @@ void measureIdle(MockBus &bus)
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
+    const Results results(QCoreApplication::arguments());
     MockBus bus;
     if (!bus.isShown())
         giveUp("to be started by umockdev-wrapper");
     manager().acquire();
-    compareRoundTrips(bus);
-    measurePlugs(bus);
-    measureIdle(bus);
+    compareRoundTrips(results, bus);
+    measurePlugs(results, bus);
+    measureIdle(results, bus);
     manager().release();
     return 0;
 }

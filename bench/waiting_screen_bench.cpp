@@ -2,74 +2,83 @@
 // SPDX-License-Identifier: LicenseRef-Quillon
 
 // What the screen costs that is shown for as long as a user looks for a cable: processor time a second of the
-// animation, and memory. The screen's scale comes from QT_SCALE_FACTOR.
-
+// animation, beside Qt's own label with the same movie, in turns. The scale comes from QT_SCALE_FACTOR.
+#include "bench/ProcessorTime.h"
+#include "bench/Results.h"
+#include "bench/SilencedPanel.h"
 #include "panel/FirmwareUpgradeWidget.h"
 
 #include <QApplication>
-#include <QFile>
-#include <QLoggingCategory>
+#include <QEventLoop>
+#include <QLabel>
+#include <QMovie>
+#include <QStringList>
 #include <QTimer>
+#include <QWidget>
 
 #include <chrono>
-#include <cstdio>
-#include <ctime>
 
 using namespace std::chrono_literals;
 using QuillonFirmwareUpgrade::FirmwareUpgradeWidget;
 
 namespace {
-constexpr std::chrono::seconds kSettling = 4s; // more than one loop
-constexpr std::chrono::seconds kMeasured = 9s; // three loops
-
-double processorMilliseconds()
-{
-    timespec time{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
-}
-
-/// A line of what the kernel says about this process: "VmRSS" and the like.
-QByteArray statusOf(const QByteArray &name)
-{
-    const QByteArray beginning = name + ':';
-    QFile file(QStringLiteral("/proc/self/status"));
-    const bool isOpen = file.open(QIODevice::ReadOnly);
-    for (const QByteArray &line : isOpen ? file.readAll().split('\n') : QByteArrayList()) {
-        if (line.startsWith(beginning))
-            return line.mid(beginning.size()).simplified();
-    }
-    return {};
-}
+constexpr std::chrono::milliseconds kLoop = 3s; // of the movie
 
 void run(std::chrono::milliseconds time)
 {
-    QTimer::singleShot(time, Qt::PreciseTimer, QCoreApplication::instance(), &QCoreApplication::quit);
-    QCoreApplication::exec();
+    QEventLoop loop;
+    QTimer::singleShot(time, Qt::PreciseTimer, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+/// Milliseconds of the processor in each second, once the first loop is over.
+double costOf(QWidget &window, std::chrono::milliseconds time)
+{
+    window.show();
+    run(time);
+    const double before = processorMilliseconds();
+    run(time);
+    return (processorMilliseconds() - before) / std::chrono::duration<double>(time).count();
+}
+
+double costOfPanel(std::chrono::milliseconds time)
+{
+    FirmwareUpgradeWidget panel;
+    panel.showWaitingScreen(FirmwareUpgradeWidget::Port::Otg);
+    return costOf(panel, time);
+}
+
+double costOfLabel(std::chrono::milliseconds time)
+{
+    QWidget window(nullptr, Qt::FramelessWindowHint);
+    window.setFixedSize(472, 418);
+    QLabel label(&window);
+    label.setGeometry(32, 59, 408, 128);
+    label.setScaledContents(true);
+    QMovie movie(QStringLiteral(":/new/prefix1/image/dc5v_otg.gif"));
+    label.setMovie(&movie);
+    movie.start();
+    return costOf(window, time);
 }
 } // namespace
 
 int main(int argc, char *argv[])
 {
     const QApplication application(argc, argv);
-    QLoggingCategory::setFilterRules(QStringLiteral("quillon.*=false"));
-    QLoggingCategory::setFilterRules(QStringLiteral("quillon.*=false"));
-    FirmwareUpgradeWidget panel;
-    panel.show();
-    run(kSettling);
-    const QByteArray before = statusOf("VmRSS");
-    const double idleStart = processorMilliseconds();
-    run(kMeasured);
-    const double idle = processorMilliseconds() - idleStart;
-    panel.showWaitingScreen(FirmwareUpgradeWidget::Port::Otg);
-    run(kSettling);
-    const double start = processorMilliseconds();
-    run(kMeasured);
-    const double waiting = processorMilliseconds() - start;
-    std::printf(
-        "scale %.2f: %.1f ms of the processor a second, %.1f when nothing moves; %s resident, %s before; "
-        "%s threads\n",
-        panel.devicePixelRatio(), waiting / double(kMeasured.count()), idle / double(kMeasured.count()),
-        statusOf("VmRSS").constData(), before.constData(), statusOf("Threads").constData());
+    QApplication::setQuitOnLastWindowClosed(false);
+    silencePanel();
+    const Results results(QCoreApplication::arguments());
+    const std::chrono::milliseconds time = results.isShort() ? 100ms : kLoop;
+    Row row{QStringLiteral("animation at scale %1").arg(qGuiApp->devicePixelRatio()),
+            QStringLiteral("ms a second"),
+            QString(),
+            {},
+            QStringLiteral("QLabel with QMovie"),
+            {}};
+    for (int turn = 0; turn < results.count(4, 1); ++turn) {
+        row.ours.values.append(costOfPanel(time));
+        row.peers.values.append(costOfLabel(time));
+    }
+    results.add(row);
     return 0;
 }

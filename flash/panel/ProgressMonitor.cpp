@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: LicenseRef-Quillon
 
 // Members of the panel (panel/FirmwareUpgradeWidget.h).
-// Follows the flashing tool through its progress file, ten times a second, to the verdict of the run. Sets
-// m_lastProgressPercent and m_lastProgressTime, the memory of the stall detector, counts m_heldPolls, and
-// clears m_isWaitingForUSB when the OTG chip is being written. Called by m_progressTimer, which runs from the
-// start of the tool to the verdict.
+// Follows the flashing tool through its progress file, ten times a second and as soon as the tool has ended,
+// to the verdict of the run. Sets m_lastProgressPercent and m_lastProgressTime, the memory of the stall
+// detector, counts m_heldPolls, and clears m_isWaitingForUSB when the OTG chip is being written. Called by
+// m_progressTimer, which runs from the start of the tool to the verdict.
 
 #include "flash/ProgressFile.h"
 #include "flash/ProgressScale.h"

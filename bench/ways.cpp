@@ -3,12 +3,7 @@
 
 #include "bench/Peer.h"
 
-std::unique_ptr<Peer> openPeer(const QByteArray &)
+QList<OtherWay> otherWays()
 {
-    return nullptr;
-}
-
-bool hasPeer()
-{
-    return false;
+    return {{QStringLiteral("write, poll and read alone"), QString(), openRawPeer}};
 }

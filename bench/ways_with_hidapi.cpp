@@ -33,15 +33,16 @@ private:
     std::unique_ptr<hid_device, CloseDevice> m_device;
 };
 
-} // namespace
-
-std::unique_ptr<Peer> openPeer(const QByteArray &deviceFile)
+std::unique_ptr<Peer> openHidapiPeer(const QByteArray &deviceFile)
 {
     hid_device *const device = hid_open_path(deviceFile.constData());
     return device ? std::make_unique<HidapiPeer>(device) : nullptr;
 }
 
-bool hasPeer()
+} // namespace
+
+QList<OtherWay> otherWays()
 {
-    return true;
+    return {{QStringLiteral("write, poll and read alone"), QString(), openRawPeer},
+            {QStringLiteral("hidapi"), QStringLiteral("ratio 0.7"), openHidapiPeer}};
 }
