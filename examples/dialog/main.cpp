@@ -15,6 +15,7 @@
 #include <QVBoxLayout>
 
 using namespace QuillonFirmwareUpgrade;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -24,14 +25,14 @@ public:
         : QDialog(parent)
         , m_panel(new FirmwareUpgradeWidget(this))
     {
-        setWindowTitle(QStringLiteral("Firmware"));
+        setWindowTitle(u"Firmware"_s);
         m_panel->setFixedSize(m_panel->size());
         auto *layout = new QVBoxLayout(this);
         layout->setContentsMargins(0, 0, 0, 0);
         layout->setSizeConstraint(QLayout::SetFixedSize);
         layout->addWidget(m_panel);
         // The dialog has a frame to be moved by and a button to be closed with.
-        m_panel->findChild<QWidget *>(QStringLiteral("m_closeBtn"))->hide();
+        m_panel->findChild<QWidget *>(u"m_closeBtn"_s)->hide();
         // A device that recovers by itself should be seen to do so.
         connect(m_panel, &FirmwareUpgradeWidget::onDeviceBrickedDetected, this, &QDialog::open);
     }
@@ -40,7 +41,7 @@ public:
 
     bool isUpgrading() const
     {
-        return m_panel->findChild<QWidget *>(QStringLiteral("m_upgradingLb"))->isVisibleTo(m_panel);
+        return m_panel->findChild<QWidget *>(u"m_upgradingLb"_s)->isVisibleTo(m_panel);
     }
 
 private:
@@ -50,7 +51,7 @@ private:
 class Window : public QWidget {
 public:
     Window()
-        : m_button(new QPushButton(QStringLiteral("Firmware..."), this))
+        : m_button(new QPushButton(u"Firmware..."_s, this))
         , m_dialog(new FirmwareDialog(this))
     {
         auto *layout = new QVBoxLayout(this);
@@ -58,15 +59,13 @@ public:
         connect(m_button, &QPushButton::clicked, m_dialog, &QDialog::open);
         connect(m_dialog->panel(), &FirmwareUpgradeWidget::upgradeDisplayMsg, this,
                 [this](const QString &, bool isNeeded) {
-                    m_button->setText(isNeeded ? QStringLiteral("Firmware... (new)")
-                                               : QStringLiteral("Firmware..."));
+                    m_button->setText(isNeeded ? u"Firmware... (new)"_s : u"Firmware..."_s);
                 });
     }
 
     void closeEvent(QCloseEvent *event) override
     {
-        const auto question
-            = QStringLiteral("The device is being upgraded, and of no use if this is cut off. Quit?");
+        const auto question = u"The device is being upgraded, and of no use if this is cut off. Quit?"_s;
         if (m_dialog->isUpgrading()
             && QMessageBox::question(this, windowTitle(), question) != QMessageBox::Yes)
             event->ignore();
@@ -92,7 +91,7 @@ int main(int argc, char *argv[])
     setLanguage(Language::English);
     Window window;
     window.show();
-    if (QCoreApplication::arguments().contains(QStringLiteral("--try"))) {
+    if (QCoreApplication::arguments().contains(u"--try"_s)) {
         window.openDialog();
         QTimer::singleShot(300, &application, [&] { QApplication::exit(window.showsPanel() ? 0 : 1); });
     }
