@@ -19,5 +19,6 @@ configure_file("${PROJECT_SOURCE_DIR}/docs/reference/Doxyfile.in" "${PROJECT_BIN
 add_custom_target(reference
     COMMAND "${CMAKE_COMMAND}" -E rm -rf "${reference_folder}"
     COMMAND "${CMAKE_COMMAND}" -E make_directory "${reference_folder}"
+    COMMAND "${CMAKE_COMMAND}" -E copy_directory "${PROJECT_SOURCE_DIR}/docs/images" "${reference_folder}/images"
     COMMAND "${QUILLON_DOXYGEN}" "${PROJECT_BINARY_DIR}/Doxyfile"
     COMMENT "The reference is ${reference_folder}/index.html" VERBATIM)

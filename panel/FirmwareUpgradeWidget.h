@@ -32,6 +32,7 @@ class OrvikHIDManager;
 #define QUILLON_FIRMWARE_UPGRADE_EXPORT Q_DECL_IMPORT
 #endif
 
+/// The firmware-upgrade panel, and what it is told: the device's model and the user's language.
 namespace QuillonFirmwareUpgrade {
 
 /// Which firmware of the device has to be replaced.

@@ -178,8 +178,8 @@ class GalleryPicturesTest : public QObject {
 private Q_SLOTS:
     void everyScreenLooksAsKept_data();
     void everyScreenLooksAsKept();
-    void theReadmeShowsWhatThereIs_data();
-    void theReadmeShowsWhatThereIs();
+    void theDocumentsShowWhatThereIs_data();
+    void theDocumentsShowWhatThereIs();
     void everyWidgetSaysAndStandsAsKept_data();
     void everyWidgetSaysAndStandsAsKept();
     void nothingIsKeptThatIsNoLongerPictured();
@@ -209,22 +209,23 @@ void GalleryPicturesTest::everyScreenLooksAsKept()
                     placesOfLetters(view, screen));
 }
 
-void GalleryPicturesTest::theReadmeShowsWhatThereIs_data()
+void GalleryPicturesTest::theDocumentsShowWhatThereIs_data()
 {
     QTest::addColumn<QString>("documented");
     QTest::addColumn<QString>("picture");
     QTest::newRow("every screen at a glance") << u"gallery.png"_s << u"sheet.png"_s;
-    QTest::newRow("an upgrade on offer")
-        << u"upgrade-available.png"_s << Gallery::picturePath({u"R2"_s, u"en"_s, 2}, u"upgrade-available"_s);
+    for (const QString &screen : {u"upgrade-available"_s, u"waiting-otg"_s, u"failure"_s})
+        QTest::newRow(qPrintable(screen))
+            << screen + u".png" << Gallery::picturePath({u"R2"_s, u"en"_s, 2}, screen);
 }
 
-void GalleryPicturesTest::theReadmeShowsWhatThereIs()
+void GalleryPicturesTest::theDocumentsShowWhatThereIs()
 {
     if (doLettersDiffer())
-        QSKIP("the README shows letters as other versions draw them");
+        QSKIP("the documents show letters as other versions draw them");
     QFETCH(QString, documented);
     QFETCH(QString, picture);
-    compareWithKept(kDocumented + documented, kGallery + picture, u"readme-"_s + documented);
+    compareWithKept(kDocumented + documented, kGallery + picture, u"documents-"_s + documented);
 }
 
 void GalleryPicturesTest::everyWidgetSaysAndStandsAsKept_data()

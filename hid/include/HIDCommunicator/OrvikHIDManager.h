@@ -12,6 +12,7 @@
 
 #include <memory>
 
+/// The link to the devices on the HID bus.
 namespace HIDCommunicator {
 
 class ManagerCore;
