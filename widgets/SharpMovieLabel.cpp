@@ -68,6 +68,11 @@ void SharpMovieLabel::paintEvent(QPaintEvent *event)
 {
     const QPixmap frame = movie() ? movie()->currentPixmap() : QPixmap();
     if (frame.isNull()) {
+        // The movie went without a word. What it left has to be painted over.
+        if (testAttribute(Qt::WA_OpaquePaintEvent)) {
+            setAttribute(Qt::WA_OpaquePaintEvent, false);
+            update();
+        }
         QLabel::paintEvent(event);
         return;
     }

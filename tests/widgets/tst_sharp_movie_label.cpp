@@ -12,6 +12,9 @@
 #include <QTest>
 #include <QThreadPool>
 
+#include <algorithm>
+#include <memory>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -98,6 +101,8 @@ private Q_SLOTS:
     void whatIsBehindIsPaintedOnce();
     void withoutAFrameNothingIsPainted();
     void anotherMovieShowsWhatIsBehindAtFirst();
+    void aDeletedMovieLeavesNothing();
+    void anotherSizeIsFilledAsWell();
 };
 
 void SharpMovieLabelTest::eachFrameIsAsSharpAsTheScreen_data()
@@ -184,6 +189,32 @@ void SharpMovieLabelTest::anotherMovieShowsWhatIsBehindAtFirst()
     QVERIFY(!window.label().testAttribute(Qt::WA_OpaquePaintEvent));
     QVERIFY(other.jumpToNextFrame());
     QVERIFY(window.label().testAttribute(Qt::WA_OpaquePaintEvent));
+}
+
+/// The label is not told, and shows what is behind it as soon as it is painted.
+void SharpMovieLabelTest::aDeletedMovieLeavesNothing()
+{
+    auto movie = std::make_unique<QMovie>(kMovie);
+    Window window(*movie);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QVERIFY(movie->jumpToNextFrame());
+    QCoreApplication::processEvents();
+    const int before = window.paints();
+    movie.reset();
+    window.label().update();
+    QTRY_COMPARE(window.paints(), before + 1);
+}
+
+void SharpMovieLabelTest::anotherSizeIsFilledAsWell()
+{
+    QMovie movie(kMovie);
+    Window window(movie);
+    QVERIFY(movie.jumpToNextFrame());
+    window.label().resize(307, 97);
+    const QImage seen = shown(window, 1).copy(window.label().geometry());
+    const QImage wanted = frameOf(movie).scaled(seen.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    QVERIFY(largestDifferenceOf(seen, wanted) <= kSameColour);
 }
 
 QUILLON_TEST(SharpMovieLabelTest)
