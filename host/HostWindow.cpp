@@ -20,6 +20,8 @@ namespace host {
 namespace {
 constexpr int kLogLines = 2000;
 constexpr int kLogHeight = 160;
+/// Of a group's title, from the group's edge.
+constexpr int kTitleIndent = 3;
 constexpr int kSpacing = 12;
 constexpr QSize kSize{940, 800};
 } // namespace
@@ -52,6 +54,7 @@ void HostWindow::setUpLog(EventLog &log)
     m_log->setMinimumHeight(kLogHeight);
     m_log->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     m_logTitle->setObjectName(QStringLiteral("logTitle"));
+    m_logTitle->setIndent(kTitleIndent);
     m_logTitle->setBuddy(m_log);
     connect(&log, &EventLog::recorded, this, &HostWindow::appendToLog, Qt::QueuedConnection);
 }

@@ -31,15 +31,19 @@ constexpr int kPatience = 20000;
 /// Between two groups.
 constexpr int kGap = 12;
 
+constexpr int kText = 180;
+/// Lighter than every line and ground.
+constexpr int kTitle = 110;
+
 /// Where the strokes of a widget's text are, in the window; nothing else of the widget is as light.
-QRect strokesOf(QWidget &widget, const QRect &part)
+QRect strokesOf(QWidget &widget, const QRect &part, int lightness = kText)
 {
     const QImage picture
         = widget.window()->grab(QRect(widget.mapTo(widget.window(), part.topLeft()), part.size())).toImage();
     QRect strokes;
     for (int y = 0; y < picture.height(); ++y) {
         for (int x = 0; x < picture.width(); ++x) {
-            if (qGray(picture.pixel(x, y)) > 180)
+            if (qGray(picture.pixel(x, y)) > lightness)
                 strokes |= QRect(x, y, 1, 1);
         }
     }
@@ -77,6 +81,7 @@ private Q_SLOTS:
     void theLogIsShown();
     void everyControlIsReachedByKeyboard();
     void textsInBoxesBeginAtOneEdge();
+    void titlesBeginAtOneEdge();
     void captionsStandOnTheBaseLineOfTheirFields_data();
     void captionsStandOnTheBaseLineOfTheirFields();
     void groupsFollowEachOtherClosely();
@@ -338,6 +343,18 @@ void HostWindowTest::textsInBoxesBeginAtOneEdge()
     const QRect chosen = strokesOf(*fixed, QRect(QPoint(), beginning));
     QVERIFY(!chosen.isNull());
     QCOMPARE(strokesOf(*editable, QRect(QPoint(), beginning)).left(), chosen.left());
+}
+
+void HostWindowTest::titlesBeginAtOneEdge()
+{
+    auto *group = qobject_cast<QGroupBox *>(find<QComboBox>(u"panelModel"_s)->parentWidget());
+    QVERIFY(group);
+    auto *log = find<QLabel>(u"logTitle"_s);
+    group->setTitle(u"Log"_s);
+    log->setText(u"Log"_s);
+    const QRect title = strokesOf(*group, QRect(0, 0, 60, 20), kTitle);
+    QVERIFY(!title.isNull());
+    QCOMPARE(strokesOf(*log, QRect(QPoint(), QSize(60, log->height())), kTitle).left(), title.left());
 }
 
 void HostWindowTest::captionsStandOnTheBaseLineOfTheirFields_data()
