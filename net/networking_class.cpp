@@ -115,11 +115,16 @@ QString networking_class::getVersion(QString url)
     });
     QEventLoop loop;
     connect(query, SIGNAL(finished()), &loop, SLOT(quit()));
+    // Whoever asks may be one of several events that are being delivered. With glib's event loop the others would
+    // wait until a new one comes.
+    loop.wakeUp();
     loop.exec();
 
     query->deleteLater();
     if (query->error() != QNetworkReply::NoError)
         logFailedQuery(*query);
+    if (!query->isOpen()) // given up
+        return failedQuery();
     const QByteArray body = query->read(kLargestAnswer + 1);
     if (body.size() > kLargestAnswer)
         return failedQuery();

@@ -36,6 +36,7 @@ private Q_SLOTS:
     void asksForTheAddressAsItIs();
     void addsNothingToTheRequest();
     void deliversEventsWhileItWaits();
+    void deliversWhatWasPostedBeforeItWaited();
     void mayBeAskedAgainWhileItWaits_data();
     void mayBeAskedAgainWhileItWaits();
     void releasesItsReplies();
@@ -193,6 +194,23 @@ void NetworkingTest::deliversEventsWhileItWaits()
     ticking.start(20ms);
     QCOMPARE(stage().query(), u"1.2.3"_s);
     QVERIFY2(ticks.size() >= 5, qPrintable(QString::number(ticks.size())));
+}
+
+// Several panels may ask a silent server at a time. Qt sends it six requests at most, so that behind those no
+// event comes that would wake the loop.
+void NetworkingTest::deliversWhatWasPostedBeforeItWaited()
+{
+    constexpr int kMoreThanAreSent = 12;
+    stage().server.answer(stage().kVersionPath, ScriptedHttpServer::silence());
+    QElapsedTimer time;
+    std::chrono::milliseconds delivered = 1h;
+    for (int i = 0; i < kMoreThanAreSent; ++i)
+        QMetaObject::invokeMethod(this, [this] { stage().query(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this, [&] { delivered = std::chrono::milliseconds(time.elapsed()); }, Qt::QueuedConnection);
+    time.start();
+    QTRY_COMPARE(stage().log.count(u"request protobufHttp handle errors here"_s), kMoreThanAreSent);
+    QVERIFY2(delivered < 1s, qPrintable(QString::number(delivered.count())));
 }
 
 void NetworkingTest::mayBeAskedAgainWhileItWaits_data()
