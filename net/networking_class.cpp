@@ -115,8 +115,8 @@ QString networking_class::getVersion(QString url)
     });
     QEventLoop loop;
     connect(query, SIGNAL(finished()), &loop, SLOT(quit()));
-    // Whoever asks may be one of several events that are being delivered. With glib's event loop the others would
-    // wait until a new one comes.
+    // Whoever asks may be one of several events that are being delivered. With glib's event loop the others
+    // would wait until a new one comes.
     loop.wakeUp();
     loop.exec();
 

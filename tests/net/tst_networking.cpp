@@ -205,7 +205,8 @@ void NetworkingTest::deliversWhatWasPostedBeforeItWaited()
     QElapsedTimer time;
     std::chrono::milliseconds delivered = 1h;
     for (int i = 0; i < kMoreThanAreSent; ++i)
-        QMetaObject::invokeMethod(this, [this] { stage().query(); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this] { stage().query(); }, Qt::QueuedConnection);
     QMetaObject::invokeMethod(
         this, [&] { delivered = std::chrono::milliseconds(time.elapsed()); }, Qt::QueuedConnection);
     time.start();
