@@ -11,6 +11,7 @@
 #include <QCoreApplication>
 #include <QMessageBox>
 #include <QMouseEvent>
+#include <QProcess>
 
 namespace rig {
 
