@@ -18,6 +18,7 @@ std::atomic<bool> isRunning{false};
 std::atomic<bool> nodesAreSettled{true};
 std::atomic<const char *> group{""};
 std::atomic<int> questionsAsked{0};
+std::atomic<int> takenEvents{0};
 
 template <typename Function> Function *theRealOne(Function *, const char *name)
 {
@@ -44,6 +45,11 @@ void MockUdevd::setNodesSettled(bool settled)
 int MockUdevd::questions()
 {
     return questionsAsked;
+}
+
+int MockUdevd::eventsTaken()
+{
+    return takenEvents;
 }
 
 QByteArray MockUdevd::monitoredGroup()
@@ -80,6 +86,14 @@ __attribute__((visibility("default"))) udev_monitor *udev_monitor_new_from_netli
 {
     group = std::strcmp(name, "udev") == 0 ? "udev" : "kernel";
     return theRealOne(&udev_monitor_new_from_netlink, "udev_monitor_new_from_netlink")(context, name);
+}
+
+__attribute__((visibility("default"))) udev_device *udev_monitor_receive_device(udev_monitor *monitor)
+{
+    udev_device *const device
+        = theRealOne(&udev_monitor_receive_device, "udev_monitor_receive_device")(monitor);
+    takenEvents += device ? 1 : 0;
+    return device;
 }
 
 } // extern "C"

@@ -13,6 +13,7 @@ void setRunning(bool running); ///< not running at first
 bool running();
 void setNodesSettled(bool settled); ///< whether it has given every node its owner and mode; at first it has
 int questions(); ///< how often the library asked about a node
+int eventsTaken(); ///< how many events about nodes the library has taken from its monitor
 QByteArray monitoredGroup(); ///< whose events the library asked for: "udev" or "kernel"
 
 } // namespace MockUdevd
