@@ -75,15 +75,15 @@ HidConnection::ReadResult CollectionConnection::takeReport(QByteArray &report)
     return report.isEmpty() ? ReadResult::Timeout : ReadResult::Report;
 }
 
-/// The system takes no report that is shorter than the collection's longest.
+/// The system takes no report that is shorter than the collection's longest, and one whole or not at all: the
+/// length that it tells afterwards is not the same on every system, and says nothing.
 bool CollectionConnection::write(const QByteArray &report)
 {
     const QByteArray whole = report.leftJustified(m_file.outputSize, '\0');
     if (!m_writing.write(whole))
         return false;
     const bool done = WaitForSingleObject(m_writing.done(), toSystem(kWriteLimit)) == WAIT_OBJECT_0;
-    const auto written = done ? m_writing.take() : m_writing.callBack();
-    return written && written->size() == whole.size();
+    return (done ? m_writing.take() : m_writing.callBack()).has_value();
 }
 
 } // namespace
