@@ -67,6 +67,10 @@ function(quillon_run_prefix result)
         set(prefix ${CMAKE_COMMAND} -E env LC_ALL=C.UTF-8 ${arg_ENVIRONMENT}
             "${PROJECT_SOURCE_DIR}/cmake/mingw/wine-run" --prefix "${QUILLON_MINGW_PREFIX}"
             --path "${PROJECT_BINARY_DIR}/bin")
+        if(arg_MOCK_BUS)
+            list(PREPEND prefix umockdev-wrapper "${PROJECT_BINARY_DIR}/native/bin/quillon_mock_bus_host")
+            list(APPEND prefix --bus)
+        endif()
         if(arg_REPORT)
             list(APPEND prefix --test)
         endif()

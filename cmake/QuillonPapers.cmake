@@ -10,8 +10,6 @@ set(THIRD_PARTY_COMPILER "${CMAKE_CXX_COMPILER_VERSION}")
 set(platform linux)
 if(WIN32)
     set(platform windows)
-    find_package(hidapi QUIET)
-    set(THIRD_PARTY_HIDAPI "${hidapi_VERSION}")
     set(THIRD_PARTY_MINGW "the compiler's")
     if(CMAKE_CROSSCOMPILING)
         execute_process(COMMAND dpkg-query --showformat=\${Version} --show mingw-w64-x86-64-dev
@@ -21,7 +19,7 @@ endif()
 
 # What make_notices.cmake and the bill of materials have to know of this build, for those who make either later.
 set(versions "")
-foreach(name IN ITEMS QT UDEV HIDAPI COMPILER MINGW)
+foreach(name IN ITEMS QT UDEV COMPILER MINGW)
     if(DEFINED THIRD_PARTY_${name})
         list(APPEND versions "-D${name}=${THIRD_PARTY_${name}}")
     endif()

@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 Quillon
 # SPDX-License-Identifier: LicenseRef-Quillon
 
-# Cross-compiles for 64-bit Windows with Debian's MinGW-w64 (g++-mingw-w64-x86-64-posix) against the Qt and hidapi that
+# Cross-compiles for 64-bit Windows with Debian's MinGW-w64 (g++-mingw-w64-x86-64-posix) against the Qt that
 # build-dependencies, in this folder, has left in the cache.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)

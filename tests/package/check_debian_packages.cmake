@@ -38,12 +38,11 @@ foreach(package IN ITEMS runtime development)
             complain("${package} has no field ${field}")
         endif()
     endforeach()
-    # Hidraw is spoken by the library itself.
-    if(control MATCHES "hidapi")
-        complain("${package} asks for hidapi")
+    # The HID library speaks to the kernel itself.
+    if(control MATCHES "libhid|libusb")
+        complain("${package} asks for another HID library")
     endif()
-    file(GLOB_RECURSE foreign "${FOLDER}/${package}/*Qt6*" "${FOLDER}/${package}/*hidapi*"
-        "${FOLDER}/${package}/*OrvikHIDManager.h")
+    file(GLOB_RECURSE foreign "${FOLDER}/${package}/*Qt6*" "${FOLDER}/${package}/*OrvikHIDManager.h")
     if(foreign)
         complain("${package} brings ${foreign}")
     endif()

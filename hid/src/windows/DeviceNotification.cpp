@@ -4,11 +4,9 @@
 #include "DeviceNotification.h"
 
 #include "ConfigurationManager.h"
+#include "HidInterfaceClass.h"
 
-// The class of HID device interfaces is defined here, not in a library.
-#include <initguid.h>
-
-#include <hidclass.h>
+#include <windows.h>
 
 #include <array>
 
@@ -50,7 +48,7 @@ public:
         : m_unsubscribe(functions.unsubscribe)
     {
         NotificationFilter filter;
-        filter.of.interfaceClass = GUID_DEVINTERFACE_HID;
+        filter.of.interfaceClass = kHidInterfaceClass;
         if (!functions.subscribe
             || functions.subscribe(&filter, changed, &takeNotification, &m_handle) != ERROR_SUCCESS)
             m_handle = nullptr;
