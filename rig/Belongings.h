@@ -12,7 +12,9 @@ namespace rig {
 /// and handles only by their number, other systems show nothing but files. Thread-safe.
 struct Belongings {
     QStringList threads;
-    QStringList handles; ///< by the file's path, or by their kind
+    /// By the file's path, or by their kind. Linux tells a TCP socket that leads nowhere from others.
+    QStringList handles;
+    static inline const QString kDeadSocket = QStringLiteral("socket that leads nowhere");
     QStringList processes; ///< children of this one, also those that have ended and were not waited for
     QStringList files; ///< below the folders that were asked for, by their path
 

@@ -8,6 +8,8 @@
 #include <QFile>
 
 #include <climits>
+#include <netinet/in.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 namespace rig {
@@ -44,6 +46,19 @@ QString targetOf(const QString &link)
     return length > 0 ? QFile::decodeName(QByteArray(target, length)) : QString();
 }
 
+// Neither listening nor connected, so of no use to anybody.
+bool leadsNowhere(int descriptor)
+{
+    int protocol = 0;
+    int listening = 0;
+    socklen_t size = sizeof(int);
+    sockaddr_storage peer{};
+    socklen_t peerSize = sizeof peer;
+    return getsockopt(descriptor, SOL_SOCKET, SO_PROTOCOL, &protocol, &size) == 0 && protocol == IPPROTO_TCP
+        && getsockopt(descriptor, SOL_SOCKET, SO_ACCEPTCONN, &listening, &size) == 0 && listening == 0
+        && getpeername(descriptor, reinterpret_cast<sockaddr *>(&peer), &peerSize) != 0;
+}
+
 } // namespace
 
 QStringList Belongings::threadsOfThisProcess()
@@ -61,7 +76,7 @@ QStringList Belongings::handlesOfThisProcess()
         // The one that the folder was read with is closed by now and has no target any more.
         const QString target = targetOf(kDescriptors + u'/' + descriptor);
         if (!target.isEmpty())
-            kinds.append(kindOf(target));
+            kinds.append(leadsNowhere(descriptor.toInt()) ? kDeadSocket : kindOf(target));
     }
     return kinds;
 }

@@ -10,12 +10,18 @@
 #include <QDir>
 #include <QFile>
 #include <QNetworkAccessManager>
+#include <QNetworkProxy>
 #include <QNetworkReply>
 #include <QProcess>
 #include <QSignalSpy>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTest>
 #include <QThread>
 #include <QTimer>
+
+#include <algorithm>
+#include <array>
 
 using namespace rig;
 
@@ -84,6 +90,29 @@ void RigBelongingsTest::whatIsLeftIsNamed_data()
         auto file = std::make_shared<QFile>(QStringLiteral("/dev/null"));
         return file->open(QIODevice::ReadOnly) ? [file] { file->close(); } : Give();
     }) << QStringLiteral("handle /dev/null");
+    QTest::newRow("a connection") << Take([]() -> Give {
+        auto server = std::make_shared<QTcpServer>();
+        auto client = std::make_shared<QTcpSocket>();
+        server->setProxy(QNetworkProxy::NoProxy);
+        client->setProxy(QNetworkProxy::NoProxy);
+        if (!server->listen(QHostAddress::LocalHost))
+            return Give();
+        client->connectToHost(server->serverAddress(), server->serverPort());
+        if (!client->waitForConnected(kPatience))
+            return Give();
+        return [server, client]() mutable {
+            client.reset();
+            server.reset();
+        };
+    }) << QStringLiteral("handle socket");
+    QTest::newRow("more dead sockets than Qt keeps") << Take([]() -> Give {
+        auto sockets = std::make_shared<std::array<QTcpSocket, 7>>();
+        const bool bound = std::all_of(sockets->begin(), sockets->end(), [](QTcpSocket &socket) {
+            socket.setProxy(QNetworkProxy::NoProxy);
+            return socket.bind();
+        });
+        return bound ? [sockets] { sockets->back().abort(); } : Give();
+    }) << QStringLiteral("handle socket that leads nowhere");
     QTest::newRow("a thread") << Take([]() -> Give {
         auto *thread = new QThread;
         thread->setObjectName(QStringLiteral("Forgotten"));
