@@ -20,9 +20,11 @@ void count(std::size_t size)
 // The C library's own, which it lets a program put itself in front of. Linked into the program, these are
 // what every library calls.
 extern "C" {
+// NOLINTBEGIN(bugprone-reserved-identifier): the C library has chosen these names.
 void *__libc_malloc(std::size_t size);
 void *__libc_calloc(std::size_t number, std::size_t size);
 void *__libc_realloc(void *block, std::size_t size);
+// NOLINTEND(bugprone-reserved-identifier)
 
 void *malloc(std::size_t size)
 {
