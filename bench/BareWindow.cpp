@@ -64,7 +64,7 @@ BareWindow::BareWindow(const QWidget &model)
         found.append(widget);
         m_children.append({kind, parent, widget->geometry(), widget->isHidden(),
                            label ? int(label->alignment()) : 0, label && label->wordWrap(), text,
-                           widget->styleSheet(), label ? label->pixmap(Qt::ReturnByValue) : QPixmap()});
+                           widget->styleSheet(), label ? label->pixmap() : QPixmap()});
     }
 }
 

@@ -29,7 +29,7 @@ Samples samplesOf(const QJsonValue &array)
 {
     Samples samples;
     const QJsonArray values = array.toArray();
-    for (const QJsonValue &value : values)
+    for (const auto &value : values)
         samples.values.append(value.toDouble());
     return samples;
 }

@@ -5,8 +5,6 @@
 
 #include "ReportFraming.h"
 
-#include <algorithm>
-
 namespace HIDCommunicator {
 
 FamilyReports familyReports(const std::optional<CollectionReports> &reports)
@@ -18,16 +16,16 @@ FamilyReports familyReports(const std::optional<CollectionReports> &reports)
     return bothWays ? FamilyReports::Yes : FamilyReports::No;
 }
 
-QList<HidDeviceInfo> inOrderForThePanel(QList<HidCollection> collections)
+QList<HidDeviceInfo> inOrderForThePanel(const QList<HidCollection> &collections)
 {
-    std::stable_sort(collections.begin(), collections.end(),
-                     [](const HidCollection &left, const HidCollection &right) {
-                         return familyReports(left.reports) < familyReports(right.reports);
-                     });
     QList<HidDeviceInfo> devices;
-    for (const HidCollection &collection : std::as_const(collections)) {
-        devices.append(collection.device);
-        devices.last().path = collection.device.path.toLower();
+    for (const auto answer : {FamilyReports::No, FamilyReports::Unknown, FamilyReports::Yes}) {
+        for (const HidCollection &collection : collections) {
+            if (familyReports(collection.reports) != answer)
+                continue;
+            devices.append(collection.device);
+            devices.last().path = collection.device.path.toLower();
+        }
     }
     return devices;
 }

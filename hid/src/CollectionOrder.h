@@ -32,6 +32,6 @@ FamilyReports familyReports(const std::optional<CollectionReports> &reports);
 /// any spelling. Those that carry the family's reports come last, where the panel looks first, and before
 /// them those that did not tell; apart from that the order stays, so that of two equal devices it is always
 /// the same one.
-QList<HidDeviceInfo> inOrderForThePanel(QList<HidCollection> collections);
+QList<HidDeviceInfo> inOrderForThePanel(const QList<HidCollection> &collections);
 
 } // namespace HIDCommunicator
