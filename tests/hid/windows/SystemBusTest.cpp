@@ -11,9 +11,10 @@
 using HIDCommunicator::OrvikHIDManager;
 using namespace Qt::StringLiterals;
 
-SystemDevice::SystemDevice(SystemBus &bus, int number, int vendorId, int productId)
+SystemDevice::SystemDevice(SystemBus &bus, int number, int place, int vendorId, int productId)
     : m_bus(bus)
     , m_number(number)
+    , m_place(place)
     , m_vendorId(vendorId)
     , m_productId(productId)
 {
@@ -26,13 +27,14 @@ SystemDevice::~SystemDevice()
     m_bus.m_devices.remove(m_number);
 }
 
-/// Wine makes it of the serial number, which is the device's place in the order of plugging.
+/// Wine makes it of the serial number, which is the device's own number, and of the place.
 QString SystemDevice::path() const
 {
-    return u"\\\\?\\hid#vid_%1&pid_%2#0&%3&0&0#{4d1e55b2-f16f-11cf-88cb-001111000030}"_s
+    return u"\\\\?\\hid#vid_%1&pid_%2#0&%3&0&%4#{4d1e55b2-f16f-11cf-88cb-001111000030}"_s
         .arg(m_vendorId, 4, 16, QLatin1Char('0'))
         .arg(m_productId, 4, 16, QLatin1Char('0'))
-        .arg(m_number);
+        .arg(m_number)
+        .arg(m_place);
 }
 
 void SystemDevice::setResponder(Responder responder)
@@ -54,8 +56,12 @@ QList<QByteArray> SystemDevice::heard() const
 
 void SystemDevice::unplug()
 {
-    if (std::exchange(m_plugged, false))
-        m_bus.m_remote.unplug(m_number);
+    {
+        const std::lock_guard lock(m_bus.m_mutex);
+        if (!std::exchange(m_plugged, false))
+            return;
+    }
+    m_bus.m_remote.unplug(m_number);
 }
 
 void SystemDevice::hear(const QByteArray &report)
@@ -79,13 +85,25 @@ SystemBus::SystemBus()
 std::unique_ptr<SystemDevice> SystemBus::plug(int productId, int vendorId, int reportId)
 {
     const int number = m_plugs++;
-    auto device = std::make_unique<SystemDevice>(*this, number, vendorId, productId);
+    std::unique_ptr<SystemDevice> device;
     {
         const std::lock_guard lock(m_mutex);
+        device = std::make_unique<SystemDevice>(*this, number, placeLocked(productId, vendorId), vendorId,
+                                                productId);
         m_devices.insert(number, device.get());
     }
     m_remote.plug(number, vendorId, productId, reportId);
     return device;
+}
+
+int SystemBus::placeLocked(int productId, int vendorId) const
+{
+    int place = 0;
+    for (const SystemDevice *device : m_devices) {
+        if (device->m_plugged && device->m_productId == productId && device->m_vendorId == vendorId)
+            place = std::max(place, device->m_place + 1);
+    }
+    return place;
 }
 
 void SystemBus::hear(int number, const QByteArray &report)

@@ -28,7 +28,8 @@ public:
     /// Called for every report that the device is sent, on a thread of the bus's; what it returns is sent.
     using Responder = std::function<QList<QByteArray>(const QByteArray &report)>;
 
-    SystemDevice(SystemBus &bus, int number, int vendorId, int productId);
+    /// \a number counts all devices of the bus, \a place those with the same IDs that are plugged in.
+    SystemDevice(SystemBus &bus, int number, int place, int vendorId, int productId);
     ~SystemDevice();
     SystemDevice(const SystemDevice &) = delete;
     SystemDevice &operator=(const SystemDevice &) = delete;
@@ -45,9 +46,10 @@ private:
 
     SystemBus &m_bus;
     const int m_number;
+    const int m_place;
     const int m_vendorId;
     const int m_productId;
-    bool m_plugged = true;
+    bool m_plugged = true; // the bus's mutex guards it
     mutable std::mutex m_mutex;
     Responder m_responder;
     QList<QByteArray> m_heard;
@@ -64,6 +66,7 @@ public:
 private:
     friend class SystemDevice;
     void hear(int number, const QByteArray &report);
+    int placeLocked(int productId, int vendorId) const;
 
     std::mutex m_mutex; ///< a device does not leave while it hears
     QHash<int, SystemDevice *> m_devices;

@@ -270,7 +270,8 @@ void HidWindowsBusTest::idleDeviceWakesNobody()
     QCOMPARE(calls().takeOpened(), QStringList());
 }
 
-/// The periodic scan, every 3 s while a device is open, would need longer for as many arrivals.
+/// The periodic scan, every 3 s while a device is open, would need longer for as many arrivals and
+/// departures.
 void HidWindowsBusTest::plugAndUnplugAreHeardOf()
 {
     const auto device = bus().plug();
@@ -286,9 +287,13 @@ void HidWindowsBusTest::plugAndUnplugAreHeardOf()
         paths.append(others.back()->path());
         QTRY_VERIFY_WITH_TIMEOUT(lastScanFound(paths), kPatienceMs);
     }
-    QVERIFY2(timer.elapsed() < kArrivals * 3000 / 2, qPrintable(QString::number(timer.elapsed())));
-    others.clear();
-    QTRY_VERIFY_WITH_TIMEOUT(lastScanFound({device->path()}), kPatienceMs);
+    // One after the other: of several that leave together Wine may keep some on its list.
+    while (!others.empty()) {
+        others.pop_back();
+        paths.removeLast();
+        QTRY_VERIFY_WITH_TIMEOUT(lastScanFound(paths), kPatienceMs);
+    }
+    QVERIFY2(timer.elapsed() < 2 * kArrivals * 3000 / 2, qPrintable(QString::number(timer.elapsed())));
     QVERIFY(manager().getConnected());
 }
 
