@@ -28,9 +28,12 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <linux/hidraw.h>
+#include <poll.h>
 #include <sys/ioctl.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
+#include <sys/un.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -301,6 +304,28 @@ void takeCalls(const std::shared_ptr<MockDevice::State> &device)
                                   device->calls.get(), nullptr);
 }
 
+/// How long an event waits for a program that does not take those before it.
+constexpr int kEventPatienceMs = 10000;
+
+/// Waits until every program that listens for events has room for one more: umockdev ends this program where
+/// one has not. A listener's socket lies in the root folder.
+void waitForListeners(const QByteArray &root)
+{
+    QDir folder(QFile::decodeName(root), QStringLiteral("event*"), QDir::Name, QDir::Files | QDir::System);
+    const QStringList listeners = folder.entryList();
+    for (const QString &name : listeners) {
+        sockaddr_un listener{};
+        listener.sun_family = AF_UNIX;
+        const QByteArray path = root + '/' + QFile::encodeName(name);
+        qstrncpy(listener.sun_path, path.constData(), sizeof listener.sun_path);
+        const int sender = socket(AF_UNIX, SOCK_RAW | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+        pollfd room{sender, POLLOUT, 0};
+        if (connect(sender, reinterpret_cast<sockaddr *>(&listener), sizeof listener) == 0)
+            poll(&room, 1, kEventPatienceMs);
+        ::close(sender);
+    }
+}
+
 /// Names and values by turns, as umockdev takes them.
 using Fields = QByteArrayList;
 
@@ -314,10 +339,11 @@ QVarLengthArray<gchar *> pointers(const Fields &fields)
 }
 
 /// The new device's folder in sysfs. Its event is sent.
-QByteArray addFolder(UMockdevTestbed *testbed, const char *subsystem, const QByteArray &name,
+QByteArray addFolder(const MockBus::State &bus, const char *subsystem, const QByteArray &name,
                      const QByteArray &parent, const Fields &attributes, const Fields &properties)
 {
-    return takeString(umockdev_testbed_add_devicev(testbed, subsystem, name.constData(),
+    waitForListeners(bus.root);
+    return takeString(umockdev_testbed_add_devicev(bus.testbed.get(), subsystem, name.constData(),
                                                    parent.isEmpty() ? nullptr : parent.constData(),
                                                    pointers(attributes).data(), pointers(properties).data()));
 }
@@ -337,15 +363,15 @@ void addToSysfs(MockDevice::State &device)
     const QByteArray product = hex(identity.productId, 4);
 
     const QByteArray usb
-        = addFolder(testbed, "usb", "1-" + number, {},
+        = addFolder(*device.bus, "usb", "1-" + number, {},
                     {"idVendor", vendor.toLower(), "idProduct", product.toLower(), "bcdDevice", "0100",
                      "manufacturer", "Mock", "product", "Mock device", "serial", number},
                     {"DEVTYPE", "usb_device"});
-    const QByteArray usbInterface = addFolder(testbed, "usb", "1-" + number + ":1.3", usb,
+    const QByteArray usbInterface = addFolder(*device.bus, "usb", "1-" + number + ":1.3", usb,
                                               {"bInterfaceNumber", "03"}, {"DEVTYPE", "usb_interface"});
     const QByteArray id = "0003:" + hex(identity.vendorId, 8) + ':' + hex(identity.productId, 8);
     const QByteArray hid
-        = addFolder(testbed, "hid", "0003:" + vendor + ':' + product + '.' + number, usbInterface, {},
+        = addFolder(*device.bus, "hid", "0003:" + vendor + ':' + product + '.' + number, usbInterface, {},
                     {"HID_ID", id, "HID_NAME", "Mock device", "HID_UNIQ", number});
     QByteArray descriptor = reportDescriptor(identity.reportId);
     if (device.tellsReports)
@@ -357,7 +383,7 @@ void addToSysfs(MockDevice::State &device)
     const QByteArray majorNumber = QByteArray::number(major(deviceNumber));
     const QByteArray minorNumber = QByteArray::number(minor(deviceNumber));
     const QByteArray node
-        = addFolder(testbed, "hidraw", device.node, hid, {"dev", majorNumber + ':' + minorNumber},
+        = addFolder(*device.bus, "hidraw", device.node, hid, {"dev", majorNumber + ':' + minorNumber},
                     {"DEVNAME", device.node, "MAJOR", majorNumber, "MINOR", minorNumber});
     device.sysfs = {node, hid, usbInterface, usb};
 }
@@ -482,6 +508,7 @@ void MockDevice::unplug()
 
     UMockdevTestbed *const testbed = m_state->bus->testbed.get();
     setNodePresent(false);
+    waitForListeners(m_state->bus->root);
     umockdev_testbed_uevent(testbed, m_state->sysfs.first().constData(), "remove");
     m_state->wire.cut();
     // Calls are taken on: umockdev aborts a program that was about to make one.

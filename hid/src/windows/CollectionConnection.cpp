@@ -48,7 +48,8 @@ private:
     Transfer m_writing;
 };
 
-/// A read that nothing has come for stays with the system: called back, it might take a report along.
+/// No read outlives this call: the system ends one with the thread that began it, and Wine does so without
+/// saying how it ended. One that takes a report along when it is called back is the next call's.
 HidConnection::ReadResult CollectionConnection::read(QByteArray &report, std::chrono::milliseconds timeout)
 {
     if (!m_reading.isUnderWay() && !m_reading.read(m_file.inputSize))
@@ -57,6 +58,7 @@ HidConnection::ReadResult CollectionConnection::read(QByteArray &report, std::ch
     switch (WaitForMultipleObjects(DWORD(events.size()), events.data(), FALSE, toSystem(timeout))) {
     case WAIT_OBJECT_0:
     case WAIT_TIMEOUT:
+        m_reading.callBack();
         return ReadResult::Timeout;
     case WAIT_OBJECT_0 + 1:
         return takeReport(report);
@@ -65,7 +67,7 @@ HidConnection::ReadResult CollectionConnection::read(QByteArray &report, std::ch
     }
 }
 
-/// A read ends with the thread that began it. Whether the device is still there, the next one tells.
+/// Of one that was called back, the next read tells whether the device is still there.
 HidConnection::ReadResult CollectionConnection::takeReport(QByteArray &report)
 {
     const auto taken = m_reading.take();
@@ -82,8 +84,9 @@ bool CollectionConnection::write(const QByteArray &report)
     const QByteArray whole = report.leftJustified(m_file.outputSize, '\0');
     if (!m_writing.write(whole))
         return false;
-    const bool done = WaitForSingleObject(m_writing.done(), toSystem(kWriteLimit)) == WAIT_OBJECT_0;
-    return (done ? m_writing.take() : m_writing.callBack()).has_value();
+    if (WaitForSingleObject(m_writing.done(), toSystem(kWriteLimit)) != WAIT_OBJECT_0)
+        m_writing.callBack();
+    return m_writing.take().has_value();
 }
 
 } // namespace

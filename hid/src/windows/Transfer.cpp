@@ -40,21 +40,16 @@ bool Transfer::begin(bool done)
     return m_underWay;
 }
 
-std::optional<QByteArray> Transfer::take()
-{
-    return finish(false);
-}
-
-std::optional<QByteArray> Transfer::callBack()
+void Transfer::callBack()
 {
     CancelIoEx(m_file, &m_state);
-    return finish(true);
+    WaitForSingleObject(m_done.get(), INFINITE);
 }
 
-std::optional<QByteArray> Transfer::finish(bool wait)
+std::optional<QByteArray> Transfer::take()
 {
     DWORD length = 0;
-    const bool transferred = GetOverlappedResult(m_file, &m_state, &length, wait);
+    const bool transferred = GetOverlappedResult(m_file, &m_state, &length, FALSE);
     m_calledBack = !transferred && GetLastError() == ERROR_OPERATION_ABORTED;
     m_underWay = false;
     return transferred ? std::optional(m_buffer.first(qMin(qsizetype(length), m_buffer.size())))

@@ -29,17 +29,16 @@ public:
     bool read(int size);
     bool write(const QByteArray &report);
 
+    /// Returns when the one that is under way is done: it is called back, unless it gets done meanwhile. What
+    /// it has transferred then is still to be taken.
+    void callBack();
     /// What was transferred by the one that is done; nothing when it failed.
     std::optional<QByteArray> take();
-    /// Whether the last one that failed was called back: also by the system, when the thread that began it
-    /// has ended.
+    /// Whether the last one that failed was called back.
     bool wasCalledBack() const { return m_calledBack; }
-    /// The same for one that is not done: it is called back, unless it gets done meanwhile.
-    std::optional<QByteArray> callBack();
 
 private:
     bool begin(bool done);
-    std::optional<QByteArray> finish(bool wait);
 
     HANDLE m_file;
     SystemHandle m_done;

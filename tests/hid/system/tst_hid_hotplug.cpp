@@ -7,7 +7,6 @@
 #include "tests/support/TestProgram.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QSet>
 #include <QtTest>
 
@@ -35,63 +34,18 @@ class HidHotplugTest : public MockBusTest {
 
 private Q_SLOTS:
     void eventsComeFromWhereTheyMeanAReadyNode();
-    void everyByteGoesThrough_data();
-    void everyByteGoesThrough();
     void everyLengthComesThrough_data();
     void everyLengthComesThrough();
-    void burstKeepsItsOrder();
     void deviceHasOneDescriptorThatNobodyInherits();
     void deviceThatIsNotReadyToTakeAReportGetsItLater();
     void reportThatIsTakenInPartIsALoss();
-    void plugAndUnplugAreHeardOf();
-    void unplugDuringAPendingReadIsALoss();
     void failedReadIsALossThoughTheDeviceStays();
     void deviceComesBackUnderAnotherNode();
-    void oneOfTwoDevicesIsOpen();
 };
 
 void HidHotplugTest::eventsComeFromWhereTheyMeanAReadyNode()
 {
     QCOMPARE(MockUdevd::monitoredGroup(), MockUdevd::running() ? QByteArray("udev") : QByteArray("kernel"));
-}
-
-void HidHotplugTest::everyByteGoesThrough_data()
-{
-    QTest::addColumn<QByteArray>("sent");
-    QTest::addColumn<QByteArray>("answered");
-
-    const auto padded = [](const QByteArray &start) { return start.leftJustified(65, '\0'); };
-    QByteArray rising;
-    for (int value = 0; value < 64; ++value)
-        rising.append(char(value));
-    QTest::newRow("question for the mode") << padded(QByteArray::fromHex("51c4090000040810"
-                                                                         "17ff"))
-                                           << padded(QByteArray::fromHex("51c40b00000408100000"
-                                                                         "15ff"));
-    QTest::newRow("zeros") << padded("\x51") << padded("\x51");
-    QTest::newRow("ones") << QByteArray("\x51" + QByteArray(64, '\xFF'))
-                          << QByteArray("\x51" + QByteArray(64, '\xFF'));
-    QTest::newRow("rising bytes") << QByteArray("\x51" + rising) << QByteArray("\x51" + rising);
-    QByteArray upper = rising;
-    for (char &byte : upper)
-        byte = char(byte | 0x80);
-    QTest::newRow("the upper half") << QByteArray("\x51" + upper) << QByteArray("\x51" + rising);
-    QTest::newRow("report IDs all along") << QByteArray(65, '\x51') << QByteArray(65, '\x51');
-}
-
-void HidHotplugTest::everyByteGoesThrough()
-{
-    QFETCH(QByteArray, sent);
-    QFETCH(QByteArray, answered);
-
-    const auto device = bus().plug();
-    device->setResponder([answered](const QByteArray &) { return QList<QByteArray>{answered}; });
-    QTRY_VERIFY_WITH_TIMEOUT(open(*device), kPatienceMs);
-    startThreads();
-    manager().DC_AddSendData(sent);
-    QTRY_COMPARE_WITH_TIMEOUT(recorder().reports().size(), 1, kPatienceMs);
-    QCOMPARE(recorder().reports().first(), answered.sliced(1));
-    QCOMPARE(device->written(), QList<QByteArray>{sent});
 }
 
 void HidHotplugTest::everyLengthComesThrough_data()
@@ -168,65 +122,6 @@ void HidHotplugTest::reportThatIsTakenInPartIsALoss()
     QVERIFY(device->written().isEmpty());
 }
 
-void HidHotplugTest::burstKeepsItsOrder()
-{
-    const auto device = bus().plug();
-    device->setResponder([](const QByteArray &asked) { return QList<QByteArray>{asked, asked}; });
-    QTRY_VERIFY_WITH_TIMEOUT(open(*device), kPatienceMs);
-    startThreads();
-    QList<QByteArray> sent;
-    QList<QByteArray> expected;
-    for (int mark = 0; mark < 30; ++mark) {
-        sent.append(report(mark));
-        expected.append({report(mark).sliced(1), report(mark).sliced(1)});
-        manager().DC_AddSendData(sent.last());
-    }
-    QTRY_COMPARE_WITH_TIMEOUT(recorder().reports().size(), expected.size(), kPatienceMs);
-    QCOMPARE(device->written(), sent);
-    QCOMPARE(recorder().reports(), expected);
-}
-
-/// The periodic scan, every 3 s while a device is open, would need far longer for as many changes.
-void HidHotplugTest::plugAndUnplugAreHeardOf()
-{
-    constexpr int kChanges = 10;
-    constexpr int kWithoutEventsMs = kChanges * 3000;
-    const auto device = bus().plug();
-    QTRY_VERIFY_WITH_TIMEOUT(open(*device), kPatienceMs);
-
-    QElapsedTimer timer;
-    timer.start();
-    for (int change = 0; change < kChanges; change += 2) {
-        const auto other = bus().plug({0x352F, 0x001F});
-        QTRY_VERIFY_WITH_TIMEOUT(lastScanFound({device->path(), other->path()}), kPatienceMs);
-        other->unplug();
-        QTRY_VERIFY_WITH_TIMEOUT(lastScanFound({device->path()}), kPatienceMs);
-    }
-    QVERIFY2(timer.elapsed() < kWithoutEventsMs / 2, qPrintable(QString::number(timer.elapsed())));
-    QVERIFY(manager().getConnected());
-}
-
-void HidHotplugTest::unplugDuringAPendingReadIsALoss()
-{
-    const auto device = bus().plug();
-    QTRY_VERIFY_WITH_TIMEOUT(open(*device), kPatienceMs);
-    startThreads();
-    QVERIFY(isServed(*device));
-    QVERIFY(device->openHandles() > 0);
-
-    device->unplug();
-    QTRY_COMPARE_WITH_TIMEOUT(recorder().statuses(), (QList<int>{0, 1}), kPatienceMs);
-    QVERIFY(!manager().getConnected());
-    QTRY_COMPARE_WITH_TIMEOUT(device->openHandles(), 0, kPatienceMs);
-    QVERIFY(!open(*device));
-
-    // Two more scans have nothing to add.
-    recorder().clear();
-    QTRY_VERIFY_WITH_TIMEOUT(recorder().lists().size() >= 2, kPatienceMs);
-    QVERIFY(recorder().statuses().isEmpty());
-    QVERIFY(lastScanFound({}));
-}
-
 void HidHotplugTest::failedReadIsALossThoughTheDeviceStays()
 {
     const auto device = bus().plug();
@@ -255,24 +150,6 @@ void HidHotplugTest::deviceComesBackUnderAnotherNode()
         QTRY_COMPARE_WITH_TIMEOUT(recorder().statuses(), (QList<int>{1, 0}), kPatienceMs);
         QVERIFY(isServed(*device));
     }
-}
-
-void HidHotplugTest::oneOfTwoDevicesIsOpen()
-{
-    answerAsAPanel();
-    auto first = bus().plug();
-    QTRY_VERIFY_WITH_TIMEOUT(manager().getConnected(), kPatienceMs);
-    const auto second = bus().plug({0x352F, 0x001F});
-    QTRY_VERIFY_WITH_TIMEOUT(lastScanFound({first->path(), second->path()}), kPatienceMs);
-    QVERIFY(!open(*second, 0x001F));
-    QVERIFY(isServed(*first));
-    QCOMPARE(second->openHandles(), 0);
-    QVERIFY(second->written().isEmpty());
-
-    first->unplug();
-    QTRY_COMPARE_WITH_TIMEOUT(recorder().statuses(), (QList<int>{0, 1, 0}), kPatienceMs);
-    QVERIFY(isServed(*second));
-    QTRY_COMPARE_WITH_TIMEOUT(first->openHandles(), 0, kPatienceMs);
 }
 
 QUILLON_TEST_CORE(HidHotplugTest)

@@ -62,8 +62,6 @@ class HidNodesTest : public MockBusTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void identityIsListedAndOpens_data();
-    void identityIsListedAndOpens();
     void foreignDeviceIsIgnored_data();
     void foreignDeviceIsIgnored();
     void nodeWithoutTheReportIdIsListedAndNotOpened();
@@ -75,30 +73,6 @@ private Q_SLOTS:
     void refusedNodeIsOpenedByALaterScan();
     void unsettledNodeIsOpenedOnceUdevdIsDone();
 };
-
-void HidNodesTest::identityIsListedAndOpens_data()
-{
-    QTest::addColumn<int>("productId");
-    QTest::newRow("R1, PC") << 0x0001;
-    QTest::newRow("R1, PC boot loader") << 0x0010;
-    QTest::newRow("R1, OTG and its boot loader") << 0x0012;
-    QTest::newRow("R2, PC") << 0x000E;
-    QTest::newRow("R2, PC boot loader") << 0x00FF;
-    QTest::newRow("R2, OTG") << 0x001F;
-    QTest::newRow("R2, OTG boot loader") << 0x0065;
-}
-
-void HidNodesTest::identityIsListedAndOpens()
-{
-    QFETCH(int, productId);
-
-    const auto device = bus().plug({0x352F, productId});
-    QTRY_VERIFY_WITH_TIMEOUT(lastScanFound({device->path()}), kPatienceMs);
-    QCOMPARE(recorder().productIds().last(), QList<int>{productId});
-    QVERIFY(open(*device, productId));
-    startThreads();
-    QVERIFY(isServed(*device));
-}
 
 void HidNodesTest::foreignDeviceIsIgnored_data()
 {

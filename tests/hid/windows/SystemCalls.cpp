@@ -3,11 +3,14 @@
 
 #include "SystemCalls.h"
 
+#include <QHash>
 #include <QtGlobal>
 
 #include <windows.h>
 
+#include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstring>
 #include <mutex>
 #include <utility>
@@ -18,28 +21,35 @@ constexpr DWORD kListingFailed = 0x13;
 
 std::mutex mutex;
 QStringList opened;
+QHash<HANDLE, QString> forReports; // what is open, by its path
 std::atomic<int> waits = 0;
+thread_local std::chrono::nanoseconds listingTime{};
 std::atomic<bool> openIsRefused = false;
 std::atomic<bool> openHangs = false;
 std::atomic<bool> listingFails = false;
 std::atomic<bool> reportsAreTold = true;
 
 using OpenFile = decltype(&CreateFileW);
+using Close = decltype(&CloseHandle);
 using WaitForSeveral = decltype(&WaitForMultipleObjects);
 using SizeOfList = DWORD(WINAPI *)(ULONG *, GUID *, const wchar_t *, ULONG);
+using List = DWORD(WINAPI *)(GUID *, const wchar_t *, wchar_t *, ULONG, ULONG);
 using AskReports = BOOLEAN(WINAPI *)(HANDLE, void **);
 
 OpenFile openFile = nullptr;
+Close closeIt = nullptr;
 WaitForSeveral waitForSeveral = nullptr;
 SizeOfList sizeOfList = nullptr;
+List list = nullptr;
 AskReports askReports = nullptr;
 
 HANDLE WINAPI takeOpen(LPCWSTR path, DWORD access, DWORD sharing, LPSECURITY_ATTRIBUTES security,
                        DWORD creation, DWORD flags, HANDLE model)
 {
+    const QString name = QString::fromWCharArray(path).toLower();
     {
         const std::lock_guard lock(mutex);
-        opened.append(QString::fromWCharArray(path).toLower());
+        opened.append(name);
     }
     while (openHangs)
         Sleep(1);
@@ -47,7 +57,21 @@ HANDLE WINAPI takeOpen(LPCWSTR path, DWORD access, DWORD sharing, LPSECURITY_ATT
         SetLastError(ERROR_SHARING_VIOLATION);
         return INVALID_HANDLE_VALUE;
     }
-    return openFile(path, access, sharing, security, creation, flags, model);
+    const HANDLE file = openFile(path, access, sharing, security, creation, flags, model);
+    if (file != INVALID_HANDLE_VALUE && access != 0) {
+        const std::lock_guard lock(mutex);
+        forReports.insert(file, name);
+    }
+    return file;
+}
+
+BOOL WINAPI takeClose(HANDLE handle)
+{
+    {
+        const std::lock_guard lock(mutex);
+        forReports.remove(handle);
+    }
+    return closeIt(handle);
 }
 
 DWORD WINAPI takeWait(DWORD count, const HANDLE *handles, BOOL all, DWORD timeout)
@@ -56,9 +80,28 @@ DWORD WINAPI takeWait(DWORD count, const HANDLE *handles, BOOL all, DWORD timeou
     return waitForSeveral(count, handles, all, timeout);
 }
 
+/// Adds the time of its life to what this thread's lists took.
+class ListingTimer {
+public:
+    ListingTimer() = default;
+    ~ListingTimer() { listingTime += std::chrono::steady_clock::now() - m_start; }
+    ListingTimer(const ListingTimer &) = delete;
+    ListingTimer &operator=(const ListingTimer &) = delete;
+
+private:
+    const std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
+};
+
 DWORD WINAPI takeSizeOfList(ULONG *size, GUID *interfaceClass, const wchar_t *device, ULONG flags)
 {
+    const ListingTimer timer;
     return listingFails ? kListingFailed : sizeOfList(size, interfaceClass, device, flags);
+}
+
+DWORD WINAPI takeList(GUID *interfaceClass, const wchar_t *device, wchar_t *names, ULONG size, ULONG flags)
+{
+    const ListingTimer timer;
+    return list(interfaceClass, device, names, size, flags);
 }
 
 BOOLEAN WINAPI takeQuestion(HANDLE file, void **data)
@@ -72,14 +115,16 @@ struct Redirection {
     void **original;
 };
 
-const Redirection kRedirections[]
-    = {{"CreateFileW", reinterpret_cast<void *>(&takeOpen), reinterpret_cast<void **>(&openFile)},
-       {"WaitForMultipleObjects", reinterpret_cast<void *>(&takeWait),
-        reinterpret_cast<void **>(&waitForSeveral)},
-       {"CM_Get_Device_Interface_List_SizeW", reinterpret_cast<void *>(&takeSizeOfList),
-        reinterpret_cast<void **>(&sizeOfList)},
-       {"HidD_GetPreparsedData", reinterpret_cast<void *>(&takeQuestion),
-        reinterpret_cast<void **>(&askReports)}};
+const Redirection kRedirections[] = {
+    {"CreateFileW", reinterpret_cast<void *>(&takeOpen), reinterpret_cast<void **>(&openFile)},
+    {"CloseHandle", reinterpret_cast<void *>(&takeClose), reinterpret_cast<void **>(&closeIt)},
+    {"WaitForMultipleObjects", reinterpret_cast<void *>(&takeWait),
+     reinterpret_cast<void **>(&waitForSeveral)},
+    {"CM_Get_Device_Interface_List_SizeW", reinterpret_cast<void *>(&takeSizeOfList),
+     reinterpret_cast<void **>(&sizeOfList)},
+    {"CM_Get_Device_Interface_ListW", reinterpret_cast<void *>(&takeList), reinterpret_cast<void **>(&list)},
+    {"HidD_GetPreparsedData", reinterpret_cast<void *>(&takeQuestion),
+     reinterpret_cast<void **>(&askReports)}};
 
 /// Where the library looks the address of a function up that it has from another one; null: nowhere.
 void **placeOf(char *library, const char *function)
@@ -126,12 +171,17 @@ SystemCalls::SystemCalls()
 /// The originals stay known: a thread may still be on its way to one.
 SystemCalls::~SystemCalls()
 {
+    letThrough();
+    for (const Redirection &redirection : kRedirections)
+        replace(redirection.function, *redirection.original);
+}
+
+void SystemCalls::letThrough()
+{
     setOpenRefused(false);
     setOpenHanging(false);
     setListingFailing(false);
     setReportsTold(true);
-    for (const Redirection &redirection : kRedirections)
-        replace(redirection.function, *redirection.original);
 }
 
 QStringList SystemCalls::takeOpened()
@@ -140,9 +190,21 @@ QStringList SystemCalls::takeOpened()
     return std::exchange(opened, {});
 }
 
+int SystemCalls::openHandles(const QString &path)
+{
+    const std::lock_guard lock(mutex);
+    return int(std::count_if(forReports.cbegin(), forReports.cend(),
+                             [&](const QString &name) { return path.isEmpty() || name == path; }));
+}
+
 int SystemCalls::takeWaits()
 {
     return waits.exchange(0);
+}
+
+std::chrono::nanoseconds SystemCalls::takeListingTime()
+{
+    return std::exchange(listingTime, {});
 }
 
 void SystemCalls::setOpenRefused(bool refused)

@@ -1,0 +1,8 @@
+// SPDX-FileCopyrightText: 2026 Quillon
+// SPDX-License-Identifier: LicenseRef-Quillon
+
+#pragma once
+
+#include "MockBusTest.h"
+
+using TestedBus = MockBusTest;
