@@ -67,11 +67,6 @@ void RemoteBus::send(int device, const QByteArray &report)
     say("send", device, report.toHex());
 }
 
-void RemoteBus::take(int device, int bytes)
-{
-    say("take", device, QByteArray::number(bytes));
-}
-
 void RemoteBus::say(const QByteArray &verb, int device, const QByteArray &rest)
 {
     const QByteArray line = verb + ' ' + QByteArray::number(device) + ' ' + rest + '\n';

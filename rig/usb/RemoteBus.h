@@ -22,7 +22,6 @@ namespace rig::usb {
 ///     plug <device> <vendor ID> <product ID> <report ID>     <device> is a number of the caller's choosing
 ///     unplug <device>
 ///     send <device> <report in hexadecimal>                  to whoever has it open
-///     take <device> <bytes>                                  of each report it takes so many; below 0: none
 ///
 /// and from there, for each report that the device was sent:
 ///
@@ -43,7 +42,6 @@ public:
     void plug(int device, int vendorId, int productId, int reportId);
     void unplug(int device);
     void send(int device, const QByteArray &report);
-    void take(int device, int bytes);
 
 private:
     void say(const QByteArray &verb, int device, const QByteArray &rest = {});

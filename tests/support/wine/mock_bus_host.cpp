@@ -54,8 +54,6 @@ private:
             unplug(m_devices.take(device));
         else if (verb == "send")
             m_devices[device]->send(QByteArray::fromHex(words.value(2)));
-        else if (verb == "take")
-            m_devices[device]->setTaking(words.value(2).toInt());
     }
 
     void plug(int device, const MockIdentity &identity)
