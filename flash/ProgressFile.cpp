@@ -90,6 +90,8 @@ std::optional<QString> lastLine(QIODevice &file)
     QByteArrayView tail(read);
     if (tail.endsWith('\n'))
         tail.chop(1);
+    if (tail.isEmpty()) // Qt 6.8 would look for the line's end beyond it
+        return QString();
     const qsizetype lineEnd = tail.lastIndexOf('\n');
     if (lineEnd < 0 && !isWhole)
         return QString();
