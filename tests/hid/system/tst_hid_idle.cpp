@@ -66,7 +66,7 @@ void HidIdleTest::threadsSleepUntilSomethingHappens()
     QThread::msleep(kIdleMs);
     QCOMPARE(sleepsOf(workers), workersBefore);
     const qint64 wakeUps = sleepsOf(watch).first() - watchBefore.first();
-    QVERIFY2(wakeUps <= 2 * kScans, qPrintable(QString::number(wakeUps)));
+    QVERIFY2(wakeUps <= qint64(2) * kScans, qPrintable(QString::number(wakeUps)));
 }
 
 using Stop = void (*)();
