@@ -49,7 +49,7 @@ private Q_SLOTS:
     void aSiteThatCannotBeWrittenIsSaid();
 
 private:
-    const SiteFolder m_site; // where nothing is ever published
+    const SiteFolder m_site{}; // where nothing is ever published
 };
 
 void PublishTest::everyFirmwareOfThePanelHasAProject()

@@ -74,6 +74,7 @@ constexpr Course courseOf(rig::Fault fault)
     using M = Meets;
     using S = Screen;
     // clang-format off
+    // NOLINTBEGIN(bugprone-branch-clone): a table with one row for each fault
     switch (fault) {
     //                                     sight of it       meets         PC only       OTG only      both           flash                holds
     case F::ServerRefused:         return {Si::Searching,    M::EveryChip, S::Offer,     S::Offer,     S::Offer,      Flash::Kept,         kUnjudged};
@@ -136,6 +137,7 @@ constexpr Course courseOf(rig::Fault fault)
     case F::DeviceRefusesOpen:     return {Si::Searching,    M::EveryChip, S::Completed, S::Completed, S::Completed,  Flash::Served,       kOver};
     case F::DeviceDamagedTransfer: return {Si::Offer,        M::LastChip,  S::Failure,   S::Failure,   S::Failure,    Flash::Damaged,      kOver};
     }
+    // NOLINTEND(bugprone-branch-clone)
     // clang-format on
     return {};
 }
