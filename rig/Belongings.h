@@ -11,10 +11,12 @@ namespace rig {
 /// one thing by its kind: two open sockets are "socket" twice. Linux shows all of it, Windows knows threads
 /// and handles only by their number, other systems show nothing but files. Thread-safe.
 struct Belongings {
+    static inline const QString kDeadSocket
+        = QStringLiteral("socket that leads nowhere"); ///< a handle of this kind
+
     QStringList threads;
     /// By the file's path, or by their kind. Linux tells a TCP socket that leads nowhere from others.
     QStringList handles;
-    static inline const QString kDeadSocket = QStringLiteral("socket that leads nowhere");
     QStringList processes; ///< children of this one, also those that have ended and were not waited for
     QStringList files; ///< below the folders that were asked for, by their path
 
